@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+//
+// One directory, and the lists of files that can be made of it.
+#pragma once
+
+#include <string>
+
+#include "core/gw_file_spec.h"
+#include "core/gw_list.h"
+#include "core/gw_string.h"
+
+class GW_REG_EXP;
+class GW_TOKEN_TABLE;
+
+class GW_DIR {
+  public:
+    /// `path` gets a trailing "/" when it has none.
+    explicit GW_DIR(const char* path);
+    virtual ~GW_DIR() = default;
+    GW_DIR(const GW_DIR&) = delete;
+    GW_DIR& operator=(const GW_DIR&) = delete;
+
+    /// The directory, ending in "/"; owned by this object.
+    [[nodiscard]] const char* get_path() const { return path.get_str(); }
+
+    virtual void print(const char* prefix, GW_FILE* file) const;
+    /// 1 when both path texts are equal.
+    int equal(const GW_DIR* other) const;
+
+    /// Whether `name` has an extension that `table` knows: 1 or 0. `ext_type` becomes its id, or the table's
+    /// default id. The extension is what follows the first dot; only names of two or three parts have one, so
+    /// "Foo.Bold.pfa" and "a.b.c.d" are refused.
+    static int file_name_check(const char* name, const GW_TOKEN_TABLE* table, int& ext_type);
+
+    /// Appends the subdirectories, and with a `table` the files whose names it accepts, in the order the
+    /// system gives them. Returns 0 when the directory cannot be opened, else 1. The specifications belong to
+    /// `out`'s owner.
+    int get_dir_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, const GW_TOKEN_TABLE* table) const;
+    /// The same; with `recursive` the directories in `out` are then listed in turn, breadth first. A
+    /// directory that is the last entry when its turn comes has its own entries listed but not descended
+    /// into. Each directory is listed once, however many links lead to it. Moves `out`'s cursor.
+    int get_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, int recursive, const GW_TOKEN_TABLE* table) const;
+    /// As `get_dir_file_spec_list`, with only the entries whose names match `re`.
+    int get_matching_file_spec_list(GW_LIST<GW_FILE_SPEC>* out, GW_REG_EXP* re,
+                                    const GW_TOKEN_TABLE* table) const;
+
+    /// Has the PostScript resource file "glyphwd.upr" of this directory built anew in `work_dir`, or in the
+    /// directory itself when `work_dir` is null; `rescan_all` non-zero reads the resource files found there
+    /// too. Returns 1; a missing tool leaves the directory without a resource file.
+    int make_upr_file(int rescan_all, const char* work_dir) const;
+
+  protected:
+    GW_STRING path;
+};

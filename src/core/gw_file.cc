@@ -1,0 +1,71 @@
+// SPDX-License-Identifier: MIT
+#include "core/gw_file.h"
+
+#include <sys/stat.h>
+
+#include <cstring>
+
+GW_FILE::GW_FILE(const char* file_name, const char* file_dir, int type)
+    : GW_FILE_SPEC(file_name, file_dir, type, gw::EXT_UNKNOWN) {}
+
+GW_FILE::GW_FILE(const GW_FILE_SPEC* spec) : GW_FILE_SPEC(spec) {}
+
+int GW_FILE::open(const char* mode) {
+    if (fp) return 0;
+    fp.reset(std::fopen(get_path(), mode));
+    if (!fp) return 0;
+    if (std::strpbrk(mode, "aw") != nullptr)
+        ::fchmod(::fileno(fp.get()), S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
+    return 1;
+}
+
+int GW_FILE::close() {
+    fp.reset();
+    return 1;
+}
+
+int GW_FILE::seek(long offset, int whence) {
+    if (fp) std::fseek(fp.get(), offset, whence);
+    return 1;
+}
+
+long GW_FILE::get_pos() const {
+    return fp ? std::ftell(fp.get()) : -1;
+}
+
+int GW_FILE::file_flush() {
+    return fp ? std::fflush(fp.get()) : EOF;
+}
+
+int GW_FILE::read(char* buf, int n) {
+    if (!fp || n <= 0) return 0;
+    return static_cast<int>(std::fread(buf, 1, static_cast<std::size_t>(n), fp.get()));
+}
+
+int GW_FILE::write(const char* buf, int n) {
+    if (!fp || n <= 0) return 0;
+    const auto written = static_cast<int>(std::fwrite(buf, 1, static_cast<std::size_t>(n), fp.get()));
+    // A block that the disk has no room for is found here, not at the end of the process.
+    if (written > 0 && std::fflush(fp.get()) != 0) return 0;
+    return written;
+}
+
+char* GW_FILE::get_line(char* buf, int size) {
+    return fp ? std::fgets(buf, size, fp.get()) : nullptr;
+}
+
+int GW_FILE::put_line(const char* text) {
+    return fp && std::fputs(text, fp.get()) >= 0 ? 1 : 0;
+}
+
+char* GW_FILE::get_line_at_pos(char* buf, int size, long pos) {
+    seek(pos, SEEK_SET);
+    return get_line(buf, size);
+}
+
+long GW_FILE::put_line_at_pos(const char* text, long pos) {
+    seek(pos, SEEK_SET);
+    put_line(text);
+    file_flush();
+    return pos + static_cast<long>(std::strlen(text));
+}

@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+//
+// A file specification that can be opened and read or written, by lines or by bytes, on standard I/O.
+#pragma once
+
+#include <cstdio>
+#include <memory>
+
+#include "core/gw_file_spec.h"
+
+class GW_FILE : public GW_FILE_SPEC {
+  public:
+    /// A closed file of unknown extension (7).
+    GW_FILE(const char* name, const char* dir, int file_type);
+    explicit GW_FILE(const GW_FILE_SPEC* spec);
+    virtual ~GW_FILE() = default;
+
+    /// Opens the file with an `fopen` mode. Returns 1, or 0 when it is open already (and stays so) or cannot
+    /// be opened. A file opened for writing or appending ("w", "a") gets the permissions 0644, whatever the
+    /// umask.
+    int open(const char* mode);
+    int close();
+    [[nodiscard]] bool is_open() const { return fp != nullptr; }
+
+    /// `fseek`; returns 1 whatever happened.
+    int seek(long offset, int whence);
+    /// The position in bytes from the start; -1 when the file is closed.
+    [[nodiscard]] long get_pos() const;
+    int file_flush();
+
+    /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
+    int read(char* buf, int n);
+    /// Writes and flushes `n` bytes; returns the count written, 0 when the file is closed.
+    int write(const char* buf, int n);
+
+    /// Reads up to `size - 1` bytes, up to and with a newline, and terminates them; null at the end of the
+    /// file.
+    virtual char* get_line(char* buf, int size);
+    /// Writes `text` as it is: callers bring the newline. Returns 1, or 0 when it could not be written.
+    int put_line(const char* text);
+    /// `get_line` from byte offset `pos`.
+    char* get_line_at_pos(char* buf, int size, long pos);
+    /// Writes and flushes `text` at byte offset `pos`; returns the offset behind it.
+    long put_line_at_pos(const char* text, long pos);
+
+  private:
+    struct Closer {
+        void operator()(std::FILE* stream) const { std::fclose(stream); }
+    };
+    std::unique_ptr<std::FILE, Closer> fp;
+};

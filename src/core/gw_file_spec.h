@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+//
+// One file, named by directory and name, with what is known of its kind.
+#pragma once
+
+#include "core/gw_int.h"
+#include "core/gw_list.h"
+#include "core/gw_string.h"
+
+namespace gw {
+
+/// What the file system says a file is.
+enum FileType {
+    FILE_TYPE_OTHER = -1,        ///< neither a regular file nor a directory, or missing
+    FILE_TYPE_REGULAR = 0,       ///< a regular file
+    FILE_TYPE_DIRECTORY = 1,     ///< a directory
+    FILE_TYPE_UNDETERMINED = 2,  ///< not looked at yet
+};
+
+/// What a font file's name says it is.
+enum ExtType {
+    EXT_PFA = 0,
+    EXT_PFB = 1,
+    EXT_AFM = 2,
+    EXT_PS = 3,
+    EXT_PS_Z = 4,
+    EXT_PCF = 5,
+    EXT_PCF_Z = 6,
+    EXT_UNKNOWN = 7,
+};
+
+}  // namespace gw
+
+class GW_FILE_SPEC {
+  public:
+    /// `dir` gets a trailing "/" when it has none. The codes are those of `gw::FileType` and `gw::ExtType`.
+    GW_FILE_SPEC(const char* name, const char* dir, int file_type, int ext_type);
+    /// A copy of name, directory and file type. The extension type is not carried over: a copy is of unknown
+    /// extension (7).
+    explicit GW_FILE_SPEC(const GW_FILE_SPEC* other);
+    GW_FILE_SPEC(const GW_FILE_SPEC&) = delete;
+    GW_FILE_SPEC& operator=(const GW_FILE_SPEC&) = delete;
+
+    /// Makes this the specification of another file; arguments as for the constructor.
+    void init(const char* new_name, const char* new_dir, int new_file_type, int new_ext_type);
+
+    [[nodiscard]] int get_file_type() const { return file_type; }
+    [[nodiscard]] int get_ext_type() const { return ext_type; }
+    void set_file_type(int type) { file_type = type; }
+    void set_ext_type(int type) { ext_type = type; }
+    /// The file's own name, its directory (ending in "/"), and both joined; owned by this object.
+    [[nodiscard]] const char* get_name() const { return name.get_str(); }
+    [[nodiscard]] const char* get_dir() const { return dir.get_str(); }
+    [[nodiscard]] const char* get_path() const { return path.get_str(); }
+
+    /// Writes "[prefix  ]PATH" as a line to `file`; nothing when `file` is null.
+    void print(const char* prefix, GW_FILE* file) const;
+    /// `strcmp` of the names; directories do not count, so same-named files of two directories are equal.
+    int compare(const GW_FILE_SPEC* other) const;
+    int equal(const GW_FILE_SPEC* other) const;
+
+    /// Looks the file up (following links): 1 directory, 0 regular, -1 other or missing. A file that cannot
+    /// be looked at for any other reason than being missing counts as a directory. The result is returned,
+    /// not stored.
+    [[nodiscard]] int get_file_type_from_stat() const;
+    /// 1 unless the file is missing.
+    [[nodiscard]] int exist() const;
+    /// The size in bytes; 0 when the file is missing, 1 when it cannot be looked at.
+    [[nodiscard]] long file_size() const;
+    /// Unlinks the file; returns 1 whatever happened.
+    int remove() const;
+
+    /// 1 when the file type is one of `types`, else 0.
+    int file_type_equal(const GW_LIST<GW_INT>* types) const;
+    /// 1 when the file type is `wanted_file_type` and the extension type is one of `exts`, else 0.
+    int ext_type_equal(const GW_LIST<GW_INT>* exts, int wanted_file_type) const;
+
+  private:
+    int file_type;
+    int ext_type;
+    GW_STRING name;
+    GW_STRING dir;
+    GW_STRING path;
+};

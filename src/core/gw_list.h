@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: MIT
+//
+// The one family of lists: singly linked, with one built-in cursor and 1-based positions.
+//
+// A list frees its own nodes and never its elements: removing an element hands the pointer back to the
+// caller. Whoever owns the elements of a list says so with `gw::ElementsOwner` or releases them with
+// `gw::delete_elements`. Long lists stay usable: ascending positional access continues from the position
+// asked for last, and the sorted list finds its insertion point through an index instead of walking.
+#pragma once
+
+#include <cstddef>
+#include <iterator>
+#include <memory>
+#include <set>
+
+class GW_FILE;
+
+/// Storage, traversal and removal.
+template <class T>
+class GW_LIST_BASE {
+  protected:
+    struct Node {
+        Node* next;
+        T* elem;
+    };
+
+  public:
+    /// Walks the elements in list order without moving the list's cursor.
+    class Iterator {
+      public:
+        using iterator_category = std::forward_iterator_tag;
+        using value_type = T*;
+        using difference_type = std::ptrdiff_t;
+        using pointer = T* const*;
+        using reference = T*;
+
+        explicit Iterator(const Node* node = nullptr) : node_(node) {}
+        T* operator*() const { return node_->elem; }
+        Iterator& operator++() {
+            node_ = node_->next;
+            return *this;
+        }
+        Iterator operator++(int) {
+            Iterator before = *this;
+            ++*this;
+            return before;
+        }
+        bool operator==(const Iterator&) const = default;
+
+      private:
+        const Node* node_;
+    };
+
+    GW_LIST_BASE() = default;
+    ~GW_LIST_BASE() { free_nodes(); }
+    GW_LIST_BASE(const GW_LIST_BASE&) = delete;
+    GW_LIST_BASE& operator=(const GW_LIST_BASE&) = delete;
+
+    [[nodiscard]] int get_count() const { return count; }
+    [[nodiscard]] bool is_empty() const { return head == nullptr; }
+
+    [[nodiscard]] Iterator begin() const { return Iterator(head); }
+    [[nodiscard]] Iterator end() const { return Iterator(); }
+
+    /// Starts a traversal: the first element, or null (and the cursor unchanged) when the list is empty.
+    T* get_first() {
+        if (head == nullptr) return nullptr;
+        cursor = head->next;
+        return head->elem;
+    }
+
+    /// The element under the cursor, which moves on; null when the traversal is finished. There is one
+    /// cursor, so traversals of the same list cannot be nested; use the iterators for that.
+    T* get_next() {
+        if (cursor == nullptr) return nullptr;
+        T* elem = cursor->elem;
+        cursor = cursor->next;
+        return elem;
+    }
+
+    /// The element at `pos`, or null unless 1 <= pos <= count. Does not move the cursor.
+    [[nodiscard]] T* get_elem_at_pos(int pos) const {
+        Node* node = node_at(pos);
+        return node != nullptr ? node->elem : nullptr;
+    }
+
+    /// Unlinks the node at `pos` and returns its element; null (and nothing removed) unless 1 <= pos <=
+    /// count.
+    T* zap_elem_at_pos(int pos) {
+        if (pos < 1 || pos > count || head == nullptr) return nullptr;
+        Node* before = pos == 1 ? nullptr : node_at(pos - 1);
+        return unlink_after(before);
+    }
+
+    /// Removes the first node whose element satisfies `e->equal(element)` and returns that element, or null.
+    T* zap_elem(T* e) {
+        Node* before = nullptr;
+        for (Node* node = head; node != nullptr; before = node, node = node->next) {
+            if (e->equal(node->elem)) return unlink_after(before);
+        }
+        return nullptr;
+    }
+
+    /// Removes every node that `zap_elem(e)` finds; returns how many.
+    int del_elem_all(T* e) {
+        int removed = 0;
+        while (zap_elem(e) != nullptr) ++removed;
+        return removed;
+    }
+
+    /// Removes every node. The elements stay with their owner.
+    void clear() {
+        free_nodes();
+        count = 0;
+        head = tail = cursor = nullptr;
+        changed();
+    }
+
+    /// List subtraction: removes, for every element of `other`, all elements equal to it. Moves `other`'s
+    /// cursor.
+    GW_LIST_BASE& operator-=(GW_LIST_BASE& other) {
+        for (T* e = other.get_first(); e != nullptr; e = other.get_next()) del_elem_all(e);
+        return *this;
+    }
+
+    /// Calls every element's `print`, in list order.
+    void print(const char* prefix, GW_FILE* file) const {
+        for (T* e : *this) e->print(prefix, file);
+    }
+
+  protected:
+    /// Links a new node for `e` behind `before`, or in front of all when `before` is null; returns the node.
+    Node* link_after(Node* before, T* e) {
+        Node*& slot = before != nullptr ? before->next : head;
+        slot = new Node{slot, e};
+        if (tail == before) tail = slot;
+        ++count;
+        changed();
+        return slot;
+    }
+
+    [[nodiscard]] Node* node_at(int pos) const {
+        if (pos < 1 || pos > count || head == nullptr) return nullptr;
+        Node* node = head;
+        int at = 1;
+        if (memo_node != nullptr && memo_pos <= pos) {
+            node = memo_node;
+            at = memo_pos;
+        }
+        for (; at < pos && node->next != nullptr; ++at) node = node->next;
+        if (at != pos) return nullptr;
+        memo_node = node;
+        memo_pos = pos;
+        return node;
+    }
+
+    int count = 0;
+    Node* head = nullptr;
+    Node* tail = nullptr;
+    Node* cursor = nullptr;
+    /// Moves on with every change of the structure, so that an index over the nodes knows when it is out of
+    /// date.
+    unsigned long revision = 0;
+
+  private:
+    T* unlink_after(Node* before) {
+        Node*& slot = before != nullptr ? before->next : head;
+        const std::unique_ptr<Node> node(slot);
+        slot = node->next;
+        if (tail == node.get()) tail = before;
+        if (cursor == node.get()) cursor = node->next;
+        --count;
+        changed();
+        return node->elem;
+    }
+
+    void free_nodes() {
+        for (Node* node = head; node != nullptr;) {
+            const std::unique_ptr<Node> dead(node);
+            node = node->next;
+        }
+    }
+
+    void changed() {
+        ++revision;
+        memo_node = nullptr;
+    }
+
+    mutable Node* memo_node = nullptr;
+    mutable int memo_pos = 0;
+};
+
+/// Adds appending and positional insertion.
+template <class T>
+class GW_LIST : public GW_LIST_BASE<T> {
+  public:
+    GW_LIST() = default;
+    /// A shallow copy: both lists hold the same elements.
+    explicit GW_LIST(const GW_LIST_BASE<T>* source) {
+        for (T* e : *source) append(e);
+    }
+
+    /// Links `e` at the end; returns 1.
+    int append(T* e) {
+        this->link_after(this->tail, e);
+        return 1;
+    }
+
+    /// Links `e` behind position `pos`; 0 means in front of the first. Returns 1, or 0 for a position outside
+    /// 0..count.
+    int insert_after_pos(int pos, T* e) {
+        if (pos < 0 || pos > this->count) return 0;
+        this->link_after(pos == 0 ? nullptr : this->node_at(pos), e);
+        return 1;
+    }
+};
+
+/// How elements of type `T` are ordered in a sorted list; a type whose key is not its own `compare`
+/// specialises this.
+template <class T>
+struct GW_SORT_KEY {
+    static int compare(const T& a, const T& b) { return a.compare(&b); }
+};
+
+/// Adds ordered insertion. Among equal keys the most recently inserted element comes first, ascending and
+/// descending alike: in the font lists, fonts of one name stand in reverse order of insertion.
+template <class T>
+class GW_SORTED_LIST : public GW_LIST_BASE<T> {
+    using Node = typename GW_LIST_BASE<T>::Node;
+
+  public:
+    /// `descending` 0 sorts ascending, any other value descending.
+    explicit GW_SORTED_LIST(int descending) : index_(GoesBefore{descending != 0}) {}
+    GW_SORTED_LIST(const GW_LIST_BASE<T>* source, int descending) : GW_SORTED_LIST(descending) {
+        for (T* e : *source) insert(e);
+    }
+
+    /// Whether `new_elem` is placed in front of `cur`.
+    [[nodiscard]] int compare(const T* new_elem, const T* cur) const {
+        return index_.key_comp().order(new_elem, cur) <= 0 ? 1 : 0;
+    }
+
+    /// Inserts `e` in front of the first element that it goes before; returns 1.
+    int insert(T* e) {
+        if (index_revision_ != this->revision) rebuild_index();
+        if (!index_valid_) {
+            insert_by_walking(e);
+            return 1;
+        }
+        const auto next = index_.lower_bound(e);
+        Node* before = next == index_.begin() ? nullptr : *std::prev(next);
+        index_.insert(next, this->link_after(before, e));
+        index_revision_ = this->revision;
+        return 1;
+    }
+
+  private:
+    struct GoesBefore {
+        using is_transparent = void;
+        bool descending;
+
+        int order(const T* a, const T* b) const {
+            const int result = GW_SORT_KEY<T>::compare(*a, *b);
+            return descending ? -result : result;
+        }
+        bool operator()(const Node* a, const Node* b) const { return order(a->elem, b->elem) < 0; }
+        bool operator()(const Node* a, const T* b) const { return order(a->elem, b) < 0; }
+        bool operator()(const T* a, const Node* b) const { return order(a, b->elem) < 0; }
+    };
+
+    // An element whose key changed while it was in the list may leave the list out of order; the index cannot
+    // stand for such a list, and walking places the new element as it always did.
+    void rebuild_index() {
+        index_.clear();
+        index_valid_ = true;
+        const Node* before = nullptr;
+        for (Node* node = this->head; node != nullptr && index_valid_; node = node->next) {
+            if (before != nullptr && index_.key_comp()(node, before)) index_valid_ = false;
+            index_.insert(index_.end(), node);
+            before = node;
+        }
+        if (!index_valid_) index_.clear();
+        index_revision_ = this->revision;
+    }
+
+    void insert_by_walking(T* e) {
+        Node* before = nullptr;
+        for (Node* node = this->head; node != nullptr && compare(e, node->elem) == 0; node = node->next)
+            before = node;
+        this->link_after(before, e);
+    }
+
+    std::multiset<Node*, GoesBefore> index_;
+    unsigned long index_revision_ = 0;
+    bool index_valid_ = true;
+};
+
+namespace gw {
+
+/// Deletes every element of `list` and empties it.
+template <class List>
+void delete_elements(List& list) {
+    for (auto* e : list) delete e;
+    list.clear();
+}
+
+/// Owns the elements of a list for the length of a scope.
+template <class List>
+class ElementsOwner {
+  public:
+    explicit ElementsOwner(List& list) : list_(list) {}
+    ~ElementsOwner() { delete_elements(list_); }
+    ElementsOwner(const ElementsOwner&) = delete;
+    ElementsOwner& operator=(const ElementsOwner&) = delete;
+
+  private:
+    List& list_;
+};
+
+}  // namespace gw

@@ -1,0 +1,50 @@
+// SPDX-License-Identifier: MIT
+#include "core/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace gw {
+
+namespace {
+
+char ascii_upper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+char ascii_lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+}  // namespace
+
+std::size_t copy_text(char* dst, std::size_t capacity, std::string_view src) {
+    if (capacity == 0) return 0;
+    const std::size_t length = std::min(src.size(), capacity - 1);
+    std::memcpy(dst, src.data(), length);
+    dst[length] = '\0';
+    return length;
+}
+
+std::string truncated(std::string_view text, std::size_t limit) {
+    return std::string(text.substr(0, limit));
+}
+
+std::string with_trailing_slash(std::string_view text) {
+    std::string result(text);
+    if (!result.ends_with('/')) result += '/';
+    return result;
+}
+
+std::string capitalized(std::string_view text) {
+    std::string result(text);
+    if (!result.empty()) result[0] = ascii_upper(result[0]);
+    return result;
+}
+
+std::string lower_case(std::string_view text) {
+    std::string result(text);
+    std::transform(result.begin(), result.end(), result.begin(), ascii_lower);
+    return result;
+}
+
+}  // namespace gw

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// Bounded text: the only way in which this program fills a fixed buffer, and the few string operations that
+// several files need. Everything truncates and terminates; nothing overruns.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace gw {
+
+/// Copies at most `capacity - 1` bytes of `src` into `dst` and terminates it. Returns the number of bytes
+/// copied. A capacity of 0 writes nothing.
+std::size_t copy_text(char* dst, std::size_t capacity, std::string_view src);
+
+/// The same for an array, whose size bounds the copy.
+template <std::size_t N>
+std::size_t copy_text(char (&dst)[N], std::string_view src) {
+    return copy_text(dst, N, src);
+}
+
+/// `text` cut to at most `limit` bytes.
+[[nodiscard]] std::string truncated(std::string_view text, std::size_t limit);
+
+/// `text` with a "/" appended unless it ends in one already.
+[[nodiscard]] std::string with_trailing_slash(std::string_view text);
+
+/// `text` with its first byte in upper case (ASCII letters only: XLFD fields are Latin-1 or ASCII).
+[[nodiscard]] std::string capitalized(std::string_view text);
+
+/// `text` with its ASCII letters in lower case; equal results mean equal for `strcasecmp` in the C locale.
+[[nodiscard]] std::string lower_case(std::string_view text);
+
+}  // namespace gw

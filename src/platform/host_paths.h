@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+//
+// Every fixed path of the system, named once. No other file spells one.
+#pragma once
+
+namespace gw {
+
+// The installation.
+inline constexpr const char* INSTALLATION_ROOT = "/usr/vantor";
+inline constexpr const char* SYSTEM_FONT_DIR = "/usr/vantor/lib/X11/fonts";
+inline constexpr const char* XSET = "/usr/vantor/bin/xset";
+inline constexpr const char* INSTALLATION_CONFIG = "/server/etc/VTconfig";  ///< below the installation root
+inline constexpr const char* LOCALE_FONT_PATH_DIR = "/lib/locale/";         ///< below the installation root
+inline constexpr const char* LOCALE_FONT_PATH_FILE = "/VTfontpath";         ///< below a locale's directory
+
+// The host's own configuration.
+inline constexpr const char* HOST_CONFIG_DIR = "/etc/vantor/server/etc";
+inline constexpr const char* HOST_CONFIG = "/etc/vantor/server/etc/VTconfig";
+inline constexpr const char* DESKTOP_FONT_DIR_FORMAT = "/usr/dt/config/xfonts/%s/";
+inline constexpr const char* DESKTOP_FONT_DIR_NO_LOCALE = "/usr/dt/config/xfonts/C";
+
+// Below the user's home directory.
+inline constexpr const char* USER_FONT_PATH_FILE = "/.VTfontpath";
+inline constexpr const char* USER_SETTINGS_FILE = "/.glyphwdrc";
+
+// Scratch files and directories; their names are fixed, so one instance runs at a time.
+inline constexpr const char* SCRATCH_ERRORS = "/tmp/errors";
+inline constexpr const char* SCRATCH_FONT_PATH = "/tmp/.VTfontpath";
+inline constexpr const char* SCRATCH_PCF_DIR = "/tmp/pcf/";
+inline constexpr const char* SCRATCH_TYPE0_DIR = "/tmp/type0/";
+inline constexpr const char* SCRATCH_TYPE3_DIR = "/tmp/type3/";
+inline constexpr const char* SCRATCH_ROOT = "/tmp";
+
+// Staging directories of fonts that are previewed before they are installed.
+inline constexpr const char* STAGING_DIR = "/tmp/gw_dir/";
+inline constexpr const char* STAGING_FLOPPY = "/tmp/gw_floppy/";
+inline constexpr const char* STAGING_CDROM = "/tmp/gw_cdrom/";
+
+// Removable media.
+inline constexpr const char* FLOPPY_ROOT = "/floppy";
+inline constexpr const char* FLOPPY_MOUNT = "/floppy/floppy0/";
+inline constexpr const char* CDROM_ROOT = "/cdrom";
+inline constexpr const char* CDROM_MOUNT = "/cdrom/cdrom0/";
+
+// Search paths that start-up sets when the environment has none.
+inline constexpr const char* DEFAULT_NLSPATH =
+    "/usr/dt/lib/nls/msg/%L/%N.cat:/usr/dt/lib/nls/msg/%L/%N:/usr/vantor/lib/locale/%L/LC_MESSAGES/%N.cat:"
+    "/usr/vantor/lib/locale/%L/LC_MESSAGES/%N";
+inline constexpr const char* DEFAULT_XFILESEARCHPATH =
+    "/usr/dt/app-defaults/%L/%N:/usr/dt/lib/app-defaults/%N:/usr/vantor/lib/locale/%L/%T/%N%S:/usr/vantor/"
+    "lib/%T/%N%S";
+
+/// The font path of an installation whose database names none.
+inline constexpr const char* DEFAULT_FONT_PATH =
+    "/usr/vantor/lib/X11/fonts/Q7/,/usr/vantor/lib/X11/fonts/Q7bitmaps/,/usr/vantor/lib/X11/fonts/Type1/,"
+    "/usr/vantor/lib/X11/fonts/Speedo/,/usr/vantor/lib/X11/fonts/misc/,/usr/vantor/lib/X11/fonts/75dpi/,"
+    "/usr/vantor/lib/X11/fonts/100dpi/,/usr/vantor/lib/X11/fonts/Kx+/";
+
+// Names of the files in a font directory.
+inline constexpr const char* FONT_INDEX_NAME = "fonts.dir";
+inline constexpr const char* ALIAS_FILE_NAME = "fonts.alias";
+inline constexpr const char* UPR_FILE_NAME = "glyphwd.upr";
+
+}  // namespace gw

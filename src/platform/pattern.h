@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// The seam to the host's pattern matcher (POSIX `regcomp` and `regexec`).
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace gw {
+
+/// A compiled pattern. "." matches any character, "$" anchors at the end; other characters of file names
+/// stand for themselves.
+class Pattern {
+  public:
+    struct Match {
+        std::size_t start;
+        std::size_t end;  ///< just behind the match
+    };
+
+    explicit Pattern(const std::string& pattern);
+    ~Pattern();
+    Pattern(const Pattern&) = delete;
+    Pattern& operator=(const Pattern&) = delete;
+
+    /// The first match in `s`; nothing when there is none, or when the pattern could not be compiled.
+    [[nodiscard]] std::optional<Match> find(const char* s) const;
+
+  private:
+    struct Compiled;
+    std::unique_ptr<Compiled> compiled_;
+};
+
+}  // namespace gw
