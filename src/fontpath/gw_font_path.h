@@ -1,0 +1,56 @@
+// SPDX-License-Identifier: MIT
+//
+// Every font path that matters to one installation, and the only place that reads or writes them: the installation's and the
+// host's configuration database, the per-locale and per-user files, and the running X server. Each is an ordered list of
+// directory texts; the configured ones are composed into one effective list.
+//
+// Owner of the elements: this object, for lists 0 to 7; the composed list shares them.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "core/gw_list.h"
+#include "core/gw_string.h"
+
+class GWFontPath {
+  public:
+    enum TYPE {
+        INSTALLATION_FP = 0,
+        HOST_FP = 1,
+        DT_LOCALE_FP = 2,
+        LOCALE_PREPEND_FP = 3,
+        LOCALE_APPEND_FP = 4,
+        USER_PREPEND_FP = 5,
+        USER_APPEND_FP = 6,
+        SESSION_FP = 7,
+        ALL_FP = 8,
+    };
+    static constexpr int TYPE_COUNT = 9;
+
+    /// Reads everything that belongs to the installation below `root`, without a trailing slash. The server's path is read only when a
+    /// display has been given to `gw::set_font_path_display`.
+    explicit GWFontPath(const char* root);
+    ~GWFontPath();
+    GWFontPath(const GWFontPath&) = delete;
+    GWFontPath& operator=(const GWFontPath&) = delete;
+
+    /// The list for `t` and its length; null and 0 for a value outside the enumeration. An empty session list is read from the server
+    /// first. The list stays with this object and changes with it.
+    GW_LIST<GW_STRING>* get_fpe_list(TYPE t, unsigned int& count);
+
+    /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change through. 1 on success, 0 on
+    /// failure or refusal.
+    int insert_after_pos(TYPE t, const GW_STRING* element, int pos);
+    /// Replaces the whole font path of `t` by copies and writes it through. 1 or 0 as above.
+    int set_font_path(TYPE t, GW_LIST<GW_STRING>* list);
+    /// Removes the element at `pos` (1-based, -1 the last) and writes the change through. 1 or 0 as above.
+    int delete_pos(TYPE t, int pos);
+    /// Has the server reread its font directories.
+    void rehash_session_fp();
+    /// 1 when this user may change `t` now, else 0.
+    int is_writeable(TYPE t);
+
+  private:
+    // The area's owner fills this in.
+};

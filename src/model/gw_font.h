@@ -1,0 +1,115 @@
+// SPDX-License-Identifier: MIT
+//
+// One font as the system knows it: its type, the fourteen fields of its XLFD name, its PostScript name, the files that make it up
+// and the directory that holds them.
+//
+// Owner of the file specifications in the file list: this record.
+#pragma once
+
+#include <array>
+#include <memory>
+#include <string>
+
+#include "core/gw_base.h"
+#include "core/gw_fspec_list.h"
+#include "core/gw_list.h"
+#include "core/ref.h"
+
+class GW_FSM_LIST;
+
+/// Heap storage of n bytes, and its release.
+void* gw_alloc(unsigned n);
+void gw_free(void* storage);
+
+class GWFont : public GW_BASE, public gw::RefCounted {
+  public:
+    enum GW_FONT_TYPE { BITMAP_FONT = 0, TYPE1_FONT = 1, TYPE0_FONT = 2, TYPE3_FONT = 3 };
+    enum FIELD {
+        FOUNDRY,
+        TYPEFACE_NAME,
+        WEIGHT_NAME,
+        SLANT,
+        SETWIDTH_NAME,
+        ADD_STYLE_NAME,
+        PIXEL_SIZE,
+        POINT_SIZE,  ///< decipoints
+        RESOLUTION_X,
+        RESOLUTION_Y,
+        SPACING,
+        AVERAGE_WIDTH,
+        CHARSET_REGISTRY,
+        CHARSET_ENCODING,
+    };
+    static constexpr int FIELD_COUNT = 14;
+    static constexpr std::size_t FIELD_LIMIT = 127;   ///< characters of a field
+    static constexpr std::size_t NAME_LIMIT = 1792;   ///< characters of an XLFD, PostScript or human-readable name
+
+    explicit GWFont(GW_FONT_TYPE type);
+    /// A copy of `other` placed in directory `dir`: same names and files, all in `dir`.
+    GWFont(GWFont& other, const char* dir);
+    ~GWFont() override;
+    GWFont(const GWFont&) = delete;
+    GWFont& operator=(const GWFont&) = delete;
+
+    [[nodiscard]] GW_FONT_TYPE get_type() const;
+    /// Stores at most 127 characters of `value`, each '-' as a blank. A wrong field is reported on standard output and changes nothing.
+    void set_field(FIELD f, const char* value);
+    /// The field's text, owned by this record; null (and a report on standard output) for a wrong field.
+    const char* get_field(FIELD f) const;
+
+    /// Stores a name; an XLFD name also sets the fields, another name leaves them.
+    void set_xlfd_name(const char* name);
+    /// The stored name, composed from the fields first when there is none. Owned by this record.
+    const char* get_xlfd_name();
+    /// The name composed anew from the fields, or the stored one of a bitmap font that has no XLFD name, into `dst`, which holds `len`
+    /// characters and a terminating NUL. When it does not fit that is said on standard output and `dst` stays as it was.
+    void construct_xlfd_name(const char* ignored, char* dst, unsigned len);
+    void set_ps_name(const char* name);
+    const char* get_ps_name() const;
+
+    void set_dir_name(const char* dir);
+    /// The directory that holds the files; null when it is not known.
+    const char* get_dir_name() const;
+    /// Takes ownership of `list` and of the specifications in it.
+    void set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list);
+    /// The files, owned by this record; may be null.
+    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const;
+
+    /// The preset name that, when it is not empty, stands for every human-readable name of the font.
+    void set_preset_hrn_name(const char* name);
+    /// The name shown in lists ("Helvetica Bold Oblique [Type-1]", with "[Read Only]" at column 46).
+    std::string get_hrn_name();
+    /// The name in brackets with foundry and charset ("[Adobe Times Bold Italic ISO-Latin-1 Type-1]").
+    std::string get_cli_hrn_name();
+    /// A blank and the human-readable charset. Owned by this record.
+    const char* get_charset_hrn_name();
+
+    /// 1 when both fonts fall under one human-readable name: they differ at most in sizes, resolutions and average width.
+    int compare_hrn(const GWFont* other) const;
+    /// A text that two fonts have in common exactly when `compare_hrn` says 1.
+    [[nodiscard]] std::string hrn_key() const;
+    /// 1 when both records are the same font, by name and without regard to case.
+    int fontcmp(GWFont* other);
+
+    /// Has the type's module install the font into `dir`, whose index is created when missing. Returns 1.
+    int install_font(const char* dir, char ignored, GW_FSM_LIST& modules);
+    /// Has the type's module delete the font. Returns 0.
+    int delete_font(GW_FSM_LIST& modules);
+
+    /// Kilobytes that the files occupy; measured once. Missing files count 0.
+    unsigned get_disk_space();
+    /// Sticky: once a font is read-only it stays so.
+    [[nodiscard]] bool is_read_only() const;
+
+  private:
+    // The area's owner fills this in.
+};
+
+template <class T>
+struct GW_SORT_KEY;
+
+/// Font lists are sorted by the bracketed name, without regard to case.
+template <>
+struct GW_SORT_KEY<GWFont> {
+    static int compare(GWFont& a, GWFont& b);
+};

@@ -1,0 +1,116 @@
+// SPDX-License-Identifier: MIT
+//
+// What the font lists show: one element per human-readable name, holding all the fonts that share it (for bitmap fonts all point
+// sizes and resolutions of one face). Installation and deletion of what the user selected start here.
+//
+// Owners: a `GWHRNList` owns its elements, and an element shares its fonts with its copies and with pending conflicts.
+#pragma once
+
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "core/gw_base.h"
+#include "core/gw_list.h"
+#include "core/ref.h"
+#include "model/gw_font.h"
+
+class GWAlias;
+class GWConflict;
+class GWHRNList;
+class GW_FSM_LIST;
+
+class GWHRNElement : public GW_BASE, public gw::RefCounted {
+  public:
+    static constexpr unsigned MAX_POINT_SIZES = 100;
+    static constexpr unsigned MAX_FONTS_PER_SIZE = 20;
+    static constexpr std::size_t SIZE_TEXT_LIMIT = 19;  ///< characters of a point-size or resolution text
+
+    /// What `install_fonts` and `delete_fonts` answer.
+    static constexpr int DONE = 2;
+    static constexpr int CONFLICT = 1;
+
+    /// The fonts of one point size.
+    struct PointSize {
+        std::string point_size;                ///< decipoints, as in the XLFD name
+        std::vector<std::string> resolutions;  ///< "75 X 75", parallel to `fonts`
+        std::vector<gw::Ref<GWFont>> fonts;
+    };
+
+    explicit GWHRNElement(GWFont* font);
+    /// A copy that shares the fonts; its name is made anew.
+    GWHRNElement(const GWHRNElement& other);
+    ~GWHRNElement() override;
+    GWHRNElement& operator=(const GWHRNElement&) = delete;
+
+    void _initialize_hrn_element(GWFont* font);
+    /// 1 when the element took the font. A refused font gives 0, or with `force` non-zero the element becomes one of this font alone.
+    int add_font(GWFont* font, int force);
+    /// Removes that very font; 1, or 0 when it is not here. Its point size stays.
+    int del_font(GWFont* font);
+
+    /// The point-size texts (decipoints) in ascending order, and their number.
+    std::vector<std::string> get_point_sizes(unsigned& count) const;
+    /// The resolution texts of that point size, and their number; empty and 0 for an unknown or null size.
+    std::vector<std::string> get_res(const char* point_size, unsigned& count) const;
+    /// The font of that point size and resolution; the representative when there is none, and always for outline fonts. Owned by the
+    /// element; null only when the element has lost all its fonts.
+    GWFont* get_font(const char* point_size, const char* resolution) const;
+    /// The first font of the first size that has one; null when there is none.
+    [[nodiscard]] GWFont* get_representative() const;
+
+    /// DONE, or CONFLICT when a conflict stopped it and nothing was written.
+    int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases, GW_FSM_LIST& modules,
+                      GW_LIST<GWConflict>& conflicts);
+    /// DONE, or CONFLICT when a conflict stopped it and nothing was deleted.
+    int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list);
+    /// 1 when a font of this element is the same as one of `installed_elem` and a conflict was recorded, else 0. The conflict belongs to
+    /// `conflicts`' owner.
+    int _hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWConflict>& conflicts, const char* dir);
+
+    using GW_BASE::compare;
+    /// `strcasecmp` of the names.
+    int compare(const GWHRNElement* other) const;
+
+    [[nodiscard]] const char* get_name() const { return name.c_str(); }
+    [[nodiscard]] int is_read_only() const { return read_only; }
+    /// Kilobytes, the sum over the fonts.
+    [[nodiscard]] unsigned get_disk_space() const { return disk_space; }
+    [[nodiscard]] const std::vector<PointSize>& get_slots() const { return slots; }
+
+  private:
+    int read_only = 0;
+    unsigned disk_space = 0;
+    std::vector<PointSize> slots;
+    std::string name;
+};
+
+class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
+  public:
+    explicit GWHRNList(int descending) : GW_SORTED_LIST<GWHRNElement>(descending) {}
+    ~GWHRNList();
+
+    /// Puts the font under its name: into the first element that takes it, or into a new one. The font belongs to the elements.
+    void add_font(GWFont* font);
+    /// Takes `elem` into the list, which owns it from now on; returns 1.
+    int insert(GWHRNElement* elem);
+    /// Deletes the fonts of the element at `pos` (1-based) and, when that is done, the element. Returns DONE or CONFLICT, 0 for a
+    /// position without an element.
+    int delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
+    /// Installs the element at `pos` into `dir`; DONE or CONFLICT, 0 for a position without an element.
+    int install_at_pos(unsigned pos, const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
+                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
+    /// The element's values; 0 or empty for a position without an element.
+    unsigned get_disk_space(unsigned pos) const;
+    std::vector<std::string> get_point_sizes(unsigned pos, unsigned& count) const;
+    std::vector<std::string> get_res_for_pt_size(unsigned pos, const char* point_size, unsigned& count) const;
+    /// Takes a copy of each element of `other`, in its order; `other` stays as it is and the fonts are shared.
+    void merge(const GWHRNList& other);
+    /// Releases every element.
+    void clear();
+    /// Releases that very element, if it is here.
+    void delete_hrn_elem(GWHRNElement* elem);
+
+  private:
+    // The area's owner fills this in.
+};
