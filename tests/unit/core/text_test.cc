@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+#include "core/text.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(CopyText, TruncatesAndTerminates) {
+    char dst[4] = {'x', 'x', 'x', 'x'};
+    EXPECT_EQ(gw::copy_text(dst, "courier"), 3U);
+    EXPECT_STREQ(dst, "cou");
+}
+
+TEST(CopyText, WritesNothingIntoNothing) {
+    char guard = 'g';
+    EXPECT_EQ(gw::copy_text(&guard, 0, "courier"), 0U);
+    EXPECT_EQ(guard, 'g');
+}
+
+TEST(WithTrailingSlash, AppendsOnlyWhenMissing) {
+    EXPECT_EQ(gw::with_trailing_slash("/fonts"), "/fonts/");
+    EXPECT_EQ(gw::with_trailing_slash("/fonts/"), "/fonts/");
+    EXPECT_EQ(gw::with_trailing_slash(""), "/");
+}
+
+TEST(Capitalized, ChangesTheFirstLetterOnly) {
+    EXPECT_EQ(gw::capitalized("new century"), "New century");
+    EXPECT_EQ(gw::capitalized("1942"), "1942");
+    EXPECT_EQ(gw::capitalized(""), "");
+    EXPECT_EQ(gw::capitalized("\xe4hnlich"), "\xe4hnlich");
+}
+
+TEST(LowerCase, LeavesBytesOutsideAsciiAlone) { EXPECT_EQ(gw::lower_case("ISO8859-1 \xc4"), "iso8859-1 \xc4"); }
+
+}  // namespace
