@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The two objects of the running program that the drivers reach for. The application makes them; tests make their own.
+// The two objects of the running program that the drivers reach for. The application makes them; tests make
+// their own.
 #pragma once
 
 class GWFontPath;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A driver is a source of fonts for a list on the screen. It can put a staging directory on the running server's font path for a
-// while, so that the server can draw samples of fonts that are not installed yet.
+// A driver is a source of fonts for a list on the screen. It can put a staging directory on the running
+// server's font path for a while, so that the server can draw samples of fonts that are not installed yet.
 #pragma once
 
 #include <optional>
@@ -19,10 +19,11 @@ class GWDriverBase {
 
     /// Adds the fonts of this source to `out`.
     virtual void get_hrn_list(GWHRNList& out) = 0;
-    /// Makes sure that `dir` is on the configured and on the session font path. Returns 0 when it was on the session's already, else the
-    /// result of putting it there.
+    /// Makes sure that `dir` is on the configured and on the session font path. Returns 0 when it was on the
+    /// session's already, else the result of putting it there.
     virtual int set_font_path(const char* dir);
-    /// Puts the preview directory on the session font path; only has the server reread it when it is there already.
+    /// Puts the preview directory on the session font path; only has the server reread it when it is there
+    /// already.
     virtual void start_preview();
     /// Takes the preview directory off the session font path.
     virtual void stop_preview();

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The index "fonts.dir" of a font directory: line 1 is the number of entries, every further line a file name, one blank and a
-// font name (format: fonts.dir, as read by the X server's font library). The X server reads it too, so it is edited with
-// care: the count line always tells the truth, and a rewrite is atomic.
+// The index "fonts.dir" of a font directory: line 1 is the number of entries, every further line a file name,
+// one blank and a font name (format: fonts.dir, as read by the X server's font library). The X server reads
+// it too, so it is edited with care: the count line always tells the truth, and a rewrite is atomic.
 #pragma once
 
 #include <memory>
@@ -19,37 +19,41 @@ class GW_FONTDIR_FILE : public GW_FILE {
         std::string file_name;
         std::string font_name;
     };
-    /// Lines are read in pieces of at most this many characters; an entry line with its newline must be shorter to be read back whole.
+    /// Lines are read in pieces of at most this many characters; an entry line with its newline must be
+    /// shorter to be read back whole.
     static constexpr int LINE_BUFFER = 120;
 
     GW_FONTDIR_FILE(const char* dir, int file_type);
 
     /// Makes an index of no entries ("0\n") unless there is one; returns 1.
     int create();
-    /// The number on line 1 (0 when it is not a number), or -1 when the file cannot be opened. The file is closed again.
+    /// The number on line 1 (0 when it is not a number), or -1 when the file cannot be opened. The file is
+    /// closed again.
     int get_font_count();
 
     /// Every entry in file order, read in one pass; false when the file cannot be opened.
     [[nodiscard]] bool get_entries(std::vector<Entry>& out);
-    /// Appends the file name (font name) of every entry, in file order; 0 when the file cannot be opened, else 1. The strings belong to
-    /// `out`'s owner.
+    /// Appends the file name (font name) of every entry, in file order; 0 when the file cannot be opened,
+    /// else 1. The strings belong to `out`'s owner.
     int get_inst_font_file_names(GW_STRING_LIST& out);
     int get_inst_font_names(GW_STRING_LIST& out);
-    /// The font name of the first entry of that file (the file name of the first entry of that font), case-sensitive; null when there
-    /// is none or the file cannot be opened.
+    /// The font name of the first entry of that file (the file name of the first entry of that font),
+    /// case-sensitive; null when there is none or the file cannot be opened.
     std::unique_ptr<GW_STRING> get_font_name(const char* file_name);
     std::unique_ptr<GW_STRING> get_file_name(const char* font_name);
 
     /// Splits an entry line at the first blank; the font name keeps further blanks and loses its newline.
     static void split_line(const char* line, std::string& file_name, std::string& font_name);
 
-    /// Appends the entry `line` (which brings its newline) and counts it; returns 1 when it is in the index, 0 when it could not be written.
+    /// Appends the entry `line` (which brings its newline) and counts it; returns 1 when it is in the index,
+    /// 0 when it could not be written.
     int append_line(const char* line);
     int append_line(const GW_STRING_LIST* lines);
-    /// Removes the first entry of that file and counts it off; returns 1, or 0 when there is none or the file cannot be changed.
+    /// Removes the first entry of that file and counts it off; returns 1, or 0 when there is none or the file
+    /// cannot be changed.
     int delete_font_file_line(const char* file_name);
-    /// Removes the `n`-th entry line (1 is the first behind the count line), without touching the count. Returns 0 when the file cannot be
-    /// changed or has no such line, else 1.
+    /// Removes the `n`-th entry line (1 is the first behind the count line), without touching the count.
+    /// Returns 0 when the file cannot be changed or has no such line, else 1.
     int delete_line(int n);
     /// Adds `delta` to the number on line 1; returns the new count, or -1 when the file cannot be changed.
     int adjust_font_count(int delta);

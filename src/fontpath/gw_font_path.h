@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// Every font path that matters to one installation, and the only place that reads or writes them: the installation's and the
-// host's configuration database, the per-locale and per-user files, and the running X server. Each is an ordered list of
-// directory texts; the configured ones are composed into one effective list.
+// Every font path that matters to one installation, and the only place that reads or writes them: the
+// installation's and the host's configuration database, the per-locale and per-user files, and the running X
+// server. Each is an ordered list of directory texts; the configured ones are composed into one effective
+// list.
 //
 // Owner of the elements: this object, for lists 0 to 7; the composed list shares them.
 #pragma once
@@ -28,19 +29,19 @@ class GWFontPath {
     };
     static constexpr int TYPE_COUNT = 9;
 
-    /// Reads everything that belongs to the installation below `root`, without a trailing slash. The server's path is read only when a
-    /// display has been given to `gw::set_font_path_display`.
+    /// Reads everything that belongs to the installation below `root`, without a trailing slash. The server's
+    /// path is read only when a display has been given to `gw::set_font_path_display`.
     explicit GWFontPath(const char* root);
     ~GWFontPath();
     GWFontPath(const GWFontPath&) = delete;
     GWFontPath& operator=(const GWFontPath&) = delete;
 
-    /// The list for `t` and its length; null and 0 for a value outside the enumeration. An empty session list is read from the server
-    /// first. The list stays with this object and changes with it.
+    /// The list for `t` and its length; null and 0 for a value outside the enumeration. An empty session list
+    /// is read from the server first. The list stays with this object and changes with it.
     GW_LIST<GW_STRING>* get_fpe_list(TYPE t, unsigned int& count);
 
-    /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change through. 1 on success, 0 on
-    /// failure or refusal.
+    /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change
+    /// through. 1 on success, 0 on failure or refusal.
     int insert_after_pos(TYPE t, const GW_STRING* element, int pos);
     /// Replaces the whole font path of `t` by copies and writes it through. 1 or 0 as above.
     int set_font_path(TYPE t, GW_LIST<GW_STRING>* list);

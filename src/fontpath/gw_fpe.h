@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// One element of the X font path, seen as a font directory with its index and, when it has one, its alias file.
+// One element of the X font path, seen as a font directory with its index and, when it has one, its alias
+// file.
 #pragma once
 
 #include <memory>
@@ -22,15 +23,17 @@ class GW_FPE : public GW_DIR {
     /// Null when the directory had no alias file at construction.
     [[nodiscard]] GW_ALIAS_FILE* get_alias_file() { return alias_file.get(); }
 
-    /// Non-zero when both path texts, as given, are equal; with and without a trailing slash are two elements.
+    /// Non-zero when both path texts, as given, are equal; with and without a trailing slash are two
+    /// elements.
     int equal(const GW_FPE* other) const;
 
-    /// Makes the directory named by the element's text followed directly by "afm" (mode 0777 before the umask); returns `mkdir`'s
-    /// result. Without a trailing slash that is a sibling, not a subdirectory.
+    /// Makes the directory named by the element's text followed directly by "afm" (mode 0777 before the
+    /// umask); returns `mkdir`'s result. Without a trailing slash that is a sibling, not a subdirectory.
     int make_afm_dir();
 
-    /// The file of the font that `alias_name` stands for, looked up in this element's alias file and index and then, when `fpe_list` is
-    /// not null, in the indexes of its elements. On success the font name is stored in `font_name_out`; null when not found.
+    /// The file of the font that `alias_name` stands for, looked up in this element's alias file and index
+    /// and then, when `fpe_list` is not null, in the indexes of its elements. On success the font name is
+    /// stored in `font_name_out`; null when not found.
     std::unique_ptr<GW_FILE_SPEC> get_alias_file_spec(std::string& font_name_out, const char* alias_name,
                                                       GW_LIST<GW_FPE>* fpe_list);
 
@@ -43,13 +46,13 @@ class GW_FPE : public GW_DIR {
     std::unique_ptr<GW_ALIAS_FILE> alias_file;
 };
 
-/// A staging directory, whose index refers to fonts elsewhere through links in the staging directory: the X server joins the
-/// directory and the index's name, and follows a link to a directory on the way.
+/// A staging directory, whose index refers to fonts elsewhere through links in the staging directory: the X
+/// server joins the directory and the index's name, and follows a link to a directory on the way.
 class GWStagingFpe : public GW_FPE {
   public:
     using GW_FPE::GW_FPE;
 
-    /// The file's path relative to the staging directory when it lies below it ("link/9x15.pcf"), otherwise its absolute path without
-    /// the leading "/" ("cdrom/cdrom0/sub/9x15.pcf").
+    /// The file's path relative to the staging directory when it lies below it ("link/9x15.pcf"), otherwise
+    /// its absolute path without the leading "/" ("cdrom/cdrom0/sub/9x15.pcf").
     [[nodiscard]] std::string index_name(const GW_FILE_SPEC& spec) const override;
 };

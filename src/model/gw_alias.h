@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// One line of a "fonts.alias" file as the user sees it. Aliases are listed behind the fonts and are always read-only.
+// One line of a "fonts.alias" file as the user sees it. Aliases are listed behind the fonts and are always
+// read-only.
 #pragma once
 
 #include <string>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Why one entry of a font list could not simply be installed or deleted, so that the user can decide. A conflict keeps alive
-// what it refers to, whatever happens to the lists meanwhile.
+// Why one entry of a font list could not simply be installed or deleted, so that the user can decide. A
+// conflict keeps alive what it refers to, whatever happens to the lists meanwhile.
 #pragma once
 
 #include <array>
@@ -21,20 +21,21 @@ class GWConflict : public GW_BASE {
     enum TYPE { INSTALL = 1, DELETE = 2 };
     enum INFO { READ_ONLY = 11, SYSTEM_FONT = 12, PACKAGE = 13, SAME_NAME = 14, ALIAS = 15 };
 
-    /// `element` is the entry, `other` the installed entry of the same name (installation), `dir_name` the destination (copied), `list` the
-    /// list that holds the element (deletion). All but `type` may be null.
+    /// `element` is the entry, `other` the installed entry of the same name (installation), `dir_name` the
+    /// destination (copied), `list` the list that holds the element (deletion). All but `type` may be null.
     GWConflict(TYPE type, GWHRNElement* element, GWAlias* alias, GWHRNElement* other, const char* dir_name,
                GWHRNList* list);
 
-    /// Sets the flag of `info` and, for an installation, notes `font` as the installed font that the new one at (group, index) would
-    /// replace. Values outside 11..15 change nothing.
+    /// Sets the flag of `info` and, for an installation, notes `font` as the installed font that the new one
+    /// at (group, index) would replace. Values outside 11..15 change nothing.
     void set_conflict(INFO info, GWFont* font, unsigned group, unsigned index);
     /// The flag of `info`; 0 for any other value.
     [[nodiscard]] int is_conflict(INFO info) const;
     /// The directory of the first installed font in the way; "" when there is none.
     std::string get_conflict_dir_name() const;
 
-    /// Installs in spite of the conflict, replacing what is in the way; nothing for a read-only or alias conflict.
+    /// Installs in spite of the conflict, replacing what is in the way; nothing for a read-only or alias
+    /// conflict.
     void install_force(GW_FSM_LIST& modules);
     /// Deletes in spite of the conflict; nothing for a read-only or alias conflict.
     void delete_force(GW_FSM_LIST& modules);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// One font as the system knows it: its type, the fourteen fields of its XLFD name, its PostScript name, the files that make it up
-// and the directory that holds them.
+// One font as the system knows it: its type, the fourteen fields of its XLFD name, its PostScript name, the
+// files that make it up and the directory that holds them.
 //
 // Owner of the file specifications in the file list: this record.
 #pragma once
@@ -41,8 +41,9 @@ class GWFont : public GW_BASE, public gw::RefCounted {
         CHARSET_ENCODING,
     };
     static constexpr int FIELD_COUNT = 14;
-    static constexpr std::size_t FIELD_LIMIT = 127;   ///< characters of a field
-    static constexpr std::size_t NAME_LIMIT = 1792;   ///< characters of an XLFD, PostScript or human-readable name
+    static constexpr std::size_t FIELD_LIMIT = 127;  ///< characters of a field
+    static constexpr std::size_t NAME_LIMIT =
+        1792;  ///< characters of an XLFD, PostScript or human-readable name
 
     explicit GWFont(GW_FONT_TYPE type);
     /// A copy of `other` placed in directory `dir`: same names and files, all in `dir`.
@@ -52,7 +53,8 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     GWFont& operator=(const GWFont&) = delete;
 
     [[nodiscard]] GW_FONT_TYPE get_type() const;
-    /// Stores at most 127 characters of `value`, each '-' as a blank. A wrong field is reported on standard output and changes nothing.
+    /// Stores at most 127 characters of `value`, each '-' as a blank. A wrong field is reported on standard
+    /// output and changes nothing.
     void set_field(FIELD f, const char* value);
     /// The field's text, owned by this record; null (and a report on standard output) for a wrong field.
     const char* get_field(FIELD f) const;
@@ -61,8 +63,9 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     void set_xlfd_name(const char* name);
     /// The stored name, composed from the fields first when there is none. Owned by this record.
     const char* get_xlfd_name();
-    /// The name composed anew from the fields, or the stored one of a bitmap font that has no XLFD name, into `dst`, which holds `len`
-    /// characters and a terminating NUL. When it does not fit that is said on standard output and `dst` stays as it was.
+    /// The name composed anew from the fields, or the stored one of a bitmap font that has no XLFD name, into
+    /// `dst`, which holds `len` characters and a terminating NUL. When it does not fit that is said on
+    /// standard output and `dst` stays as it was.
     void construct_xlfd_name(const char* ignored, char* dst, unsigned len);
     void set_ps_name(const char* name);
     const char* get_ps_name() const;
@@ -84,7 +87,8 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// A blank and the human-readable charset. Owned by this record.
     const char* get_charset_hrn_name();
 
-    /// 1 when both fonts fall under one human-readable name: they differ at most in sizes, resolutions and average width.
+    /// 1 when both fonts fall under one human-readable name: they differ at most in sizes, resolutions and
+    /// average width.
     int compare_hrn(const GWFont* other) const;
     /// A text that two fonts have in common exactly when `compare_hrn` says 1.
     [[nodiscard]] std::string hrn_key() const;

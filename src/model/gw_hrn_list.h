@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// What the font lists show: one element per human-readable name, holding all the fonts that share it (for bitmap fonts all point
-// sizes and resolutions of one face). Installation and deletion of what the user selected start here.
+// What the font lists show: one element per human-readable name, holding all the fonts that share it (for
+// bitmap fonts all point sizes and resolutions of one face). Installation and deletion of what the user
+// selected start here.
 //
-// Owners: a `GWHRNList` owns its elements, and an element shares its fonts with its copies and with pending conflicts.
+// Owners: a `GWHRNList` owns its elements, and an element shares its fonts with its copies and with pending
+// conflicts.
 #pragma once
 
 #include <string>
@@ -44,7 +46,8 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     GWHRNElement& operator=(const GWHRNElement&) = delete;
 
     void _initialize_hrn_element(GWFont* font);
-    /// 1 when the element took the font. A refused font gives 0, or with `force` non-zero the element becomes one of this font alone.
+    /// 1 when the element took the font. A refused font gives 0, or with `force` non-zero the element becomes
+    /// one of this font alone.
     int add_font(GWFont* font, int force);
     /// Removes that very font; 1, or 0 when it is not here. Its point size stays.
     int del_font(GWFont* font);
@@ -53,19 +56,19 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     std::vector<std::string> get_point_sizes(unsigned& count) const;
     /// The resolution texts of that point size, and their number; empty and 0 for an unknown or null size.
     std::vector<std::string> get_res(const char* point_size, unsigned& count) const;
-    /// The font of that point size and resolution; the representative when there is none, and always for outline fonts. Owned by the
-    /// element; null only when the element has lost all its fonts.
+    /// The font of that point size and resolution; the representative when there is none, and always for
+    /// outline fonts. Owned by the element; null only when the element has lost all its fonts.
     GWFont* get_font(const char* point_size, const char* resolution) const;
     /// The first font of the first size that has one; null when there is none.
     [[nodiscard]] GWFont* get_representative() const;
 
     /// DONE, or CONFLICT when a conflict stopped it and nothing was written.
-    int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases, GW_FSM_LIST& modules,
-                      GW_LIST<GWConflict>& conflicts);
+    int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
+                      GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// DONE, or CONFLICT when a conflict stopped it and nothing was deleted.
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list);
-    /// 1 when a font of this element is the same as one of `installed_elem` and a conflict was recorded, else 0. The conflict belongs to
-    /// `conflicts`' owner.
+    /// 1 when a font of this element is the same as one of `installed_elem` and a conflict was recorded, else
+    /// 0. The conflict belongs to `conflicts`' owner.
     int _hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWConflict>& conflicts, const char* dir);
 
     using GW_BASE::compare;
@@ -90,12 +93,13 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     explicit GWHRNList(int descending) : GW_SORTED_LIST<GWHRNElement>(descending) {}
     ~GWHRNList();
 
-    /// Puts the font under its name: into the first element that takes it, or into a new one. The font belongs to the elements.
+    /// Puts the font under its name: into the first element that takes it, or into a new one. The font
+    /// belongs to the elements.
     void add_font(GWFont* font);
     /// Takes `elem` into the list, which owns it from now on; returns 1.
     int insert(GWHRNElement* elem);
-    /// Deletes the fonts of the element at `pos` (1-based) and, when that is done, the element. Returns DONE or CONFLICT, 0 for a
-    /// position without an element.
+    /// Deletes the fonts of the element at `pos` (1-based) and, when that is done, the element. Returns DONE
+    /// or CONFLICT, 0 for a position without an element.
     int delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// Installs the element at `pos` into `dir`; DONE or CONFLICT, 0 for a position without an element.
     int install_at_pos(unsigned pos, const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
@@ -104,7 +108,8 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     unsigned get_disk_space(unsigned pos) const;
     std::vector<std::string> get_point_sizes(unsigned pos, unsigned& count) const;
     std::vector<std::string> get_res_for_pt_size(unsigned pos, const char* point_size, unsigned& count) const;
-    /// Takes a copy of each element of `other`, in its order; `other` stays as it is and the fonts are shared.
+    /// Takes a copy of each element of `other`, in its order; `other` stays as it is and the fonts are
+    /// shared.
     void merge(const GWHRNList& other);
     /// Releases every element.
     void clear();

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The interface of the font type modules. A module knows which files belong to its format, how to read fonts out of a directory or
-// an index, and how to install, expose and delete a font of its format.
+// The interface of the font type modules. A module knows which files belong to its format, how to read fonts
+// out of a directory or an index, and how to install, expose and delete a font of its format.
 #pragma once
 
 #include "core/gw_base.h"
@@ -18,8 +18,8 @@ class GW_FSM_BASE : public GW_BASE {
     /// The `GWFont::GW_FONT_TYPE` of the fonts that this module handles.
     [[nodiscard]] int get_type() const { return type_id; }
 
-    // Records and specifications that are appended belong to the output list's owner. `recursive` is passed on to the
-    // directory listing.
+    // Records and specifications that are appended belong to the output list's owner. `recursive` is passed
+    // on to the directory listing.
     virtual void list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) = 0;
     virtual void list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) = 0;
     virtual void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) = 0;

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The modules in use. Listings go to all of them, in list order; what concerns one font goes to the module of its type.
+// The modules in use. Listings go to all of them, in list order; what concerns one font goes to the module of
+// its type.
 //
 // Owner of the modules: the application, which keeps them for its whole run.
 #pragma once

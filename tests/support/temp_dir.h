@@ -26,8 +26,8 @@ class TempDir {
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
                  path_, std::filesystem::directory_options::skip_permission_denied, ignored)) {
             if (entry.is_directory() && !entry.is_symlink()) {
-                std::filesystem::permissions(entry, std::filesystem::perms::owner_all, std::filesystem::perm_options::add,
-                                             ignored);
+                std::filesystem::permissions(entry, std::filesystem::perms::owner_all,
+                                             std::filesystem::perm_options::add, ignored);
             }
         }
         std::filesystem::remove_all(path_, ignored);
@@ -40,7 +40,8 @@ class TempDir {
     [[nodiscard]] const char* c_str() const { return path_.c_str(); }
     [[nodiscard]] std::string file(std::string_view name) const { return path_ + std::string(name); }
 
-    /// Writes a file below the directory, byte for byte, and returns its path. Directories on the way are made.
+    /// Writes a file below the directory, byte for byte, and returns its path. Directories on the way are
+    /// made.
     std::string write(std::string_view name, std::string_view bytes) const {
         const std::string target = file(name);
         std::filesystem::create_directories(std::filesystem::path(target).parent_path());

@@ -30,6 +30,8 @@ TEST(Capitalized, ChangesTheFirstLetterOnly) {
     EXPECT_EQ(gw::capitalized("\xe4hnlich"), "\xe4hnlich");
 }
 
-TEST(LowerCase, LeavesBytesOutsideAsciiAlone) { EXPECT_EQ(gw::lower_case("ISO8859-1 \xc4"), "iso8859-1 \xc4"); }
+TEST(LowerCase, LeavesBytesOutsideAsciiAlone) {
+    EXPECT_EQ(gw::lower_case("ISO8859-1 \xc4"), "iso8859-1 \xc4");
+}
 
 }  // namespace
