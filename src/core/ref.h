@@ -46,6 +46,15 @@ class Ref {
         return *this;
     }
 
+    /// Takes over an owner that `leave` left behind.
+    static Ref adopt(T* record) {
+        Ref owner(record);
+        if (record != nullptr) --record->owners_;
+        return owner;
+    }
+    /// Gives the record up without releasing it: one `adopt` is owed.
+    void leave() { record_ = nullptr; }
+
     [[nodiscard]] T* get() const { return record_; }
     T* operator->() const { return record_; }
     T& operator*() const { return *record_; }

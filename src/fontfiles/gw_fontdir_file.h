@@ -32,7 +32,7 @@ class GW_FONTDIR_FILE : public GW_FILE {
     int get_font_count();
 
     /// Every entry in file order, read in one pass; false when the file cannot be opened.
-    [[nodiscard]] bool get_entries(std::vector<Entry>& out);
+    bool get_entries(std::vector<Entry>& out);
     /// Appends the file name (font name) of every entry, in file order; 0 when the file cannot be opened,
     /// else 1. The strings belong to `out`'s owner.
     int get_inst_font_file_names(GW_STRING_LIST& out);

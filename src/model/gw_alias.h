@@ -8,9 +8,6 @@
 
 #include "core/gw_base.h"
 
-/// Appends "[Read Only]" at column 46, or behind three blanks when `s` reaches that column.
-void set_read_only_str(std::string& s);
-
 class GWAlias : public GW_BASE {
   public:
     GWAlias(const char* alias_name, const char* font_name, const char* dir);

@@ -5,7 +5,8 @@
 #pragma once
 
 #include <array>
-#include <memory>
+#include <map>
+#include <optional>
 #include <string>
 
 #include "core/gw_base.h"
@@ -40,11 +41,29 @@ class GWConflict : public GW_BASE {
     /// Deletes in spite of the conflict; nothing for a read-only or alias conflict.
     void delete_force(GW_FSM_LIST& modules);
 
-    [[nodiscard]] TYPE get_type() const;
-    [[nodiscard]] GWHRNElement* get_element() const;
-    [[nodiscard]] GWHRNElement* get_other_element() const;
-    [[nodiscard]] GWAlias* get_alias() const;
+    [[nodiscard]] TYPE get_type() const { return type; }
+    [[nodiscard]] GWHRNElement* get_element() const { return element.get(); }
+    [[nodiscard]] GWHRNElement* get_other_element() const { return other_element.get(); }
+    [[nodiscard]] GWAlias* get_alias() const { return alias; }
 
   private:
-    // The area's owner fills this in.
+    using Group = std::array<gw::Ref<GWFont>, GWHRNElement::MAX_FONTS_PER_SIZE>;
+
+    [[nodiscard]] bool refuses_force() const { return read_only || is_alias; }
+    void install_one(const gw::Ref<GWFont>& font, unsigned group, unsigned index, GW_FSM_LIST& modules);
+
+    TYPE type;
+    bool read_only = false;
+    bool same_name = false;
+    bool package = false;
+    bool system_font = false;
+    bool is_alias = false;
+    std::optional<std::string> dir_name;
+    gw::Ref<GWHRNElement> element;
+    gw::Ref<GWHRNElement> other_element;
+    // By group and index of the element's font table: the installed font in the way. Most conflicts concern
+    // one group.
+    std::map<unsigned, Group> conflicting_fonts;
+    GWHRNList* hrn_list;
+    GWAlias* alias;
 };

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "core/gw_base.h"
@@ -52,7 +53,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     GWFont(const GWFont&) = delete;
     GWFont& operator=(const GWFont&) = delete;
 
-    [[nodiscard]] GW_FONT_TYPE get_type() const;
+    [[nodiscard]] GW_FONT_TYPE get_type() const { return font_type; }
     /// Stores at most 127 characters of `value`, each '-' as a blank. A wrong field is reported on standard
     /// output and changes nothing.
     void set_field(FIELD f, const char* value);
@@ -76,7 +77,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Takes ownership of `list` and of the specifications in it.
     void set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list);
     /// The files, owned by this record; may be null.
-    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const;
+    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const { return file_list.get(); }
 
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
     void set_preset_hrn_name(const char* name);
@@ -103,14 +104,28 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Kilobytes that the files occupy; measured once. Missing files count 0.
     unsigned get_disk_space();
     /// Sticky: once a font is read-only it stays so.
-    [[nodiscard]] bool is_read_only() const;
+    [[nodiscard]] bool is_read_only() const { return read_only; }
 
   private:
-    // The area's owner fills this in.
-};
+    struct NamePieces;
+    [[nodiscard]] NamePieces name_pieces() const;
+    [[nodiscard]] bool is_postscript_named() const {
+        return font_type == TYPE0_FONT || font_type == TYPE3_FONT;
+    }
+    [[nodiscard]] std::string composed_xlfd_name() const;
+    void update_read_only();
 
-template <class T>
-struct GW_SORT_KEY;
+    std::unique_ptr<GW_FSPEC_LIST> file_list;
+    std::optional<std::string> dir_name;
+    GW_FONT_TYPE font_type;
+    unsigned disk_space = 0;  // kilobytes; 0 means not measured yet
+    bool read_only = false;
+    std::string preset_hrn_name;
+    std::string charset_hrn_name;
+    std::string xlfd_name;
+    std::string ps_name;
+    std::array<std::string, FIELD_COUNT> fields;
+};
 
 /// Font lists are sorted by the bracketed name, without regard to case.
 template <>

@@ -98,6 +98,9 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     void add_font(GWFont* font);
     /// Takes `elem` into the list, which owns it from now on; returns 1.
     int insert(GWHRNElement* elem);
+    /// Unlinks the element at `pos` and returns it; the caller owns it from now on. Null for a position
+    /// without an element.
+    gw::Ref<GWHRNElement> release_at_pos(int pos);
     /// Deletes the fonts of the element at `pos` (1-based) and, when that is done, the element. Returns DONE
     /// or CONFLICT, 0 for a position without an element.
     int delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
@@ -117,5 +120,13 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     void delete_hrn_elem(GWHRNElement* elem);
 
   private:
-    // The area's owner fills this in.
+    void rebuild_candidates();
+    /// The one element that could take the font, or null when there is none; `several` says that only asking
+    /// each can tell.
+    GWHRNElement* candidate_for(const GWFont& font, bool& several) const;
+
+    // By `GWFont::hrn_key` of an element's representative; valid as long as the list's revision is the noted
+    // one.
+    std::unordered_multimap<std::string, GWHRNElement*> candidates;
+    unsigned long candidates_revision = 0;
 };

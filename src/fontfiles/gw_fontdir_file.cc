@@ -1,0 +1,164 @@
+// SPDX-License-Identifier: MIT
+//
+// Edits are computed on the bytes of the whole file and put in place with one atomic write, so that a line
+// and the count that includes it reach the disk together.
+#include "fontfiles/gw_fontdir_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+
+#include "core/replace_file.h"
+#include "platform/host_paths.h"
+
+namespace {
+
+constexpr mode_t APPENDED_MODE = 0644;
+
+/// The end of the line that begins at `start`, its newline included.
+std::size_t line_end(std::string_view bytes, std::size_t start) {
+    const std::size_t newline = bytes.find('\n', start);
+    return newline == std::string_view::npos ? bytes.size() : newline + 1;
+}
+
+/// The number at the start of `line`; 0 when there is none.
+int parsed_count(std::string_view line) {
+    return std::atoi(std::string(line.substr(0, line.find('\n'))).c_str());
+}
+
+std::string with_count(std::string_view bytes, int count) {
+    return std::to_string(count) + '\n' + std::string(bytes.substr(line_end(bytes, 0)));
+}
+
+std::string with_count_adjusted(std::string_view bytes, int delta) {
+    return with_count(bytes, parsed_count(bytes) + delta);
+}
+
+}  // namespace
+
+GW_FONTDIR_FILE::GW_FONTDIR_FILE(const char* index_dir, int type)
+    : GW_FILE(gw::FONT_INDEX_NAME, index_dir, type) {}
+
+int GW_FONTDIR_FILE::create() {
+    if (exist() != 0) return 1;
+    if (open("w") != 0) {
+        put_line("0\n");
+        close();
+    }
+    return 1;
+}
+
+int GW_FONTDIR_FILE::get_font_count() {
+    if (open("r") == 0) return -1;
+    char line[LINE_BUFFER] = "";
+    const char* first = get_line(line, sizeof line);
+    close();
+    return first != nullptr ? parsed_count(first) : 0;
+}
+
+bool GW_FONTDIR_FILE::get_entries(std::vector<Entry>& out) {
+    if (open("r") == 0) return false;
+    char line[LINE_BUFFER];
+    get_line(line, sizeof line);
+    while (get_line(line, sizeof line) != nullptr) {
+        Entry entry;
+        split_line(line, entry.file_name, entry.font_name);
+        out.push_back(std::move(entry));
+    }
+    close();
+    return true;
+}
+
+int GW_FONTDIR_FILE::get_inst_font_file_names(GW_STRING_LIST& out) {
+    std::vector<Entry> entries;
+    if (!get_entries(entries)) return 0;
+    for (const Entry& entry : entries) out.append(new GW_STRING(entry.file_name.c_str()));
+    return 1;
+}
+
+int GW_FONTDIR_FILE::get_inst_font_names(GW_STRING_LIST& out) {
+    std::vector<Entry> entries;
+    if (!get_entries(entries)) return 0;
+    for (const Entry& entry : entries) out.append(new GW_STRING(entry.font_name.c_str()));
+    return 1;
+}
+
+std::unique_ptr<GW_STRING> GW_FONTDIR_FILE::get_font_name(const char* file_name) {
+    std::vector<Entry> entries;
+    get_entries(entries);
+    const auto found = std::find_if(entries.begin(), entries.end(),
+                                    [file_name](const Entry& entry) { return entry.file_name == file_name; });
+    return found != entries.end() ? std::make_unique<GW_STRING>(found->font_name.c_str()) : nullptr;
+}
+
+std::unique_ptr<GW_STRING> GW_FONTDIR_FILE::get_file_name(const char* font_name) {
+    std::vector<Entry> entries;
+    get_entries(entries);
+    const auto found = std::find_if(entries.begin(), entries.end(),
+                                    [font_name](const Entry& entry) { return entry.font_name == font_name; });
+    return found != entries.end() ? std::make_unique<GW_STRING>(found->file_name.c_str()) : nullptr;
+}
+
+void GW_FONTDIR_FILE::split_line(const char* line, std::string& file_name, std::string& font_name) {
+    std::string_view rest(line);
+    rest = rest.substr(0, rest.find('\n'));
+    // Blanks in front of the file name separate nothing.
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    const std::size_t blank = rest.find(' ');
+    file_name = rest.substr(0, blank);
+    font_name = blank == std::string_view::npos ? std::string_view() : rest.substr(blank + 1);
+}
+
+int GW_FONTDIR_FILE::append_line(const char* line) {
+    GW_STRING text(line);
+    GW_STRING_LIST lines;
+    lines.append(&text);
+    return append_line(&lines);
+}
+
+int GW_FONTDIR_FILE::append_line(const GW_STRING_LIST* lines) {
+    std::string bytes = "0\n";
+    if (exist() != 0) {
+        const std::optional<std::string> old = gw::read_file(get_path());
+        if (!old) return 0;
+        if (!old->empty()) bytes = *old;
+    }
+    // What an earlier writer left without its newline must not swallow the new entry.
+    if (!bytes.ends_with('\n')) bytes += '\n';
+    for (const GW_STRING* line : *lines) bytes += line->get_str();
+    return gw::replace_file(get_path(), with_count_adjusted(bytes, lines->get_count()), APPENDED_MODE) ? 1
+                                                                                                       : 0;
+}
+
+int GW_FONTDIR_FILE::delete_font_file_line(const char* file_name) {
+    const std::optional<std::string> bytes = gw::read_file(get_path());
+    if (!bytes) return 0;
+    for (std::size_t start = line_end(*bytes, 0); start < bytes->size(); start = line_end(*bytes, start)) {
+        Entry entry;
+        split_line(bytes->substr(start, LINE_BUFFER - 1).c_str(), entry.file_name, entry.font_name);
+        if (entry.file_name != file_name) continue;
+        std::string rest = *bytes;
+        rest.erase(start, line_end(*bytes, start) - start);
+        return gw::replace_file(get_path(), with_count_adjusted(rest, -1)) ? 1 : 0;
+    }
+    return 0;
+}
+
+int GW_FONTDIR_FILE::delete_line(int n) {
+    const std::optional<std::string> bytes = gw::read_file(get_path());
+    if (!bytes || n < 1) return 0;
+    std::size_t start = line_end(*bytes, 0);
+    for (int i = 1; i < n && start < bytes->size(); ++i) start = line_end(*bytes, start);
+    if (start >= bytes->size()) return 0;
+    std::string rest = *bytes;
+    rest.erase(start, line_end(*bytes, start) - start);
+    return gw::replace_file(get_path(), rest) ? 1 : 0;
+}
+
+int GW_FONTDIR_FILE::adjust_font_count(int delta) {
+    const std::optional<std::string> bytes = gw::read_file(get_path());
+    if (!bytes) return -1;
+    const int count = parsed_count(*bytes) + delta;
+    return gw::replace_file(get_path(), with_count(*bytes, count)) ? count : -1;
+}

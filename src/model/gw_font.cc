@@ -1,0 +1,334 @@
+// SPDX-License-Identifier: MIT
+#include "model/gw_font.h"
+
+#include <fcntl.h>
+#include <strings.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "core/text.h"
+#include "fontfiles/gw_fontdir_file.h"
+#include "fontpath/gw_fpe.h"
+#include "model/gw_xlfd_name.h"
+#include "model/hrn_words.h"
+#include "modules/gw_fsm_list.h"
+
+namespace {
+
+struct CharsetName {
+    std::string_view charset;  // registry and encoding, in lower case
+    const char* readable;
+};
+
+constexpr std::array<CharsetName, 21> CHARSET_NAMES = {{
+    {"dec.cns11643.1986-2", "Chinese-11643"},
+    {"dec.dtscs.1990-2", "DEC-Taiwan-Supplemental"},
+    {"gb2312.1980-0", "PRC-Hanzi-GL"},
+    {"gb2312.1980-1", "PRC-Hanzi-GR"},
+    {"iso646.1991-irv", "ISO-646"},
+    {"iso8859-1", "ISO-Latin-1"},
+    {"iso8859-2", "ISO-Latin-2"},
+    {"iso8859-3", "ISO-Latin-3"},
+    {"iso8859-4", "ISO-Latin-4"},
+    {"iso8859-5", "ISO-Latin/Cyrillic"},
+    {"iso8859-6", "ISO-Latin/Arabic"},
+    {"iso8859-7", "ISO-Latin/Greek"},
+    {"iso8859-8", "ISO-Latin/Hebrew"},
+    {"iso8859-9", "ISO-Latin-5"},
+    {"jisx0201.1976-0", "Roman-Katakana"},
+    {"jisx0208.1983-0", "Kanji-1983"},
+    {"jisx0208.1983-1", "Kanji-1983-1"},
+    {"jisx0208.1990-0", "Kanji-1990"},
+    {"jisx0212.1990-0", "Kanji-Supplement-1990"},
+    {"ksc5601.1987-0", "Korean-1987"},
+    {"ksc5601.1987-1", "Korean-1987-1"},
+}};
+
+// The fields that one human-readable name has in common. Foundry and set-width are told apart although lists
+// show neither.
+constexpr std::array<GWFont::FIELD, 9> HRN_FIELDS = {
+    GWFont::FOUNDRY, GWFont::TYPEFACE_NAME,    GWFont::WEIGHT_NAME,
+    GWFont::SLANT,   GWFont::SETWIDTH_NAME,    GWFont::ADD_STYLE_NAME,
+    GWFont::SPACING, GWFont::CHARSET_REGISTRY, GWFont::CHARSET_ENCODING};
+
+// Read once: the program neither gains nor drops rights while it runs.
+const uid_t effective_uid = ::geteuid();
+
+constexpr unsigned BLOCKS_PER_KILOBYTE = 2;
+constexpr mode_t OWNER_WRITE = 0200;
+constexpr mode_t OTHERS_WRITE = 0002;
+
+/// Whether the permission bits let this user write; the group bits are not consulted.
+bool bits_allow_writing(const struct stat& info) {
+    return (info.st_mode & (info.st_uid == effective_uid ? OWNER_WRITE : OTHERS_WRITE)) != 0;
+}
+
+/// Whether `path` can be opened in that way; what was created is removed again.
+bool can_open(const std::string& path, int flags, bool remove_after) {
+    const int fd = ::open(path.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (fd < 0) return false;
+    ::close(fd);
+    if (remove_after) ::unlink(path.c_str());
+    return true;
+}
+
+const char* type_tag(GWFont::GW_FONT_TYPE type) {
+    switch (type) {
+        case GWFont::BITMAP_FONT:
+            return "Bitmap";
+        case GWFont::TYPE1_FONT:
+            return "Type-1";
+        case GWFont::TYPE0_FONT:
+            return "Type-0";
+        case GWFont::TYPE3_FONT:
+            return "Type-3";
+    }
+    std::fputs("construct_hrn: wrong font type\n", stdout);
+    std::exit(-1);
+}
+
+}  // namespace
+
+void* gw_alloc(unsigned n) {
+    return ::operator new(n);
+}
+
+void gw_free(void* storage) {
+    ::operator delete(storage);
+}
+
+GWFont::GWFont(GW_FONT_TYPE type) : font_type(type) {}
+
+GWFont::GWFont(GWFont& other, const char* dir)
+    : RefCounted(),
+      font_type(other.font_type),
+      disk_space(other.get_disk_space()),
+      xlfd_name(other.get_xlfd_name()),
+      ps_name(other.ps_name),
+      fields(other.fields) {
+    if (other.file_list) {
+        file_list = std::make_unique<GW_FSPEC_LIST>();
+        for (const GW_FILE_SPEC* spec : *other.file_list) {
+            file_list->append(
+                new GW_FILE_SPEC(spec->get_name(), dir, spec->get_file_type(), spec->get_ext_type()));
+        }
+    }
+    set_dir_name(dir);
+}
+
+GWFont::~GWFont() {
+    if (file_list) gw::delete_elements(*file_list);
+}
+
+void GWFont::set_field(FIELD f, const char* value) {
+    if (f < FOUNDRY || f > CHARSET_ENCODING) {
+        std::fputs("GWFont::set_field : Incorrect field specified\n", stdout);
+        return;
+    }
+    std::string text = gw::truncated(value, FIELD_LIMIT);
+    for (char& c : text) {
+        if (c == '-') c = ' ';
+    }
+    fields[static_cast<std::size_t>(f)] = std::move(text);
+}
+
+// The message names the setter for both.
+const char* GWFont::get_field(FIELD f) const {
+    if (f < FOUNDRY || f > CHARSET_ENCODING) {
+        std::fputs("GWFont::set_field : Incorrect field specified\n", stdout);
+        return nullptr;
+    }
+    return fields[static_cast<std::size_t>(f)].c_str();
+}
+
+void GWFont::set_xlfd_name(const char* name) {
+    xlfd_name = gw::truncated(name, NAME_LIMIT);
+    if (is_xlfd_name(name) == 0) return;
+    const char* source = name;
+    for (int f = FOUNDRY; f < FIELD_COUNT; ++f) {
+        set_field(static_cast<FIELD>(f), extract_next_field(source));
+        source = nullptr;
+    }
+}
+
+std::string GWFont::composed_xlfd_name() const {
+    std::string name;
+    for (const std::string& field : fields) name += '-' + field;
+    return name;
+}
+
+const char* GWFont::get_xlfd_name() {
+    if (xlfd_name.empty()) xlfd_name = gw::truncated(composed_xlfd_name(), NAME_LIMIT);
+    return xlfd_name.c_str();
+}
+
+void GWFont::construct_xlfd_name(const char* /*ignored*/, char* dst, unsigned len) {
+    if (font_type == BITMAP_FONT && is_xlfd_name(xlfd_name.c_str()) == 0) {
+        gw::copy_text(dst, std::size_t{len} + 1, xlfd_name);
+        return;
+    }
+    const std::string name = composed_xlfd_name();
+    if (name.size() > len) {
+        std::fputs("Not enough space in the xlfd_name string\n", stdout);
+        return;
+    }
+    gw::copy_text(dst, std::size_t{len} + 1, name);
+}
+
+void GWFont::set_ps_name(const char* name) {
+    ps_name = gw::truncated(name, NAME_LIMIT);
+}
+
+const char* GWFont::get_ps_name() const {
+    return ps_name.c_str();
+}
+
+void GWFont::set_dir_name(const char* dir) {
+    dir_name = dir;
+    update_read_only();
+}
+
+const char* GWFont::get_dir_name() const {
+    return dir_name ? dir_name->c_str() : nullptr;
+}
+
+void GWFont::set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list) {
+    if (file_list) gw::delete_elements(*file_list);
+    file_list = std::move(list);
+    update_read_only();
+}
+
+void GWFont::set_preset_hrn_name(const char* name) {
+    preset_hrn_name = gw::truncated(name, NAME_LIMIT);
+}
+
+/// The words of a name, each with its leading blank. The set-width has none: it never reaches a
+/// human-readable name.
+struct GWFont::NamePieces {
+    std::string family;
+    std::string weight;
+    std::string add_style;
+    std::string slant;
+};
+
+GWFont::NamePieces GWFont::name_pieces() const {
+    return {gw::capitalized(fields[TYPEFACE_NAME]), ' ' + gw::capitalized(fields[WEIGHT_NAME]),
+            gw::add_style_word(fields[ADD_STYLE_NAME]), gw::slant_word(fields[SLANT])};
+}
+
+std::string GWFont::get_hrn_name() {
+    if (!preset_hrn_name.empty()) return preset_hrn_name;
+    const std::string tag = std::string(" [") + type_tag(font_type) + ']';
+    std::string name;
+    if (is_postscript_named()) {
+        name = gw::capitalized(ps_name) + tag;
+    } else if (is_xlfd_name(get_xlfd_name()) == 0) {
+        name = xlfd_name + ' ' + tag;
+    } else {
+        const NamePieces pieces = name_pieces();
+        name = pieces.family + pieces.weight + pieces.add_style + pieces.slant + tag;
+    }
+    if (read_only) set_read_only_str(name);
+    return name;
+}
+
+std::string GWFont::get_cli_hrn_name() {
+    if (!preset_hrn_name.empty()) return preset_hrn_name;
+    const std::string tag = std::string(" ") + type_tag(font_type);
+    if (is_postscript_named()) return '[' + gw::capitalized(ps_name) + tag + ']';
+    if (is_xlfd_name(get_xlfd_name()) == 0) return '[' + xlfd_name + ' ' + tag + ']';
+    const NamePieces pieces = name_pieces();
+    return '[' + gw::capitalized(fields[FOUNDRY]) + ' ' + pieces.family + pieces.weight + pieces.add_style +
+           pieces.slant + get_charset_hrn_name() + tag + ']';
+}
+
+const char* GWFont::get_charset_hrn_name() {
+    if (!charset_hrn_name.empty()) return charset_hrn_name.c_str();
+    const std::string charset = fields[CHARSET_REGISTRY] + '-' + fields[CHARSET_ENCODING];
+    charset_hrn_name = ' ' + charset;
+    for (const CharsetName& known : CHARSET_NAMES) {
+        if (known.charset != gw::lower_case(charset)) continue;
+        charset_hrn_name = std::string(" ") + known.readable;
+        break;
+    }
+    return charset_hrn_name.c_str();
+}
+
+int GWFont::compare_hrn(const GWFont* other) const {
+    if (font_type != other->font_type) return 0;
+    for (const FIELD f : HRN_FIELDS) {
+        if (::strcasecmp(fields[f].c_str(), other->fields[f].c_str()) != 0) return 0;
+    }
+    return 1;
+}
+
+// A field never holds a dash, so dashes keep the fields apart.
+std::string GWFont::hrn_key() const {
+    std::string key = std::to_string(font_type);
+    for (const FIELD f : HRN_FIELDS) key += '-' + gw::lower_case(fields[f]);
+    return key;
+}
+
+int GWFont::fontcmp(GWFont* other) {
+    if (font_type != other->font_type) return 0;
+    const char* mine = is_postscript_named() ? get_ps_name() : get_xlfd_name();
+    const char* theirs = is_postscript_named() ? other->get_ps_name() : other->get_xlfd_name();
+    return ::strcasecmp(mine, theirs) == 0 ? 1 : 0;
+}
+
+int GWFont::install_font(const char* dir, char /*ignored*/, GW_FSM_LIST& modules) {
+    GW_FPE destination(dir);
+    destination.get_fontdir_file().create();
+    modules.install_font(this, &destination);
+    return 1;
+}
+
+int GWFont::delete_font(GW_FSM_LIST& modules) {
+    modules.delete_font(this);
+    return 0;
+}
+
+unsigned GWFont::get_disk_space() {
+    if (!file_list || disk_space != 0) return file_list ? disk_space : 0;
+    for (const GW_FILE_SPEC* spec : *file_list) {
+        struct stat info {};
+        if (::stat(spec->get_path(), &info) == 0)
+            disk_space += static_cast<unsigned>(info.st_blocks) / BLOCKS_PER_KILOBYTE;
+    }
+    return disk_space;
+}
+
+void GWFont::update_read_only() {
+    if (read_only || !file_list) return;
+    if (!dir_name) {
+        if (const GW_FILE_SPEC* first = file_list->get_elem_at_pos(1); first != nullptr)
+            set_dir_name(first->get_dir());
+        return;
+    }
+    struct stat info {};
+    if (::stat(dir_name->c_str(), &info) != 0 ||
+        !can_open(*dir_name + "/.glyphwd_dummy", O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, true)) {
+        read_only = true;
+        return;
+    }
+    // A scratch file that could be made outweighs bits that say otherwise.
+    if (!bits_allow_writing(info)) return;
+    for (const GW_FILE_SPEC* spec : *file_list) {
+        if (::stat(spec->get_path(), &info) == 0 && bits_allow_writing(info) &&
+            can_open(spec->get_path(), O_RDWR, false)) {
+            continue;
+        }
+        read_only = true;
+        return;
+    }
+}
+
+int GW_SORT_KEY<GWFont>::compare(GWFont& a, GWFont& b) {
+    return ::strcasecmp(a.get_cli_hrn_name().c_str(), b.get_cli_hrn_name().c_str());
+}

@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+//
+// The words of human-readable names that fonts and aliases have in common.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace gw {
+
+/// The column at which "[Read Only]" stands in a list line.
+inline constexpr std::size_t READ_ONLY_COLUMN = 46;
+
+/// The slant word for an XLFD slant field, with its leading blank: " Italic", "", " Oblique", " Reverse
+/// Oblique", " Reverse Italic", or a blank and the field itself. Case does not count.
+[[nodiscard]] std::string slant_word(std::string_view slant);
+
+/// A blank and the additional style with its first letter in upper case; nothing when the field is empty or
+/// begins with a blank.
+[[nodiscard]] std::string add_style_word(std::string_view add_style);
+
+}  // namespace gw
+
+/// Appends "[Read Only]" at column 46, or behind three blanks when `s` reaches that column.
+void set_read_only_str(std::string& s);
