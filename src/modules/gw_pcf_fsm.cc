@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+#include "modules/gw_pcf_fsm.h"
+
+#include "platform/host_paths.h"
+
+GW_PCF_FSM::GW_PCF_FSM()
+    : IndexedModule(GWFont::BITMAP_FONT, {{gw::EXT_PCF, ".pcf"}, {gw::EXT_PCF_Z, ".pcf.Z"}},
+                    {".pcf$", ".pcf.Z$"}, gw::SCRATCH_PCF_DIR) {}

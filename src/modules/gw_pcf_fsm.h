@@ -1,0 +1,11 @@
+// SPDX-License-Identifier: MIT
+//
+// The module for PCF bitmap fonts (".pcf", ".pcf.Z").
+#pragma once
+
+#include "modules/indexed_module.h"
+
+class GW_PCF_FSM : public gw::IndexedModule {
+  public:
+    GW_PCF_FSM();
+};

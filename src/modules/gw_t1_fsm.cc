@@ -1,0 +1,207 @@
+// SPDX-License-Identifier: MIT
+#include "modules/gw_t1_fsm.h"
+
+#include <optional>
+#include <string_view>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "modules/gw_t1_buf_file.h"
+#include "modules/gw_t1_font_file.h"
+#include "modules/index_access.h"
+
+namespace {
+
+constexpr int FILE_NAME_TOKENS = 4;
+constexpr int FILE_NAME_CHARS = 32;
+constexpr int HEADER_KEYS = 10;
+constexpr int HEADER_KEY_CHARS = 256;
+
+const GW_FILE_SPEC* append_if_exists(GW_FSPEC_LIST& out, const std::string& name, const char* dir,
+                                     int file_type, int ext_type) {
+    auto spec = std::make_unique<GW_FILE_SPEC>(name.c_str(), dir, file_type, ext_type);
+    if (spec->exist() == 0) return nullptr;
+    const GW_FILE_SPEC* appended = spec.get();
+    out.append(spec.release());
+    return appended;
+}
+
+/// The working list of `build_font_list`: the files that no font has claimed yet, in list order.
+class UnclaimedFiles {
+  public:
+    explicit UnclaimedFiles(const GW_FSPEC_LIST& files) {
+        for (const GW_FILE_SPEC* spec : files) order_.push_back(spec);
+        for (const GW_FILE_SPEC* spec : order_) names_.insert(spec->get_name());
+    }
+    [[nodiscard]] const GW_FILE_SPEC* first() {
+        while (next_ < order_.size() && !names_.contains(order_[next_]->get_name())) ++next_;
+        return next_ < order_.size() ? order_[next_] : nullptr;
+    }
+    /// Takes the font's files out; false when none of them was in.
+    bool claim(const GW_FSPEC_LIST& font_files) {
+        std::size_t claimed = 0;
+        for (const GW_FILE_SPEC* spec : font_files) claimed += names_.erase(spec->get_name());
+        return claimed > 0;
+    }
+    [[nodiscard]] bool contains(const GW_FILE_SPEC* spec) const { return names_.contains(spec->get_name()); }
+
+  private:
+    std::vector<const GW_FILE_SPEC*> order_;
+    std::unordered_set<std::string_view> names_;
+    std::size_t next_ = 0;
+};
+
+}  // namespace
+
+GW_T1_FSM::GW_T1_FSM()
+    : GW_FSM_BASE(GWFont::TYPE1_FONT),
+      file_names(FILE_NAME_TOKENS, FILE_NAME_CHARS, gw::EXT_UNKNOWN),
+      header_keys(HEADER_KEYS, HEADER_KEY_CHARS, GW_T1_FONT_FILE::UNKNOWN_KEY) {
+    file_names.add_token(gw::EXT_PFB, ".pfb");
+    file_names.add_token(gw::EXT_PFA, ".pfa");
+
+    header_keys.add_token(GW_T1_FONT_FILE::FAMILY_NAME, "FamilyName");
+    header_keys.add_token(GW_T1_FONT_FILE::WEIGHT, "Weight");
+    header_keys.add_token(GW_T1_FONT_FILE::FULL_NAME, "FullName");
+    header_keys.add_token(GW_T1_FONT_FILE::ENCODING, "Encoding");
+    header_keys.add_token(GW_T1_FONT_FILE::ITALIC_ANGLE, "ItalicAngle");
+    header_keys.add_token(GW_T1_FONT_FILE::IS_FIXED_PITCH, "isFixedPitch");
+    header_keys.add_token(GW_T1_FONT_FILE::COPYRIGHT, "Copyright");
+    header_keys.add_token(GW_T1_FONT_FILE::NOTICE, "Notice");
+}
+
+void GW_T1_FSM::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) {
+    dir->get_file_spec_list(out, recursive, &file_names);
+}
+
+void GW_T1_FSM::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
+    gw::list_indexed_files(out, *fpe, {".pfb$", ".pfa$", ".afm$"});
+}
+
+void GW_T1_FSM::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) {
+    GW_FSPEC_LIST files;
+    const gw::ElementsOwner owner(files);
+    list_installed_font_file_names(files, fpe);
+    gw::append_font_names(out, files, *fpe);
+}
+
+void GW_T1_FSM::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) {
+    GW_FSPEC_LIST found;
+    const gw::ElementsOwner found_owner(found);
+    list_font_file_names(found, dir, recursive);
+    GW_FSPEC_LIST files;
+    const gw::ElementsOwner files_owner(files);
+    found.separate_by_file_type(files, gw::FILE_TYPE_REGULAR);
+    GW_FSPEC_LIST working;
+    for (GW_FILE_SPEC* spec : files) working.append(spec);
+    build_font_list(out, working);
+}
+
+void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
+    GW_FSPEC_LIST files;
+    const gw::ElementsOwner owner(files);
+    list_installed_font_file_names(files, fpe);
+    const auto names = gw::font_names_by_file(*fpe);
+    for (const GW_FILE_SPEC* spec : files) {
+        auto font_files = std::make_unique<GW_FSPEC_LIST>();
+        get_aux_fspec_list(font_files.get(), spec);
+        auto font = std::make_unique<GWFont>(GWFont::TYPE1_FONT);
+        font->set_dir_name(spec->get_dir());
+        font->set_font_file_list(std::move(font_files));
+        if (const auto name = names.find(spec->get_name()); name != names.end()) {
+            font->set_xlfd_name(name->second.c_str());
+        }
+        out.append(font.release());
+    }
+}
+
+void GW_T1_FSM::install_font(GWFont* font, GW_FPE* fpe) {
+    const GW_FILE_SPEC* first = gw::first_file(*font);
+    if (first == nullptr) return;
+    const std::optional<std::string> line = gw::index_line(*font, first->get_name());
+    if (!line) return;
+    fpe->make_afm_dir();
+    fpe->get_fontdir_file().append_line(line->c_str());
+    GW_DIR target(fpe->get_element());
+    for (const GW_FILE_SPEC* spec : *font->get_font_file_list()) GW_T1_BUF_FILE(spec).copy(&target);
+}
+
+void GW_T1_FSM::make_font_visible(GWFont* font, GW_FPE* fpe) {
+    if (const GW_FILE_SPEC* first = gw::first_file(*font); first != nullptr) {
+        gw::enter_in_index(*font, *fpe, fpe->index_name(*first));
+    }
+}
+
+void GW_T1_FSM::delete_font(GWFont* font) {
+    const std::string dir = gw::remove_files_and_entry(*font);
+    if (!dir.empty()) GW_DIR(dir.c_str()).make_upr_file(0, nullptr);
+}
+
+std::string GW_T1_FSM::get_matching_file_spec_prefix(const GW_FILE_SPEC* spec) {
+    const std::string_view name(spec->get_name());
+    return std::string(name.substr(0, name.find('.')));
+}
+
+const GW_FILE_SPEC* GW_T1_FSM::get_dir_aux_file_spec_list(GW_FSPEC_LIST& out, const GW_DIR* dir,
+                                                          const char* prefix) {
+    const std::string stem(prefix);
+    const char* path = dir->get_path();
+    const GW_FILE_SPEC* pfb = append_if_exists(out, stem + ".pfb", path, gw::FILE_TYPE_REGULAR, gw::EXT_PFB);
+    const GW_FILE_SPEC* pfa = append_if_exists(out, stem + ".pfa", path, gw::FILE_TYPE_REGULAR, gw::EXT_PFA);
+    append_if_exists(out, stem + ".afm", path, gw::FILE_TYPE_REGULAR, gw::EXT_AFM);
+    return pfa != nullptr ? pfa : pfb;
+}
+
+int GW_T1_FSM::get_afm_aux_file_spec_list(GW_FSPEC_LIST& out, const char* dir, const char* prefix) {
+    const std::string metrics = std::string("afm/") + prefix;
+    if (append_if_exists(out, metrics, dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN) == nullptr) {
+        append_if_exists(out, metrics + ".afm", dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
+    }
+    return 1;
+}
+
+const GW_FILE_SPEC* GW_T1_FSM::get_aux_fspec_list(GW_FSPEC_LIST* out, const GW_FILE_SPEC* spec) {
+    const std::string prefix = get_matching_file_spec_prefix(spec);
+    const GW_DIR dir(spec->get_dir());
+    const GW_FILE_SPEC* outline = get_dir_aux_file_spec_list(*out, &dir, prefix.c_str());
+    const GW_FILE_SPEC metrics_dir("afm", spec->get_dir(), gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
+    if (metrics_dir.exist() != 0) get_afm_aux_file_spec_list(*out, spec->get_dir(), prefix.c_str());
+    return outline;
+}
+
+std::unique_ptr<GWFont> GW_T1_FSM::make_font(const GW_FILE_SPEC* outline,
+                                             std::unique_ptr<GW_FSPEC_LIST> files) {
+    auto font = std::make_unique<GWFont>(GWFont::TYPE1_FONT);
+    font->set_dir_name(outline->get_dir());
+    font->set_font_file_list(std::move(files));
+    GW_T1_FONT_FILE reader(outline);
+    reader.set_skip_comment_flag(1);
+    reader.set_token_table(&header_keys);
+    reader.set_foundry_file(&foundries);
+    reader.set_font_info(font.get());
+    return font;
+}
+
+void GW_T1_FSM::build_font_list(GW_LIST<GWFont>& out, GW_FSPEC_LIST& files) {
+    UnclaimedFiles unclaimed(files);
+    bool shrinking = true;
+    while (shrinking) {
+        const GW_FILE_SPEC* file = unclaimed.first();
+        if (file == nullptr) break;
+        auto font_files = std::make_unique<GW_FSPEC_LIST>();
+        const GW_FILE_SPEC* outline = get_aux_fspec_list(font_files.get(), file);
+        shrinking = unclaimed.claim(*font_files);
+        if (outline != nullptr) {
+            out.append(make_font(outline, std::move(font_files)).release());
+        } else {
+            gw::delete_elements(*font_files);
+        }
+    }
+    GW_FSPEC_LIST left;
+    for (GW_FILE_SPEC* spec : files) {
+        if (unclaimed.contains(spec)) left.append(spec);
+    }
+    files.clear();
+    for (GW_FILE_SPEC* spec : left) files.append(spec);
+}

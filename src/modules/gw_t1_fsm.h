@@ -1,0 +1,62 @@
+// SPDX-License-Identifier: MIT
+//
+// The module for Type 1 outline fonts: an outline file ".pfa" or ".pfb" and optional metrics ".afm", beside
+// it or in the subdirectory "afm". Files belong to one font by their common prefix, the name up to its first
+// dot.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "core/gw_token_table.h"
+#include "fontfiles/gw_foundry_file.h"
+#include "modules/gw_fsm_base.h"
+
+class GW_T1_FSM : public GW_FSM_BASE {
+  public:
+    GW_T1_FSM();
+
+    void list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) override;
+    void list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) override;
+    void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) override;
+    void make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) override;
+    void make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) override;
+    void install_font(GWFont* font, GW_FPE* fpe) override;
+    void make_font_visible(GWFont* font, GW_FPE* fpe) override;
+    void delete_font(GWFont* font) override;
+    using GW_FSM_BASE::delete_font;
+    using GW_FSM_BASE::install_font;
+    using GW_FSM_BASE::list_font_file_names;
+    using GW_FSM_BASE::list_installed_font_file_names;
+    using GW_FSM_BASE::list_installed_font_names;
+    using GW_FSM_BASE::make_font_list;
+    using GW_FSM_BASE::make_font_visible;
+    using GW_FSM_BASE::make_installed_font_list;
+
+    // The specifications that the following append belong to `out`'s owner; those that they return are
+    // elements of `out`.
+
+    /// The file's name up to its first dot.
+    static std::string get_matching_file_spec_prefix(const GW_FILE_SPEC* spec);
+    /// Appends PREFIX.pfb, PREFIX.pfa and PREFIX.afm, each if it exists in `dir`. Returns the outline file,
+    /// ".pfa" before ".pfb", or null.
+    static const GW_FILE_SPEC* get_dir_aux_file_spec_list(GW_FSPEC_LIST& out, const GW_DIR* dir,
+                                                          const char* prefix);
+    /// Appends "afm/PREFIX" or else "afm/PREFIX.afm" if it exists in `dir`. Returns 1.
+    static int get_afm_aux_file_spec_list(GW_FSPEC_LIST& out, const char* dir, const char* prefix);
+    /// Appends all files of the font of `spec`. Returns the outline file, or null.
+    static const GW_FILE_SPEC* get_aux_fspec_list(GW_FSPEC_LIST* out, const GW_FILE_SPEC* spec);
+
+    /// A new font made of `files`, which it takes over, with its fields read from `outline`; the caller owns
+    /// it.
+    std::unique_ptr<GWFont> make_font(const GW_FILE_SPEC* outline, std::unique_ptr<GW_FSPEC_LIST> files);
+    /// Appends the fonts that the files make up, one for each prefix, and removes from `files` the files of
+    /// these fonts (their specifications stay with their owner). Stops at a file that is not among its own
+    /// font's files.
+    void build_font_list(GW_LIST<GWFont>& out, GW_FSPEC_LIST& files);
+
+  private:
+    GW_TOKEN_TABLE file_names;
+    GW_TOKEN_TABLE header_keys;
+    GW_FOUNDRY_FILE foundries;
+};

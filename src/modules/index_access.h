@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+//
+// What the type modules have in common in their dealings with a directory's index: entering a font, striking
+// it out, and looking names up without reading the index once per font.
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <unordered_map>
+
+#include "core/gw_string_list.h"
+#include "fontpath/gw_fpe.h"
+#include "model/gw_font.h"
+
+namespace gw {
+
+/// The index line of the font under `file_name`. Nothing when a reader could not read it back (a blank or
+/// newline in the file name, a line of 120 characters or more): that is said in one line on standard error,
+/// and the font must be left out before anything is written.
+std::optional<std::string> index_line(GWFont& font, const std::string& file_name);
+
+/// Enters the font in the element's index under `file_name`; false when it was left out or could not be
+/// written.
+bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);
+
+/// The font's first file, or null.
+const GW_FILE_SPEC* first_file(const GWFont& font);
+
+/// Strikes the font out of the index of its files' directory (one line, found by the first file that the
+/// index knows) and removes its files. Returns the last file's directory; empty when the font has no files.
+std::string remove_files_and_entry(const GWFont& font);
+
+/// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
+/// grouped by pattern, in index order within a group.
+void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns);
+
+/// The font name of each file that the element's index lists; the first entry of a file counts.
+std::unordered_map<std::string, std::string> font_names_by_file(GW_FPE& fpe);
+
+/// Appends the font names of the indexed files `files`, in their order; a file without an entry has none.
+void append_font_names(GW_STRING_LIST& out, const GW_FSPEC_LIST& files, GW_FPE& fpe);
+
+}  // namespace gw

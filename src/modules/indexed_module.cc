@@ -1,0 +1,172 @@
+// SPDX-License-Identifier: MIT
+#include "modules/indexed_module.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "core/gw_buf_file.h"
+#include "modules/index_access.h"
+#include "platform/host_paths.h"
+#include "platform/shell_command.h"
+
+namespace gw {
+
+namespace {
+
+constexpr int TABLE_TOKENS = 4;
+constexpr int TABLE_CHARS = 32;
+constexpr mode_t SCRATCH_MODE = 0744;
+
+/// A directory under a fixed name that someone else has put there, or that is a link, is a trap.
+bool is_foreign(const char* dir) {
+    std::string path(dir);
+    while (path.ends_with('/')) path.pop_back();
+    struct stat info {};
+    return ::lstat(path.c_str(), &info) == 0 && (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid());
+}
+
+void run_and_report(const char* format, const char* argument) {
+    if (run_shell(format, {argument}) == -1) std::perror(shell_text(format, {argument}).c_str());
+}
+
+}  // namespace
+
+IndexedModule::IndexedModule(int type, std::initializer_list<Extension> extensions,
+                             std::pair<const char*, const char*> suffix_patterns, const char* scratch)
+    : GW_FSM_BASE(type),
+      file_names(TABLE_TOKENS, TABLE_CHARS, EXT_UNKNOWN),
+      suffixes(suffix_patterns),
+      first_suffix(suffix_patterns.first),
+      second_suffix(suffix_patterns.second),
+      scratch_dir(scratch) {
+    for (const auto& [id, extension] : extensions) file_names.add_token(id, extension);
+}
+
+bool IndexedModule::takes(const char* file_name) {
+    return first_suffix.string_match(file_name) != 0 || second_suffix.string_match(file_name) != 0;
+}
+
+std::string IndexedModule::visible_name(const GW_FILE_SPEC& spec, const GW_FPE& fpe) const {
+    return fpe.index_name(spec);
+}
+
+std::unique_ptr<GWFont> IndexedModule::make_font(GW_DIR* dir, const GW_STRING* file_name,
+                                                 const GW_STRING* font_name) const {
+    auto font = std::make_unique<GWFont>(static_cast<GWFont::GW_FONT_TYPE>(get_type()));
+    auto files = std::make_unique<GW_FSPEC_LIST>();
+    files->append(
+        new GW_FILE_SPEC(file_name->get_str(), dir->get_path(), FILE_TYPE_UNDETERMINED, EXT_UNKNOWN));
+    font->set_font_file_list(std::move(files));
+    font->set_dir_name(dir->get_path());
+    font->set_xlfd_name(font_name->get_str());
+    return font;
+}
+
+int IndexedModule::mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files) {
+    if (::mkdir(tmp_dir, SCRATCH_MODE) != 0) return 1;
+    for (const GW_FILE_SPEC* spec : *files) {
+        const std::string link = std::string(tmp_dir) + '/' + spec->get_name();
+        if (::symlink(spec->get_path(), link.c_str()) != 0) return 1;
+    }
+    return 0;
+}
+
+void IndexedModule::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) {
+    dir->get_file_spec_list(out, recursive, &file_names);
+}
+
+void IndexedModule::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
+    list_indexed_files(out, *fpe, {suffixes.first, suffixes.second});
+}
+
+void IndexedModule::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) {
+    GW_FSPEC_LIST files;
+    const ElementsOwner owner(files);
+    list_installed_font_file_names(files, fpe);
+    append_font_names(out, files, *fpe);
+}
+
+// With `files` (fonts found below `dir`) a font is placed in the directory that holds its file, otherwise in
+// `dir`.
+void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_FONTDIR_FILE& index,
+                                         const GW_FSPEC_LIST* files) {
+    std::unordered_map<std::string, const char*> homes;
+    if (files != nullptr) {
+        for (const GW_FILE_SPEC* spec : *files) homes.try_emplace(spec->get_name(), spec->get_dir());
+    }
+    std::vector<GW_FONTDIR_FILE::Entry> entries;
+    index.get_entries(entries);
+    for (const GW_FONTDIR_FILE::Entry& entry : entries) {
+        if (!takes(entry.file_name.c_str())) continue;
+        const auto home = homes.find(entry.file_name);
+        GW_DIR font_dir(home != homes.end() ? home->second : dir.get_path());
+        const GW_STRING file_name(entry.file_name.c_str());
+        const GW_STRING font_name(entry.font_name.c_str());
+        out.append(make_font(&font_dir, &file_name, &font_name).release());
+    }
+}
+
+bool IndexedModule::make_scratch_index(const GW_FSPEC_LIST& files) const {
+    if (is_foreign(scratch_dir)) {
+        std::fprintf(stderr, "glyphward: %s is a link or belongs to someone else; it is not used\n",
+                     scratch_dir);
+        return false;
+    }
+    if (mkdir_and_slink(scratch_dir, &files) != 0) std::perror("make_font_list");
+    run_and_report("mkfontdir %s;", scratch_dir);
+    return true;
+}
+
+void IndexedModule::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) {
+    GW_FSPEC_LIST found;
+    const ElementsOwner found_owner(found);
+    list_font_file_names(found, dir, recursive);
+    GW_FSPEC_LIST files;
+    const ElementsOwner files_owner(files);
+    found.separate_by_file_type(files, FILE_TYPE_REGULAR);
+
+    GW_FONTDIR_FILE index(dir->get_path(), FILE_TYPE_REGULAR);
+    if (index.exist() != 0) {
+        append_indexed_fonts(out, *dir, index, nullptr);
+        return;
+    }
+    if (!make_scratch_index(files)) return;
+    GW_FONTDIR_FILE scratch_index(scratch_dir, FILE_TYPE_REGULAR);
+    append_indexed_fonts(out, *dir, scratch_index, &files);
+    run_and_report("\\rm -r %s;", scratch_dir);
+}
+
+void IndexedModule::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
+    GW_DIR dir(fpe->get_element());
+    append_indexed_fonts(out, dir, fpe->get_fontdir_file(), nullptr);
+}
+
+void IndexedModule::install_font(GWFont* font, GW_FPE* fpe) {
+    const GW_FILE_SPEC* first = first_file(*font);
+    if (first == nullptr) return;
+    const std::optional<std::string> line = index_line(*font, first->get_name());
+    if (!line) return;
+    GW_DIR target(fpe->get_element());
+    for (const GW_FILE_SPEC* spec : *font->get_font_file_list()) {
+        GW_BUF_FILE(spec).copy(&target);
+        if (spec == first) fpe->get_fontdir_file().append_line(line->c_str());
+    }
+}
+
+void IndexedModule::make_font_visible(GWFont* font, GW_FPE* fpe) {
+    if (const GW_FILE_SPEC* first = first_file(*font); first != nullptr) {
+        enter_in_index(*font, *fpe, visible_name(*first, *fpe));
+    }
+}
+
+void IndexedModule::delete_font(GWFont* font) {
+    remove_files_and_entry(*font);
+}
+
+}  // namespace gw

@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+//
+// The pattern that the PCF, Type 0 and Type 3 modules follow: they never open a font file but take names from
+// a directory's index, and have `mkfontdir` make one in a scratch directory when a source directory has none.
+// Compressed files are handled as they are.
+#pragma once
+
+#include <initializer_list>
+#include <memory>
+#include <utility>
+
+#include "core/gw_reg_exp.h"
+#include "core/gw_token_table.h"
+#include "modules/gw_fsm_base.h"
+
+namespace gw {
+
+class IndexedModule : public GW_FSM_BASE {
+  public:
+    using Extension = std::pair<int, const char*>;
+
+    void list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) override;
+    void list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) override;
+    void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) override;
+    void make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) override;
+    void make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) override;
+    void install_font(GWFont* font, GW_FPE* fpe) override;
+    void make_font_visible(GWFont* font, GW_FPE* fpe) override;
+    void delete_font(GWFont* font) override;
+    using GW_FSM_BASE::delete_font;
+    using GW_FSM_BASE::install_font;
+    using GW_FSM_BASE::list_font_file_names;
+    using GW_FSM_BASE::list_installed_font_file_names;
+    using GW_FSM_BASE::list_installed_font_names;
+    using GW_FSM_BASE::make_font_list;
+    using GW_FSM_BASE::make_font_visible;
+    using GW_FSM_BASE::make_installed_font_list;
+
+    /// A new font of the module's type made of one file in `dir`; the caller owns it.
+    [[nodiscard]] std::unique_ptr<GWFont> make_font(GW_DIR* dir, const GW_STRING* file_name,
+                                                    const GW_STRING* font_name) const;
+    /// Makes the directory `tmp_dir` (mode 0744) and in it a link to each file. Returns 1 at the first
+    /// failure, else 0.
+    static int mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files);
+
+  protected:
+    IndexedModule(int type, std::initializer_list<Extension> extensions,
+                  std::pair<const char*, const char*> suffixes, const char* scratch_dir);
+
+    /// Whether an index entry of that file is a font of this module.
+    [[nodiscard]] virtual bool takes(const char* file_name);
+    /// The name under which `make_font_visible` enters the font's file.
+    [[nodiscard]] virtual std::string visible_name(const GW_FILE_SPEC& spec, const GW_FPE& fpe) const;
+
+  private:
+    void append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_FONTDIR_FILE& index,
+                              const GW_FSPEC_LIST* files);
+    [[nodiscard]] bool make_scratch_index(const GW_FSPEC_LIST& files) const;
+
+    GW_TOKEN_TABLE file_names;
+    std::pair<const char*, const char*> suffixes;
+    GW_REG_EXP first_suffix;
+    GW_REG_EXP second_suffix;
+    const char* scratch_dir;
+};
+
+}  // namespace gw
