@@ -30,7 +30,9 @@ class GWDriverBase {
     /// Has the PostScript resource file of `dir` built anew.
     virtual void make_upr_file(GW_DIR* dir);
 
-  protected:
     /// The staging directory; unset until there is one.
+    [[nodiscard]] const std::optional<std::string>& get_preview_dir() const { return preview_dir; }
+
+  protected:
     std::optional<std::string> preview_dir;
 };

@@ -8,7 +8,10 @@
 // Owner of the elements: this object, for lists 0 to 7; the composed list shares them.
 #pragma once
 
+#include <sys/types.h>
+
 #include <array>
+#include <optional>
 #include <string>
 
 #include "core/gw_list.h"
@@ -53,5 +56,43 @@ class GWFontPath {
     int is_writeable(TYPE t);
 
   private:
-    // The area's owner fills this in.
+    using List = GW_LIST<GW_STRING>;
+
+    List& list(TYPE t) { return lists[static_cast<std::size_t>(t)]; }
+    [[nodiscard]] bool is_main_installation() const;
+    /// The refusals that all changes have in common.
+    [[nodiscard]] bool refuses(TYPE t) const;
+
+    bool read_host_and_locale();
+    void _set_all_fpe_list();
+    static void _read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list);
+    static int _write_to_vtfontpath(const std::string& path, const List& append_list,
+                                    const List& prepend_list);
+    int write_user_file(const List& append_list, const List& prepend_list) const;
+    void load_session();
+
+    int insert_by_type(TYPE t, const GW_STRING* element, int pos);
+    int insert_host(const GW_STRING* element, int pos);
+    int insert_user(TYPE t, const GW_STRING* element, int pos);
+    int insert_session(const GW_STRING* element, int pos);
+    int set_by_type(TYPE t, const List& elements);
+    int delete_by_type(TYPE t, int pos);
+    int delete_host(int pos);
+    int delete_user(TYPE t, int pos);
+    int delete_session(int pos);
+    /// Gives an empty host list copies of the installation's elements; true when it did.
+    bool seed_host_list();
+    void take_seeds_back();
+
+    [[nodiscard]] int _installation_vtconfig_writeable() const;
+    [[nodiscard]] int _host_vtconfig_writeable() const;
+    [[nodiscard]] int _user_vtfontpath_writeable() const;
+
+    std::array<List, TYPE_COUNT> lists;
+    uid_t effective_uid;
+    std::string root;
+    std::string installation_config;
+    std::string locale_file;
+    std::optional<std::string> user_file;  // none for the superuser, or without a home directory
+    std::optional<std::string> locale;
 };

@@ -13,6 +13,7 @@
 #include "core/gw_buf_file.h"
 #include "modules/index_access.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
 #include "platform/shell_command.h"
 
 namespace gw {
@@ -22,14 +23,6 @@ namespace {
 constexpr int TABLE_TOKENS = 4;
 constexpr int TABLE_CHARS = 32;
 constexpr mode_t SCRATCH_MODE = 0744;
-
-/// A directory under a fixed name that someone else has put there, or that is a link, is a trap.
-bool is_foreign(const char* dir) {
-    std::string path(dir);
-    while (path.ends_with('/')) path.pop_back();
-    struct stat info {};
-    return ::lstat(path.c_str(), &info) == 0 && (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid());
-}
 
 void run_and_report(const char* format, const char* argument) {
     if (run_shell(format, {argument}) == -1) std::perror(shell_text(format, {argument}).c_str());
@@ -113,11 +106,7 @@ void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_F
 }
 
 bool IndexedModule::make_scratch_index(const GW_FSPEC_LIST& files) const {
-    if (is_foreign(scratch_dir)) {
-        std::fprintf(stderr, "glyphward: %s is a link or belongs to someone else; it is not used\n",
-                     scratch_dir);
-        return false;
-    }
+    if (refuses_foreign_dir(scratch_dir)) return false;
     if (mkdir_and_slink(scratch_dir, &files) != 0) std::perror("make_font_list");
     run_and_report("mkfontdir %s;", scratch_dir);
     return true;

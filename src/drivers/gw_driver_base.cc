@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "drivers/gw_driver_base.h"
+
+#include <cstring>
+
+#include "drivers/engine_globals.h"
+#include "fontpath/gw_font_path.h"
+
+namespace {
+
+/// The 1-based position of the first element equal to `dir` in the list for `t`; 0 when there is none.
+int position_in(GWFontPath::TYPE t, const char* dir) {
+    unsigned count = 0;
+    int position = 0;
+    for (const GW_STRING* element : *the_font_path->get_fpe_list(t, count)) {
+        ++position;
+        if (std::strcmp(element->get_str(), dir) == 0) return position;
+    }
+    return 0;
+}
+
+}  // namespace
+
+int GWDriverBase::set_font_path(const char* dir) {
+    const GW_STRING element(dir);
+    if (position_in(GWFontPath::ALL_FP, dir) == 0) {
+        the_font_path->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, -1);
+    }
+    if (position_in(GWFontPath::SESSION_FP, dir) != 0) return 0;
+    return the_font_path->insert_after_pos(GWFontPath::SESSION_FP, &element, -1);
+}
+
+void GWDriverBase::start_preview() {
+    if (!preview_dir || preview_dir->empty()) return;
+    if (position_in(GWFontPath::SESSION_FP, preview_dir->c_str()) != 0) {
+        the_font_path->rehash_session_fp();
+        return;
+    }
+    GW_DIR staging(preview_dir->c_str());
+    make_upr_file(&staging);
+    const GW_STRING element(preview_dir->c_str());
+    the_font_path->insert_after_pos(GWFontPath::SESSION_FP, &element, -1);
+}
+
+void GWDriverBase::stop_preview() {
+    if (!preview_dir) return;
+    const int position = position_in(GWFontPath::SESSION_FP, preview_dir->c_str());
+    if (position != 0) the_font_path->delete_pos(GWFontPath::SESSION_FP, position);
+}
+
+void GWDriverBase::make_upr_file(GW_DIR* dir) {
+    dir->make_upr_file(1, nullptr);
+}

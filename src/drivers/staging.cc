@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+#include "drivers/staging.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/host_paths.h"
+#include "platform/scratch.h"
+
+namespace gw {
+
+namespace {
+
+constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
+
+}  // namespace
+
+bool prepare_staging(const char* staging, const std::string& link_name, const char* link_target) {
+    if (refuses_foreign_dir(staging)) return false;
+    ::mkdir(staging, ANYBODY_BEFORE_UMASK);
+    const std::string link = staging + link_name;
+    ::unlink(link.c_str());
+    if (::symlink(link_target, link.c_str()) != 0) return false;
+    GW_FONTDIR_FILE index(staging, FILE_TYPE_REGULAR);
+    if (index.exist() != 0) index.remove();
+    index.create();
+    return true;
+}
+
+void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int recursive,
+                 const char* staging) {
+    GW_DIR dir(source);
+    GW_LIST<GWFont> fonts;
+    modules.make_font_list(fonts, &dir, recursive);
+    GWStagingFpe fpe(staging);
+    for (GWFont* font : fonts) {
+        modules.make_font_visible(font, &fpe);
+        out.add_font(font);
+    }
+}
+
+}  // namespace gw

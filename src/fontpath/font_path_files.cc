@@ -1,0 +1,114 @@
+// SPDX-License-Identifier: MIT
+#include "fontpath/font_path_files.h"
+
+#include <sys/stat.h>
+
+#include <memory>
+
+#include "core/gw_token_string.h"
+#include "platform/config_db.h"
+
+namespace gw {
+
+namespace {
+
+constexpr const char* FONT_PATH_CLASS = "XDISPLAY";
+constexpr const char* FONT_PATH_INSTANCE = "0";
+constexpr const char* FONT_PATH_ATTRIBUTE = "fontpath";
+constexpr int OPENED = 0;
+constexpr int NEW_OR_EMPTY = 1;
+
+struct AttributeFree {
+    void operator()(char* value) const { config_db_free_attribute(value); }
+};
+
+int open_config(const std::string& path) {
+    return config_db_open(path.c_str(), 0, 1, 0, 0);
+}
+
+}  // namespace
+
+void list_insert(ElementList& list, int pos, const GW_STRING* s) {
+    auto* copy = new GW_STRING(s);
+    if (pos != -1 && pos < list.get_count()) {
+        list.insert_after_pos(pos, copy);
+    } else {
+        list.append(copy);
+    }
+}
+
+std::unique_ptr<GW_STRING> list_delete(ElementList& list, int pos) {
+    return std::unique_ptr<GW_STRING>(list.zap_elem_at_pos(pos == -1 ? list.get_count() : pos));
+}
+
+void list_replace(ElementList& list, const ElementList& source) {
+    ElementList copies;
+    for (const GW_STRING* s : source) copies.append(new GW_STRING(s));
+    delete_elements(list);
+    for (GW_STRING* s : copies) list.append(s);
+}
+
+void split_fpe_string(ElementList& list, const char* value) {
+    GW_TOKEN_STRING elements(value);
+    for (const char* token = elements.get_first_token(","); token != nullptr;
+         token = elements.get_next_token(",")) {
+        list.append(new GW_STRING(token));
+    }
+}
+
+std::optional<std::string> create_fpe_string(const ElementList& list) {
+    std::optional<std::string> value;
+    for (const GW_STRING* s : list) value = value ? *value + ',' + s->get_str() : std::string(s->get_str());
+    return value;
+}
+
+void read_config_font_path(const std::string& path, ElementList& list, const char* fallback) {
+    if (open_config(path) == OPENED) {
+        const std::unique_ptr<char, AttributeFree> value(
+            config_db_get_attribute(FONT_PATH_CLASS, FONT_PATH_INSTANCE, FONT_PATH_ATTRIBUTE));
+        if (const char* text = value ? value.get() : fallback; text != nullptr) split_fpe_string(list, text);
+    }
+    config_db_close(nullptr);
+}
+
+int write_to_vtconfig(const std::string& path, const char* value) {
+    const int opened = open_config(path);
+    const bool usable = opened == OPENED || opened == NEW_OR_EMPTY;
+    if (usable && (value == nullptr || config_db_set_attribute(FONT_PATH_CLASS, FONT_PATH_INSTANCE,
+                                                               FONT_PATH_ATTRIBUTE, value) == 0)) {
+        return config_db_close(path.c_str()) == 0 ? 1 : 0;
+    }
+    config_db_close(nullptr);
+    return 0;
+}
+
+int insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
+                                 const std::string& path) {
+    const bool at_end = pos == -1 || pos >= list.get_count();
+    list_insert(list, pos, element);
+    if (write_to_vtconfig(path, create_fpe_string(list)->c_str()) != 0) return 1;
+    list_delete(list, at_end ? -1 : pos + 1);
+    return 0;
+}
+
+int delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path) {
+    const int position = pos == -1 ? list.get_count() : pos;
+    const std::unique_ptr<GW_STRING> removed = list_delete(list, position);
+    if (!removed) return 0;
+    if (write_to_vtconfig(path, create_fpe_string(list).value_or("").c_str()) != 0) return 1;
+    list_insert(list, position - 1, removed.get());
+    return 0;
+}
+
+bool writable_by_uid(const std::string& path, uid_t uid) {
+    struct stat info {};
+    if (::stat(path.c_str(), &info) != 0) return false;
+    return (info.st_mode & (info.st_uid == uid ? S_IWUSR : S_IWOTH)) != 0;
+}
+
+bool file_exists(const std::string& path) {
+    struct stat info {};
+    return ::stat(path.c_str(), &info) == 0;
+}
+
+}  // namespace gw

@@ -1,0 +1,411 @@
+// SPDX-License-Identifier: MIT
+//
+// Who may change what, in which order things are read, and what is put back when a write fails. The files
+// themselves are dealt with in font_path_files.
+#include "fontpath/gw_font_path.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string_view>
+
+#include "core/gw_file.h"
+#include "core/text.h"
+#include "fontpath/font_path_files.h"
+#include "platform/host_paths.h"
+#include "platform/scratch.h"
+#include "platform/shell_command.h"
+
+#include "fontpath/session_display.h"
+
+namespace {
+
+constexpr const char* REMOVE = "/bin/rm -f %s";
+constexpr const char* EXPAND_LINES =
+    "cat %s |  while read input\n\t\t\t  do \n\t\t\t    eval echo $input \n\t\t\t  done  > %s";
+constexpr int LONGEST_LINE = 500;
+
+Display* session_display = nullptr;
+
+bool is_superuser(uid_t uid) {
+    return uid == 0;
+}
+
+/// Runs `xset` on the session font path; its complaints go to the scratch file for errors. False when it was
+/// not run.
+bool run_xset(const char* operation, const char* element) {
+    gw::run_shell(REMOVE, {gw::SCRATCH_ERRORS});
+    if (!gw::create_scratch_file(gw::SCRATCH_ERRORS)) {
+        std::fprintf(stderr, "glyphward: %s belongs to someone else; the session font path is left alone\n",
+                     gw::SCRATCH_ERRORS);
+        return false;
+    }
+    gw::run_shell("%s fp%s %s 2> %s", {gw::XSET, operation, element, gw::SCRATCH_ERRORS});
+    return true;
+}
+
+int _append_to_current_session(const char* element) {
+    if (!run_xset("+", element)) return 0;
+    const GW_FILE_SPEC errors("errors", gw::SCRATCH_ROOT, gw::FILE_TYPE_REGULAR, gw::EXT_UNKNOWN);
+    return errors.file_size() == 0 ? 1 : 0;
+}
+
+/// The directory and name of a path, for the file classes.
+GW_FILE file_at(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return {path.substr(slash + 1).c_str(), path.substr(0, slash + 1).c_str(), gw::FILE_TYPE_REGULAR};
+}
+
+}  // namespace
+
+void gw::set_font_path_display(Display* display) {
+    session_display = display;
+}
+
+Display* gw::font_path_display() {
+    return session_display;
+}
+
+GWFontPath::GWFontPath(const char* root_dir)
+    : effective_uid(::geteuid()), root(root_dir), installation_config(root + gw::INSTALLATION_CONFIG) {
+    gw::read_config_font_path(installation_config, list(INSTALLATION_FP), gw::DEFAULT_FONT_PATH);
+    if (is_main_installation() && !read_host_and_locale()) return;
+    load_session();
+    _set_all_fpe_list();
+}
+
+GWFontPath::~GWFontPath() {
+    for (const TYPE t : {INSTALLATION_FP, HOST_FP, USER_APPEND_FP, USER_PREPEND_FP, LOCALE_APPEND_FP,
+                         LOCALE_PREPEND_FP, DT_LOCALE_FP, SESSION_FP}) {
+        gw::delete_elements(list(t));
+    }
+}
+
+bool GWFontPath::is_main_installation() const {
+    return root == gw::INSTALLATION_ROOT;
+}
+
+/// False when the reading ends for good: a user without a home directory gets no session and no composed
+/// list.
+bool GWFontPath::read_host_and_locale() {
+    gw::read_config_font_path(gw::HOST_CONFIG, list(HOST_FP), nullptr);
+
+    if (const char* name = std::setlocale(LC_MESSAGES, nullptr); name != nullptr) locale = name;
+    std::string desktop_dir = gw::DESKTOP_FONT_DIR_NO_LOCALE;
+    if (locale) {
+        desktop_dir = gw::DESKTOP_FONT_DIR_FORMAT;
+        desktop_dir.replace(desktop_dir.find("%s"), 2, *locale);
+    }
+    if (gw::file_exists(desktop_dir)) list(DT_LOCALE_FP).append(new GW_STRING(desktop_dir.c_str()));
+
+    locale_file = root + gw::LOCALE_FONT_PATH_DIR + locale.value_or("C") + gw::LOCALE_FONT_PATH_FILE;
+    _read_from_vtfontpath(locale_file, list(LOCALE_APPEND_FP), list(LOCALE_PREPEND_FP));
+
+    if (is_superuser(effective_uid)) return true;
+    const char* home = std::getenv("HOME");
+    if (home == nullptr) return false;
+    user_file = std::string(home) + gw::USER_FONT_PATH_FILE;
+    _read_from_vtfontpath(*user_file, list(USER_APPEND_FP), list(USER_PREPEND_FP));
+    return true;
+}
+
+void GWFontPath::_set_all_fpe_list() {
+    list(ALL_FP).clear();
+    const TYPE base = list(HOST_FP).is_empty() ? INSTALLATION_FP : HOST_FP;
+    for (const TYPE t :
+         {USER_PREPEND_FP, LOCALE_PREPEND_FP, base, DT_LOCALE_FP, LOCALE_APPEND_FP, USER_APPEND_FP}) {
+        for (GW_STRING* element : list(t)) list(ALL_FP).append(element);
+    }
+}
+
+void GWFontPath::load_session() {
+    if (session_display == nullptr) return;
+    int count = 0;
+    char** path = XGetFontPath(session_display, &count);
+    for (int i = 0; i < count; ++i) list(SESSION_FP).append(new GW_STRING(path[i]));
+    if (path != nullptr) XFreeFontPath(path);
+}
+
+// Each line goes through the shell, so that it may name "$HOME/fonts". The first blank line ends the append
+// section; each further one starts a group that goes in front of the groups before it.
+void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) {
+    if (!gw::file_exists(path)) return;
+    gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
+    if (!gw::create_scratch_file(gw::SCRATCH_FONT_PATH)) {
+        std::fprintf(stderr, "glyphward: %s belongs to someone else; %s is not read\n", gw::SCRATCH_FONT_PATH,
+                     path.c_str());
+        return;
+    }
+    gw::run_shell(EXPAND_LINES, {path, gw::SCRATCH_FONT_PATH});
+
+    GW_FILE expanded = file_at(gw::SCRATCH_FONT_PATH);
+    char line[LONGEST_LINE + 1];
+    bool in_append_section = true;
+    int position = 0;
+    if (expanded.open("r") != 0) {
+        while (expanded.get_line(line, sizeof line) != nullptr) {
+            std::string_view text(line);
+            text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
+            if (text.empty() || text == "\n") {
+                in_append_section = false;
+                position = 0;
+                continue;
+            }
+            if (text.ends_with('\n')) text.remove_suffix(1);
+            auto* element = new GW_STRING(std::string(text).c_str());
+            if (in_append_section) {
+                append_list.append(element);
+            } else {
+                prepend_list.insert_after_pos(position++, element);
+            }
+        }
+        expanded.close();
+    }
+    gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
+}
+
+int GWFontPath::_write_to_vtfontpath(const std::string& path, const List& append_list,
+                                     const List& prepend_list) {
+    const bool backed_up = gw::file_exists(path);
+    if (backed_up) gw::run_shell("/bin/mv -f %s %s.bak", {path, path});
+    GW_FILE file = file_at(path);
+    bool written = file.open("w") != 0;
+    const auto put = [&](const std::string& text) { written = written && file.put_line(text.c_str()) != 0; };
+    for (const GW_STRING* element : append_list) put(std::string(element->get_str()) + '\n');
+    if (!prepend_list.is_empty()) put("\n");
+    for (const GW_STRING* element : prepend_list) put(std::string(element->get_str()) + '\n');
+    written = written && file.file_flush() == 0;
+    file.close();
+    if (!written && backed_up) gw::run_shell("/bin/mv -f %s.bak %s", {path, path});
+    return written ? 1 : 0;
+}
+
+int GWFontPath::write_user_file(const List& append_list, const List& prepend_list) const {
+    return user_file ? _write_to_vtfontpath(*user_file, append_list, prepend_list) : 0;
+}
+
+GW_LIST<GW_STRING>* GWFontPath::get_fpe_list(TYPE t, unsigned int& count) {
+    count = 0;
+    if (t < INSTALLATION_FP || t > ALL_FP) return nullptr;
+    if (t == SESSION_FP && list(t).is_empty()) load_session();
+    count = static_cast<unsigned>(list(t).get_count());
+    return &list(t);
+}
+
+bool GWFontPath::refuses(TYPE t) const {
+    if (t < INSTALLATION_FP || t > ALL_FP || t == LOCALE_PREPEND_FP || t == LOCALE_APPEND_FP) return true;
+    const bool is_user = t == USER_PREPEND_FP || t == USER_APPEND_FP;
+    const bool is_config = t == INSTALLATION_FP || t == HOST_FP;
+    if (!is_main_installation() && (t == HOST_FP || is_user)) return true;
+    return is_superuser(effective_uid) ? is_user : is_config;
+}
+
+int GWFontPath::insert_after_pos(TYPE t, const GW_STRING* element, int pos) {
+    if (pos < -1 || element == nullptr || refuses(t)) return 0;
+    // The element may be one of ours, which a failing write takes away again.
+    const GW_STRING copy(element);
+    const int result = insert_by_type(t, &copy, pos);
+    _set_all_fpe_list();
+    return result;
+}
+
+int GWFontPath::insert_by_type(TYPE t, const GW_STRING* element, int pos) {
+    switch (t) {
+        case INSTALLATION_FP:
+            return gw::insert_and_write_to_vtconfig(list(t), pos, element, installation_config);
+        case HOST_FP:
+            return insert_host(element, pos);
+        case USER_PREPEND_FP:
+        case USER_APPEND_FP:
+            return insert_user(t, element, pos);
+        case SESSION_FP:
+            return insert_session(element, pos);
+        default:
+            return 0;
+    }
+}
+
+bool GWFontPath::seed_host_list() {
+    if (!list(HOST_FP).is_empty() || list(INSTALLATION_FP).is_empty()) return false;
+    gw::list_replace(list(HOST_FP), list(INSTALLATION_FP));
+    return true;
+}
+
+// Positions move up as elements go, so every other one stays.
+void GWFontPath::take_seeds_back() {
+    for (int pos = 1; pos <= list(HOST_FP).get_count(); ++pos) gw::list_delete(list(HOST_FP), pos);
+}
+
+int GWFontPath::insert_host(const GW_STRING* element, int pos) {
+    if (_host_vtconfig_writeable() == 0) return 0;
+    const bool seeded = seed_host_list();
+    if (gw::insert_and_write_to_vtconfig(list(HOST_FP), pos, element, gw::HOST_CONFIG) != 0) return 1;
+    if (seeded) take_seeds_back();
+    return 0;
+}
+
+int GWFontPath::insert_user(TYPE t, const GW_STRING* element, int pos) {
+    if (_user_vtfontpath_writeable() == 0) return 0;
+    const bool at_end = pos == -1 || pos >= list(t).get_count();
+    gw::list_insert(list(t), pos, element);
+    if (write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP)) != 0) return 1;
+    gw::list_delete(list(t), at_end ? -1 : pos + 1);
+    return 0;
+}
+
+// The server always gets the element at the end of its path. On success the session list holds it twice, at
+// its position and at the end.
+int GWFontPath::insert_session(const GW_STRING* element, int pos) {
+    if (session_display == nullptr) return 0;
+    if (list(SESSION_FP).is_empty()) load_session();
+    const bool at_end = pos == -1 || pos >= list(SESSION_FP).get_count();
+    gw::list_insert(list(SESSION_FP), pos, element);
+    if (_append_to_current_session(element->get_str()) != 0) {
+        list(SESSION_FP).append(new GW_STRING(element));
+        return 1;
+    }
+    gw::list_delete(list(SESSION_FP), at_end ? -1 : pos + 1);
+    return 0;
+}
+
+int GWFontPath::set_font_path(TYPE t, GW_LIST<GW_STRING>* elements) {
+    if (elements == nullptr || refuses(t)) return 0;
+    // The list may be one of our own.
+    List copies;
+    const gw::ElementsOwner owner(copies);
+    gw::list_replace(copies, *elements);
+    const int result = set_by_type(t, copies);
+    _set_all_fpe_list();
+    return result;
+}
+
+int GWFontPath::set_by_type(TYPE t, const List& elements) {
+    const std::optional<std::string> value = gw::create_fpe_string(elements);
+    const char* text = value ? value->c_str() : nullptr;
+    switch (t) {
+        case INSTALLATION_FP:
+            if (gw::write_to_vtconfig(installation_config, text) == 0) return 0;
+            gw::list_replace(list(INSTALLATION_FP), elements);
+            return 1;
+        case HOST_FP:
+            // The installation's list takes the new path over, not the host's.
+            if (_host_vtconfig_writeable() == 0 || gw::write_to_vtconfig(gw::HOST_CONFIG, text) == 0)
+                return 0;
+            gw::list_replace(list(INSTALLATION_FP), elements);
+            return 1;
+        case USER_PREPEND_FP:
+            // The list keeps the old path after a write, and takes the new one over when the write fails.
+            if (_user_vtfontpath_writeable() == 0) return 0;
+            if (write_user_file(list(USER_APPEND_FP), elements) != 0) return 1;
+            gw::list_replace(list(USER_PREPEND_FP), elements);
+            return 0;
+        case USER_APPEND_FP:
+            if (_user_vtfontpath_writeable() == 0 || write_user_file(elements, list(USER_PREPEND_FP)) == 0)
+                return 0;
+            gw::list_replace(list(USER_APPEND_FP), elements);
+            return 1;
+        default:
+            return 0;
+    }
+}
+
+int GWFontPath::delete_pos(TYPE t, int pos) {
+    if ((pos < 1 && pos != -1) || refuses(t)) return 0;
+    const int result = delete_by_type(t, pos);
+    _set_all_fpe_list();
+    return result;
+}
+
+int GWFontPath::delete_by_type(TYPE t, int pos) {
+    switch (t) {
+        case INSTALLATION_FP:
+            if (list(t).is_empty()) return 0;
+            return gw::delete_and_write_to_vtconfig(list(t), pos, installation_config);
+        case HOST_FP:
+            return delete_host(pos);
+        case USER_PREPEND_FP:
+        case USER_APPEND_FP:
+            return delete_user(t, pos);
+        case SESSION_FP:
+            return delete_session(pos);
+        default:
+            return 0;
+    }
+}
+
+int GWFontPath::delete_host(int pos) {
+    if (list(INSTALLATION_FP).is_empty() && list(HOST_FP).is_empty()) return 0;
+    if (_host_vtconfig_writeable() == 0) return 0;
+    const bool seeded = seed_host_list();
+    if (gw::delete_and_write_to_vtconfig(list(HOST_FP), pos, gw::HOST_CONFIG) != 0) return 1;
+    if (seeded) take_seeds_back();
+    return 0;
+}
+
+int GWFontPath::delete_user(TYPE t, int pos) {
+    if (list(t).is_empty() || _user_vtfontpath_writeable() == 0) return 0;
+    const int position = pos == -1 ? list(t).get_count() : pos;
+    const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(t), position);
+    if (!removed) return 0;
+    if (write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP)) != 0) return 1;
+    // It comes back one place further on than it was.
+    gw::list_insert(list(t), position + 1, removed.get());
+    return 0;
+}
+
+int GWFontPath::delete_session(int pos) {
+    if (session_display == nullptr) return 0;
+    if (list(SESSION_FP).is_empty()) load_session();
+    const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(SESSION_FP), pos);
+    if (!removed) return 0;
+    run_xset("-", removed->get_str());
+    return 1;
+}
+
+void GWFontPath::rehash_session_fp() {
+    gw::run_shell(REMOVE, {gw::SCRATCH_ERRORS});
+    gw::run_shell("%s fp rehash", {gw::XSET});
+}
+
+int GWFontPath::is_writeable(TYPE t) {
+    switch (t) {
+        case INSTALLATION_FP:
+            return _installation_vtconfig_writeable();
+        case HOST_FP:
+            return _host_vtconfig_writeable();
+        case USER_PREPEND_FP:
+        case USER_APPEND_FP:
+            return _user_vtfontpath_writeable();
+        // The superuser changes the configuration, everybody else the session.
+        case SESSION_FP:
+            return is_superuser(effective_uid) ? 0 : 1;
+        default:
+            return 0;
+    }
+}
+
+int GWFontPath::_installation_vtconfig_writeable() const {
+    return gw::writable_by_uid(installation_config, effective_uid) &&
+                   gw::write_to_vtconfig(installation_config, nullptr) != 0
+               ? 1
+               : 0;
+}
+
+int GWFontPath::_host_vtconfig_writeable() const {
+    if (!gw::file_exists(gw::HOST_CONFIG_DIR)) {
+        gw::run_shell("/bin/mkdir -p %s", {gw::HOST_CONFIG_DIR});
+        gw::run_shell("/bin/chmod 755 %s", {gw::HOST_CONFIG_DIR});
+        return 1;
+    }
+    const bool exists = gw::file_exists(gw::HOST_CONFIG);
+    return gw::writable_by_uid(exists ? gw::HOST_CONFIG : gw::HOST_CONFIG_DIR, effective_uid) ? 1 : 0;
+}
+
+int GWFontPath::_user_vtfontpath_writeable() const {
+    if (!user_file || !gw::file_exists(*user_file)) return 1;
+    return gw::writable_by_uid(*user_file, effective_uid) ? 1 : 0;
+}

@@ -1,0 +1,34 @@
+// SPDX-License-Identifier: MIT
+#include "platform/scratch.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <string>
+
+namespace gw {
+
+bool create_scratch_file(const char* path) {
+    const int fd = ::open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (fd < 0) return false;
+    ::close(fd);
+    return true;
+}
+
+bool is_foreign_dir(const char* dir) {
+    // With a trailing slash `lstat` would follow a link.
+    std::string path(dir);
+    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    struct stat info {};
+    return ::lstat(path.c_str(), &info) == 0 && (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid());
+}
+
+bool refuses_foreign_dir(const char* dir) {
+    if (!is_foreign_dir(dir)) return false;
+    std::fprintf(stderr, "glyphward: %s is a link or belongs to someone else; it is not used\n", dir);
+    return true;
+}
+
+}  // namespace gw
