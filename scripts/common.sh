@@ -1,0 +1,62 @@
+# shellcheck shell=bash
+# SPDX-License-Identifier: MIT
+#
+# What run.sh, test.sh and the scripts beside this file share: where the tree is, how a long step is shown, how a
+# failure is told. Sourced, never run.
+
+TREE=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
+BUILD=$TREE/build
+LOGS=$BUILD/log
+
+say() { printf '%s\n' "$*"; }
+
+# fail MESSAGE...: each argument is a line; the first says what is wrong, the others what to do.
+fail() {
+    printf '%s\n' "$@" >&2
+    exit 1
+}
+
+# quiet_progress LOG: the newest "[done/all]" of the builder in LOG, or nothing.
+quiet_progress() {
+    tail -c 4096 "$1" 2>/dev/null | tr '\r' '\n' | grep -oE '^\[[0-9]+/[0-9]+\]' | tail -n 1 || true
+}
+
+# step NAME ADVICE COMMAND...: runs a long step with its output in a log of its own. A terminal sees how far it is;
+# a failure shows the end of the log and ADVICE.
+step() {
+    local name=$1 advice=$2 log status=0 start=$SECONDS
+    shift 2
+    mkdir -p "$LOGS" 2>/dev/null || fail "Cannot write to $BUILD." "Give it to yourself (chown -R) or remove it, then start again."
+    log=$LOGS/$(printf '%s' "$name" | tr -c 'A-Za-z0-9\n' '-' | tr '[:upper:]' '[:lower:]').log
+    printf '%s ...' "$name"
+    "$@" >"$log" 2>&1 </dev/null &
+    local pid=$!
+    if [ -t 1 ]; then
+        while kill -0 "$pid" 2>/dev/null; do
+            printf '\r%s ... %s %d s \033[K' "$name" "$(quiet_progress "$log")" "$((SECONDS - start))"
+            sleep 0.5
+        done
+        printf '\r%s ...\033[K' "$name"
+    fi
+    wait "$pid" || status=$?
+    if [ "$status" -ne 0 ]; then
+        printf ' failed\n'
+        grep -aE 'error:|^E: |FAILED' "$log" | head -n 10 | sed 's/^/    /' >&2 || true
+        printf '  ...\n' >&2
+        tail -n 15 "$log" | sed 's/^/    /' >&2
+        fail "$name failed; all of it is in ${log#"$TREE"/}." "$advice"
+    fi
+    printf ' done (%d s)\n' "$((SECONDS - start))"
+}
+
+# build PRESET: configures when needed, and builds.
+build() {
+    step "Building ($1)" "Correct the error above and start again; if the build directory is to blame, remove build/$1." \
+        build_quietly "$1"
+}
+
+build_quietly() {
+    cd "$TREE" || return 1
+    [ -e "$BUILD/$1/build.ninja" ] || cmake --preset "$1" || return 1
+    cmake --build --preset "$1"
+}
