@@ -1,0 +1,19 @@
+// SPDX-License-Identifier: MIT
+//
+// The main window: every installed font and every alias of the font path in one list, with a sample of the
+// selected one.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+// Null until the window has been created.
+extern Widget wi_main_window;
+extern Widget wi_hrn_list;
+extern Widget wi_sample_textfield;
+extern Widget wi_status_message;
+
+/// Creates the window as a child of the application shell, fills its list and installs its callbacks.
+void create_font_admin_main_window();
+
+/// Leaves the program with status 0.
+void exit_btn_cb(Widget w, XtPointer client_data, XtPointer call_data);

@@ -1,0 +1,225 @@
+// SPDX-License-Identifier: MIT
+#include "app/gw_gui_util.h"
+
+#include <algorithm>
+
+#include "app/program_objects.h"
+#include "app/sample_text_cb.h"
+
+#include <X11/Xatom.h>
+#include <X11/cursorfont.h>
+#include <Xm/AtomMgr.h>
+#include <Xm/DialogS.h>
+#include <Xm/Form.h>
+#include <Xm/Label.h>
+#include <Xm/List.h>
+#include <Xm/Protocols.h>
+#include <Xm/PushB.h>
+#include <Xm/RowColumn.h>
+#include <Xm/ScrolledW.h>
+#include <Xm/Separator.h>
+#include <Xm/TextF.h>
+
+namespace gw {
+
+void XmStringDeleter::operator()(XmString s) const {
+    XmStringFree(s);
+}
+
+void XtDeleter::operator()(void* storage) const {
+    XtFree(static_cast<char*>(storage));
+}
+
+void FontListDeleter::operator()(XmFontList list) const {
+    XmFontListFree(list);
+}
+
+void free_entry(XmFontListEntry entry) {
+    XmFontListEntryFree(&entry);
+}
+
+XmText xm_text(const std::string& text) {
+    return XmText(XmStringCreateLocalized(name_arg(text.c_str())));
+}
+
+std::string label_of(Widget w) {
+    XmString string = nullptr;
+    XtVaGetValues(w, XmNlabelString, &string, nullptr);
+    const XmText owned(string);
+    if (!owned) return {};
+    // Without a parse table the separators between lines would vanish.
+    const XmText newline(XmStringSeparatorCreate());
+    Arg args[4];
+    XtSetArg(args[0], XmNpattern, "\n");
+    XtSetArg(args[1], XmNpatternType, XmCHARSET_TEXT);
+    XtSetArg(args[2], XmNsubstitute, newline.get());
+    XtSetArg(args[3], XmNincludeStatus, XmINSERT);
+    XmParseMapping lines = XmParseMappingCreate(args, 4);
+    const XtOwned<char> text(static_cast<char*>(
+        XmStringUnparse(owned.get(), nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &lines, 1, XmOUTPUT_ALL)));
+    XmParseMappingFree(lines);
+    return text ? text.get() : "";
+}
+
+std::string field_text(Widget field) {
+    const XtOwned<char> text(XmTextFieldGetString(field));
+    return text ? text.get() : "";
+}
+
+std::vector<int> selected_positions(Widget list) {
+    int* positions = nullptr;
+    int count = 0;
+    if (XmListGetSelectedPos(list, &positions, &count) == False) return {};
+    const XtOwned<int> owned(positions);
+    std::vector<int> result(positions, positions + count);
+    std::sort(result.begin(), result.end());
+    return result;
+}
+
+int selected_count(Widget list) {
+    int count = 0;
+    XtVaGetValues(list, XmNselectedItemCount, &count, nullptr);
+    return count;
+}
+
+namespace {
+
+Widget managed(Widget w) {
+    XtManageChild(w);
+    return w;
+}
+
+}  // namespace
+
+Widget form(Widget parent, const char* name) {
+    return managed(XmCreateForm(parent, name_arg(name), nullptr, 0));
+}
+
+Widget form_dialog(Widget parent, const char* name, Message title) {
+    Arg args[2];
+    XtSetArg(args[0], XmNautoUnmanage, False);
+    XtSetArg(args[1], XmNdefaultPosition, False);
+    Widget dialog = XmCreateFormDialog(parent, name_arg(name), args, 2);
+    set_window_title(dialog, text_of(title));
+    XtAddCallback(dialog, XmNmapCallback, popup_cb, nullptr);
+    return dialog;
+}
+
+Widget label(Widget parent, const char* name, const std::string& text) {
+    const XmText string = xm_text(text);
+    Arg args[2];
+    XtSetArg(args[0], XmNlabelString, string.get());
+    XtSetArg(args[1], XmNalignment, XmALIGNMENT_BEGINNING);
+    return managed(XmCreateLabel(parent, name_arg(name), args, 2));
+}
+
+Widget label(Widget parent, const char* name, Message text) {
+    return label(parent, name, text_of(text));
+}
+
+Widget push_button(Widget parent, const char* name, Message text) {
+    const XmText string = xm_text(text_of(text));
+    Arg args[1];
+    XtSetArg(args[0], XmNlabelString, string.get());
+    return managed(XmCreatePushButton(parent, name_arg(name), args, 1));
+}
+
+Widget separator(Widget parent, const char* name) {
+    return managed(XmCreateSeparator(parent, name_arg(name), nullptr, 0));
+}
+
+Widget text_field(Widget parent, const char* name) {
+    return managed(XmCreateTextField(parent, name_arg(name), nullptr, 0));
+}
+
+Widget scrolled_list(Widget parent, const char* name) {
+    Arg args[3];
+    XtSetArg(args[0], XmNselectionPolicy, XmEXTENDED_SELECT);
+    XtSetArg(args[1], XmNlistSizePolicy, XmCONSTANT);
+    XtSetArg(args[2], XmNscrollBarDisplayPolicy, XmSTATIC);
+    return managed(XmCreateScrolledList(parent, name_arg(name), args, 3));
+}
+
+Widget scrolled_window(Widget parent, const char* name) {
+    Arg args[1];
+    XtSetArg(args[0], XmNscrollingPolicy, XmAUTOMATIC);
+    return managed(XmCreateScrolledWindow(parent, name_arg(name), args, 1));
+}
+
+OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name,
+                       const std::string& first_entry) {
+    Widget pulldown = XmCreatePulldownMenu(parent, name_arg(pulldown_name), nullptr, 0);
+    Widget first = menu_button(pulldown, "_initial_entry", first_entry);
+    const XmText empty = xm_text("");
+    Arg args[3];
+    XtSetArg(args[0], XmNsubMenuId, pulldown);
+    XtSetArg(args[1], XmNmenuHistory, first);
+    XtSetArg(args[2], XmNlabelString, empty.get());
+    return {managed(XmCreateOptionMenu(parent, name_arg(name), args, 3)), pulldown};
+}
+
+Widget menu_button(Widget pulldown, const char* name, const std::string& text) {
+    const XmText string = xm_text(text);
+    Arg args[1];
+    XtSetArg(args[0], XmNlabelString, string.get());
+    return managed(XmCreatePushButton(pulldown, name_arg(name), args, 1));
+}
+
+const Attach& Attach::to_form(const char* attachment, const char* offset_name, int offset) const {
+    XtVaSetValues(w_, attachment, XmATTACH_FORM, offset_name, offset, nullptr);
+    return *this;
+}
+
+const Attach& Attach::to_widget(const char* attachment, const char* widget_name, const char* offset_name,
+                                Widget w, int offset) const {
+    XtVaSetValues(w_, attachment, XmATTACH_WIDGET, widget_name, w, offset_name, offset, nullptr);
+    return *this;
+}
+
+const Attach& Attach::columns(int left, int right) const {
+    XtVaSetValues(w_, XmNleftAttachment, XmATTACH_POSITION, XmNleftPosition, left, XmNrightAttachment,
+                  XmATTACH_POSITION, XmNrightPosition, right, nullptr);
+    return *this;
+}
+
+void on_close_box(Widget dialog, XtCallbackProc callback) {
+    Widget shell = dialog;
+    while (!XtIsShell(shell)) shell = XtParent(shell);
+    XtVaSetValues(shell, XmNdeleteResponse, XmDO_NOTHING, nullptr);
+    XmAddWMProtocolCallback(shell, XmInternAtom(XtDisplay(shell), name_arg("WM_DELETE_WINDOW"), False),
+                            callback, nullptr);
+}
+
+}  // namespace gw
+
+void popup_cb(Widget w, void* /*client_data*/, void* /*call_data*/) {
+    Widget shell = w;
+    while (shell != nullptr && XtClass(shell) != xmDialogShellWidgetClass) shell = XtParent(shell);
+    if (shell == nullptr) return;
+    Dimension width = 0;
+    Dimension height = 0;
+    XtVaGetValues(shell, XmNwidth, &width, XmNheight, &height, nullptr);
+    XtVaSetValues(shell, XmNx, (WidthOfScreen(XtScreen(shell)) - width) / 2, XmNy,
+                  (HeightOfScreen(XtScreen(shell)) - height) / 2, nullptr);
+}
+
+void set_window_title(Widget dialog, const char* title) {
+    const gw::XmText string = gw::xm_text(title);
+    XtVaSetValues(dialog, XmNdialogTitle, string.get(), nullptr);
+}
+
+void set_watch_cursor(Widget w, int on) {
+    static Cursor watch_cursor = XCreateFontCursor(display, XC_watch);
+    if (w == nullptr || !XtIsManaged(w) || XtWindow(w) == None) return;
+    XDefineCursor(display, XtWindow(w), on != 0 ? watch_cursor : None);
+    process_xt_events();
+}
+
+void activate(Widget w, char on) {
+    XtSetSensitive(w, on != 0 ? True : False);
+}
+
+Widget get_constraint_widget(Widget w, Widget ancestor) {
+    while (w != nullptr && XtParent(w) != ancestor) w = XtParent(w);
+    return w;
+}

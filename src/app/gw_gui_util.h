@@ -1,0 +1,145 @@
+// SPDX-License-Identifier: MIT
+//
+// What keeps Motif out of the dialogs' way: handles that release what the toolkit hands out (nothing else
+// calls its free functions), builders for the widgets that dialogs are made of, attachments, and what all
+// dialogs do alike.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "app/messages.h"
+
+#include <Xm/Xm.h>
+
+namespace gw {
+
+// --- handles
+// -----------------------------------------------------------------------------------------------------------------
+
+struct XmStringDeleter {
+    void operator()(XmString s) const;
+};
+using XmText = std::unique_ptr<std::remove_pointer_t<XmString>, XmStringDeleter>;
+
+struct XtDeleter {
+    void operator()(void* storage) const;
+};
+template <class T>
+using XtOwned = std::unique_ptr<T, XtDeleter>;
+
+struct FontListDeleter {
+    void operator()(XmFontList list) const;
+};
+using FontList = std::unique_ptr<std::remove_pointer_t<XmFontList>, FontListDeleter>;
+
+/// A font list copies its entries: one that was appended is released at once.
+void free_entry(XmFontListEntry entry);
+
+/// `text` in the current locale; newlines separate lines.
+XmText xm_text(const std::string& text);
+
+/// The toolkit takes names as `char*` without writing to them.
+inline char* name_arg(const char* name) {
+    return const_cast<char*>(name);
+}
+
+// --- reading widgets
+// ---------------------------------------------------------------------------------------------------------
+
+std::string label_of(Widget w);
+std::string field_text(Widget text_field);
+/// The selected positions of a list, 1-based and ascending.
+std::vector<int> selected_positions(Widget list);
+int selected_count(Widget list);
+
+// --- builders: each creates one managed widget under that name
+// -----------------------------------------------------------------
+
+Widget form(Widget parent, const char* name);
+/// A dialog: a form in a shell of its own, unmanaged, centred when it appears.
+Widget form_dialog(Widget parent, const char* name, Message title);
+Widget label(Widget parent, const char* name, Message text);
+Widget label(Widget parent, const char* name, const std::string& text);
+Widget push_button(Widget parent, const char* name, Message text);
+Widget separator(Widget parent, const char* name);
+Widget text_field(Widget parent, const char* name);
+/// A list with scroll bars in which several items can be selected; the widget returned is the list, its
+/// parent the scrolled window.
+Widget scrolled_list(Widget parent, const char* name);
+Widget scrolled_window(Widget parent, const char* name);
+
+struct OptionMenu {
+    Widget menu;
+    Widget pulldown;
+};
+/// An option menu with one entry; its label stands in a widget of its own.
+OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name,
+                       const std::string& first_entry);
+/// A push button in a pulldown, under `name`, showing `text`.
+Widget menu_button(Widget pulldown, const char* name, const std::string& text);
+
+// --- attachments
+// ---------------------------------------------------------------------------------------------------------------
+
+/// Attaches a child of a form, side by side: `Attach(w).top_form(5).left_to(label, 5)`.
+class Attach {
+  public:
+    explicit Attach(Widget w) : w_(w) {}
+    const Attach& top_form(int offset) const { return to_form(XmNtopAttachment, XmNtopOffset, offset); }
+    const Attach& bottom_form(int offset) const {
+        return to_form(XmNbottomAttachment, XmNbottomOffset, offset);
+    }
+    const Attach& left_form(int offset) const { return to_form(XmNleftAttachment, XmNleftOffset, offset); }
+    const Attach& right_form(int offset) const { return to_form(XmNrightAttachment, XmNrightOffset, offset); }
+    const Attach& sides(int offset) const { return left_form(offset).right_form(offset); }
+    const Attach& below(Widget w, int offset) const {
+        return to_widget(XmNtopAttachment, XmNtopWidget, XmNtopOffset, w, offset);
+    }
+    const Attach& above(Widget w, int offset) const {
+        return to_widget(XmNbottomAttachment, XmNbottomWidget, XmNbottomOffset, w, offset);
+    }
+    const Attach& right_of(Widget w, int offset) const {
+        return to_widget(XmNleftAttachment, XmNleftWidget, XmNleftOffset, w, offset);
+    }
+    const Attach& left_of(Widget w, int offset) const {
+        return to_widget(XmNrightAttachment, XmNrightWidget, XmNrightOffset, w, offset);
+    }
+    /// Between two positions of the form, in hundredths of its width.
+    const Attach& columns(int left, int right) const;
+
+  private:
+    const Attach& to_form(const char* attachment, const char* offset_name, int offset) const;
+    const Attach& to_widget(const char* attachment, const char* widget_name, const char* offset_name,
+                            Widget w, int offset) const;
+    Widget w_;
+};
+
+// --- what all dialogs do alike
+// -------------------------------------------------------------------------------------------------
+
+/// Calls `Function(client data as Record*)`, the casts between the toolkit's pointers and ours being made
+/// here alone.
+template <class Record, void (*Function)(Widget, Record*, XtPointer)>
+void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
+    Function(w, static_cast<Record*>(client_data), call_data);
+}
+
+/// The window manager's close box of a dialog (or of the main window) runs `callback`, which should do what
+/// Cancel or Close does.
+void on_close_box(Widget dialog, XtCallbackProc callback);
+
+}  // namespace gw
+
+/// Callback of every dialog when it appears: centres its shell on the screen.
+void popup_cb(Widget w, void* client_data, void* call_data);
+/// Sets the dialog's title, in the current locale.
+void set_window_title(Widget dialog, const char* title);
+/// Shows (`on` non-zero) or removes the busy cursor on `w`, if it is managed, and has the display drawn.
+void set_watch_cursor(Widget w, int on);
+/// Sets the widget's sensitivity.
+void activate(Widget w, char on);
+/// The child of `ancestor` that is, or contains, `w`; null when `w` is not inside.
+Widget get_constraint_widget(Widget w, Widget ancestor);

@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+#include "app/main_start.h"
+
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "app/attrdlg.h"
+#include "app/fallback_resources.h"
+#include "app/glyphwardapp.h"
+#include "app/gw_gui_util.h"
+#include "app/initdlg.h"
+#include "app/program_objects.h"
+#include "app/propsdlg.h"
+#include "app/sample_text_cb.h"
+#include "core/gw_misc.h"
+#include "platform/host_paths.h"
+
+#include "fontpath/session_display.h"
+
+namespace {
+
+// The two flags are declared four bytes wide although each is one: the converter writes the one.
+constexpr Cardinal DECLARED_FLAG_SIZE = 4;
+
+XtResource Gw_resrcs[] = {
+    {gw::name_arg("gw_fontset_support"), gw::name_arg("Gw_Fontset_Support"), gw::name_arg(XmRBoolean),
+     DECLARED_FLAG_SIZE, XtOffsetOf(GwResources, fontset_support), gw::name_arg(XmRString),
+     gw::name_arg("False")},
+    {gw::name_arg("gw_printer_support"), gw::name_arg("Gw_Printer_Support"), gw::name_arg(XmRBoolean),
+     DECLARED_FLAG_SIZE, XtOffsetOf(GwResources, printer_support), gw::name_arg(XmRString),
+     gw::name_arg("False")},
+    {gw::name_arg("gw_codeset_num"), gw::name_arg("Gw_Codeset_Num"), gw::name_arg(XmRInt), sizeof(int),
+     XtOffsetOf(GwResources, codeset_num), gw::name_arg(XmRString), gw::name_arg("3")},
+    {gw::name_arg("gw_locale_sample_text"), gw::name_arg("Gw_Locale_Sample_Text"), gw::name_arg(XmRString),
+     sizeof(String), XtOffsetOf(GwResources, locale_sample_text), gw::name_arg(XmRString), gw::name_arg("")},
+};
+
+// A font that the server does not have is replaced by the toolkit, and a character that the selected font
+// lacks is left out: neither is news for the terminal.
+void quiet_about_fonts(String message) {
+    for (const std::string_view noise :
+         {"Cannot convert string", "Missing charsets", "not supported in font"}) {
+        if (std::string_view(message).find(noise) != std::string_view::npos) return;
+    }
+    std::fprintf(stderr, "glyphward: %s\n", message);
+}
+
+// Nothing can be saved and nothing shown once the display is gone; exit handlers would only talk to it.
+int display_lost(Display*) {
+    std::fputs("glyphward: the connection to the display is lost\n", stderr);
+    std::_Exit(1);
+}
+
+void create_dialogs() {
+    create_attr_dlg("attr_dlg", wi_toplevel);
+    create_props_dlg("props_dlg", wi_toplevel);
+}
+
+}  // namespace
+
+void set_env() {
+    ::setenv("NLSPATH", gw::DEFAULT_NLSPATH, 0);
+    ::setenv("XFILESEARCHPATH", gw::DEFAULT_XFILESEARCHPATH, 0);
+}
+
+void init_gui(int* argc, char** argv) {
+    std::setlocale(LC_ALL, "");
+    XtSetLanguageProc(nullptr, nullptr, nullptr);
+    set_env();
+    gw::open_catalogue();
+    XSetIOErrorHandler(display_lost);
+    wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
+    XtAppSetWarningHandler(app, quiet_about_fonts);
+    XtGetApplicationResources(wi_toplevel, &Gw_resrc, Gw_resrcs, XtNumber(Gw_resrcs), nullptr, 0);
+    display = XtDisplay(wi_toplevel);
+    screen = XtScreen(wi_toplevel);
+    gw::set_font_path_display(display);
+    create_init_dlg("init_dlg", wi_toplevel);
+    start_init_dlg();
+    process_xt_events();
+}
+
+void build_program() {
+    the_font_path = new GWFontPath(gw::INSTALLATION_ROOT);
+    the_fsm_list.append(&the_t1_fsm);
+    the_fsm_list.append(&the_pcf_fsm);
+    fill_program_lists();
+    create_font_admin_main_window();
+    create_dialogs();
+    if (uid == 0) user_is_root = 1;
+    stop_init_dlg();
+    XtRealizeWidget(wi_toplevel);
+}
+
+int gw_main(int argc, char** argv) {
+    gw_init();
+    uid = static_cast<int>(::geteuid());
+    std::atexit(release_program_objects);
+    init_gui(&argc, argv);
+    build_program();
+    XtAppMainLoop(app);
+    return 0;
+}

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+//
+// Start-up: environment, catalogue, display, resources, lists, windows. In the library and not in main.cc, so
+// that tests take the same road.
+#pragma once
+
+/// The whole program; returns only when the event loop does.
+int gw_main(int argc, char** argv);
+
+/// Locale, environment, catalogue, display and resources; ends with the start-up notice on the screen.
+void init_gui(int* argc, char** argv);
+
+/// Gives NLSPATH and XFILESEARCHPATH their defaults where the environment has none.
+void set_env();
+
+/// The steps behind `init_gui`: font path, modules, lists, the main window, every dialog; takes the notice
+/// down and maps the window.
+void build_program();

@@ -1,0 +1,22 @@
+// SPDX-License-Identifier: MIT
+//
+// The texts for users, looked up in the message catalogue. The table is messages.def.
+#pragma once
+
+namespace gw {
+
+enum class Message {
+#define MSG(set, number, name, text) name,
+#include "app/messages.def"
+#undef MSG
+};
+
+/// The text in the user's language, or the default where there is no catalogue. Lives as long as the
+/// catalogue is open.
+const char* text_of(Message message);
+
+/// Opens the catalogue for the current locale; without one the defaults stand.
+void open_catalogue();
+void close_catalogue();
+
+}  // namespace gw

@@ -1,0 +1,361 @@
+// SPDX-License-Identifier: MIT
+#include "app/sample_text_cb.h"
+
+#include <map>
+#include <memory>
+
+#include "app/attrdlg.h"
+#include "app/glyphwardapp.h"
+#include "app/gw_gui_util.h"
+#include "app/program_objects.h"
+#include "app/rc_sample_text.h"
+#include "core/text.h"
+
+#include <X11/Xproto.h>
+#include <Xm/List.h>
+#include <Xm/RowColumn.h>
+#include <Xm/TextF.h>
+
+const std::array<const char*, outline_point_size_list_count> outline_point_size_list = {"10", "12", "14",
+                                                                                        "18", "24", "36"};
+std::string sample_text = "Aa Bb Cc Xx Yy Zz 0123456789";
+
+namespace {
+
+constexpr std::size_t LABEL_LIMIT = 10000;
+constexpr unsigned XLFD_BUFFER = 2000;
+constexpr int IDLE_ROUNDS = 10;
+constexpr const char* OUTLINE_RESOLUTION = "75 X 75";
+constexpr const char* OUTLINE_SIZE_WITHOUT_MENU = "240";
+
+XErrorHandler default_error_handler = nullptr;
+
+// --- font sets
+// ---------------------------------------------------------------------------------------------------------------
+
+struct FontSetCloser {
+    void operator()(XFontSet set) const { XFreeFontSet(display, set); }
+};
+using FontSet = std::unique_ptr<std::remove_pointer_t<XFontSet>, FontSetCloser>;
+
+/// The font set that each sample field shows: a font list does not own it, so it must outlive the list.
+std::map<Widget, FontSet>& shown_font_sets() {
+    static std::map<Widget, FontSet> sets;
+    return sets;
+}
+
+void forget_field_cb(Widget field, XtPointer, XtPointer) {
+    shown_font_sets().erase(field);
+}
+
+/// The font set of that one name; empty when the locale or the server cannot make one that has a width for
+/// letters. Charsets that are missing from it are normal: a set of one font has but one.
+FontSet make_font_set(const char* xlfd) {
+    char** missing = nullptr;
+    int missing_count = 0;
+    char* substitute = nullptr;
+    FontSet set(XCreateFontSet(display, xlfd, &missing, &missing_count, &substitute));
+    if (missing != nullptr) XFreeStringList(missing);
+    if (set && XmbTextEscapement(set.get(), "A", 1) == 0) set.reset();
+    return set;
+}
+
+void put_text(Widget field, const char* text) {
+    const gw::XtOwned<char> own(XtNewString(text));
+    XmTextFieldSetString(field, own.get());
+}
+
+/// Shows `text` in the fonts of `set`, at the field's present height: the window must not jump from font to
+/// font.
+void show_in_font_set(Widget field, FontSet set, const char* text) {
+    Dimension height = 0;
+    XtVaGetValues(field, XmNheight, &height, nullptr);
+    XmFontListEntry entry =
+        XmFontListEntryCreate(gw::name_arg(XmFONTLIST_DEFAULT_TAG), XmFONT_IS_FONTSET, set.get());
+    const gw::FontList fonts(XmFontListAppendEntry(nullptr, entry));
+    gw::free_entry(entry);
+    XtVaSetValues(field, XmNfontList, fonts.get(), nullptr);
+    XtVaSetValues(field, XmNheight, height, nullptr);
+    auto& sets = shown_font_sets();
+    if (!sets.contains(field)) XtAddCallback(field, XmNdestroyCallback, forget_field_cb, nullptr);
+    sets[field] = std::move(set);
+    put_text(field, text);
+}
+
+/// The busy cursor on the windows that may be in view, for the length of a scope.
+class BusyWindows {
+  public:
+    BusyWindows() { show(1); }
+    ~BusyWindows() { show(0); }
+    BusyWindows(const BusyWindows&) = delete;
+    BusyWindows& operator=(const BusyWindows&) = delete;
+
+  private:
+    static void show(int on) {
+        for (Widget w : {wi_main_window, wi_attr_dlg}) set_watch_cursor(w, on);
+    }
+};
+
+void display_text_in_xlfd(Widget field, const char* xlfd, const char* text) {
+    const BusyWindows busy;
+    FontSet set = make_font_set(xlfd);
+    if (set) {
+        show_in_font_set(field, std::move(set), text);
+    } else {
+        clear_sample_textfield(field);
+    }
+}
+
+// --- the selected entry
+// --------------------------------------------------------------------------------------------------------
+
+bool is_outline(const GWHRNElement& elem) {
+    const GWFont* font = elem.get_representative();
+    return font != nullptr && font->get_type() != GWFont::BITMAP_FONT;
+}
+
+/// The element at the one selected position; null unless exactly one entry is selected and it is a font.
+GWHRNElement* only_selected_element(const sample_text_cb_struct& record) {
+    const std::vector<int> positions = gw::selected_positions(record.list);
+    return positions.size() == 1 ? record.hrn_list->get_elem_at_pos(positions.front()) : nullptr;
+}
+
+void show_attributes_if_displayed(GWFont* font, const char* location) {
+    if (is_attr_dlg_displayed() != 0) show_font_attributes(font, location);
+}
+
+void make_menus_insensitive(const sample_text_cb_struct& record) {
+    for (Widget menu : {record.size_menu, record.res_menu}) {
+        if (menu != nullptr) activate(menu, 0);
+    }
+}
+
+// --- the option menus
+// ----------------------------------------------------------------------------------------------------------
+
+using ButtonCallback = void (*)(Widget, XtPointer, XtPointer);
+
+/// Gives the menu one button per text and makes the last one current; the old buttons go. Returns the current
+/// button.
+Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& buttons,
+                       const std::vector<std::string>& texts, ButtonCallback callback,
+                       sample_text_cb_struct* record) {
+    Cardinal old_count = 0;
+    WidgetList old_children = nullptr;
+    XtVaGetValues(pulldown, XmNnumChildren, &old_count, XmNchildren, &old_children, nullptr);
+    const std::vector<Widget> old(old_children, old_children + old_count);
+
+    buttons.clear();
+    for (const std::string& text : texts) {
+        Widget button = gw::menu_button(pulldown, "_choice", text);
+        XtAddCallback(button, XmNactivateCallback, callback, record);
+        buttons.push_back(button);
+    }
+    // The menu must not point at a button that goes.
+    if (!buttons.empty()) XtVaSetValues(menu, XmNmenuHistory, buttons.back(), nullptr);
+    for (Widget button : old) {
+        XtUnmanageChild(button);
+        XtDestroyWidget(button);
+    }
+    return buttons.empty() ? nullptr : buttons.back();
+}
+
+void offer_sizes(sample_text_cb_struct* record, int position) {
+    const GWHRNElement* elem = record->hrn_list->get_elem_at_pos(position);
+    std::vector<std::string> points;
+    if (is_outline(*elem)) {
+        points.assign(outline_point_size_list.begin(), outline_point_size_list.end());
+    } else {
+        unsigned count = 0;
+        for (const std::string& decipoints : elem->get_point_sizes(count)) {
+            points.push_back(convert_to_point(decipoints.c_str()));
+        }
+    }
+    Widget current = replace_buttons(record->size_menu, record->size_pulldown, record->size_buttons, points,
+                                     gw::thunk<sample_text_cb_struct, size_button_cb>, record);
+    activate(record->size_menu, 1);
+    if (current != nullptr) size_button_cb(current, record, nullptr);
+}
+
+void show_largest(sample_text_cb_struct* record, int position) {
+    GWHRNElement* elem = record->hrn_list->get_elem_at_pos(position);
+    std::string size = OUTLINE_SIZE_WITHOUT_MENU;
+    gw::Ref<GWFont> font;
+    if (is_outline(*elem)) {
+        font = elem->get_font("0", "");
+    } else {
+        unsigned count = 0;
+        const std::vector<std::string> sizes = elem->get_point_sizes(count);
+        if (sizes.empty()) return;
+        size = sizes.back();
+        const std::vector<std::string> resolutions = elem->get_res(size.c_str(), count);
+        font = elem->get_font(size.c_str(), resolutions.empty() ? "" : resolutions.front().c_str());
+    }
+    if (!font) return;
+    display_text_in_font(record->sample_field, font.get(), size.c_str(), sample_text.c_str());
+    show_attributes_if_displayed(font.get(), record->location);
+}
+
+void show_alias(const sample_text_cb_struct& record, int alias_position) {
+    make_menus_insensitive(record);
+    const GWAlias* alias = the_alias_list.get_elem_at_pos(alias_position);
+    if (alias == nullptr) return;
+    display_text_in_alias(record.sample_field, alias, sample_text.c_str());
+    if (is_attr_dlg_displayed() != 0) show_alias_attributes(alias);
+}
+
+/// The position that a selection callback is about; 0 when there is none.
+int selected_position(Widget list, XtPointer call_data) {
+    const auto* event = static_cast<XmListCallbackStruct*>(call_data);
+    if (event != nullptr && (event->reason == XmCR_SINGLE_SELECT || event->reason == XmCR_BROWSE_SELECT)) {
+        return event->item_position;
+    }
+    const std::vector<int> positions = gw::selected_positions(list);
+    return positions.empty() ? 0 : positions.front();
+}
+
+bool is_one_selected_in_main_list() {
+    return wi_hrn_list != nullptr && gw::selected_count(wi_hrn_list) == 1;
+}
+
+}  // namespace
+
+void init_sample_text_cb_module() {
+    default_error_handler = XSetErrorHandler(x_error_handler);
+    sample_text = gw::truncated(get_rc_sample_text(), SAMPLE_TEXT_LIMIT);
+}
+
+int set_rc_sample_text(const char* text) {
+    if (write_rc_sample_text(text) == 0) return 0;
+    sample_text = gw::truncated(text, SAMPLE_TEXT_LIMIT);
+    if (is_one_selected_in_main_list()) put_text(wi_sample_textfield, sample_text.c_str());
+    return 1;
+}
+
+void hrn_list_sample_cb(Widget list, sample_text_cb_struct* record, XtPointer call_data) {
+    activate(record->sample_field, 1);
+    if (gw::selected_count(list) != 1) {
+        clear_sample_textfield(record->sample_field);
+        activate(record->sample_field, 0);
+        make_menus_insensitive(*record);
+        if (is_attr_dlg_displayed() != 0) clear_attributes();
+        return;
+    }
+    const int position = selected_position(list, call_data);
+    const int count = record->hrn_list->get_count();
+    if (position > count) {
+        show_alias(*record, position - count);
+    } else if (position < 1) {
+        make_menus_insensitive(*record);
+    } else if (record->size_menu != nullptr) {
+        offer_sizes(record, position);
+    } else {
+        show_largest(record, position);
+    }
+}
+
+void size_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*call_data*/) {
+    record->size_button = button;
+    const GWHRNElement* elem = only_selected_element(*record);
+    if (elem == nullptr) return;
+    std::vector<std::string> resolutions = {OUTLINE_RESOLUTION};
+    if (!is_outline(*elem)) {
+        unsigned count = 0;
+        resolutions = elem->get_res(convert_to_decipoint(gw::label_of(button).c_str()).c_str(), count);
+    }
+    activate(record->res_menu, is_outline(*elem) ? 0 : 1);
+    Widget current = replace_buttons(record->res_menu, record->res_pulldown, record->res_buttons, resolutions,
+                                     gw::thunk<sample_text_cb_struct, res_button_cb>, record);
+    if (current != nullptr) res_button_cb(current, record, nullptr);
+}
+
+void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*call_data*/) {
+    record->res_button = button;
+    const GWHRNElement* elem = only_selected_element(*record);
+    if (elem == nullptr || record->size_button == nullptr) return;
+    const std::string decipoints = convert_to_decipoint(gw::label_of(record->size_button).c_str());
+    const gw::Ref<GWFont> font(elem->get_font(decipoints.c_str(), gw::label_of(button).c_str()));
+    if (!font) return;
+    display_text_in_font(record->sample_field, font.get(), decipoints.c_str(), sample_text.c_str());
+    show_attributes_if_displayed(font.get(), record->location);
+}
+
+void set_sample_text_cb(Widget field, XtPointer /*client_data*/, XtPointer call_data) {
+    const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
+    // A change without an event is the program's own.
+    if (change == nullptr || change->event == nullptr) return;
+    sample_text = gw::truncated(gw::field_text(field), SAMPLE_TEXT_LIMIT);
+    if (field != wi_sample_textfield && is_one_selected_in_main_list()) {
+        put_text(wi_sample_textfield, sample_text.c_str());
+    }
+}
+
+// An outline font is asked for in the size wanted; its record has none.
+void display_text_in_font(Widget field, GWFont* font, const char* decipoints, const char* text) {
+    const std::string own_size = font->get_field(GWFont::POINT_SIZE);
+    if (font->get_type() != GWFont::BITMAP_FONT) font->set_field(GWFont::POINT_SIZE, decipoints);
+    char xlfd[XLFD_BUFFER] = "";
+    font->construct_xlfd_name(nullptr, xlfd, XLFD_BUFFER - 1);
+    font->set_field(GWFont::POINT_SIZE, own_size.c_str());
+    display_text_in_xlfd(field, xlfd, text);
+}
+
+void display_text_in_alias(Widget field, const GWAlias* alias, const char* text) {
+    display_text_in_xlfd(field, alias->get_alias_name(), text);
+}
+
+void clear_sample_textfield(Widget field) {
+    put_text(field, "");
+}
+
+void update_wi_hrn_list(Widget list, const GWHRNList& hrn_list) {
+    XmListDeleteAllItems(list);
+    std::vector<gw::XmText> names;
+    std::vector<XmString> items;
+    for (const GWHRNElement* elem : hrn_list) {
+        names.push_back(gw::xm_text(elem->get_name()));
+        items.push_back(names.back().get());
+    }
+    if (!items.empty()) XmListAddItemsUnselected(list, items.data(), static_cast<int>(items.size()), 1);
+}
+
+void display_alias_list(Widget list, const GW_SORTED_LIST<GWAlias>& aliases) {
+    std::vector<gw::XmText> names;
+    std::vector<XmString> items;
+    for (const GWAlias* alias : aliases) {
+        names.push_back(gw::xm_text(alias->get_hrn_name()));
+        items.push_back(names.back().get());
+    }
+    if (!items.empty()) XmListAddItemsUnselected(list, items.data(), static_cast<int>(items.size()), 0);
+}
+
+void update_wi_installed_hrn_list() {
+    update_wi_hrn_list(wi_hrn_list, the_installed_hrn_list);
+    display_alias_list(wi_hrn_list, the_alias_list);
+}
+
+void update_label(Widget w, const char* a, const char* b) {
+    std::string text = a != nullptr ? a : "";
+    if (b != nullptr) text += b;
+    const gw::XmText string = gw::xm_text(gw::truncated(text, LABEL_LIMIT - 1));
+    XtVaSetValues(w, XmNlabelString, string.get(), nullptr);
+}
+
+int x_error_handler(Display* d, XErrorEvent* event) {
+    if (event->request_code == X_OpenFont) return 0;
+    return default_error_handler(d, event);
+}
+
+void process_xt_events() {
+    XSync(display, False);
+    for (int idle = 0; idle < IDLE_ROUNDS;) {
+        if (XtAppPending(app) != 0) {
+            XEvent event;
+            XtAppNextEvent(app, &event);
+            XtDispatchEvent(&event);
+        } else {
+            XSync(display, False);
+            ++idle;
+        }
+    }
+}
