@@ -49,14 +49,16 @@ step() {
     printf ' done (%d s)\n' "$((SECONDS - start))"
 }
 
-# build PRESET: configures when needed, and builds.
+# build PRESET [TARGET...]: configures when needed, and builds all or the targets.
 build() {
     step "Building ($1)" "Correct the error above and start again; if the build directory is to blame, remove build/$1." \
-        build_quietly "$1"
+        build_quietly "$@"
 }
 
 build_quietly() {
+    local preset=$1
+    shift
     cd "$TREE" || return 1
-    [ -e "$BUILD/$1/build.ninja" ] || cmake --preset "$1" || return 1
-    cmake --build --preset "$1"
+    [ -e "$BUILD/$preset/build.ninja" ] || cmake --preset "$preset" || return 1
+    cmake --build --preset "$preset" ${1+--target "$@"}
 }
