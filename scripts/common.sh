@@ -27,7 +27,8 @@ step() {
     local name=$1 advice=$2 log status=0 start=$SECONDS
     shift 2
     mkdir -p "$LOGS" 2>/dev/null || fail "Cannot write to $BUILD." "Give it to yourself (chown -R) or remove it, then start again."
-    log=$LOGS/$(printf '%s' "$name" | tr -c 'A-Za-z0-9\n' '-' | tr '[:upper:]' '[:lower:]').log
+    log=$LOGS/$(printf '%s' "$name" | tr -cs '[:alnum:]' '-' | tr '[:upper:]' '[:lower:]')
+    log=${log%-}.log
     printf '%s ...' "$name"
     "$@" >"$log" 2>&1 </dev/null &
     local pid=$!
@@ -41,7 +42,7 @@ step() {
     wait "$pid" || status=$?
     if [ "$status" -ne 0 ]; then
         printf ' failed\n'
-        grep -aE 'error:|^E: |FAILED' "$log" | head -n 10 | sed 's/^/    /' >&2 || true
+        grep -aE 'error:|^E: |FAILED' "$log" | awk '!seen[$0]++' | head -n 10 | sed 's/^/    /' >&2 || true
         printf '  ...\n' >&2
         tail -n 15 "$log" | sed 's/^/    /' >&2
         fail "$name failed; all of it is in ${log#"$TREE"/}." "$advice"
