@@ -44,7 +44,12 @@ while [ $# -gt 0 ]; do
     shift
 done
 [ -z "$fonts" ] || [ -d "$fonts" ] || fail "There is no directory $fonts." 'Give --fonts a directory that holds font files.'
-[ -z "$fonts" ] || fonts=$(cd "$fonts" && pwd -P)
+if [ -n "$fonts" ]; then
+    fonts=$(cd "$fonts" && pwd -P)
+    # The superuser's ordinary user is somebody else than who gave the directory.
+    [ "$(id -u)" -ne 0 ] || [ "$user" = --root ] || [ $((8#$(stat -c %a "$fonts") & 5)) -eq 5 ] ||
+        fail "An ordinary user cannot read $fonts." "Open it (chmod go+rx), or use --root."
+fi
 
 "$TREE/scripts/setup"
 build release glyphward catalogues

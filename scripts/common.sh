@@ -4,6 +4,7 @@
 # What run.sh, test.sh and the scripts beside this file share: where the tree is, how a long step is shown, how a
 # failure is told. Sourced, never run.
 
+umask 022  # what is built is read by the ordinary user of the sandbox, whoever builds it
 TREE=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd -P)
 BUILD=$TREE/build
 LOGS=$BUILD/log
