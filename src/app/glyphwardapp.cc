@@ -198,9 +198,9 @@ void activate_attributes(bool on) {
 }
 
 void hrn_list_deactivate_cb(Widget list, XtPointer, XtPointer) {
-    const int count = gw::selected_count(list);
-    activate_delete(count > 0);
-    activate_attributes(count == 1);
+    const gw::SelectionRights rights = gw::selection_rights(gw::selected_count(list));
+    activate_delete(rights.may_delete);
+    activate_attributes(rights.may_show_attributes);
 }
 
 // The sum ends at the first position that is not below the number of fonts: aliases add nothing, and neither
@@ -211,7 +211,7 @@ void calc_disk_space_cb(Widget list, XtPointer, XtPointer) {
         if (position >= the_installed_hrn_count) break;
         kilobytes += the_installed_hrn_list.get_disk_space(static_cast<unsigned>(position));
     }
-    update_label(wi_disk_space_val, std::to_string(kilobytes).c_str(), " Kbytes");
+    update_label(wi_disk_space_val, gw::text_of(Message::KILOBYTES, kilobytes).c_str(), nullptr);
 }
 
 std::string current_choice(Widget option_menu) {

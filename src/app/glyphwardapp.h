@@ -12,6 +12,19 @@ extern Widget wi_hrn_list;
 extern Widget wi_sample_textfield;
 extern Widget wi_status_message;
 
+namespace gw {
+
+/// What may be done with so many selected entries of the list.
+struct SelectionRights {
+    bool may_delete;
+    bool may_show_attributes;
+};
+[[nodiscard]] constexpr SelectionRights selection_rights(int selected) {
+    return {selected >= 1, selected == 1};
+}
+
+}  // namespace gw
+
 /// Creates the window as a child of the application shell, fills its list and installs its callbacks.
 void create_font_admin_main_window();
 

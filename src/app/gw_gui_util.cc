@@ -209,7 +209,7 @@ void set_window_title(Widget dialog, const char* title) {
 }
 
 void set_watch_cursor(Widget w, int on) {
-    static Cursor watch_cursor = XCreateFontCursor(display, XC_watch);
+    if (watch_cursor == 0) watch_cursor = XCreateFontCursor(display, XC_watch);
     if (w == nullptr || !XtIsManaged(w) || XtWindow(w) == None) return;
     XDefineCursor(display, XtWindow(w), on != 0 ? watch_cursor : None);
     process_xt_events();

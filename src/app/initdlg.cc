@@ -2,11 +2,10 @@
 #include "app/initdlg.h"
 
 #include "app/gw_gui_util.h"
+#include "app/program_objects.h"
 #include "app/sample_text_cb.h"
 
 #include <Xm/MessageB.h>
-
-Widget wi_init_dlg = nullptr;
 
 // Only the text shows: no button lets the user close the notice.
 Widget create_init_dlg(const char* name, Widget parent) {

@@ -21,6 +21,19 @@
 
 #include "fontpath/session_display.h"
 
+namespace gw {
+
+// A font that the server does not have is replaced by the toolkit, and a character that the selected font
+// lacks is left out: neither is news for the terminal.
+bool is_font_noise(std::string_view warning) {
+    for (const std::string_view noise : {"to type Font", "Missing charsets", "not supported in font"}) {
+        if (warning.find(noise) != std::string_view::npos) return true;
+    }
+    return false;
+}
+
+}  // namespace gw
+
 namespace {
 
 // The two flags are declared four bytes wide although each is one: the converter writes the one.
@@ -39,19 +52,13 @@ XtResource Gw_resrcs[] = {
      sizeof(String), XtOffsetOf(GwResources, locale_sample_text), gw::name_arg(XmRString), gw::name_arg("")},
 };
 
-// A font that the server does not have is replaced by the toolkit, and a character that the selected font
-// lacks is left out: neither is news for the terminal.
-void quiet_about_fonts(String message) {
-    for (const std::string_view noise :
-         {"Cannot convert string", "Missing charsets", "not supported in font"}) {
-        if (std::string_view(message).find(noise) != std::string_view::npos) return;
-    }
-    std::fprintf(stderr, "glyphward: %s\n", message);
+void quiet_about_fonts(String warning) {
+    if (!gw::is_font_noise(warning)) std::fprintf(stderr, "glyphward: %s\n", warning);
 }
 
 // Nothing can be saved and nothing shown once the display is gone; exit handlers would only talk to it.
 int display_lost(Display*) {
-    std::fputs("glyphward: the connection to the display is lost\n", stderr);
+    std::fprintf(stderr, "%s\n", gw::text_of(gw::Message::DISPLAY_LOST));
     std::_Exit(1);
 }
 
@@ -61,6 +68,12 @@ void create_dialogs() {
 }
 
 }  // namespace
+
+void begin_program() {
+    gw_init();
+    uid = static_cast<int>(::geteuid());
+    std::atexit(release_program_objects);
+}
 
 void set_env() {
     ::setenv("NLSPATH", gw::DEFAULT_NLSPATH, 0);
@@ -97,9 +110,7 @@ void build_program() {
 }
 
 int gw_main(int argc, char** argv) {
-    gw_init();
-    uid = static_cast<int>(::geteuid());
-    std::atexit(release_program_objects);
+    begin_program();
     init_gui(&argc, argv);
     build_program();
     XtAppMainLoop(app);

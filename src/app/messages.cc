@@ -13,17 +13,22 @@ namespace gw {
 
 namespace {
 
-struct Entry {
-    int set;
-    int number;
-    const char* text;
-};
-
-constexpr Entry TABLE[] = {
-#define MSG(set, number, name, text) {set, number, text},
+constexpr std::array TABLE{
+#define MSG(set, number, name, text) MessageEntry{set, number, text},
 #include "app/messages.def"
 #undef MSG
 };
+
+constexpr bool is_ascending() {
+    for (std::size_t i = 1; i < TABLE.size(); ++i) {
+        const MessageEntry& before = TABLE[i - 1];
+        const MessageEntry& entry = TABLE[i];
+        if (entry.set < before.set || (entry.set == before.set && entry.number <= before.number))
+            return false;
+    }
+    return true;
+}
+static_assert(is_ascending(), "sets and numbers ascend, and no pair stands twice");
 
 bool is_open() {
     return catd != reinterpret_cast<nl_catd>(-1);
@@ -32,8 +37,20 @@ bool is_open() {
 }  // namespace
 
 const char* text_of(Message message) {
-    const Entry& entry = TABLE[static_cast<std::size_t>(message)];
+    const MessageEntry& entry = TABLE[static_cast<std::size_t>(message)];
     return ::catgets(catd, entry.set, entry.number, entry.text);
+}
+
+// Not a printf format: what a translation holds is only data.
+std::string text_of(Message message, unsigned number) {
+    std::string text = text_of(message);
+    const std::size_t place = text.find("%d");
+    if (place != std::string::npos) text.replace(place, 2, std::to_string(number));
+    return text;
+}
+
+std::span<const MessageEntry> message_table() {
+    return TABLE;
 }
 
 void open_catalogue() {

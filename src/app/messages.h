@@ -3,6 +3,9 @@
 // The texts for users, looked up in the message catalogue. The table is messages.def.
 #pragma once
 
+#include <span>
+#include <string>
+
 namespace gw {
 
 enum class Message {
@@ -14,6 +17,17 @@ enum class Message {
 /// The text in the user's language, or the default where there is no catalogue. Lives as long as the
 /// catalogue is open.
 const char* text_of(Message message);
+/// The same with `number` in the place of its "%d".
+std::string text_of(Message message, unsigned number);
+
+/// One text as the catalogue numbers it.
+struct MessageEntry {
+    int set;
+    int number;
+    const char* text;  ///< the default
+};
+/// All texts, in the order of `Message`.
+std::span<const MessageEntry> message_table();
 
 /// Opens the catalogue for the current locale; without one the defaults stand.
 void open_catalogue();

@@ -24,6 +24,8 @@ XtAppContext app = nullptr;
 Display* display = nullptr;
 Screen* screen = nullptr;
 Widget wi_toplevel = nullptr;
+Widget wi_init_dlg = nullptr;
+Cursor watch_cursor = 0;
 GwResources Gw_resrc = {};
 
 void fill_program_lists() {

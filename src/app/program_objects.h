@@ -44,6 +44,8 @@ extern nl_catd catd;
 extern Display* display;
 extern Screen* screen;
 extern Widget wi_toplevel;
+extern Widget wi_init_dlg;   ///< the start-up notice
+extern Cursor watch_cursor;  ///< the busy cursor, made when it is first needed; 0 before
 
 /// The application resources.
 struct GwResources {

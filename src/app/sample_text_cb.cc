@@ -221,7 +221,8 @@ bool is_one_selected_in_main_list() {
 }  // namespace
 
 void init_sample_text_cb_module() {
-    default_error_handler = XSetErrorHandler(x_error_handler);
+    const XErrorHandler before = XSetErrorHandler(x_error_handler);
+    if (before != x_error_handler) default_error_handler = before;
     sample_text = gw::truncated(get_rc_sample_text(), SAMPLE_TEXT_LIMIT);
 }
 
