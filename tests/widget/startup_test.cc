@@ -1,0 +1,397 @@
+// SPDX-License-Identifier: MIT
+//
+// Start-up: the environment, the notice, what the program has made when its window appears, and how it ends.
+// Most tests look at one start in this process; those that need another start, or an end, have a process of
+// their own.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "app/attrdlg.h"
+#include "app/glyphwardapp.h"
+#include "app/gw_gui_util.h"
+#include "app/initdlg.h"
+#include "app/main_start.h"
+#include "app/messages.h"
+#include "app/program_objects.h"
+#include "app/propsdlg.h"
+#include "app/sample_text_cb.h"
+#include "support/temp_dir.h"
+#include "widget/widget_test_support.h"
+
+// X headers come last.
+#include <Xm/DialogS.h>
+#include <Xm/MessageB.h>
+
+namespace {
+
+using gw::test::start_program;
+using testing::Eq;
+using testing::ExitedWithCode;
+using testing::StartsWith;
+
+// --- the environment
+// -----------------------------------------------------------------------------------------------
+
+class SetEnvTest : public testing::Test {
+  protected:
+    ~SetEnvTest() override {
+        ::unsetenv("NLSPATH");
+        ::unsetenv("XFILESEARCHPATH");
+    }
+};
+
+TEST_F(SetEnvTest, GivesTheSearchPathsTheirDefaults) {
+    ::unsetenv("NLSPATH");
+    ::unsetenv("XFILESEARCHPATH");
+    set_env();
+    EXPECT_STREQ(std::getenv("NLSPATH"),
+                 "/usr/dt/lib/nls/msg/%L/%N.cat:/usr/dt/lib/nls/msg/%L/%N:"
+                 "/usr/vantor/lib/locale/%L/LC_MESSAGES/%N.cat:/usr/vantor/lib/locale/%L/LC_MESSAGES/%N");
+    EXPECT_STREQ(std::getenv("XFILESEARCHPATH"),
+                 "/usr/dt/app-defaults/%L/%N:/usr/dt/lib/app-defaults/%N:"
+                 "/usr/vantor/lib/locale/%L/%T/%N%S:/usr/vantor/lib/%T/%N%S");
+}
+
+TEST_F(SetEnvTest, LeavesWhatTheUserHasSet) {
+    ::setenv("NLSPATH", "/my/%N", 1);
+    ::setenv("XFILESEARCHPATH", "", 1);
+    set_env();
+    EXPECT_STREQ(std::getenv("NLSPATH"), "/my/%N");
+    EXPECT_STREQ(std::getenv("XFILESEARCHPATH"), "") << "set to nothing is set";
+}
+
+TEST_F(SetEnvTest, EachOfThemAlone) {
+    ::setenv("NLSPATH", "/my/%N", 1);
+    ::unsetenv("XFILESEARCHPATH");
+    set_env();
+    EXPECT_STREQ(std::getenv("NLSPATH"), "/my/%N");
+    EXPECT_THAT(std::getenv("XFILESEARCHPATH"), StartsWith("/usr/dt/app-defaults/"));
+}
+
+// --- one start
+// -----------------------------------------------------------------------------------------------------
+
+/// What can only be seen while the program starts.
+struct Start {
+    bool notice_viewable = false;
+    bool notice_busy = false;
+    bool notice_closable = true;
+    int x = -1, y = -1, width = 0, height = 0;
+    bool lists_were_read = true;
+    bool window_existed = true;
+    int root_before_the_end = -1;
+    Window notice_window = 0;
+};
+
+Start observe_start() {
+    Start seen;
+    gw::test::start_toolkit();
+    seen.notice_viewable = gw::test::is_viewable(wi_init_dlg);
+    seen.notice_window = XtWindow(wi_init_dlg);
+    const auto& changes = gw::test::cursor_changes();
+    seen.notice_busy = !changes.empty() && changes.back().window == seen.notice_window &&
+                       changes.back().cursor == watch_cursor && watch_cursor != 0;
+    gw::test::close_box(wi_init_dlg);
+    seen.notice_closable = !gw::test::is_viewable(wi_init_dlg);
+
+    Widget shell = XtParent(wi_init_dlg);
+    XWindowAttributes attributes;
+    Window ignored = 0;
+    XGetWindowAttributes(display, XtWindow(shell), &attributes);
+    XTranslateCoordinates(display, XtWindow(shell), RootWindowOfScreen(screen), 0, 0, &seen.x, &seen.y,
+                          &ignored);
+    seen.width = attributes.width;
+    seen.height = attributes.height;
+    seen.lists_were_read = the_font_path != nullptr || !the_installed_hrn_list.is_empty();
+    seen.window_existed = wi_main_window != nullptr;
+    seen.root_before_the_end = user_is_root;
+    gw::test::finish_start();
+    return seen;
+}
+
+const Start& start() {
+    static const Start seen = observe_start();
+    return seen;
+}
+
+TEST(NoticeTest, IsOnTheScreenWhileTheListsAreRead) {
+    EXPECT_TRUE(start().notice_viewable);
+    EXPECT_FALSE(start().lists_were_read);
+    EXPECT_FALSE(start().window_existed);
+}
+
+TEST(NoticeTest, ShowsTheBusyCursorUntilItGoes) {
+    EXPECT_TRUE(start().notice_busy);
+    std::vector<Cursor> cursors;
+    for (const gw::test::CursorChange& change : gw::test::cursor_changes()) {
+        if (change.window == start().notice_window) cursors.push_back(change.cursor);
+    }
+    EXPECT_THAT(cursors, testing::ElementsAre(watch_cursor, 0));
+    EXPECT_FALSE(XtIsManaged(wi_init_dlg));
+}
+
+TEST(NoticeTest, StandsInTheMiddleOfTheScreen) {
+    EXPECT_GT(start().width, 200);
+    EXPECT_GT(start().height, 100);
+    EXPECT_EQ(start().x, (WidthOfScreen(screen) - start().width) / 2);
+    EXPECT_EQ(start().y, (HeightOfScreen(screen) - start().height) / 2);
+}
+
+TEST(NoticeTest, IsNotClosedByTheWindowManager) {
+    EXPECT_FALSE(start().notice_closable);
+}
+
+TEST(NoticeTest, ShowsItsTextAndNothingElse) {
+    start();
+    EXPECT_EQ(XtName(wi_init_dlg), std::string("init_dlg"));
+    EXPECT_EQ(gw::test::title_of(wi_init_dlg), "Glyph Warden - 1.0");
+    EXPECT_EQ(gw::label_of(XmMessageBoxGetChild(wi_init_dlg, XmDIALOG_MESSAGE_LABEL)),
+              gw::text_of(gw::Message::NOTICE));
+    EXPECT_TRUE(XtIsManaged(XmMessageBoxGetChild(wi_init_dlg, XmDIALOG_MESSAGE_LABEL)));
+    for (const unsigned char part : {XmDIALOG_SEPARATOR, XmDIALOG_OK_BUTTON, XmDIALOG_CANCEL_BUTTON,
+                                     XmDIALOG_HELP_BUTTON, XmDIALOG_DEFAULT_BUTTON, XmDIALOG_SYMBOL_LABEL}) {
+        Widget child = XmMessageBoxGetChild(wi_init_dlg, part);
+        EXPECT_TRUE(child == nullptr || !XtIsManaged(child)) << "part " << int{part};
+    }
+}
+
+TEST(StartupTest, TheModulesAreOfferedFilesInTheirOrder) {
+    start();
+    ASSERT_EQ(the_fsm_list.get_count(), 2);
+    EXPECT_EQ(the_fsm_list.get_elem_at_pos(1), &the_t1_fsm);
+    EXPECT_EQ(the_fsm_list.get_elem_at_pos(2), &the_pcf_fsm);
+}
+
+TEST(StartupTest, TheListsAreFilledAndCounted) {
+    start();
+    EXPECT_GT(the_installed_hrn_count, 0) << "the staged installation has fonts";
+    EXPECT_EQ(the_installed_hrn_count, the_installed_hrn_list.get_count());
+    EXPECT_EQ(the_alias_count, the_alias_list.get_count());
+    EXPECT_NE(the_font_path, nullptr);
+}
+
+TEST(StartupTest, ReadingTheListsAgainReplacesThem) {
+    start();
+    const int fonts = the_installed_hrn_count;
+    const int aliases = the_alias_count;
+    fill_program_lists();
+    EXPECT_EQ(the_installed_hrn_count, fonts);
+    EXPECT_EQ(the_alias_count, aliases);
+    EXPECT_EQ(the_installed_hrn_list.get_count(), fonts);
+    EXPECT_EQ(the_alias_list.get_count(), aliases);
+}
+
+TEST(StartupTest, TheSuperuserIsKnownOnlyAtTheEnd) {
+    EXPECT_EQ(start().root_before_the_end, 0);
+    EXPECT_EQ(uid, static_cast<int>(::geteuid()));
+    EXPECT_EQ(user_is_root, ::geteuid() == 0 ? 1 : 0);
+}
+
+TEST(StartupTest, TheDialogsExistAndAreNotShown) {
+    start();
+    for (const char* name : {"attr_dlg", "props_dlg"}) {
+        Widget dialog = gw::test::find(wi_toplevel, name);
+        ASSERT_NE(dialog, nullptr) << name;
+        EXPECT_FALSE(XtIsManaged(dialog)) << name;
+        EXPECT_EQ(XtClass(XtParent(dialog)), xmDialogShellWidgetClass) << name;
+        EXPECT_EQ(XtParent(XtParent(dialog)), wi_toplevel) << name;
+    }
+}
+
+TEST(StartupTest, WhatIsNotSupportedIsNotMade) {
+    start();
+    EXPECT_EQ(gw::test::find(wi_toplevel, "fontsets_dlg"), nullptr);
+    if (::geteuid() != 0) {
+        EXPECT_EQ(gw::test::find(wi_toplevel, "modify_fp_dlg"), nullptr);
+    }
+}
+
+TEST(StartupTest, TheDisplayIsTheShellsOwn) {
+    start();
+    EXPECT_EQ(display, XtDisplay(wi_toplevel));
+    EXPECT_EQ(screen, XtScreen(wi_toplevel));
+    EXPECT_EQ(XtName(wi_toplevel), std::string("glyphward"));
+    String name = nullptr;
+    String class_name = nullptr;
+    XtGetApplicationNameAndClass(display, &name, &class_name);
+    EXPECT_STREQ(class_name, "Glyphward");
+}
+
+TEST(StartupTest, TheResourcesHaveTheirDefaults) {
+    start();
+    EXPECT_EQ(Gw_resrc.fontset_support, False);
+    EXPECT_EQ(Gw_resrc.printer_support, False);
+    EXPECT_EQ(Gw_resrc.codeset_num, 3);
+    EXPECT_STREQ(Gw_resrc.locale_sample_text, "");
+}
+
+TEST(FontNoiseTest, OnlyWhatIsAboutFontsIsKeptFromTheTerminal) {
+    EXPECT_TRUE(gw::is_font_noise("Cannot convert string \"-*-x-*\" to type FontStruct"));
+    EXPECT_TRUE(gw::is_font_noise("Cannot convert string \"x:\" to type FontSet"));
+    EXPECT_TRUE(gw::is_font_noise("Missing charsets in String to FontSet conversion"));
+    EXPECT_TRUE(gw::is_font_noise(
+        "\n    Name: t\n    Class: XmTextField\n    Character '\\351' not supported in font. "
+        "Discarded.\n"));
+    EXPECT_FALSE(gw::is_font_noise("Cannot convert string \"blu\" to type Pixel"));
+    EXPECT_FALSE(gw::is_font_noise("Circular dependency in Form children."));
+}
+
+TEST(UtilityTest, TheBusyCursorLeavesAWidgetAloneThatIsNotManaged) {
+    start();
+    const std::size_t before = gw::test::cursor_changes().size();
+    set_watch_cursor(wi_attr_dlg, 1);
+    set_watch_cursor(wi_init_dlg, 0);
+    set_watch_cursor(nullptr, 1);
+    EXPECT_EQ(gw::test::cursor_changes().size(), before);
+    set_watch_cursor(wi_main_window, 1);
+    set_watch_cursor(wi_main_window, 0);
+    ASSERT_EQ(gw::test::cursor_changes().size(), before + 2);
+    EXPECT_EQ(gw::test::cursor_changes()[before].cursor, watch_cursor);
+    EXPECT_EQ(gw::test::cursor_changes()[before + 1].cursor, 0U);
+}
+
+TEST(UtilityTest, TheConstraintWidgetIsTheChildThatHoldsAnother) {
+    start();
+    Widget font_list = XtParent(wi_sample_textfield);
+    EXPECT_EQ(get_constraint_widget(wi_sample_textfield, font_list), wi_sample_textfield);
+    EXPECT_EQ(get_constraint_widget(wi_hrn_list, font_list), XtParent(wi_hrn_list));
+    EXPECT_EQ(get_constraint_widget(wi_hrn_list, wi_toplevel), wi_main_window);
+    EXPECT_EQ(get_constraint_widget(wi_toplevel, wi_hrn_list), nullptr);
+    EXPECT_EQ(get_constraint_widget(nullptr, wi_hrn_list), nullptr);
+}
+
+TEST(UtilityTest, ATitleIsSetInTheLocalesEncoding) {
+    start();
+    set_window_title(wi_props_dlg, "Another title");
+    EXPECT_EQ(gw::test::title_of(wi_props_dlg), "Another title");
+    set_window_title(wi_props_dlg, gw::text_of(gw::Message::PROPS_TITLE));
+    EXPECT_EQ(gw::test::title_of(wi_props_dlg), "Glyph Warden - Set Sample Text");
+}
+
+// --- other starts, and ends
+// ----------------------------------------------------------------------------------------
+
+class OwnProcessTest : public testing::Test {
+  protected:
+    OwnProcessTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }
+};
+using OwnProcessDeathTest = OwnProcessTest;
+
+[[noreturn]] void say_resources_and_exit() {
+    std::fprintf(stderr, "fontsets %d, printers %d, codeset %d, text \"%s\"\n", Gw_resrc.fontset_support,
+                 Gw_resrc.printer_support, Gw_resrc.codeset_num, Gw_resrc.locale_sample_text);
+    exit_btn_cb(nullptr, nullptr, nullptr);
+    std::abort();
+}
+
+TEST_F(OwnProcessDeathTest, TheToolkitsOptionsSetTheResources) {
+    EXPECT_EXIT(
+        {
+            start_program({"-xrm", "Glyphward*gw_printer_support: True", "-xrm",
+                           "glyphward*Gw_Fontset_Support: on", "-xrm", "*gw_codeset_num: 7", "-xrm",
+                           "*gw_locale_sample_text: Quick fox"});
+            say_resources_and_exit();
+        },
+        ExitedWithCode(0), Eq("fontsets 1, printers 1, codeset 7, text \"Quick fox\"\n"));
+    EXPECT_EXIT(
+        {
+            start_program({"-xrm", "Glyphward*gw_fontset_support: True"});
+            say_resources_and_exit();
+        },
+        ExitedWithCode(0), Eq("fontsets 1, printers 0, codeset 3, text \"\"\n"));
+}
+
+TEST_F(OwnProcessDeathTest, AResourceFileOfTheUsersTakesThePlaceOfTheBuiltInList) {
+    const gw::test::TempDir dir;
+    const std::string path = dir.write("Glyphward", "Glyphward*gw_codeset_num: 12\n");
+    EXPECT_EXIT(
+        {
+            ::setenv("XFILESEARCHPATH", path.c_str(), 1);
+            start_program();
+            say_resources_and_exit();
+        },
+        ExitedWithCode(0), Eq("fontsets 0, printers 0, codeset 12, text \"\"\n"));
+}
+
+TEST_F(OwnProcessDeathTest, WithoutAResourceFileTheBuiltInListHolds) {
+    EXPECT_EXIT(
+        {
+            ::setenv("XFILESEARCHPATH", "/nowhere/%N", 1);
+            start_program();
+            KeySym mnemonic = NoSymbol;
+            XtVaGetValues(gw::test::find(wi_toplevel, "_exit_button"), XmNmnemonic, &mnemonic, nullptr);
+            Dimension height = 0;
+            XtVaGetValues(wi_sample_textfield, XmNheight, &height, nullptr);
+            std::fprintf(stderr, "%c %d\n", static_cast<int>(mnemonic), height);
+            exit_btn_cb(nullptr, nullptr, nullptr);
+        },
+        ExitedWithCode(0), Eq("E 60\n"));
+}
+
+// Each locale has its own fonts, encodings and warnings; none of that is for the terminal.
+TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
+    for (const char* locale : {"C", "C.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8", "de_DE", "ja_JP.eucjp"}) {
+        EXPECT_EXIT(
+            {
+                ::setenv("LANG", locale, 1);
+                ::unsetenv("LC_ALL");
+                start_program();
+                for (int position = 1; position <= 30 && position <= the_installed_hrn_count; ++position)
+                    gw::test::select(wi_hrn_list, {position});
+                std::fprintf(stderr, "%s\n", gw::test::title_of(wi_toplevel).c_str());
+                exit_btn_cb(nullptr, nullptr, nullptr);
+            },
+            ExitedWithCode(0), Eq("Glyph Warden\n"))
+            << locale;
+    }
+}
+
+TEST_F(OwnProcessDeathTest, ExitEndsTheProgramWithStatus0) {
+    EXPECT_EXIT(
+        {
+            start_program();
+            gw::test::press(gw::test::find(wi_toplevel, "_exit_button"));
+        },
+        ExitedWithCode(0), Eq(""));
+}
+
+TEST_F(OwnProcessDeathTest, TheCloseBoxOfTheWindowIsExit) {
+    EXPECT_EXIT(
+        {
+            start_program();
+            gw::test::close_box(wi_toplevel);
+            gw::test::pump_until([] { return false; }, 2000);
+        },
+        ExitedWithCode(0), Eq(""));
+}
+
+TEST_F(OwnProcessDeathTest, ADisplayThatGoesAwayEndsItWithOneLine) {
+    EXPECT_EXIT(
+        {
+            start_program();
+            Display* other = XOpenDisplay(nullptr);
+            XKillClient(other, XtWindow(wi_toplevel));
+            XSync(other, False);
+            gw::test::pump_until([] { return false; }, 2000);
+        },
+        ExitedWithCode(1), Eq("glyphward: the connection to the display is lost\n"));
+}
+
+TEST_F(OwnProcessDeathTest, ADisplayThatIsNotThereEndsIt) {
+    EXPECT_EXIT(
+        {
+            ::setenv("DISPLAY", ":987", 1);
+            start_program();
+        },
+        ExitedWithCode(1), testing::HasSubstr(":987"));
+}
+
+}  // namespace

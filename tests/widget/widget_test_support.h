@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+//
+// Widget tests run the program's own windows in the test's process. This starts the program the way main()
+// does, waits for conditions instead of sleeping, fires callbacks as the toolkit would, and reads back what a
+// user would see.
+#pragma once
+
+#include <functional>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+// X headers come last, behind gtest's, which must precede them in the test.
+#include <Xm/Xm.h>
+
+namespace gw::test {
+
+/// Starts the program once per process: everything up to its event loop. Later calls do nothing.
+void start_program(const std::vector<std::string>& arguments = {});
+
+/// The two halves of it, for tests that look in between.
+void start_toolkit(const std::vector<std::string>& arguments = {});
+void finish_start();
+
+/// Handles events until `condition` holds; false when it does not within `milliseconds`.
+bool pump_until(const std::function<bool()>& condition, int milliseconds = 10000);
+/// Handles the events that there are.
+void pump();
+
+/// The descendant of `root` with that name or path ("_command_form._delete_button"), at any depth; null when
+/// there is none.
+Widget find(Widget root, const std::string& name);
+
+/// Whether the window of `widget` is on the screen.
+bool is_viewable(Widget widget);
+/// Whether the window manager would show the title `title` on the window of `widget`.
+std::string title_of(Widget widget);
+
+/// Presses a button or menu entry: false, and nothing happens, when it is insensitive or not managed.
+bool press(Widget button);
+/// Chooses the entry with that text in an option menu; false when there is none.
+bool choose(Widget option_menu, const std::string& text);
+/// The texts of the entries of an option menu's pulldown, and the one that it shows.
+std::vector<std::string> choices(Widget pulldown);
+std::string chosen(Widget option_menu);
+
+/// The window manager's close box of the window of `widget`.
+void close_box(Widget widget);
+
+/// Selects exactly these positions, and tells the program as the list would.
+void select(Widget list, std::initializer_list<int> positions);
+std::vector<std::string> items(Widget list);
+/// What a text field shows.
+std::string shown_text(Widget field);
+/// The user types `text` over what the field holds.
+void type_into(Widget field, const std::string& text);
+
+/// One call of XDefineCursor; `cursor` 0 takes the window's own cursor away.
+struct CursorChange {
+    Window window;
+    Cursor cursor;
+};
+/// All of them, since the process began.
+const std::vector<CursorChange>& cursor_changes();
+
+}  // namespace gw::test
