@@ -236,7 +236,7 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
     }
 
     /// Whether `new_elem` is placed in front of `cur`.
-    [[nodiscard]] int compare(const T* new_elem, const T* cur) const {
+    [[nodiscard]] int compare(T* new_elem, T* cur) const {
         return index_.key_comp().order(new_elem, cur) <= 0 ? 1 : 0;
     }
 
@@ -259,13 +259,13 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         using is_transparent = void;
         bool descending;
 
-        int order(const T* a, const T* b) const {
+        int order(T* a, T* b) const {
             const int result = GW_SORT_KEY<T>::compare(*a, *b);
             return descending ? -result : result;
         }
         bool operator()(const Node* a, const Node* b) const { return order(a->elem, b->elem) < 0; }
-        bool operator()(const Node* a, const T* b) const { return order(a->elem, b) < 0; }
-        bool operator()(const T* a, const Node* b) const { return order(a, b->elem) < 0; }
+        bool operator()(const Node* a, T* b) const { return order(a->elem, b) < 0; }
+        bool operator()(T* a, const Node* b) const { return order(a, b->elem) < 0; }
     };
 
     // An element whose key changed while it was in the list may leave the list out of order; the index cannot

@@ -19,7 +19,7 @@
 
 class GWFontPath {
   public:
-    enum TYPE {
+    enum TYPE : int {
         INSTALLATION_FP = 0,
         HOST_FP = 1,
         DT_LOCALE_FP = 2,

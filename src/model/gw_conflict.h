@@ -20,7 +20,7 @@ class GW_FSM_LIST;
 class GWConflict : public GW_BASE {
   public:
     enum TYPE { INSTALL = 1, DELETE = 2 };
-    enum INFO { READ_ONLY = 11, SYSTEM_FONT = 12, PACKAGE = 13, SAME_NAME = 14, ALIAS = 15 };
+    enum INFO : int { READ_ONLY = 11, SYSTEM_FONT = 12, PACKAGE = 13, SAME_NAME = 14, ALIAS = 15 };
 
     /// `element` is the entry, `other` the installed entry of the same name (installation), `dir_name` the
     /// destination (copied), `list` the list that holds the element (deletion). All but `type` may be null.

@@ -24,8 +24,8 @@ void gw_free(void* storage);
 
 class GWFont : public GW_BASE, public gw::RefCounted {
   public:
-    enum GW_FONT_TYPE { BITMAP_FONT = 0, TYPE1_FONT = 1, TYPE0_FONT = 2, TYPE3_FONT = 3 };
-    enum FIELD {
+    enum GW_FONT_TYPE : int { BITMAP_FONT = 0, TYPE1_FONT = 1, TYPE0_FONT = 2, TYPE3_FONT = 3 };
+    enum FIELD : int {
         FOUNDRY,
         TYPEFACE_NAME,
         WEIGHT_NAME,
