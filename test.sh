@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Sets the machine up, builds, and runs every test in sandboxes: each test executable once per build (release, sanitized) and per
-# user (superuser, ordinary), two at a time. Shows one line per run, the output of what failed, and closes with the counts.
+# user (when the superuser starts it: superuser and ordinary user), one run per processor at a time. Shows one line per run, the output of what failed, and closes with the counts.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 . "$(dirname "$0")/scripts/common.sh"
@@ -18,7 +18,8 @@ Builds and runs the tests; missing packages are installed first. The last line i
   NAME               only the test programs whose name contains NAME, or else the tests whose full name
                      ("Suite.Test") contains it; in the release build if --config does not say otherwise
   --config CONFIG    only this build: release or asan (may be repeated)
-  --user USER        only as root or only as user (may be repeated)
+  --user USER        only as root or only as user (may be repeated); unless root starts it, user is the default, and root
+                     has no power over the files of others, so that some tests of root fail
   --jobs N           so many at a time (default: one per processor)
   --list             what there is to run
   --help             this
@@ -49,7 +50,11 @@ if [ ${#configs[@]} -eq 0 ]; then
     configs=(release)
     [ ${#names[@]} -gt 0 ] || configs+=(asan)
 fi
-[ ${#users[@]} -gt 0 ] || users=(root user)
+if [ ${#users[@]} -eq 0 ]; then
+    users=(user)
+    # Only the superuser can show what the superuser may do: files of two owners, for one.
+    [ "$(id -u)" -ne 0 ] || users=(root user)
+fi
 for config in "${configs[@]}"; do
     [[ $config == release || $config == asan ]] || fail "There is no test build $config: it is release or asan."
 done
