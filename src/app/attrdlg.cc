@@ -50,9 +50,11 @@ void stack(Widget row, Widget above) {
     }
 }
 
-/// A label and, in the value column beside it, its value.
-Widget value_row(Widget parent, const char* label_name, Message text, const char* value_name, Widget above) {
-    Widget label = gw::label(parent, label_name, text);
+/// A label, which is returned through `label`, and in the value column beside it its value. Rows are stacked
+/// on labels: an empty value has no height.
+Widget value_row(Widget parent, const char* label_name, Message text, const char* value_name, Widget above,
+                 Widget& label) {
+    label = gw::label(parent, label_name, text);
     Widget value = gw::label(parent, value_name, " ");
     stack(label, above);
     stack(value, above);
@@ -95,20 +97,20 @@ void create_font_section(Widget parent) {
 }
 
 void create_foundry_section(Widget parent) {
-    wi_foundry_name = value_row(parent, "foundry_label", Message::ATTR_FOUNDRY, "foundry_name", nullptr);
-    wi_charset_name =
-        value_row(parent, "charset_label", Message::ATTR_CHARSET, "charset_name", wi_foundry_name);
-    wi_spacing_name =
-        value_row(parent, "spacing_label", Message::ATTR_SPACING, "spacing_name", wi_charset_name);
+    Widget row = nullptr;
+    wi_foundry_name = value_row(parent, "foundry_label", Message::ATTR_FOUNDRY, "foundry_name", nullptr, row);
+    wi_charset_name = value_row(parent, "charset_label", Message::ATTR_CHARSET, "charset_name", row, row);
+    wi_spacing_name = value_row(parent, "spacing_label", Message::ATTR_SPACING, "spacing_name", row, row);
 }
 
 void create_alias_section(Widget parent) {
-    wi_alias_hrn_name = value_row(parent, "alias_label", Message::ATTR_ALIAS, "alias_name", nullptr);
+    Widget row = nullptr;
+    wi_alias_hrn_name = value_row(parent, "alias_label", Message::ATTR_ALIAS, "alias_name", nullptr, row);
     set_value(wi_alias_hrn_name, gw::text_of(Message::ATTR_ALIAS_NAME));
     Widget name_scroll = nullptr;
     Widget location_scroll = nullptr;
     wi_alias_xlfd_name = scrolled_row(parent, "xlfd_label", Message::ATTR_ALIAS_XLFD, "xlfd_name",
-                                      "_alias_xlfd_scroll", wi_alias_hrn_name, name_scroll);
+                                      "_alias_xlfd_scroll", row, name_scroll);
     wi_alias_loc_name = scrolled_row(parent, "loc_label", Message::ATTR_ALIAS_LOCATION, "loc_name",
                                      "_alias_loc_scroll", name_scroll, location_scroll);
     Attach(location_scroll).bottom_form(0);
