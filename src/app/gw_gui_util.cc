@@ -190,6 +190,27 @@ void on_close_box(Widget dialog, XtCallbackProc callback) {
                             callback, nullptr);
 }
 
+namespace {
+
+bool is_on_screen(Widget w) {
+    XWindowAttributes attributes;
+    return XGetWindowAttributes(XtDisplay(w), XtWindow(w), &attributes) != 0 &&
+           attributes.map_state == IsViewable;
+}
+
+}  // namespace
+
+void draw_at_once(Widget dialog) {
+    constexpr unsigned long LIMIT = 1000;  // milliseconds
+    bool is_late = false;
+    const XtIntervalId limit = XtAppAddTimeOut(
+        app, LIMIT, [](XtPointer late, XtIntervalId*) { *static_cast<bool*>(late) = true; }, &is_late);
+    // Being put on the screen is news of the dialog's shell, so there is an event to wake up for.
+    while (!is_on_screen(dialog) && !is_late) XtAppProcessEvent(app, XtIMAll);
+    if (!is_late) XtRemoveTimeOut(limit);
+    process_xt_events();
+}
+
 }  // namespace gw
 
 void popup_cb(Widget w, void* /*client_data*/, void* /*call_data*/) {

@@ -131,6 +131,10 @@ void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
 /// Cancel or Close does.
 void on_close_box(Widget dialog, XtCallbackProc callback);
 
+/// Has a dialog drawn that was just managed, before long work begins. A window manager takes its time to put
+/// it on the screen: it is waited for, but not longer than a second.
+void draw_at_once(Widget dialog);
+
 }  // namespace gw
 
 /// Callback of every dialog when it appears: centres its shell on the screen.

@@ -28,7 +28,7 @@ Widget create_init_dlg(const char* name, Widget parent) {
 
 void start_init_dlg() {
     XtManageChild(wi_init_dlg);
-    process_xt_events();
+    gw::draw_at_once(wi_init_dlg);
     set_watch_cursor(wi_init_dlg, 1);
 }
 

@@ -6,12 +6,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "app/attrdlg.h"
@@ -352,6 +355,60 @@ TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
             ExitedWithCode(0), Eq("Glyph Warden\n"))
             << locale;
     }
+}
+
+// A window manager that thinks before it puts a window on the screen.
+void manage_windows_slowly(int ready) {
+    Display* connection = XOpenDisplay(nullptr);
+    XSelectInput(connection, DefaultRootWindow(connection), SubstructureRedirectMask);
+    XSync(connection, False);
+    if (::write(ready, "x", 1) != 1) std::_Exit(1);
+    for (;;) {
+        XEvent event;
+        XNextEvent(connection, &event);
+        if (event.type == ConfigureRequest) {
+            const XConfigureRequestEvent& wish = event.xconfigurerequest;
+            XWindowChanges changes = {wish.x,     wish.y,     wish.width, wish.height, wish.border_width,
+                                      wish.above, wish.detail};
+            XConfigureWindow(connection, wish.window, static_cast<unsigned>(wish.value_mask), &changes);
+        } else if (event.type == MapRequest) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            XMapWindow(connection, event.xmaprequest.window);
+        }
+        XFlush(connection);
+    }
+}
+
+int pixels_drawn(Widget widget) {
+    XWindowAttributes attributes;
+    XGetWindowAttributes(display, XtWindow(widget), &attributes);
+    XImage* image = XGetImage(display, XtWindow(widget), 0, 0, static_cast<unsigned>(attributes.width),
+                              static_cast<unsigned>(attributes.height), AllPlanes, ZPixmap);
+    int count = 0;
+    for (int y = 0; y < image->height; ++y) {
+        for (int x = 0; x < image->width; ++x) count += XGetPixel(image, x, y) == BlackPixelOfScreen(screen);
+    }
+    XDestroyImage(image);
+    return count;
+}
+
+TEST_F(OwnProcessDeathTest, TheNoticeIsReadableBeforeTheListsAreReadEvenUnderASlowWindowManager) {
+    EXPECT_EXIT(
+        {
+            int ready[2];
+            char byte = 0;
+            if (::pipe(ready) != 0) std::abort();
+            const pid_t manager = ::fork();
+            if (manager == 0) manage_windows_slowly(ready[1]);
+            if (::read(ready[0], &byte, 1) != 1) std::abort();
+            gw::test::start_toolkit();
+            const int drawn = pixels_drawn(wi_init_dlg);
+            ::kill(manager, SIGKILL);
+            ::waitpid(manager, nullptr, 0);
+            std::fprintf(stderr, drawn > 500 ? "readable\n" : "%d pixels\n", drawn);
+            std::_Exit(0);
+        },
+        ExitedWithCode(0), Eq("readable\n"));
 }
 
 TEST_F(OwnProcessDeathTest, ExitEndsTheProgramWithStatus0) {
