@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -148,9 +149,10 @@ const char* GWFont::get_field(FIELD f) const {
 }
 
 void GWFont::set_xlfd_name(const char* name) {
-    xlfd_name = gw::truncated(name, NAME_LIMIT);
-    if (is_xlfd_name(name) == 0) return;
-    const char* source = name;
+    const std::string given = name;  // it may be this record's own text
+    xlfd_name = gw::truncated(given, NAME_LIMIT);
+    if (is_xlfd_name(given.c_str()) == 0) return;
+    const char* source = given.c_str();
     for (int f = FOUNDRY; f < FIELD_COUNT; ++f) {
         set_field(static_cast<FIELD>(f), extract_next_field(source));
         source = nullptr;
@@ -268,10 +270,14 @@ int GWFont::compare_hrn(const GWFont* other) const {
     return 1;
 }
 
-// A field never holds a dash, so dashes keep the fields apart.
+// A field never holds a dash, so dashes keep the fields apart. Case is that of the locale, as for
+// `strcasecmp`.
 std::string GWFont::hrn_key() const {
     std::string key = std::to_string(font_type);
-    for (const FIELD f : HRN_FIELDS) key += '-' + gw::lower_case(fields[f]);
+    for (const FIELD f : HRN_FIELDS) {
+        key += '-';
+        for (const char c : fields[f]) key += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    }
     return key;
 }
 

@@ -1,370 +1,457 @@
 // SPDX-License-Identifier: MIT
 #include "model/gw_font.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+
 #include <unistd.h>
 
-#include <filesystem>
+#include <algorithm>
+#include <array>
 #include <string>
+#include <vector>
 
-#include "model/gw_alias.h"
-#include "model/gw_xlfd_name.h"
-#include "model/hrn_words.h"
-#include "support/font_maker.h"
-#include "support/temp_dir.h"
+#include "core/gw_list.h"
+#include "unit/model/model_test_support.h"
 
 namespace {
 
-using gw::test::TempDir;
+using gw::Ref;
+using gw::test::make_font;
+using gw::test::make_read_only_font;
+using gw::test::place;
+using gw::test::Xlfd;
+using testing::ElementsAre;
 
-constexpr const char* TIMES = "-adobe-times-bold-i-normal--12-120-75-75-p-68-iso8859-1";
+constexpr const char* COURIER = "-adobe-courier-bold-o-normal--12-120-75-75-m-70-iso8859-1";
+constexpr const char* WRONG_FIELD = "GWFont::set_field : Incorrect field specified\n";
+constexpr std::array<GWFont::GW_FONT_TYPE, 4> ALL_TYPES = {GWFont::BITMAP_FONT, GWFont::TYPE1_FONT,
+                                                           GWFont::TYPE0_FONT, GWFont::TYPE3_FONT};
 
-/// A font on the stack with that XLFD name.
-struct Font : GWFont {
-    explicit Font(const std::string& xlfd, GW_FONT_TYPE type = TYPE1_FONT) : GWFont(type) {
-        set_xlfd_name(xlfd.c_str());
+std::vector<std::string> fields_of(const GWFont& font) {
+    std::vector<std::string> fields;
+    for (int f = 0; f < GWFont::FIELD_COUNT; ++f) {
+        fields.emplace_back(font.get_field(static_cast<GWFont::FIELD>(f)));
     }
-};
-
-TEST(XlfdName, HasExactlyFourteenDashes) {
-    EXPECT_EQ(is_xlfd_name(TIMES), 1);
-    EXPECT_EQ(is_xlfd_name("-------------"), 0);
-    EXPECT_EQ(is_xlfd_name("--------------"), 1);
-    EXPECT_EQ(is_xlfd_name("---------------"), 0);
-    EXPECT_EQ(is_xlfd_name("fixed"), 0);
-    EXPECT_EQ(is_xlfd_name(""), 0);
+    return fields;
 }
 
-TEST(XlfdName, IsHandedOutFieldByField) {
-    const char* expected[] = {"adobe", "times", "bold", "i", "normal", "",        "12",
-                              "120",   "75",    "75",   "p", "68",     "iso8859", "1"};
-    const char* source = TIMES;
-    for (const char* field : expected) {
-        EXPECT_STREQ(extract_next_field(source), field);
-        source = nullptr;
+/// A font of these fields only, without a stored XLFD name.
+Ref<GWFont> font_of_fields(const std::vector<std::pair<GWFont::FIELD, const char*>>& fields,
+                           GWFont::GW_FONT_TYPE type = GWFont::TYPE1_FONT) {
+    Ref<GWFont> font(new GWFont(type));
+    for (const auto& [f, value] : fields) font->set_field(f, value);
+    return font;
+}
+
+TEST(Font, IsEmptyWhenNew) {
+    for (const GWFont::GW_FONT_TYPE type : ALL_TYPES) {
+        const GWFont font(type);
+        EXPECT_EQ(font.get_type(), type);
+        EXPECT_EQ(fields_of(font), std::vector<std::string>(14));
+        EXPECT_STREQ(font.get_ps_name(), "");
+        EXPECT_EQ(font.get_font_file_list(), nullptr);
+        EXPECT_EQ(font.get_dir_name(), nullptr);
+        EXPECT_FALSE(font.is_read_only());
     }
-    EXPECT_STREQ(extract_next_field(nullptr), "1") << "the last field comes again";
 }
 
-TEST(XlfdName, AnotherKindOfNameHasNoFields) {
-    EXPECT_STREQ(extract_next_field("fixed"), "");
+TEST(Font, NumbersTypesAndFieldsAsDocumented) {
+    EXPECT_EQ(GWFont::BITMAP_FONT, 0);
+    EXPECT_EQ(GWFont::TYPE3_FONT, 3);
+    EXPECT_EQ(GWFont::FOUNDRY, 0);
+    EXPECT_EQ(GWFont::POINT_SIZE, 7);
+    EXPECT_EQ(GWFont::CHARSET_ENCODING, 13);
 }
 
-TEST(XlfdName, AFieldIsBounded) {
-    const std::string name = '-' + std::string(1500, 'x') + "-b-c-d-e-f-g-h-i-j-k-l-m-n";
-    EXPECT_EQ(std::string(extract_next_field(name.c_str())).size(), 999U);
-    EXPECT_STREQ(extract_next_field(nullptr), "b");
+TEST(FontField, HoldsNoDashes) {
+    Ref<GWFont> font =
+        font_of_fields({{GWFont::SETWIDTH_NAME, "semi-condensed"}, {GWFont::FOUNDRY, "-a--b-"}});
+    EXPECT_STREQ(font->get_field(GWFont::SETWIDTH_NAME), "semi condensed");
+    EXPECT_STREQ(font->get_field(GWFont::FOUNDRY), " a  b ");
+    const std::string name = font->get_xlfd_name();
+    EXPECT_EQ(std::count(name.begin(), name.end(), '-'), 14) << name;
 }
 
-TEST(Font, AFieldHoldsNoDashAndIsBounded) {
-    GWFont font(GWFont::TYPE1_FONT);
-    font.set_field(GWFont::SETWIDTH_NAME, "semi-condensed");
-    EXPECT_STREQ(font.get_field(GWFont::SETWIDTH_NAME), "semi condensed");
-    EXPECT_EQ(is_xlfd_name(font.get_xlfd_name()), 1);
-    font.set_field(GWFont::FOUNDRY, std::string(500, 'x').c_str());
-    EXPECT_EQ(std::string(font.get_field(GWFont::FOUNDRY)).size(), 127U);
+TEST(FontField, HoldsAtMost127Characters) {
+    for (const std::size_t length : {126U, 127U, 128U, 5000U}) {
+        GWFont font(GWFont::BITMAP_FONT);
+        font.set_field(GWFont::WEIGHT_NAME, std::string(length, 'w').c_str());
+        EXPECT_EQ(std::string(font.get_field(GWFont::WEIGHT_NAME)),
+                  std::string(std::min<std::size_t>(length, 127), 'w'))
+            << length;
+    }
 }
 
-TEST(Font, AWrongFieldIsReportedByBothWithTheSameWords) {
-    GWFont font(GWFont::TYPE1_FONT);
-    for (const int wrong : {-1, 14, 99}) {
+TEST(FontField, OutOfRangeIsReportedAndChangesNothing) {
+    for (const int wrong : {-1, 14, 15}) {
+        GWFont font(GWFont::BITMAP_FONT);
+        font.set_xlfd_name(COURIER);
+        const std::vector<std::string> before = fields_of(font);
         testing::internal::CaptureStdout();
         font.set_field(static_cast<GWFont::FIELD>(wrong), "x");
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "GWFont::set_field : Incorrect field specified\n");
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), WRONG_FIELD) << wrong;
+        EXPECT_EQ(fields_of(font), before) << wrong;
+    }
+}
+
+TEST(FontField, TheGetterReportsInTheSettersWords) {
+    for (const int wrong : {-1, 14, 15}) {
+        const GWFont font(GWFont::BITMAP_FONT);
         testing::internal::CaptureStdout();
-        EXPECT_EQ(font.get_field(static_cast<GWFont::FIELD>(wrong)), nullptr);
-        EXPECT_EQ(testing::internal::GetCapturedStdout(), "GWFont::set_field : Incorrect field specified\n");
+        const char* value = font.get_field(static_cast<GWFont::FIELD>(wrong));
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), WRONG_FIELD) << wrong;
+        EXPECT_EQ(value, nullptr) << wrong;
     }
 }
 
-TEST(Font, ANameThatIsNoXlfdNameLeavesTheFields) {
-    Font font(TIMES);
-    for (const char* name : {"-a-b-c-d-e-f-g-h-i-j-k-l-m", "-a-b-c-d-e-f-g-h-i-j-k-l-m-n-o", "fixed"}) {
-        font.set_xlfd_name(name);
-        EXPECT_STREQ(font.get_xlfd_name(), name);
-        EXPECT_STREQ(font.get_field(GWFont::TYPEFACE_NAME), "times") << name;
+TEST(FontXlfdName, SetsTheFields) {
+    const Ref<GWFont> font = make_font(COURIER);
+    EXPECT_STREQ(font->get_xlfd_name(), COURIER);
+    EXPECT_THAT(fields_of(*font), ElementsAre("adobe", "courier", "bold", "o", "normal", "", "12", "120",
+                                              "75", "75", "m", "70", "iso8859", "1"));
+}
+
+TEST(FontXlfdName, OfThirteenOrFifteenDashesLeavesTheFields) {
+    for (const std::string& other :
+         {std::string("-a-b-c-d-e-f-g-h-i-j-k-l-m"), std::string("-a-b-c-d-e-f-g-h-i-j-k-l-m-n-o"),
+          std::string("fixed"), std::string()}) {
+        const Ref<GWFont> font = make_font(COURIER);
+        const std::vector<std::string> before = fields_of(*font);
+        font->set_xlfd_name(other.c_str());
+        EXPECT_EQ(fields_of(*font), before) << other;
+        EXPECT_STREQ(font->get_xlfd_name(), other.empty() ? COURIER : other.c_str());
     }
 }
 
-TEST(Font, ALongNameIsBounded) {
-    Font font(std::string(5000, 'x'));
-    EXPECT_EQ(std::string(font.get_xlfd_name()).size(), 1792U);
+TEST(FontXlfdName, IsComposedOnceFromTheFields) {
+    Ref<GWFont> font = font_of_fields({{GWFont::FOUNDRY, "adobe"}, {GWFont::CHARSET_ENCODING, "1"}});
+    EXPECT_STREQ(font->get_xlfd_name(), "-adobe-------------1");
+    font->set_field(GWFont::FOUNDRY, "bitstream");
+    EXPECT_STREQ(font->get_xlfd_name(), "-adobe-------------1");
 }
 
-TEST(Font, ComposesItsNameFromTheFields) {
+TEST(FontXlfdName, HoldsAtMost1792Characters) {
+    for (const std::size_t length : {1791U, 1792U, 1793U, 20000U}) {
+        const Ref<GWFont> font = make_font(std::string(length, 'n'));
+        EXPECT_EQ(std::string(font->get_xlfd_name()).size(), std::min<std::size_t>(length, 1792)) << length;
+        font->set_ps_name(std::string(length, 'p').c_str());
+        EXPECT_EQ(std::string(font->get_ps_name()).size(), std::min<std::size_t>(length, 1792)) << length;
+    }
+}
+
+TEST(FontXlfdName, ComposedOfFullFieldsIsCutAt1792Characters) {
     GWFont font(GWFont::TYPE1_FONT);
-    font.set_field(GWFont::FOUNDRY, "adobe");
-    font.set_field(GWFont::TYPEFACE_NAME, "times");
-    EXPECT_STREQ(font.get_xlfd_name(), "-adobe-times------------");
+    for (int f = 0; f < GWFont::FIELD_COUNT; ++f) {
+        font.set_field(static_cast<GWFont::FIELD>(f), std::string(127, 'a').c_str());
+    }
+    EXPECT_EQ(std::string(font.get_xlfd_name()).size(), 1792U);  // 14 * 128 characters exactly
 }
 
-TEST(Font, ConstructsItsNameWhereItFits) {
-    Font font(TIMES, GWFont::BITMAP_FONT);
-    char name[200] = "";
-    font.construct_xlfd_name(nullptr, name, sizeof name - 1);
-    EXPECT_STREQ(name, TIMES);
-    char small[10] = "as it was";
+TEST(FontXlfdName, MaySetItselfAgain) {
+    const Ref<GWFont> font = make_font(COURIER);
+    font->set_xlfd_name(font->get_xlfd_name());
+    EXPECT_STREQ(font->get_xlfd_name(), COURIER);
+    EXPECT_STREQ(font->get_field(GWFont::CHARSET_ENCODING), "1");
+}
+
+TEST(FontConstructXlfdName, ComposesAnewWhateverIsStored) {
+    Ref<GWFont> font = make_font(COURIER);
+    font->set_field(GWFont::POINT_SIZE, "240");
+    std::array<char, 200> name{};
+    font->construct_xlfd_name("ignored", name.data(), 199);
+    EXPECT_STREQ(name.data(), "-adobe-courier-bold-o-normal--12-240-75-75-m-70-iso8859-1");
+    EXPECT_STREQ(font->get_xlfd_name(), COURIER);
+}
+
+TEST(FontConstructXlfdName, CopiesABitmapAliasBack) {
+    const Ref<GWFont> font = make_font("fixed");
+    std::array<char, 20> name{};
+    font->construct_xlfd_name("", name.data(), 19);
+    EXPECT_STREQ(name.data(), "fixed");
+    name.fill('?');
+    font->construct_xlfd_name("", name.data(), 3);
+    EXPECT_EQ(std::string(name.data(), 5), std::string("fix\0?", 5));
+}
+
+TEST(FontConstructXlfdName, ComposesForAnOutlineFontOfAnotherName) {
+    const Ref<GWFont> font = make_font("fixed", GWFont::TYPE1_FONT);
+    std::array<char, 20> name{};
+    font->construct_xlfd_name("", name.data(), 19);
+    EXPECT_STREQ(name.data(), "--------------");
+}
+
+TEST(FontConstructXlfdName, LeavesABufferThatIsTooShort) {
+    const Ref<GWFont> font = make_font(COURIER);
+    const auto length = static_cast<unsigned>(std::string(COURIER).size());
+    std::array<char, 100> name{'k', 'e', 'p', 't'};
     testing::internal::CaptureStdout();
-    font.construct_xlfd_name(nullptr, small, sizeof small - 1);
+    font->construct_xlfd_name("", name.data(), length - 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "Not enough space in the xlfd_name string\n");
-    EXPECT_STREQ(small, "as it was");
+    EXPECT_STREQ(name.data(), "kept");
+    font->construct_xlfd_name("", name.data(), length);
+    EXPECT_STREQ(name.data(), COURIER);
 }
 
-TEST(Font, ConstructingCopiesABitmapFontsAliasBack) {
-    Font font("fixed", GWFont::BITMAP_FONT);
-    char name[200] = "";
-    font.construct_xlfd_name(nullptr, name, sizeof name - 1);
-    EXPECT_STREQ(name, "fixed");
-    EXPECT_EQ(font.get_hrn_name(), "fixed  [Bitmap]");
-    EXPECT_EQ(font.get_cli_hrn_name(), "[fixed  Bitmap]");
-}
-
-TEST(Font, HasAReadableName) {
-    const struct {
-        const char* xlfd;
-        GWFont::GW_FONT_TYPE type;
-        const char* hrn;
-        const char* cli;
-    } cases[] = {
-        {"-adobe-helvetica-bold-o-normal--0-0-0-0-p-0-iso8859-1", GWFont::TYPE1_FONT,
-         "Helvetica Bold Oblique [Type-1]", "[Adobe Helvetica Bold Oblique ISO-Latin-1 Type-1]"},
-        {"-adobe-times-bold-i-normal--0-0-0-0-p-0-ISO8859-1", GWFont::TYPE1_FONT,
-         "Times Bold Italic [Type-1]", "[Adobe Times Bold Italic ISO-Latin-1 Type-1]"},
-        {"-b&h-lucidatypewriter-medium-r-normal-sans-12-120-75-75-m-70-koi8-r", GWFont::BITMAP_FONT,
-         "Lucidatypewriter Medium Sans [Bitmap]", "[B&h Lucidatypewriter Medium Sans koi8-r Bitmap]"},
-        {"-x-fam-demi-RI-semi--0-0-0-0-p-0-jisx0208.1983-0", GWFont::TYPE1_FONT,
-         "Fam Demi Reverse Italic [Type-1]", "[X Fam Demi Reverse Italic Kanji-1983 Type-1]"},
-        {"-x-fam-demi-ro-semi- odd-0-0-0-0-p-0-a-b", GWFont::TYPE1_FONT, "Fam Demi Reverse Oblique [Type-1]",
-         "[X Fam Demi Reverse Oblique a-b Type-1]"},
-        {"-x-fam-demi-ot-semi--0-0-0-0-p-0-a-b", GWFont::TYPE1_FONT, "Fam Demi ot [Type-1]",
-         "[X Fam Demi ot a-b Type-1]"},
-        {"-x--demi-r-semi--0-0-0-0-p-0-a-b", GWFont::TYPE1_FONT, " Demi [Type-1]", "[X  Demi a-b Type-1]"},
-    };
-    for (const auto& c : cases) {
-        Font font(c.xlfd, c.type);
-        EXPECT_EQ(font.get_hrn_name(), c.hrn) << c.xlfd;
-        EXPECT_EQ(font.get_cli_hrn_name(), c.cli) << c.xlfd;
-    }
-}
-
-TEST(Font, TheSetWidthNeverReachesTheReadableName) {
-    EXPECT_EQ(Font("-x-fam-bold-r-condensed--0-0-0-0-p-0-a-b").get_hrn_name(), "Fam Bold [Type-1]");
-}
-
-TEST(Font, PostScriptFontsAreKnownByTheirPostScriptName) {
-    GWFont type0(GWFont::TYPE0_FONT);
-    type0.set_ps_name("ryumin-Light");
-    EXPECT_EQ(type0.get_hrn_name(), "Ryumin-Light [Type-0]");
-    EXPECT_EQ(type0.get_cli_hrn_name(), "[Ryumin-Light Type-0]");
-    GWFont type3(GWFont::TYPE3_FONT);
-    type3.set_ps_name("Doodle");
-    EXPECT_EQ(type3.get_hrn_name(), "Doodle [Type-3]");
-}
-
-TEST(Font, APresetNameStandsForEveryReadableName) {
-    Font font(TIMES);
-    font.set_preset_hrn_name("My font");
-    EXPECT_EQ(font.get_hrn_name(), "My font");
-    EXPECT_EQ(font.get_cli_hrn_name(), "My font");
-}
-
-TEST(Font, AnUnknownTypeEndsTheProgram) {
-    EXPECT_EXIT(GWFont(static_cast<GWFont::GW_FONT_TYPE>(9)).get_hrn_name(), testing::ExitedWithCode(255),
-                "");
-}
-
-TEST(Font, KnowsTheReadableNamesOfCharsets) {
-    EXPECT_STREQ(Font("-x-f-m-r-n--0-0-0-0-p-0-iso8859-1").get_charset_hrn_name(), " ISO-Latin-1");
-    EXPECT_STREQ(Font("-x-f-m-r-n--0-0-0-0-p-0-KSC5601.1987-1").get_charset_hrn_name(), " Korean-1987-1");
-    EXPECT_STREQ(Font("-x-f-m-r-n--0-0-0-0-p-0-koi8-r").get_charset_hrn_name(), " koi8-r");
-}
-
-TEST(Font, TheReadOnlyMarkStandsAtColumn46) {
-    std::string name = "0123456789";
-    set_read_only_str(name);
-    EXPECT_EQ(name, "0123456789" + std::string(36, ' ') + "[Read Only]");
-    for (const std::size_t length : {46U, 50U}) {
-        name = std::string(length, 'x');
-        set_read_only_str(name);
-        EXPECT_EQ(name, std::string(length, 'x') + "   [Read Only]");
-    }
-    name = std::string(45, 'x');
-    set_read_only_str(name);
-    EXPECT_EQ(name, std::string(45, 'x') + " [Read Only]");
-}
-
-TEST(Font, FontsOfOneReadableNameDifferInSizesOnly) {
-    Font font(TIMES);
-    Font other_size("-adobe-times-bold-i-normal--24-240-100-100-p-130-iso8859-1");
-    EXPECT_EQ(font.compare_hrn(&other_size), 1);
-    EXPECT_EQ(font.fontcmp(&other_size), 0);
-    EXPECT_EQ(font.hrn_key(), other_size.hrn_key());
-    for (const char* different : {"-urw-times-bold-i-normal--12-120-75-75-p-68-iso8859-1",
-                                  "-adobe-times-bold-i-condensed--12-120-75-75-p-68-iso8859-1",
-                                  "-adobe-times-bold-i-normal--12-120-75-75-m-68-iso8859-1",
-                                  "-adobe-times-bold-i-normal--12-120-75-75-p-68-iso8859-2"}) {
-        Font other(different);
-        EXPECT_EQ(font.compare_hrn(&other), 0) << different;
-        EXPECT_NE(font.hrn_key(), other.hrn_key()) << different;
-    }
-    Font shouting("-ADOBE-Times-BOLD-I-normal--12-120-75-75-P-68-ISO8859-1");
-    EXPECT_EQ(font.compare_hrn(&shouting), 1);
-    EXPECT_EQ(font.fontcmp(&shouting), 1);
-    Font bitmap(TIMES, GWFont::BITMAP_FONT);
-    EXPECT_EQ(font.compare_hrn(&bitmap), 0);
-    EXPECT_EQ(font.fontcmp(&bitmap), 0);
-}
-
-TEST(Font, PostScriptFontsAreComparedByPostScriptName) {
-    GWFont one(GWFont::TYPE3_FONT);
-    GWFont other(GWFont::TYPE3_FONT);
-    one.set_ps_name("Doodle");
-    other.set_ps_name("DOODLE");
-    EXPECT_EQ(one.fontcmp(&other), 1);
-}
-
-class FontFiles : public testing::Test {
-  protected:
-    FontFiles() { dir.write("a.pfa", std::string(5000, 'x')); }
-    void give_file(const char* name) { gw::test::give_file(font, name, dir.c_str()); }
-    TempDir dir;
-    Font font{TIMES};
+struct NameCase {
+    std::string xlfd;
+    std::string shown;
 };
 
-TEST_F(FontFiles, DiskSpaceIsTheFilesBlocks) {
-    EXPECT_EQ(font.get_disk_space(), 0U) << "without files";
-    give_file("a.pfa");
-    struct stat info {};
-    ASSERT_EQ(::stat(dir.file("a.pfa").c_str(), &info), 0);
-    EXPECT_EQ(font.get_disk_space(), static_cast<unsigned>(info.st_blocks) / 2);
-    dir.write("a.pfa", std::string(50000, 'x'));
-    EXPECT_EQ(font.get_disk_space(), static_cast<unsigned>(info.st_blocks) / 2) << "measured once";
+class FontName : public testing::Test {
+  protected:
+    static std::string xlfd(const std::string& family, const std::string& weight, const std::string& slant,
+                            const std::string& add_style = "", const std::string& set_width = "normal") {
+        return "-adobe-" + family + '-' + weight + '-' + slant + '-' + set_width + '-' + add_style +
+               "-12-120-75-75-m-70-iso8859-1";
+    }
+};
+
+TEST_F(FontName, IsMadeOfTheWordsOfTheFields) {
+    const NameCase cases[] = {
+        {xlfd("helvetica", "bold", "o"), "Helvetica Bold Oblique [Type-1]"},
+        {xlfd("helvetica", "bold", "i"), "Helvetica Bold Italic [Type-1]"},
+        {xlfd("helvetica", "bold", "r"), "Helvetica Bold [Type-1]"},
+        {xlfd("helvetica", "bold", "R"), "Helvetica Bold [Type-1]"},
+        {xlfd("helvetica", "bold", "ro"), "Helvetica Bold Reverse Oblique [Type-1]"},
+        {xlfd("helvetica", "bold", "RI"), "Helvetica Bold Reverse Italic [Type-1]"},
+        {xlfd("helvetica", "bold", "ot"), "Helvetica Bold ot [Type-1]"},
+        {xlfd("helvetica", "bold", ""), "Helvetica Bold  [Type-1]"},
+        {xlfd("helvetica", "", "r"), "Helvetica  [Type-1]"},
+        {xlfd("", "bold", "r"), " Bold [Type-1]"},
+        {xlfd("", "", "r"), "  [Type-1]"},
+        {xlfd("helvetica", "bold", "r", "sans"), "Helvetica Bold Sans [Type-1]"},
+        {xlfd("helvetica", "bold", "r", " sans"), "Helvetica Bold [Type-1]"},
+        {xlfd("new century", "demi bold", "r"), "New century Demi bold [Type-1]"},
+    };
+    for (const NameCase& c : cases) {
+        EXPECT_EQ(make_font(c.xlfd, GWFont::TYPE1_FONT)->get_hrn_name(), c.shown) << c.xlfd;
+    }
 }
 
-TEST_F(FontFiles, AMissingFileTakesNoSpaceAndMakesTheFontReadOnly) {
-    give_file("missing.pfa");
-    EXPECT_EQ(font.get_disk_space(), 0U);
-    EXPECT_TRUE(font.is_read_only());
-    give_file("a.pfa");
-    EXPECT_TRUE(font.is_read_only()) << "once read-only, always read-only";
+TEST_F(FontName, NeverHasTheSetWidth) {
+    for (const char* width : {"normal", "semicondensed", "", "wide"}) {
+        const Ref<GWFont> font = make_font(xlfd("courier", "bold", "r", "", width));
+        EXPECT_EQ(font->get_hrn_name(), "Courier Bold [Bitmap]") << width;
+        EXPECT_EQ(font->get_cli_hrn_name(), "[Adobe Courier Bold ISO-Latin-1 Bitmap]") << width;
+    }
 }
 
-TEST_F(FontFiles, AWritableFontIsNotReadOnlyAndLeavesNoTrace) {
-    give_file("a.pfa");
-    EXPECT_FALSE(font.is_read_only());
-    EXPECT_FALSE(dir.exists(".glyphwd_dummy"));
-    EXPECT_EQ(font.get_hrn_name(), "Times Bold Italic [Type-1]");
+TEST_F(FontName, EndsInTheTypesTag) {
+    EXPECT_EQ(make_font(COURIER)->get_hrn_name(), "Courier Bold Oblique [Bitmap]");
+    EXPECT_EQ(make_font(COURIER, GWFont::TYPE1_FONT)->get_hrn_name(), "Courier Bold Oblique [Type-1]");
+    EXPECT_EQ(make_font("ryumin-Light", GWFont::TYPE0_FONT)->get_hrn_name(), "Ryumin-Light [Type-0]");
+    EXPECT_EQ(make_font("script", GWFont::TYPE3_FONT)->get_hrn_name(), "Script [Type-3]");
+    EXPECT_EQ(make_font("", GWFont::TYPE3_FONT)->get_hrn_name(), " [Type-3]");
 }
 
-TEST_F(FontFiles, AFileWithoutTheOwnersWriteBitIsReadOnlyForEverybody) {
-    std::filesystem::permissions(dir.file("a.pfa"), std::filesystem::perms::owner_read);
-    give_file("a.pfa");
-    EXPECT_TRUE(font.is_read_only());
-    EXPECT_EQ(font.get_hrn_name(), "Times Bold Italic [Type-1]" + std::string(20, ' ') + "[Read Only]");
+TEST_F(FontName, OfABareAliasHasTwoBlanksBeforeTheTag) {
+    EXPECT_EQ(make_font("fixed")->get_hrn_name(), "fixed  [Bitmap]");
+    EXPECT_EQ(make_font("fixed")->get_cli_hrn_name(), "[fixed  Bitmap]");
+    EXPECT_EQ(make_font("9x15", GWFont::TYPE1_FONT)->get_hrn_name(), "9x15  [Type-1]");
 }
 
-TEST_F(FontFiles, InAMissingDirectoryTheFontIsReadOnly) {
-    gw::test::give_file(font, "a.pfa", "/nonexistent");
-    EXPECT_TRUE(font.is_read_only());
+TEST_F(FontName, OfFieldsAloneComposesTheXlfdNameFirst) {
+    Ref<GWFont> font = font_of_fields(
+        {{GWFont::TYPEFACE_NAME, "times"}, {GWFont::WEIGHT_NAME, "bold"}, {GWFont::SLANT, "i"}});
+    EXPECT_EQ(font->get_hrn_name(), "Times Bold Italic [Type-1]");
+    EXPECT_STREQ(font->get_xlfd_name(), "--times-bold-i----------");
 }
 
-TEST_F(FontFiles, InAClosedDirectoryTheFontIsReadOnlyForAnOrdinaryUser) {
-    if (::geteuid() == 0) GTEST_SKIP() << "no directory is closed to the superuser";
-    ::chmod(dir.c_str(), 0555);
-    give_file("a.pfa");
-    EXPECT_TRUE(font.is_read_only());
-    ::chmod(dir.c_str(), 0755);
+TEST_F(FontName, OfAReadOnlyFontIsMarkedAtColumn46OrBehindThreeBlanks) {
+    const struct {
+        std::size_t length;  // of the whole name, tag included
+        std::string gap;
+    } cases[] = {{20, std::string(26, ' ')}, {45, " "}, {46, "   "}, {50, "   "}};
+    for (const auto& c : cases) {
+        // "NAME", the blank of the format, " [Bitmap]".
+        const std::string alias(c.length - 10, 'n');
+        EXPECT_EQ(make_read_only_font(alias)->get_hrn_name(), alias + "  [Bitmap]" + c.gap + "[Read Only]")
+            << c.length;
+    }
+    EXPECT_EQ(make_read_only_font("", GWFont::TYPE0_FONT)->get_hrn_name().find("[Read Only]"), 46U);
+    EXPECT_EQ(make_read_only_font(COURIER)->get_cli_hrn_name(),
+              "[Adobe Courier Bold Oblique ISO-Latin-1 Bitmap]");
 }
 
-// A scratch file that could be made outweighs the directory's bits, and the files are not looked at then.
-TEST_F(FontFiles, ADirectoryOpenInSpiteOfItsBitsIsWritable) {
-    if (::geteuid() != 0) GTEST_SKIP() << "bits bind an ordinary user";
-    ::chmod(dir.c_str(), 0555);
-    give_file("missing.pfa");
-    EXPECT_FALSE(font.is_read_only());
+TEST_F(FontName, InBracketsHasFoundryAndCharset) {
+    const NameCase cases[] = {
+        {"-adobe-times-bold-i-normal--0-0-0-0-p-0-ISO8859-1", "[Adobe Times Bold Italic ISO-Latin-1 Type-1]"},
+        {"-adobe-times-bold-r-normal--0-0-0-0-p-0-koi8-r", "[Adobe Times Bold koi8-r Type-1]"},
+        {"--times-bold-r-normal--0-0-0-0-p-0-iso8859-2", "[ Times Bold ISO-Latin-2 Type-1]"},
+        {"-adobe-times-bold-r-normal-swash-0-0-0-0-p-0-iso8859-1",
+         "[Adobe Times Bold Swash ISO-Latin-1 Type-1]"},
+    };
+    for (const NameCase& c : cases) {
+        EXPECT_EQ(make_font(c.xlfd, GWFont::TYPE1_FONT)->get_cli_hrn_name(), c.shown) << c.xlfd;
+    }
+    EXPECT_EQ(make_font("ryumin-Light", GWFont::TYPE0_FONT)->get_cli_hrn_name(), "[Ryumin-Light Type-0]");
+    EXPECT_EQ(make_font("script", GWFont::TYPE3_FONT)->get_cli_hrn_name(), "[Script Type-3]");
 }
 
-TEST_F(FontFiles, TheDirectoryNameComesFromTheFirstFileWhenThereIsNone) {
-    auto files = std::make_unique<GW_FSPEC_LIST>();
-    files->append(new GW_FILE_SPEC("a.pfa", dir.c_str(), 0, 0));
-    font.set_font_file_list(std::move(files));
-    EXPECT_STREQ(font.get_dir_name(), dir.c_str());
+TEST_F(FontName, ThatIsPresetStandsForBothNamesUnlessEmpty) {
+    const Ref<GWFont> font = make_read_only_font(COURIER);
+    font->set_preset_hrn_name("as it stands");
+    EXPECT_EQ(font->get_hrn_name(), "as it stands");
+    EXPECT_EQ(font->get_cli_hrn_name(), "as it stands");
+    font->set_preset_hrn_name("");
+    EXPECT_EQ(font->get_cli_hrn_name(), "[Adobe Courier Bold Oblique ISO-Latin-1 Bitmap]");
 }
 
-TEST_F(FontFiles, ACopyLivesInItsNewDirectory) {
-    give_file("a.pfa");
-    font.set_ps_name("Times");
-    const std::string target = dir.make_dir("to");
-    dir.write("to/a.pfa", "x");
-    GWFont copy(font, target.c_str());
-    EXPECT_STREQ(copy.get_xlfd_name(), TIMES);
-    EXPECT_STREQ(copy.get_ps_name(), "Times");
-    EXPECT_STREQ(copy.get_dir_name(), target.c_str());
-    EXPECT_STREQ((*copy.get_font_file_list()->begin())->get_path(), (target + "a.pfa").c_str());
-    EXPECT_FALSE(copy.is_read_only());
-    EXPECT_EQ(copy.get_disk_space(), font.get_disk_space());
+using FontNameDeathTest = FontName;
+
+TEST_F(FontNameDeathTest, OfAWrongTypeEndsTheProgram) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const auto wrong = static_cast<GWFont::GW_FONT_TYPE>(3 + 1);
+    // The report goes to standard output; a death test sees standard error.
+    EXPECT_EXIT((dup2(2, 1), GWFont(wrong).get_hrn_name()), testing::ExitedWithCode(255),
+                "construct_hrn: wrong font type\n$");
+    EXPECT_EXIT((dup2(2, 1), GWFont(wrong).get_cli_hrn_name()), testing::ExitedWithCode(255),
+                "construct_hrn: wrong font type\n$");
 }
 
-TEST_F(FontFiles, InstallingMakesAnIndexAndAsksTheModule) {
-    gw::test::RecordingModule module(GWFont::TYPE1_FONT);
-    GW_FSM_LIST modules;
-    modules.append(&module);
-    gw::test::RecordingModule::calls().clear();
-    const std::string target = dir.make_dir("to");
-    EXPECT_EQ(font.install_font(target.c_str(), 0, modules), 1);
-    EXPECT_EQ(dir.read("to/fonts.dir"), "0\n");
-    EXPECT_EQ(font.delete_font(modules), 0);
-    EXPECT_EQ(gw::test::RecordingModule::calls(),
-              (std::vector<std::string>{std::string("install ") + TIMES + " " + target,
-                                        std::string("delete ") + TIMES}));
+TEST(FontCharset, HasAReadableNameForEveryRow) {
+    const NameCase cases[] = {
+        {"DEC.CNS11643.1986-2", "Chinese-11643"},
+        {"DEC.DTSCS.1990-2", "DEC-Taiwan-Supplemental"},
+        {"GB2312.1980-0", "PRC-Hanzi-GL"},
+        {"GB2312.1980-1", "PRC-Hanzi-GR"},
+        {"ISO646.1991-IRV", "ISO-646"},
+        {"ISO8859-1", "ISO-Latin-1"},
+        {"iso8859-1", "ISO-Latin-1"},
+        {"ISO8859-2", "ISO-Latin-2"},
+        {"ISO8859-3", "ISO-Latin-3"},
+        {"ISO8859-4", "ISO-Latin-4"},
+        {"ISO8859-5", "ISO-Latin/Cyrillic"},
+        {"ISO8859-6", "ISO-Latin/Arabic"},
+        {"ISO8859-7", "ISO-Latin/Greek"},
+        {"ISO8859-8", "ISO-Latin/Hebrew"},
+        {"ISO8859-9", "ISO-Latin-5"},
+        {"JISX0201.1976-0", "Roman-Katakana"},
+        {"JISX0208.1983-0", "Kanji-1983"},
+        {"jisx0208.1983-1", "Kanji-1983-1"},
+        {"JISX0208.1990-0", "Kanji-1990"},
+        {"JISX0212.1990-0", "Kanji-Supplement-1990"},
+        {"KSC5601.1987-0", "Korean-1987"},
+        {"KSC5601.1987-1", "Korean-1987-1"},
+        {"koi8-r", "koi8-r"},
+        {"ISO8859-15", "ISO8859-15"},
+        {"-", "-"},
+    };
+    for (const NameCase& c : cases) {
+        GWFont font(GWFont::TYPE1_FONT);
+        const std::size_t dash = c.xlfd.find('-');
+        font.set_field(GWFont::CHARSET_REGISTRY, c.xlfd.substr(0, dash).c_str());
+        font.set_field(GWFont::CHARSET_ENCODING, c.xlfd.substr(dash + 1).c_str());
+        EXPECT_EQ(font.get_charset_hrn_name(), ' ' + c.shown) << c.xlfd;
+    }
 }
 
-TEST(FontMemory, IsObtainedAndReleased) {
-    auto* text = static_cast<char*>(gw_alloc(4));
-    text[3] = 'x';
-    EXPECT_EQ(text[3], 'x');
-    gw_free(text);
+TEST(FontCharset, IsNamedOnceAndNotAgain) {
+    Ref<GWFont> font = make_font(COURIER);
+    EXPECT_STREQ(font->get_charset_hrn_name(), " ISO-Latin-1");
+    font->set_field(GWFont::CHARSET_ENCODING, "2");
+    EXPECT_STREQ(font->get_charset_hrn_name(), " ISO-Latin-1");
+    GWFont copy(*font, "/");
+    EXPECT_STREQ(copy.get_charset_hrn_name(), " ISO-Latin-2");  // a copy names it anew
 }
 
-TEST(FontList, IsSortedByTheBracketedName) {
-    Font one("-urw-courier-medium-r-normal--0-0-0-0-m-0-iso8859-1");
-    Font other("-Adobe-courier-medium-r-normal--0-0-0-0-m-0-iso8859-1");
+/// The field with another value than COURIER's.
+Ref<GWFont> varied(GWFont::FIELD f) {
+    Ref<GWFont> font = make_font(COURIER);
+    font->set_field(f, "other");
+    return font;
+}
+
+TEST(FontCompareHrn, IgnoresSizesResolutionsAndAverageWidth) {
+    const std::vector<GWFont::FIELD> ignored = {GWFont::PIXEL_SIZE, GWFont::POINT_SIZE, GWFont::RESOLUTION_X,
+                                                GWFont::RESOLUTION_Y, GWFont::AVERAGE_WIDTH};
+    const Ref<GWFont> font = make_font(COURIER);
+    for (int i = 0; i < GWFont::FIELD_COUNT; ++i) {
+        const auto f = static_cast<GWFont::FIELD>(i);
+        const Ref<GWFont> other = varied(f);
+        const int expected = std::find(ignored.begin(), ignored.end(), f) != ignored.end() ? 1 : 0;
+        EXPECT_EQ(font->compare_hrn(other.get()), expected) << f;
+        EXPECT_EQ(other->compare_hrn(font.get()), expected) << f;
+        EXPECT_EQ(font->hrn_key() == other->hrn_key(), expected == 1) << f;
+    }
+}
+
+TEST(FontCompareHrn, IgnoresCaseButNotTheType) {
+    const Ref<GWFont> lower = make_font(COURIER);
+    const Ref<GWFont> upper = make_font("-Adobe-COURIER-Bold-O-Normal--24-240-75-75-M-70-ISO8859-1");
+    const Ref<GWFont> outline = make_font(COURIER, GWFont::TYPE1_FONT);
+    EXPECT_EQ(lower->compare_hrn(upper.get()), 1);
+    EXPECT_EQ(lower->hrn_key(), upper->hrn_key());
+    EXPECT_EQ(lower->compare_hrn(outline.get()), 0);
+    EXPECT_NE(lower->hrn_key(), outline->hrn_key());
+}
+
+TEST(FontCompareHrn, TellsFieldsApartThatReadTheSameInARow) {
+    const Ref<GWFont> a = font_of_fields({{GWFont::FOUNDRY, "ab"}, {GWFont::TYPEFACE_NAME, "c"}});
+    const Ref<GWFont> b = font_of_fields({{GWFont::FOUNDRY, "a"}, {GWFont::TYPEFACE_NAME, "bc"}});
+    EXPECT_EQ(a->compare_hrn(b.get()), 0);
+    EXPECT_NE(a->hrn_key(), b->hrn_key());
+}
+
+TEST(FontCompareHrn, AgreesWithTheKeyForEveryByte) {
+    for (int byte = 1; byte < 256; ++byte) {
+        const std::string text(1, static_cast<char>(byte));
+        const Ref<GWFont> font = font_of_fields({{GWFont::FOUNDRY, text.c_str()}});
+        for (int other_byte = 1; other_byte < 256; ++other_byte) {
+            const std::string other_text(1, static_cast<char>(other_byte));
+            const Ref<GWFont> other = font_of_fields({{GWFont::FOUNDRY, other_text.c_str()}});
+            ASSERT_EQ(font->compare_hrn(other.get()) == 1, font->hrn_key() == other->hrn_key())
+                << byte << ' ' << other_byte;
+        }
+    }
+}
+
+TEST(FontCmp, ComparesNamesWithoutRegardToCase) {
+    const struct {
+        Ref<GWFont> a;
+        Ref<GWFont> b;
+        int expected;
+    } cases[] = {
+        {make_font(COURIER), make_font(COURIER), 1},
+        {make_font("Fixed"), make_font("fixed"), 1},
+        {make_font(COURIER), make_font(COURIER, GWFont::TYPE1_FONT), 0},
+        {make_font(Xlfd{}), make_font(Xlfd{.decipoints = "140"}), 0},
+        {make_font("A", GWFont::TYPE0_FONT), make_font("a", GWFont::TYPE0_FONT), 1},
+        {make_font("A", GWFont::TYPE0_FONT), make_font("a", GWFont::TYPE3_FONT), 0},
+        {make_font("A", GWFont::TYPE3_FONT), make_font("b", GWFont::TYPE3_FONT), 0},
+        {font_of_fields({{GWFont::FOUNDRY, "x"}}), make_font("-X-------------", GWFont::TYPE1_FONT), 1},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(c.a->fontcmp(c.b.get()), c.expected)
+            << c.a->get_xlfd_name() << c.a->get_ps_name() << " and " << c.b->get_xlfd_name();
+        EXPECT_EQ(c.b->fontcmp(c.a.get()), c.expected);
+    }
+}
+
+TEST(FontCmp, TellsPointSizesApartThatOneNameHolds) {
+    const Ref<GWFont> small = make_font(Xlfd{.decipoints = "80"});
+    const Ref<GWFont> large = make_font(Xlfd{.decipoints = "120"});
+    EXPECT_EQ(small->compare_hrn(large.get()), 1);
+    EXPECT_EQ(small->fontcmp(large.get()), 0);
+}
+
+TEST(FontList, SortsByTheBracketedNameWithoutRegardToCase) {
+    const Ref<GWFont> fonts[] = {make_font("zebra"), make_font("Apple"), make_font("apple"), make_font("b")};
     GW_SORTED_LIST<GWFont> list(0);
-    list.insert(&one);
-    list.insert(&other);
-    EXPECT_EQ(list.get_elem_at_pos(1), &other);
+    for (const Ref<GWFont>& font : fonts) list.insert(font.get());
+    std::vector<std::string> names;
+    for (GWFont* font : list) names.emplace_back(font->get_xlfd_name());
+    EXPECT_THAT(names, ElementsAre("apple", "Apple", "b", "zebra"));
 }
 
-TEST(Alias, ThatIsNoXlfdNameIsShownAsItStands) {
-    const GWAlias alias("fixed", "-misc-fixed-medium-r-normal--13-120-75-75-c-60-iso8859-1", "/fonts/");
-    EXPECT_STREQ(alias.get_hrn_name(), ("fixed [Alias]" + std::string(33, ' ') + "[Read Only]").c_str());
-    EXPECT_STREQ(alias.get_font_hrn_name(), ("Fixed Medium" + std::string(34, ' ') + "[Read Only]").c_str());
-    EXPECT_STREQ(alias.get_alias_name(), "fixed");
-    EXPECT_STREQ(alias.get_dir_name(), "/fonts/");
-}
-
-TEST(Alias, ForAFontWithoutXlfdNameShowsThatNameWithoutAMark) {
-    EXPECT_STREQ(GWAlias("a", "fixed", "/").get_font_hrn_name(), "fixed");
-}
-
-TEST(Alias, AnXlfdAliasIsShownReadably) {
-    const GWAlias upright("-x-fam-bold-R-condensed-sans-0-0-0-0-p-0-a-b", "fixed", "/");
-    EXPECT_STREQ(upright.get_hrn_name(),
-                 ("Fam Bold Sans [Alias]" + std::string(25, ' ') + "[Read Only]").c_str());
-    const GWAlias weightless("-x-fam--O-normal--0-0-0-0-p-0-a-b", "fixed", "/");
-    EXPECT_EQ(std::string(weightless.get_hrn_name()).substr(0, 20), "Fam  Oblique [Alias]");
-}
-
-TEST(Alias, ALongNameIsFollowedByTheMark) {
-    const std::string name(50, 'n');
-    EXPECT_STREQ(GWAlias(name.c_str(), "f", "/").get_hrn_name(), (name + " [Alias]   [Read Only]").c_str());
-}
-
-TEST(Alias, NamesThatDifferInCaseOnlyAreEqual) {
-    const GWAlias lower("variable", "a", "/x/");
-    const GWAlias upper("VARIABLE", "b", "/y/");
-    EXPECT_EQ(lower.compare(&upper), 0);
+TEST(FontStorage, IsObtainedAndReleased) {
+    auto* text = static_cast<char*>(gw_alloc(6));
+    ASSERT_NE(text, nullptr);
+    std::copy_n("hello", 6, text);
+    EXPECT_STREQ(text, "hello");
+    gw_free(text);
+    gw_free(nullptr);
 }
 
 }  // namespace
