@@ -134,12 +134,12 @@ sanitizer_options() {
 start() {
     local config=$1 user=$2 kind=$3 path=$5 filter=$6 out=$7
     if [ "$kind" = check ]; then
-        timeout -k 10 "${limit[check]}" scripts/check
+        timeout --foreground -k 10 "${limit[check]}" scripts/check
         return
     fi
     sanitizer_options "$out"
     # shellcheck disable=SC2086  # options
-    timeout -k 10 "${limit[$kind]}" scripts/sandbox "--$user" --preset "$config" ${furniture[$kind]} --out "$out" -- \
+    timeout --foreground -k 10 "${limit[$kind]}" scripts/sandbox "--$user" --preset "$config" ${furniture[$kind]} --out "$out" -- \
         "$path" --gtest_color=no "--gtest_filter=$filter"
 }
 
@@ -207,8 +207,9 @@ run() {
 
 rm -rf "$test_logs"
 mkdir -p "$test_logs" "$BUILD/out"
-trap 'trap - TERM; kill -- $(jobs -p) 2>/dev/null; exit 130' INT TERM
+trap 'end_jobs; exit 130' INT TERM
 begin=$SECONDS
+set -m
 for line in "${runs[@]}"; do
     while [ "$(jobs -rp | wc -l)" -ge "$jobs" ]; do wait -n || true; done
     read -r -a fields <<<"$line"

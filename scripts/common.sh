@@ -17,6 +17,12 @@ fail() {
     exit 1
 }
 
+# end_jobs: ends what was started in the background under job control, with everything that it has started.
+end_jobs() {
+    local pid
+    for pid in $(jobs -p); do kill -- "-$pid" 2>/dev/null || true; done
+}
+
 # quiet_progress LOG: the newest "[done/all]" of the builder in LOG, or nothing.
 quiet_progress() {
     tail -c 4096 "$1" 2>/dev/null | tr '\r' '\n' | grep -oE '^\[[0-9]+/[0-9]+\]' | tail -n 1 || true
@@ -31,8 +37,11 @@ step() {
     log=$LOGS/$(printf '%s' "$name" | tr -cs '[:alnum:]' '-' | tr '[:upper:]' '[:lower:]')
     log=${log%-}.log
     printf '%s ...' "$name"
+    set -m  # a process group of its own, which ends as one
     "$@" >"$log" 2>&1 </dev/null &
     local pid=$!
+    set +m
+    trap 'end_jobs; printf "\n"; exit 130' INT TERM
     if [ -t 1 ]; then
         while kill -0 "$pid" 2>/dev/null; do
             printf '\r%s ... %s %d s \033[K' "$name" "$(quiet_progress "$log")" "$((SECONDS - start))"
@@ -41,6 +50,7 @@ step() {
         printf '\r%s ...\033[K' "$name"
     fi
     wait "$pid" || status=$?
+    trap - INT TERM
     if [ "$status" -ne 0 ]; then
         printf ' failed\n'
         grep -aE 'error:|^E: |FAILED' "$log" | awk '!seen[$0]++' | head -n 10 | sed 's/^/    /' >&2 || true
