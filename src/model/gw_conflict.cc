@@ -1,9 +1,33 @@
 // SPDX-License-Identifier: MIT
 #include "model/gw_conflict.h"
 
+#include <filesystem>
 #include <vector>
 
 #include "modules/gw_fsm_list.h"
+
+namespace {
+
+bool same_place(const char* a, const char* b) {
+    std::error_code missing;
+    return std::filesystem::equivalent(a, b, missing);
+}
+
+bool have_a_file_in_common(const GWFont& a, const GWFont& b) {
+    if (a.get_font_file_list() == nullptr || b.get_font_file_list() == nullptr) return false;
+    for (const GW_FILE_SPEC* mine : *a.get_font_file_list()) {
+        for (const GW_FILE_SPEC* theirs : *b.get_font_file_list()) {
+            if (same_place(mine->get_path(), theirs->get_path())) return true;
+        }
+    }
+    return false;
+}
+
+bool is_in_directory(const GWFont& font, const std::string& dir) {
+    return font.get_dir_name() != nullptr && same_place(font.get_dir_name(), dir.c_str());
+}
+
+}  // namespace
 
 GWConflict::GWConflict(TYPE kind, GWHRNElement* elem, GWAlias* the_alias, GWHRNElement* other,
                        const char* dir, GWHRNList* list)
@@ -37,10 +61,7 @@ void GWConflict::set_conflict(INFO info, GWFont* font, unsigned group, unsigned 
         default:
             return;
     }
-    if (type == INSTALL && group < GWHRNElement::MAX_POINT_SIZES &&
-        index < GWHRNElement::MAX_FONTS_PER_SIZE) {
-        conflicting_fonts[group][index] = gw::Ref<GWFont>(font);
-    }
+    if (type == INSTALL && font != nullptr) conflicting_fonts[{group, index}] = gw::Ref<GWFont>(font);
 }
 
 int GWConflict::is_conflict(INFO info) const {
@@ -61,25 +82,28 @@ int GWConflict::is_conflict(INFO info) const {
 }
 
 std::string GWConflict::get_conflict_dir_name() const {
-    for (const auto& [group, fonts] : conflicting_fonts) {
-        for (const gw::Ref<GWFont>& font : fonts) {
-            if (font && font->get_dir_name() != nullptr) return font->get_dir_name();
-        }
-    }
-    return "";
+    if (conflicting_fonts.empty()) return "";
+    const char* dir = conflicting_fonts.begin()->second->get_dir_name();
+    return dir != nullptr ? dir : "";
 }
 
-void GWConflict::install_one(const gw::Ref<GWFont>& font, unsigned group, unsigned index,
-                             GW_FSM_LIST& modules) {
-    const auto found = conflicting_fonts.find(group);
-    const gw::Ref<GWFont> old = found != conflicting_fonts.end() ? found->second[index] : gw::Ref<GWFont>();
-    if (old) {
+// A font that is installed from where it lies already (the source is itself on the font path) has its files
+// in common with the one it replaces: those must not be gone before they are copied.
+void GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules) {
+    const bool moves = old && have_a_file_in_common(*font, *old);
+    if (moves && is_in_directory(*old, *dir_name)) return;
+    const auto remove_old = [&] {
         other_element->del_font(old.get());
         old->delete_font(modules);
-        found->second[index] = gw::Ref<GWFont>();
-    }
+    };
+    if (old && !moves) remove_old();
     font->install_font(dir_name->c_str(), 0, modules);
-    other_element->add_font(new GWFont(*font, dir_name->c_str()), 1);
+    const gw::Ref<GWFont> installed = new GWFont(*font, dir_name->c_str());
+    if (moves) {
+        if (installed->get_font_file_list()->exist() == 0) return;
+        remove_old();
+    }
+    other_element->add_font(installed.get(), 1);
 }
 
 void GWConflict::install_force(GW_FSM_LIST& modules) {
@@ -87,7 +111,9 @@ void GWConflict::install_force(GW_FSM_LIST& modules) {
     const auto& slots = element->get_slots();
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
-            install_one(slots[group].fonts[index], group, index, modules);
+            gw::Ref<GWFont> old;
+            if (auto cell = conflicting_fonts.extract({group, index})) old = std::move(cell.mapped());
+            install_one(slots[group].fonts[index], old, modules);
         }
     }
 }

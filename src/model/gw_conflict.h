@@ -4,10 +4,10 @@
 // conflict keeps alive what it refers to, whatever happens to the lists meanwhile.
 #pragma once
 
-#include <array>
 #include <map>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "core/gw_base.h"
 #include "core/ref.h"
@@ -47,10 +47,8 @@ class GWConflict : public GW_BASE {
     [[nodiscard]] GWAlias* get_alias() const { return alias; }
 
   private:
-    using Group = std::array<gw::Ref<GWFont>, GWHRNElement::MAX_FONTS_PER_SIZE>;
-
     [[nodiscard]] bool refuses_force() const { return read_only || is_alias; }
-    void install_one(const gw::Ref<GWFont>& font, unsigned group, unsigned index, GW_FSM_LIST& modules);
+    void install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules);
 
     TYPE type;
     bool read_only = false;
@@ -61,9 +59,8 @@ class GWConflict : public GW_BASE {
     std::optional<std::string> dir_name;
     gw::Ref<GWHRNElement> element;
     gw::Ref<GWHRNElement> other_element;
-    // By group and index of the element's font table: the installed font in the way. Most conflicts concern
-    // one group.
-    std::map<unsigned, Group> conflicting_fonts;
+    // By group and index of the element's font table: the installed font in the way.
+    std::map<std::pair<unsigned, unsigned>, gw::Ref<GWFont>> conflicting_fonts;
     GWHRNList* hrn_list;
     GWAlias* alias;
 };

@@ -37,6 +37,8 @@ bool is_system_font(const GWFont& font) {
 
 }  // namespace
 
+unsigned long GWHRNElement::renamings = 0;
+
 GWHRNElement::GWHRNElement(GWFont* font) {
     _initialize_hrn_element(font);
 }
@@ -50,6 +52,7 @@ GWHRNElement::~GWHRNElement() = default;
 
 void GWHRNElement::_initialize_hrn_element(GWFont* font) {
     const gw::Ref<GWFont> shared(font);
+    if (!name.empty()) ++renamings;
     disk_space = font->get_disk_space();
     PointSize slot;
     if (is_xlfd_name(font->get_xlfd_name()) != 0) {
@@ -78,13 +81,13 @@ int GWHRNElement::add_font(GWFont* font, int force) {
     auto slot = std::find_if(slots.begin(), slots.end(),
                              [&](const PointSize& known) { return known.point_size == point_size; });
     if (slot == slots.end()) {
-        if (slots.size() == MAX_POINT_SIZES) return 0;
+        if (slots.size() >= MAX_POINT_SIZES && force == 0) return 0;
         const int decipoints = std::atoi(point_size.c_str());
         const auto bigger = std::find_if(slots.begin(), slots.end(), [=](const PointSize& known) {
             return std::atoi(known.point_size.c_str()) > decipoints;
         });
         slot = slots.insert(bigger, {point_size, {}, {}});
-    } else if (slot->fonts.size() == MAX_FONTS_PER_SIZE) {
+    } else if (slot->fonts.size() >= MAX_FONTS_PER_SIZE && force == 0) {
         return 0;
     }
     slot->resolutions.push_back(resolution_text(*font));
@@ -240,6 +243,7 @@ void GWHRNList::clear() {
 
 int GWHRNList::insert(GWHRNElement* elem) {
     gw::Ref<GWHRNElement> owned(elem);
+    notice_renamings();
     GW_SORTED_LIST<GWHRNElement>::insert(elem);
     owned.leave();
     return 1;
@@ -249,44 +253,55 @@ gw::Ref<GWHRNElement> GWHRNList::release_at_pos(int pos) {
     return gw::Ref<GWHRNElement>::adopt(zap_elem_at_pos(pos));
 }
 
-void GWHRNList::rebuild_candidates() {
-    candidates.clear();
-    for (GWHRNElement* elem : *this) {
-        if (const GWFont* font = elem->get_representative(); is_bitmap(font))
-            candidates.emplace(font->hrn_key(), elem);
-    }
-    candidates_revision = revision;
+// Every index over the list was made with the old name.
+void GWHRNList::notice_renamings() {
+    if (noticed_renamings == GWHRNElement::get_renamings()) return;
+    noticed_renamings = GWHRNElement::get_renamings();
+    ++revision;
 }
 
-GWHRNElement* GWHRNList::candidate_for(const GWFont& font, bool& several) const {
-    const auto [first, last] = candidates.equal_range(font.hrn_key());
-    several = first != last && std::next(first) != last;
-    return first != last ? first->second : nullptr;
+void GWHRNList::update_index() {
+    notice_renamings();
+    if (indexed_revision == revision && in_order) return;
+    candidates.clear();
+    in_order = true;
+    GWHRNElement* before = nullptr;
+    for (GWHRNElement* elem : *this) {
+        if (const GWFont* font = elem->get_representative(); is_bitmap(font))
+            candidates[font->hrn_key()].push_back(elem);
+        if (before != nullptr && compare(before, elem) == 0) in_order = false;
+        before = elem;
+    }
+    indexed_revision = revision;
 }
 
 void GWHRNList::add_font(GWFont* font) {
     const gw::Ref<GWFont> shared(font);
     if (is_bitmap(font)) {
-        if (candidates_revision != revision) rebuild_candidates();
-        bool several = false;
-        GWHRNElement* candidate = candidate_for(*font, several);
-        if (several) {
-            // Elements that are full leave more than one of a name; the first in list order that takes the
-            // font has it.
-            if (std::any_of(begin(), end(), [=](GWHRNElement* elem) { return elem->add_font(font, 0) != 0; }))
-                return;
-        } else if (candidate != nullptr && candidate->add_font(font, 0) != 0) {
-            return;
-        }
-    }
-    auto* elem = new GWHRNElement(font);
-    insert(elem);
-    if (!is_bitmap(font)) {
-        if (candidates_revision + 1 == revision) candidates_revision = revision;
+        add_bitmap_font(font);
         return;
     }
-    candidates.emplace(font->hrn_key(), elem);
-    candidates_revision = revision;
+    notice_renamings();
+    const bool was_indexed = indexed_revision == revision;
+    insert(new GWHRNElement(font));
+    if (was_indexed) indexed_revision = revision;
+}
+
+// Only elements of the font's key can take it, so asking those in list order asks all that matter.
+void GWHRNList::add_bitmap_font(GWFont* font) {
+    update_index();
+    Candidates& elements = candidates[font->hrn_key()];
+    if (std::any_of(elements.begin(), elements.end(),
+                    [font](GWHRNElement* elem) { return elem->add_font(font, 0) != 0; })) {
+        return;
+    }
+    auto* added = new GWHRNElement(font);
+    insert(added);
+    // In a list that is in order the new element stands in front of all that do not go before it.
+    const auto next = std::find_if(elements.begin(), elements.end(),
+                                   [=, this](GWHRNElement* elem) { return compare(added, elem) != 0; });
+    elements.insert(next, added);
+    indexed_revision = revision;
 }
 
 int GWHRNList::delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts) {

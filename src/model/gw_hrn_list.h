@@ -24,6 +24,7 @@ class GW_FSM_LIST;
 
 class GWHRNElement : public GW_BASE, public gw::RefCounted {
   public:
+    /// What an element takes unforced. The font that no longer fits gets an element of its own.
     static constexpr unsigned MAX_POINT_SIZES = 100;
     static constexpr unsigned MAX_FONTS_PER_SIZE = 20;
     static constexpr std::size_t SIZE_TEXT_LIMIT = 19;  ///< characters of a point-size or resolution text
@@ -45,9 +46,11 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     ~GWHRNElement() override;
     GWHRNElement& operator=(const GWHRNElement&) = delete;
 
+    /// Makes this the element of `font` alone.
     void _initialize_hrn_element(GWFont* font);
-    /// 1 when the element took the font. A refused font gives 0, or with `force` non-zero the element becomes
-    /// one of this font alone.
+    /// 1 when the element took the font. A font that does not belong under this name gives 0, or with `force`
+    /// non-zero the element becomes one of this font alone; one that belongs here but finds the element full
+    /// gives 0, or with `force` is taken all the same.
     int add_font(GWFont* font, int force);
     /// Removes that very font; 1, or 0 when it is not here. Its point size stays.
     int del_font(GWFont* font);
@@ -65,7 +68,8 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// DONE, or CONFLICT when a conflict stopped it and nothing was written.
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
-    /// DONE, or CONFLICT when a conflict stopped it and nothing was deleted.
+    /// DONE, and the element is without sizes, or CONFLICT when a conflict stopped it and nothing was
+    /// deleted.
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list);
     /// 1 when a font of this element is the same as one of `installed_elem` and a conflict was recorded, else
     /// 0. The conflict belongs to `conflicts`' owner.
@@ -81,7 +85,13 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] unsigned get_disk_space() const { return disk_space; }
     [[nodiscard]] const std::vector<PointSize>& get_slots() const { return slots; }
 
+    /// Moves on whenever any element may have come under another name, so that an index by name knows when it
+    /// is out of date.
+    [[nodiscard]] static unsigned long get_renamings() { return renamings; }
+
   private:
+    static unsigned long renamings;
+
     int read_only = 0;
     unsigned disk_space = 0;
     std::vector<PointSize> slots;
@@ -120,13 +130,17 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     void delete_hrn_elem(GWHRNElement* elem);
 
   private:
-    void rebuild_candidates();
-    /// The one element that could take the font, or null when there is none; `several` says that only asking
-    /// each can tell.
-    GWHRNElement* candidate_for(const GWFont& font, bool& several) const;
+    /// The elements that one key's fonts can join, in list order.
+    using Candidates = std::vector<GWHRNElement*>;
 
-    // By `GWFont::hrn_key` of an element's representative; valid as long as the list's revision is the noted
-    // one.
-    std::unordered_multimap<std::string, GWHRNElement*> candidates;
-    unsigned long candidates_revision = 0;
+    void notice_renamings();
+    void update_index();
+    void add_bitmap_font(GWFont* font);
+
+    // By `GWFont::hrn_key` of an element's representative. Stands for the list as long as that has the noted
+    // revision.
+    std::unordered_map<std::string, Candidates> candidates;
+    unsigned long indexed_revision = 0;
+    unsigned long noticed_renamings = 0;
+    bool in_order = true;  // false when an element was renamed where it stands
 };

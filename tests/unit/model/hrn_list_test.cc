@@ -1,424 +1,378 @@
 // SPDX-License-Identifier: MIT
-#include "model/gw_hrn_list.h"
-
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <map>
+#include <array>
 #include <random>
 #include <string>
 #include <vector>
 
 #include "model/gw_alias.h"
 #include "model/gw_conflict.h"
-#include "support/font_maker.h"
-#include "support/temp_dir.h"
+#include "model/gw_hrn_list.h"
+#include "unit/model/model_test_support.h"
 
 namespace {
 
-using gw::test::make_bitmap;
+using gw::Ref;
 using gw::test::make_font;
-using gw::test::make_outline;
-using gw::test::RecordingModule;
+using gw::test::make_read_only_font;
+using gw::test::names_of;
+using gw::test::RecordingModules;
 using gw::test::TempDir;
+using gw::test::Xlfd;
+using testing::ElementsAre;
 
-using Texts = std::vector<std::string>;
-
-Texts names(const GWHRNList& list) {
-    Texts all;
-    for (const GWHRNElement* elem : list) all.emplace_back(elem->get_name());
-    return all;
+void add(GWHRNList& list, const std::vector<Ref<GWFont>>& fonts) {
+    for (const Ref<GWFont>& font : fonts) list.add_font(font.get());
 }
 
-Texts sizes(const GWHRNElement& elem) {
+std::vector<std::string> sizes_at(const GWHRNList& list, unsigned pos) {
+    unsigned count = 99;
+    const std::vector<std::string> sizes = list.get_point_sizes(pos, count);
+    EXPECT_EQ(sizes.size(), count);
+    return sizes;
+}
+
+/// An element's fonts, size by size; tells elements of equal names apart.
+std::vector<std::vector<const GWFont*>> fonts_of(const GWHRNElement& elem) {
+    std::vector<std::vector<const GWFont*>> groups;
+    for (const GWHRNElement::PointSize& slot : elem.get_slots()) {
+        groups.emplace_back();
+        for (const Ref<GWFont>& font : slot.fonts) groups.back().push_back(font.get());
+    }
+    return groups;
+}
+
+TEST(HrnList, GathersTheSizesOfABitmapFace) {
+    GWHRNList list(0);
+    add(list, {make_font(Xlfd{.decipoints = "120"}), make_font(Xlfd{.decipoints = "80"})});
+    EXPECT_THAT(names_of(list), ElementsAre("Courier Medium [Bitmap]"));
+    EXPECT_THAT(sizes_at(list, 1), ElementsAre("80", "120"));
+}
+
+TEST(HrnList, GathersTheResolutionsOfASize) {
+    GWHRNList list(0);
+    add(list, {make_font(Xlfd{.resolution = "100"}), make_font(Xlfd{.resolution = "75"})});
+    EXPECT_THAT(sizes_at(list, 1), ElementsAre("120"));
     unsigned count = 0;
-    Texts all = elem.get_point_sizes(count);
-    EXPECT_EQ(count, all.size());
-    return all;
+    EXPECT_THAT(list.get_res_for_pt_size(1, "120", count), ElementsAre("100 X 100", "75 X 75"));
+    EXPECT_EQ(count, 2U);
 }
 
-Texts resolutions(const GWHRNElement& elem, const char* size) {
-    unsigned count = 0;
-    Texts all = elem.get_res(size, count);
-    EXPECT_EQ(count, all.size());
-    return all;
-}
-
-TEST(HrnList, PointSizesOfOneFaceStandInAscendingOrder) {
+TEST(HrnList, KeepsOutlineAndBitmapFontsOfAFaceApart) {
     GWHRNList list(0);
-    list.add_font(make_bitmap("courier", "120"));
-    list.add_font(make_bitmap("courier", "80"));
-    list.add_font(make_bitmap("courier", "1000"));
-    ASSERT_EQ(list.get_count(), 1);
-    EXPECT_EQ(sizes(*list.get_elem_at_pos(1)), (Texts{"80", "120", "1000"}));
+    add(list, {make_font(Xlfd{}, GWFont::TYPE1_FONT), make_font(Xlfd{})});
+    EXPECT_THAT(names_of(list), ElementsAre("Courier Medium [Bitmap]", "Courier Medium [Type-1]"));
 }
 
-TEST(HrnList, ASizeEqualInValueGoesBehindTheOneThatIsThere) {
+TEST(HrnList, GivesEveryOutlineFontAnElementTheNewestFirst) {
     GWHRNList list(0);
-    for (const char* size : {"120", "0120"}) list.add_font(make_bitmap("courier", size));
-    EXPECT_EQ(sizes(*list.get_elem_at_pos(1)), (Texts{"120", "0120"}));
-}
-
-TEST(HrnList, ResolutionsOfOneSizeStandInTheOrderAdded) {
-    GWHRNList list(0);
-    list.add_font(make_bitmap("courier", "120", "100"));
-    list.add_font(make_bitmap("courier", "120", "75"));
-    ASSERT_EQ(list.get_count(), 1);
-    const GWHRNElement& elem = *list.get_elem_at_pos(1);
-    EXPECT_EQ(resolutions(elem, "120"), (Texts{"100 X 100", "75 X 75"}));
-    EXPECT_EQ(resolutions(elem, "80"), Texts{});
-    EXPECT_EQ(resolutions(elem, nullptr), Texts{});
-    EXPECT_STREQ(elem.get_font("120", "75 X 75")->get_field(GWFont::RESOLUTION_X), "75");
-    EXPECT_STREQ(elem.get_font("120", "200 X 200")->get_field(GWFont::RESOLUTION_X), "100")
-        << "the representative";
-    EXPECT_STREQ(elem.get_font(nullptr, nullptr)->get_field(GWFont::RESOLUTION_X), "100");
-}
-
-TEST(HrnList, BitmapAndOutlineOfOneFaceAreTwoNames) {
-    GWHRNList list(0);
-    list.add_font(make_outline("courier"));
-    list.add_font(
-        make_font(GWFont::BITMAP_FONT, "-adobe-courier-medium-r-normal--12-120-75-75-p-70-iso8859-1"));
-    EXPECT_EQ(names(list), (Texts{"Courier Medium [Bitmap]", "Courier Medium [Type-1]"}));
-}
-
-TEST(HrnList, EveryOutlineFontIsANameOfItsOwn) {
-    GWHRNList list(0);
-    list.add_font(make_outline("courier"));
-    GWFont* second = make_outline("courier");
-    list.add_font(second);
+    const Ref<GWFont> first = make_font(Xlfd{}, GWFont::TYPE1_FONT);
+    const Ref<GWFont> second = make_font(Xlfd{}, GWFont::TYPE1_FONT);
+    add(list, {first, second});
     ASSERT_EQ(list.get_count(), 2);
-    EXPECT_EQ(list.get_elem_at_pos(1)->get_representative(), second)
-        << "the newest of equal names comes first";
-    EXPECT_EQ(list.get_elem_at_pos(1)->get_font("0", ""), second);
+    EXPECT_EQ(list.get_elem_at_pos(1)->get_representative(), second.get());
+    EXPECT_EQ(list.get_elem_at_pos(2)->get_representative(), first.get());
 }
 
-TEST(HrnList, AFontWithoutXlfdNameHasItsOwnEntry) {
+TEST(HrnList, GivesEveryBareAliasAnElementOfSize00) {
     GWHRNList list(0);
-    for (int i = 0; i < 2; ++i) list.add_font(make_font(GWFont::BITMAP_FONT, "fixed"));
-    ASSERT_EQ(list.get_count(), 2);
-    EXPECT_EQ(sizes(*list.get_elem_at_pos(1)), Texts{"00"});
-    EXPECT_EQ(resolutions(*list.get_elem_at_pos(1), "00"), Texts{"0"});
+    add(list, {make_font("fixed"), make_font("fixed"), make_font("FIXED")});
+    EXPECT_THAT(names_of(list), ElementsAre("FIXED  [Bitmap]", "fixed  [Bitmap]", "fixed  [Bitmap]"));
+    EXPECT_THAT(sizes_at(list, 2), ElementsAre("00"));
+}
+
+TEST(HrnList, KeepsApartWhatOnlyTheNameHasInCommon) {
+    GWHRNList list(0);
+    const Ref<GWFont> adobe = make_font(Xlfd{.foundry = "adobe"});
+    const Ref<GWFont> misc = make_font(Xlfd{.foundry = "misc"});
+    add(list, {adobe, misc, make_font(Xlfd{.foundry = "adobe", .decipoints = "80"})});
+    EXPECT_THAT(names_of(list), ElementsAre("Courier Medium [Bitmap]", "Courier Medium [Bitmap]"));
+    EXPECT_EQ(list.get_elem_at_pos(1)->get_representative(), misc.get());
+    EXPECT_THAT(sizes_at(list, 2), ElementsAre("80", "120"));
 }
 
 TEST(HrnList, SortsWithoutRegardToCase) {
     GWHRNList list(0);
-    for (const char* family : {"zapf", "Courier Bold", "courier", "Avant"})
-        list.add_font(make_outline(family));
-    EXPECT_EQ(names(list), (Texts{"Avant Medium [Type-1]", "Courier Bold Medium [Type-1]",
-                                  "Courier Medium [Type-1]", "Zapf Medium [Type-1]"}));
+    add(list, {make_font("zebra"), make_font("courier"), make_font("Courier Bold"), make_font("Apple")});
+    EXPECT_THAT(names_of(list), ElementsAre("Apple  [Bitmap]", "courier  [Bitmap]", "Courier Bold  [Bitmap]",
+                                            "zebra  [Bitmap]"));
 }
 
-// More sizes or fonts than an element holds go on in another of the same name; none is dropped.
-TEST(HrnList, AFullElementIsFollowedByAnother) {
-    GWHRNList many_sizes(0);
-    for (int i = 1; i <= 150; ++i) many_sizes.add_font(make_bitmap("courier", std::to_string(i * 10)));
-    ASSERT_EQ(many_sizes.get_count(), 2);
-    EXPECT_EQ(sizes(*many_sizes.get_elem_at_pos(1)).size() + sizes(*many_sizes.get_elem_at_pos(2)).size(),
-              150U);
-    EXPECT_EQ(
-        std::max(sizes(*many_sizes.get_elem_at_pos(1)).size(), sizes(*many_sizes.get_elem_at_pos(2)).size()),
-        100U);
-
-    GWHRNList many_fonts(0);
-    for (int i = 0; i < 45; ++i) many_fonts.add_font(make_bitmap("courier", "120"));
-    ASSERT_EQ(many_fonts.get_count(), 3);
-    std::size_t fonts = 0;
-    for (const GWHRNElement* elem : many_fonts) fonts += elem->get_slots().front().fonts.size();
-    EXPECT_EQ(fonts, 45U);
+TEST(HrnList, GivesTheTwentyFirstFontOfASizeAnElementOfItsOwn) {
+    GWHRNList list(0);
+    for (int i = 1; i <= 41; ++i) list.add_font(make_font(Xlfd{.resolution = std::to_string(i)}).get());
+    ASSERT_EQ(list.get_count(), 3);
+    unsigned count = 0;
+    EXPECT_THAT(list.get_res_for_pt_size(1, "120", count), ElementsAre("41 X 41"));
+    list.get_res_for_pt_size(2, "120", count);
+    EXPECT_EQ(count, 20U);
+    list.get_res_for_pt_size(3, "120", count);
+    EXPECT_EQ(count, 20U);
 }
 
-/// The list as walking it for every font makes it.
-class WalkedList {
+TEST(HrnList, GivesTheHundredAndFirstSizeAnElementOfItsOwn) {
+    GWHRNList list(0);
+    for (int i = 1; i <= 101; ++i) list.add_font(make_font(Xlfd{.decipoints = std::to_string(i)}).get());
+    ASSERT_EQ(list.get_count(), 2);
+    EXPECT_THAT(sizes_at(list, 1), ElementsAre("101"));
+    EXPECT_EQ(sizes_at(list, 2).size(), 100U);
+}
+
+TEST(HrnList, KnowsNothingAtPositionsWithoutAnElement) {
+    GWHRNList list(0);
+    add(list, {make_font(Xlfd{})});
+    RecordingModules modules;
+    GW_LIST<GWConflict> conflicts;
+    GW_SORTED_LIST<GWAlias> aliases(0);
+    for (const unsigned pos : {0U, 2U, 0x7fffffffU, 0x80000001U, 0xffffffffU}) {
+        unsigned count = 99;
+        EXPECT_EQ(list.get_disk_space(pos), 0U) << pos;
+        EXPECT_TRUE(list.get_point_sizes(pos, count).empty()) << pos;
+        EXPECT_EQ(count, 0U) << pos;
+        count = 99;
+        EXPECT_TRUE(list.get_res_for_pt_size(pos, "120", count).empty()) << pos;
+        EXPECT_EQ(count, 0U) << pos;
+        EXPECT_EQ(list.delete_at_pos(pos, modules.list, conflicts), 0) << pos;
+        EXPECT_EQ(list.install_at_pos(pos, "/", list, aliases, modules.list, conflicts), 0) << pos;
+    }
+    EXPECT_FALSE(list.release_at_pos(2));
+    EXPECT_EQ(list.get_count(), 1);
+    EXPECT_TRUE(modules.calls.empty());
+}
+
+TEST(HrnList, InstallsTheElementAtAPosition) {
+    const TempDir dir;
+    RecordingModules modules;
+    GW_LIST<GWConflict> conflicts;
+    const gw::ElementsOwner conflicts_owner(conflicts);
+    GW_SORTED_LIST<GWAlias> aliases(0);
+    GWHRNList source(0);
+    GWHRNList installed(0);
+    add(source, {make_font("b"), make_font("a")});
+    EXPECT_EQ(source.install_at_pos(2, dir.c_str(), installed, aliases, modules.list, conflicts), 2);
+    EXPECT_THAT(names_of(installed), ElementsAre("b  [Bitmap]"));
+    EXPECT_EQ(source.install_at_pos(2, dir.c_str(), installed, aliases, modules.list, conflicts), 1);
+    EXPECT_EQ(conflicts.get_count(), 1);
+    EXPECT_EQ(installed.get_count(), 1);
+    EXPECT_EQ(source.get_count(), 2);
+    EXPECT_EQ(modules.calls.size(), 1U);
+}
+
+TEST(HrnList, DeletesTheElementAtAPositionUnlessAConflictStopsIt) {
+    RecordingModules modules;
+    GW_LIST<GWConflict> conflicts;
+    const gw::ElementsOwner conflicts_owner(conflicts);
+    GWHRNList list(0);
+    add(list, {make_font("a"), make_read_only_font("b"), make_font("c")});
+    EXPECT_EQ(list.delete_at_pos(2, modules.list, conflicts), 1);
+    EXPECT_EQ(list.get_count(), 3);
+    EXPECT_EQ(conflicts.get_count(), 1);
+    EXPECT_EQ(list.delete_at_pos(1, modules.list, conflicts), 2);
+    EXPECT_THAT(modules.calls, ElementsAre("delete a"));
+    ASSERT_EQ(list.get_count(), 2);
+    EXPECT_STREQ(list.get_elem_at_pos(2)->get_name(), "c  [Bitmap]");
+    EXPECT_EQ(list.delete_at_pos(2, modules.list, conflicts), 2);
+    EXPECT_EQ(list.get_count(), 1);
+}
+
+TEST(HrnList, MergesCopiesThatShareTheFonts) {
+    GWHRNList list(0);
+    GWHRNList other(0);
+    const Ref<GWFont> twice = make_font(Xlfd{});
+    add(list, {make_font("a"), make_font(Xlfd{})});
+    add(other, {twice, make_font("z"), make_font(Xlfd{.decipoints = "80"})});
+    list.merge(other);
+    EXPECT_THAT(names_of(list), ElementsAre("a  [Bitmap]", "Courier Medium [Bitmap]",
+                                            "Courier Medium [Bitmap]", "z  [Bitmap]"));
+    EXPECT_EQ(other.get_count(), 2);
+    EXPECT_NE(list.get_elem_at_pos(2), other.get_elem_at_pos(1));
+    EXPECT_EQ(list.get_elem_at_pos(2)->get_font("120", "75 X 75"), twice.get());
+    other.clear();
+    EXPECT_THAT(sizes_at(list, 2), ElementsAre("80", "120"));
+}
+
+TEST(HrnList, MergesElementsOfOneNameInReverse) {
+    GWHRNList list(0);
+    GWHRNList other(0);
+    const Ref<GWFont> first = make_font("same");
+    const Ref<GWFont> second = make_font("same");
+    add(other, {first, second});
+    list.merge(other);
+    EXPECT_EQ(other.get_elem_at_pos(1)->get_representative(), second.get());
+    EXPECT_EQ(list.get_elem_at_pos(1)->get_representative(), first.get());
+}
+
+TEST(HrnList, ReleasesFontsWithTheLastOwner) {
+    const Ref<GWFont> font = make_font(Xlfd{});
+    {
+        GWHRNList list(0);
+        list.add_font(font.get());
+        EXPECT_EQ(font->owners(), 2);
+        GWHRNList other(0);
+        other.merge(list);
+        EXPECT_EQ(font->owners(), 3);
+        list.clear();
+        EXPECT_EQ(list.get_count(), 0);
+        EXPECT_EQ(font->owners(), 2);
+    }
+    EXPECT_EQ(font->owners(), 1);
+}
+
+TEST(HrnList, RemovesThatVeryElement) {
+    GWHRNList list(0);
+    const Ref<GWFont> first = make_font("same");
+    const Ref<GWFont> second = make_font("same");
+    add(list, {first, second});
+    const Ref<GWHRNElement> stranger(new GWHRNElement(first.get()));
+    list.delete_hrn_elem(stranger.get());
+    EXPECT_EQ(list.get_count(), 2);
+    list.delete_hrn_elem(list.get_elem_at_pos(2));
+    ASSERT_EQ(list.get_count(), 1);
+    EXPECT_EQ(list.get_elem_at_pos(1)->get_representative(), second.get());
+}
+
+TEST(HrnList, HandsAnElementToItsNewOwner) {
+    GWHRNList list(0);
+    add(list, {make_font("a")});
+    const Ref<GWHRNElement> elem = list.release_at_pos(1);
+    ASSERT_TRUE(elem);
+    EXPECT_EQ(elem->owners(), 1);
+    EXPECT_TRUE(list.is_empty());
+    EXPECT_EQ(list.insert(elem.get()), 1);
+    EXPECT_EQ(elem->owners(), 2);
+}
+
+TEST(HrnList, FindsAnElementUnderTheFaceThatItCameToHold) {
+    GWHRNList list(0);
+    const Ref<GWFont> courier = make_font(Xlfd{});
+    add(list, {courier});
+    list.get_elem_at_pos(1)->add_font(make_font(Xlfd{.family = "times"}).get(), 1);
+    add(list, {make_font(Xlfd{.family = "times", .decipoints = "80"}), courier});
+    EXPECT_THAT(names_of(list), ElementsAre("Courier Medium [Bitmap]", "Times Medium [Bitmap]"));
+    EXPECT_THAT(sizes_at(list, 2), ElementsAre("80", "120"));
+}
+
+/// The rule in its plainest form: a bitmap font is offered to each element in order; what is not taken goes
+/// in front of the first element that does not sort before it.
+class PlainList {
   public:
-    void add(GWFont* font) {
+    explicit PlainList(bool is_descending) : descending(is_descending) {}
+    void add_font(GWFont* font) {
         if (font->get_type() == GWFont::BITMAP_FONT) {
-            for (const auto& elem : elements) {
+            for (const Ref<GWHRNElement>& elem : elements) {
                 if (elem->add_font(font, 0) != 0) return;
             }
         }
-        gw::Ref<GWHRNElement> elem(new GWHRNElement(font));
-        const auto place = std::find_if(elements.begin(), elements.end(),
-                                        [&](const auto& cur) { return elem->compare(cur.get()) <= 0; });
-        elements.insert(place, elem);
+        insert(new GWHRNElement(font));
     }
-    std::vector<gw::Ref<GWHRNElement>> elements;
+    void insert(GWHRNElement* added) {
+        const auto next = std::find_if(elements.begin(), elements.end(), [&](const Ref<GWHRNElement>& elem) {
+            const int order = added->compare(elem.get());
+            return descending ? order >= 0 : order <= 0;
+        });
+        elements.insert(next, Ref<GWHRNElement>(added));
+    }
+    std::vector<Ref<GWHRNElement>> elements;
+
+  private:
+    bool descending;
 };
 
-std::string description(const GWHRNElement& elem) {
-    std::string text = elem.get_name();
-    for (const auto& slot : elem.get_slots()) {
-        text += " | " + slot.point_size;
-        for (std::size_t i = 0; i < slot.fonts.size(); ++i) {
-            text += " " + slot.resolutions[i] + "@" +
-                    std::to_string(reinterpret_cast<std::uintptr_t>(slot.fonts[i].get()));
+/// Does the same to both lists.
+class HrnListProperty : public testing::TestWithParam<int> {
+  protected:
+    HrnListProperty()
+        : random(static_cast<unsigned>(GetParam())), list(GetParam() % 2), plain(GetParam() % 2 != 0) {}
+
+    std::size_t below(std::size_t n) { return random() % n; }
+    template <std::size_t N>
+    const char* one_of(const std::array<const char*, N>& values) {
+        return values[below(N)];
+    }
+
+    Ref<GWFont> random_font() {
+        static constexpr std::array<const char*, 4> FAMILIES = {"courier", "Courier", "times", "lucida"};
+        static constexpr std::array<const char*, 3> WEIGHTS = {"medium", "BOLD", "bold"};
+        static constexpr std::array<const char*, 3> ALIASES = {"fixed", "Fixed", "courier medium"};
+        const auto type = below(8) == 0 ? GWFont::TYPE1_FONT : GWFont::BITMAP_FONT;
+        std::string name = one_of(ALIASES);
+        if (below(12) != 0) {
+            // Some runs have few sizes and overflow them, others have many.
+            const std::size_t sizes = GetParam() % 3 == 0 ? 2 : 400;
+            name = Xlfd{.foundry = below(3) == 0 ? "misc" : "adobe",
+                        .family = one_of(FAMILIES),
+                        .weight = one_of(WEIGHTS),
+                        .decipoints = std::to_string(below(sizes)),
+                        .resolution = std::to_string(below(3))}
+                       .str();
+        }
+        return below(6) == 0 ? make_read_only_font(name, type) : make_font(name, type);
+    }
+
+    void step() {
+        // A list that an element was renamed in stays out of order, so some runs only add.
+        const std::size_t what = GetParam() % 4 == 0 ? 60 : below(60);
+        if (what == 0 && list.get_count() > 0) {
+            const std::size_t i = below(plain.elements.size());
+            list.release_at_pos(static_cast<int>(i) + 1);
+            plain.elements.erase(plain.elements.begin() + static_cast<std::ptrdiff_t>(i));
+        } else if (what == 1 && list.get_count() > 0) {
+            rename(below(plain.elements.size()));
+        } else if (what == 2 && list.get_count() > 0) {
+            strip(below(plain.elements.size()));
+        } else if (what == 3) {
+            const Ref<GWFont> font = random_font();
+            list.insert(new GWHRNElement(font.get()));
+            plain.insert(new GWHRNElement(font.get()));
+        } else {
+            const Ref<GWFont> font = random_font();
+            list.add_font(font.get());
+            plain.add_font(font.get());
         }
     }
-    return text;
-}
 
-TEST(HrnList, AgreesWithWalkingOnRandomFonts) {
-    std::mt19937 random(7);
-    const Texts families = {"courier", "Courier", "times", "fixed", "a", "zapf chancery"};
-    WalkedList expected;
-    GWHRNList list(0);
-    for (int i = 0; i < 3000; ++i) {
-        const std::string& family = families[random() % families.size()];
-        const auto kind = random() % 10;
-        GWFont* font = kind == 0   ? make_outline(family)
-                       : kind == 1 ? make_font(GWFont::BITMAP_FONT, family)
-                                   : make_bitmap(family, std::to_string(random() % 130 * 10),
-                                                 random() % 2 != 0 ? "75" : "100");
-        const gw::Ref<GWFont> shared(font);
-        expected.add(font);
-        list.add_font(font);
+    /// Forces a font on an element, which may come under another name where it stands.
+    void rename(std::size_t i) {
+        const Ref<GWFont> font = random_font();
+        list.get_elem_at_pos(static_cast<int>(i) + 1)->add_font(font.get(), 1);
+        plain.elements[i]->add_font(font.get(), 1);
     }
-    ASSERT_EQ(static_cast<std::size_t>(list.get_count()), expected.elements.size());
-    std::size_t i = 0;
-    for (const GWHRNElement* elem : list) {
-        EXPECT_EQ(description(*elem), description(*expected.elements[i])) << "position " << i + 1;
-        ++i;
+
+    /// Takes an element's representative away.
+    void strip(std::size_t i) {
+        const Ref<GWFont> font(plain.elements[i]->get_representative());
+        if (!font) return;
+        EXPECT_EQ(list.get_elem_at_pos(static_cast<int>(i) + 1)->del_font(font.get()), 1);
+        plain.elements[i]->del_font(font.get());
     }
-}
 
-TEST(HrnElement, TakesAFontByForceByBecomingItsOwn) {
-    const gw::Ref<GWHRNElement> elem(new GWHRNElement(make_bitmap("courier", "120")));
-    const gw::Ref<GWFont> other(make_bitmap("times", "80"));
-    EXPECT_EQ(elem->add_font(other.get(), 0), 0);
-    EXPECT_EQ(sizes(*elem), Texts{"120"});
-    EXPECT_EQ(elem->add_font(other.get(), 1), 1);
-    EXPECT_EQ(sizes(*elem), Texts{"80"});
-    EXPECT_STREQ(elem->get_name(), "Times Medium [Bitmap]");
-}
-
-TEST(HrnElement, LosesAFontButKeepsItsSize) {
-    const gw::Ref<GWHRNElement> elem(new GWHRNElement(make_bitmap("courier", "120")));
-    const gw::Ref<GWFont> font(elem->get_representative());
-    EXPECT_EQ(elem->del_font(font.get()), 1);
-    EXPECT_EQ(elem->del_font(font.get()), 0);
-    EXPECT_EQ(sizes(*elem), Texts{"120"});
-    EXPECT_EQ(elem->get_font("120", "75 X 75"), nullptr);
-}
-
-TEST(HrnElement, SumsDiskSpaceAndReadOnlyState) {
-    const TempDir dir;
-    dir.write("a.pcf", std::string(9000, 'x'));
-    GWHRNList list(0);
-    GWFont* font = make_bitmap("courier", "120");
-    gw::test::give_file(*font, "a.pcf", dir.c_str());
-    list.add_font(font);
-    EXPECT_EQ(list.get_disk_space(1), font->get_disk_space());
-    EXPECT_EQ(list.get_elem_at_pos(1)->is_read_only(), 0);
-    GWFont* locked = make_bitmap("courier", "80");
-    gw::test::give_file(*locked, "missing.pcf", dir.c_str());
-    list.add_font(locked);
-    EXPECT_EQ(list.get_elem_at_pos(1)->is_read_only(), 1);
-    const unsigned before = list.get_disk_space(1);
-    list.get_elem_at_pos(1)->del_font(font);
-    EXPECT_LT(list.get_disk_space(1), before);
-}
-
-TEST(HrnList, AnswersForPositionsThatAreNotThere) {
-    GWHRNList list(0);
-    GW_FSM_LIST modules;
-    GW_LIST<GWConflict> conflicts;
-    GW_SORTED_LIST<GWAlias> aliases(0);
-    unsigned count = 7;
-    EXPECT_EQ(list.get_disk_space(1), 0U);
-    EXPECT_TRUE(list.get_point_sizes(1, count).empty());
-    EXPECT_EQ(count, 0U);
-    EXPECT_TRUE(list.get_res_for_pt_size(1, "120", count).empty());
-    EXPECT_EQ(list.delete_at_pos(1, modules, conflicts), 0);
-    EXPECT_EQ(list.install_at_pos(0, "/x/", list, aliases, modules, conflicts), 0);
-}
-
-TEST(HrnList, MergingCopiesElementsAndSharesFonts) {
-    GWHRNList source(0);
-    source.add_font(make_bitmap("courier", "120"));
-    GWHRNList target(0);
-    target.merge(source);
-    ASSERT_EQ(target.get_count(), 1);
-    EXPECT_NE(target.get_elem_at_pos(1), source.get_elem_at_pos(1));
-    EXPECT_EQ(target.get_elem_at_pos(1)->get_representative(),
-              source.get_elem_at_pos(1)->get_representative());
-    source.clear();
-    EXPECT_EQ(sizes(*target.get_elem_at_pos(1)), Texts{"120"}) << "the fonts outlive the list they came from";
-}
-
-class Installing : public testing::Test {
-  protected:
-    Installing() : bitmap_module(GWFont::BITMAP_FONT), outline_module(GWFont::TYPE1_FONT) {
-        modules.append(&outline_module);
-        modules.append(&bitmap_module);
-        RecordingModule::calls().clear();
+    void expect_equal() const {
+        ASSERT_EQ(static_cast<std::size_t>(list.get_count()), plain.elements.size());
+        std::size_t i = 0;
+        for (const GWHRNElement* elem : list) {
+            const GWHRNElement& other = *plain.elements[i++];
+            ASSERT_STREQ(elem->get_name(), other.get_name()) << i;
+            ASSERT_EQ(fonts_of(*elem), fonts_of(other)) << i;
+            ASSERT_EQ(elem->is_read_only(), other.is_read_only()) << i;
+        }
     }
-    int install(GWHRNList& from, unsigned pos = 1) {
-        return from.install_at_pos(pos, dir.c_str(), installed, aliases, modules, conflicts);
-    }
-    TempDir dir;
-    RecordingModule bitmap_module, outline_module;
-    GW_FSM_LIST modules;
-    GWHRNList installed{0};
-    GWHRNList source{0};
-    GW_SORTED_LIST<GWAlias> aliases{0};
-    gw::ElementsOwner<GW_SORTED_LIST<GWAlias>> aliases_owner{aliases};
-    GW_LIST<GWConflict> conflicts;
-    gw::ElementsOwner<GW_LIST<GWConflict>> conflicts_owner{conflicts};
+
+    std::mt19937 random;
+    GWHRNList list;
+    PlainList plain;
 };
 
-TEST_F(Installing, AddsACopyInTheDestination) {
-    source.add_font(make_outline("courier"));
-    EXPECT_EQ(install(source), GWHRNElement::DONE);
-    ASSERT_EQ(installed.get_count(), 1);
-    EXPECT_STREQ(installed.get_elem_at_pos(1)->get_representative()->get_dir_name(), dir.c_str());
-    EXPECT_EQ(RecordingModule::calls().size(), 1U);
-    EXPECT_EQ(conflicts.get_count(), 0);
-}
-
-TEST_F(Installing, ABitmapSizeJoinsTheNameThatIsThere) {
-    installed.add_font(make_bitmap("courier", "120"));
-    source.add_font(make_bitmap("courier", "80"));
-    EXPECT_EQ(install(source), GWHRNElement::DONE);
-    ASSERT_EQ(installed.get_count(), 1);
-    EXPECT_EQ(sizes(*installed.get_elem_at_pos(1)), (Texts{"80", "120"}));
-}
-
-// Of each size only as many fonts are installed as the element has sizes.
-TEST_F(Installing, TheNumberOfSizesBoundsTheFontsOfEachSize) {
-    for (const char* dpi : {"75", "100"}) source.add_font(make_bitmap("courier", "120", dpi));
-    EXPECT_EQ(install(source), GWHRNElement::DONE);
-    EXPECT_EQ(RecordingModule::calls().size(), 1U) << "one size, so one of its two fonts";
-    RecordingModule::calls().clear();
-    installed.clear();
-    source.add_font(make_bitmap("courier", "80", "75"));
-    EXPECT_EQ(install(source), GWHRNElement::DONE);
-    EXPECT_EQ(RecordingModule::calls().size(), 3U) << "two sizes, so both";
-}
-
-TEST_F(Installing, TheSameFontIsAConflictAndNothingIsWritten) {
-    installed.add_font(make_outline("courier"));
-    GWFont* there = installed.get_elem_at_pos(1)->get_representative();
-    there->set_dir_name("/there/");
-    source.add_font(make_outline("courier"));
-    EXPECT_EQ(install(source), GWHRNElement::CONFLICT);
-    EXPECT_TRUE(RecordingModule::calls().empty());
-    ASSERT_EQ(conflicts.get_count(), 1);
-    const GWConflict& conflict = *conflicts.get_elem_at_pos(1);
-    EXPECT_EQ(conflict.get_type(), GWConflict::INSTALL);
-    EXPECT_EQ(conflict.is_conflict(GWConflict::SAME_NAME), 1);
-    EXPECT_EQ(conflict.is_conflict(GWConflict::READ_ONLY), 0);
-    EXPECT_EQ(conflict.get_conflict_dir_name(), "/there/");
-}
-
-TEST_F(Installing, AReadOnlyFontInTheWayIsNoted) {
-    GWFont* locked = make_outline("courier");
-    gw::test::give_file(*locked, "missing.pfa", "/nonexistent");
-    installed.add_font(locked);
-    source.add_font(make_outline("courier"));
-    EXPECT_EQ(install(source), GWHRNElement::CONFLICT);
-    EXPECT_EQ(conflicts.get_elem_at_pos(1)->is_conflict(GWConflict::READ_ONLY), 1);
-}
-
-TEST_F(Installing, AFontNamedLikeAnAliasIsNotInstalledAndMakesNoConflict) {
-    source.add_font(make_outline("courier"));
-    aliases.insert(new GWAlias("-ADOBE-courier-medium-r-normal--0-0-0-0-p-0-iso8859-1", "fixed", "/"));
-    EXPECT_EQ(install(source), GWHRNElement::CONFLICT);
-    EXPECT_TRUE(RecordingModule::calls().empty());
-    EXPECT_EQ(conflicts.get_count(), 0);
-}
-
-TEST_F(Installing, ByForceReplacesWhatIsInTheWay) {
-    installed.add_font(make_bitmap("courier", "120"));
-    source.add_font(make_bitmap("courier", "120"));
-    ASSERT_EQ(install(source), GWHRNElement::CONFLICT);
-    // The source list is refilled while the conflict waits.
-    source.clear();
-    conflicts.get_elem_at_pos(1)->install_force(modules);
-    EXPECT_EQ(RecordingModule::calls().size(), 2U);
-    EXPECT_TRUE(RecordingModule::calls()[0].starts_with("delete "));
-    EXPECT_TRUE(RecordingModule::calls()[1].starts_with("install "));
-    ASSERT_EQ(installed.get_count(), 1);
-    EXPECT_STREQ(installed.get_elem_at_pos(1)->get_representative()->get_dir_name(), dir.c_str());
-}
-
-TEST_F(Installing, ByForceDoesNothingToAReadOnlyFont) {
-    GWFont* locked = make_outline("courier");
-    gw::test::give_file(*locked, "missing.pfa", "/nonexistent");
-    installed.add_font(locked);
-    source.add_font(make_outline("courier"));
-    install(source);
-    conflicts.get_elem_at_pos(1)->install_force(modules);
-    EXPECT_TRUE(RecordingModule::calls().empty());
-}
-
-TEST_F(Installing, DeletingRemovesTheElement) {
-    installed.add_font(make_bitmap("courier", "120"));
-    installed.add_font(make_bitmap("courier", "80"));
-    EXPECT_EQ(installed.delete_at_pos(1, modules, conflicts), GWHRNElement::DONE);
-    EXPECT_EQ(RecordingModule::calls().size(), 2U);
-    EXPECT_EQ(installed.get_count(), 0);
-}
-
-TEST_F(Installing, OneReadOnlyFontKeepsTheWholeElement) {
-    installed.add_font(make_bitmap("courier", "120"));
-    GWFont* locked = make_bitmap("courier", "80");
-    gw::test::give_file(*locked, "missing.pcf", "/nonexistent");
-    installed.add_font(locked);
-    EXPECT_EQ(installed.delete_at_pos(1, modules, conflicts), GWHRNElement::CONFLICT);
-    EXPECT_TRUE(RecordingModule::calls().empty());
-    EXPECT_EQ(installed.get_count(), 1);
-    ASSERT_EQ(conflicts.get_count(), 1);
-    EXPECT_EQ(conflicts.get_elem_at_pos(1)->get_type(), GWConflict::DELETE);
-    EXPECT_EQ(conflicts.get_elem_at_pos(1)->is_conflict(GWConflict::READ_ONLY), 1);
-    conflicts.get_elem_at_pos(1)->delete_force(modules);
-    EXPECT_EQ(installed.get_count(), 1) << "force does not remove a read-only font";
-}
-
-TEST_F(Installing, ASystemFontIsDeletedByForceOnly) {
-    GWFont* system = make_bitmap("courier", "80");
-    system->set_dir_name("/usr/vantor/lib/X11/fonts/misc/");
-    installed.add_font(system);
-    EXPECT_EQ(installed.delete_at_pos(1, modules, conflicts), GWHRNElement::CONFLICT);
-    EXPECT_EQ(conflicts.get_elem_at_pos(1)->is_conflict(GWConflict::SYSTEM_FONT), 1);
-    conflicts.get_elem_at_pos(1)->delete_force(modules);
-    EXPECT_EQ(installed.get_count(), 0);
-    EXPECT_EQ(RecordingModule::calls().size(), 1U);
-}
-
-TEST_F(Installing, AnAliasConflictIsReadOnlyAndWithstandsForce) {
-    GWAlias alias("fixed", "x", "/");
-    GWConflict conflict(GWConflict::DELETE, nullptr, &alias, nullptr, nullptr, nullptr);
-    EXPECT_EQ(conflict.is_conflict(GWConflict::ALIAS), 1);
-    EXPECT_EQ(conflict.is_conflict(GWConflict::READ_ONLY), 1);
-    conflict.delete_force(modules);
-    conflict.install_force(modules);
-    EXPECT_TRUE(RecordingModule::calls().empty());
-}
-
-TEST_F(Installing, AConflictKnowsItsFiveReasonsOnly) {
-    GWConflict conflict(GWConflict::DELETE, nullptr, nullptr, nullptr, nullptr, nullptr);
-    for (const int unknown : {0, 10, 16}) {
-        conflict.set_conflict(static_cast<GWConflict::INFO>(unknown), nullptr, 0, 0);
-        EXPECT_EQ(conflict.is_conflict(static_cast<GWConflict::INFO>(unknown)), 0) << unknown;
+TEST_P(HrnListProperty, GroupsAndSortsAsThePlainRule) {
+    for (int i = 1; i <= 1500; ++i) {
+        step();
+        if (i % 50 == 0) expect_equal();
+        if (HasFatalFailure()) FAIL() << "after step " << i;
     }
-    for (int reason = 11; reason <= 15; ++reason) {
-        EXPECT_EQ(conflict.is_conflict(static_cast<GWConflict::INFO>(reason)), 0) << reason;
-        conflict.set_conflict(static_cast<GWConflict::INFO>(reason), nullptr, 999, 999);
-        EXPECT_EQ(conflict.is_conflict(static_cast<GWConflict::INFO>(reason)), 1) << reason;
-    }
-    EXPECT_EQ(conflict.get_conflict_dir_name(), "");
 }
 
-TEST_F(Installing, AConflictKeepsAliveWhatItRefersTo) {
-    installed.add_font(make_outline("courier"));
-    source.add_font(make_outline("courier"));
-    install(source);
-    source.clear();
-    installed.clear();
-    const GWConflict& conflict = *conflicts.get_elem_at_pos(1);
-    EXPECT_STREQ(conflict.get_element()->get_name(), "Courier Medium [Type-1]");
-    EXPECT_STREQ(conflict.get_other_element()->get_name(), "Courier Medium [Type-1]");
-}
+INSTANTIATE_TEST_SUITE_P(Seeds, HrnListProperty, testing::Range(1, 25));
 
 }  // namespace

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Fonts and a font type module for the tests of the model: fonts by their XLFD names, with files of a private
-// directory where a test needs some, and a module that only writes down what it is asked to do.
+// Fonts for the tests of the model: owned ones, by variations of one XLFD name, with files where a test needs
+// some.
 #pragma once
 
 #include <memory>
@@ -11,7 +11,7 @@
 #include "model/gw_conflict.h"
 #include "model/gw_font.h"
 #include "model/gw_hrn_list.h"
-#include "modules/gw_fsm_list.h"
+#include "support/font_maker.h"
 #include "support/temp_dir.h"
 
 namespace gw::test {
@@ -65,47 +65,18 @@ inline Ref<GWFont> make_read_only_font(const std::string& name,
     return font;
 }
 
-/// Writes down, in order, "install NAME in DIR", "visible NAME in DIR" and "delete NAME".
-class RecordingModule : public GW_FSM_BASE {
-  public:
-    using GW_FSM_BASE::delete_font;
-    using GW_FSM_BASE::GW_FSM_BASE;
-    using GW_FSM_BASE::install_font;
-    using GW_FSM_BASE::list_font_file_names;
-    using GW_FSM_BASE::list_installed_font_file_names;
-    using GW_FSM_BASE::list_installed_font_names;
-    using GW_FSM_BASE::make_font_list;
-    using GW_FSM_BASE::make_font_visible;
-    using GW_FSM_BASE::make_installed_font_list;
-
-    void list_font_file_names(GW_FSPEC_LIST&, GW_DIR*, int) override {}
-    void list_installed_font_file_names(GW_FSPEC_LIST&, GW_FPE*) override {}
-    void list_installed_font_names(GW_STRING_LIST&, GW_FPE*) override {}
-    void make_font_list(GW_LIST<GWFont>&, GW_DIR*, int) override {}
-    void make_installed_font_list(GW_LIST<GWFont>&, GW_FPE*) override {}
-    void install_font(GWFont* font, GW_FPE* fpe) override { note("install", font, fpe); }
-    void make_font_visible(GWFont* font, GW_FPE* fpe) override { note("visible", font, fpe); }
-    void delete_font(GWFont* font) override {
-        calls.push_back(std::string("delete ") + font->get_xlfd_name());
-    }
-
-    std::vector<std::string> calls;
-
-  private:
-    void note(const char* what, GWFont* font, GW_FPE* fpe) {
-        calls.push_back(std::string(what) + ' ' + font->get_xlfd_name() + " in " + fpe->get_element());
-    }
-};
-
-/// A module list of one recording module for each of the two types in use.
+/// A module list of one recording module for each of the two types in use, and what they were asked: "install
+/// NAME DIR" and "delete NAME", behind "outline " where it was the Type 1 module.
 struct RecordingModules {
     RecordingModules() {
         list.append(&outline);
         list.append(&bitmap);
+        calls.clear();
     }
-    RecordingModule outline{GWFont::TYPE1_FONT};
+    RecordingModule outline{GWFont::TYPE1_FONT, "outline "};
     RecordingModule bitmap{GWFont::BITMAP_FONT};
     GW_FSM_LIST list;
+    std::vector<std::string>& calls = RecordingModule::calls();
 };
 
 /// The names of a list's elements, in list order.
