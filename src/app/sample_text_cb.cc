@@ -96,8 +96,26 @@ class BusyWindows {
     }
 };
 
+/// Showing the busy cursor dispatches events, so that a newer selection may be served while an older one is
+/// being shown. The older one must not overwrite it then.
+class Request {
+  public:
+    Request() : number_(++newest()) {}
+    [[nodiscard]] bool is_newest() const { return number_ == newest(); }
+    /// How many requests there have been.
+    static unsigned& newest() {
+        static unsigned count = 0;
+        return count;
+    }
+
+  private:
+    unsigned number_;
+};
+
 void display_text_in_xlfd(Widget field, const char* xlfd, const char* text) {
+    const Request request;
     const BusyWindows busy;
+    if (!request.is_newest()) return;
     FontSet set = make_font_set(xlfd);
     if (set) {
         show_in_font_set(field, std::move(set), text);
@@ -120,8 +138,13 @@ GWHRNElement* only_selected_element(const sample_text_cb_struct& record) {
     return positions.size() == 1 ? record.hrn_list->get_elem_at_pos(positions.front()) : nullptr;
 }
 
-void show_attributes_if_displayed(GWFont* font, const char* location) {
-    if (is_attr_dlg_displayed() != 0) show_font_attributes(font, location);
+/// Shows the font, and its attributes too where they are displayed, unless a newer request has overtaken it
+/// meanwhile.
+void show_font(const sample_text_cb_struct& record, GWFont* font, const char* decipoints) {
+    const unsigned before = Request::newest();
+    display_text_in_font(record.sample_field, font, decipoints, sample_text.c_str());
+    if (Request::newest() == before + 1 && is_attr_dlg_displayed() != 0)
+        show_font_attributes(font, record.location);
 }
 
 void make_menus_insensitive(const sample_text_cb_struct& record) {
@@ -192,16 +215,16 @@ void show_largest(sample_text_cb_struct* record, int position) {
         font = elem->get_font(size.c_str(), resolutions.empty() ? "" : resolutions.front().c_str());
     }
     if (!font) return;
-    display_text_in_font(record->sample_field, font.get(), size.c_str(), sample_text.c_str());
-    show_attributes_if_displayed(font.get(), record->location);
+    show_font(*record, font.get(), size.c_str());
 }
 
 void show_alias(const sample_text_cb_struct& record, int alias_position) {
     make_menus_insensitive(record);
     const GWAlias* alias = the_alias_list.get_elem_at_pos(alias_position);
     if (alias == nullptr) return;
+    const unsigned before = Request::newest();
     display_text_in_alias(record.sample_field, alias, sample_text.c_str());
-    if (is_attr_dlg_displayed() != 0) show_alias_attributes(alias);
+    if (Request::newest() == before + 1 && is_attr_dlg_displayed() != 0) show_alias_attributes(alias);
 }
 
 /// The position that a selection callback is about; 0 when there is none.
@@ -234,6 +257,7 @@ int set_rc_sample_text(const char* text) {
 }
 
 void hrn_list_sample_cb(Widget list, sample_text_cb_struct* record, XtPointer call_data) {
+    const Request request;
     activate(record->sample_field, 1);
     if (gw::selected_count(list) != 1) {
         clear_sample_textfield(record->sample_field);
@@ -277,8 +301,7 @@ void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*cal
     const std::string decipoints = convert_to_decipoint(gw::label_of(record->size_button).c_str());
     const gw::Ref<GWFont> font(elem->get_font(decipoints.c_str(), gw::label_of(button).c_str()));
     if (!font) return;
-    display_text_in_font(record->sample_field, font.get(), decipoints.c_str(), sample_text.c_str());
-    show_attributes_if_displayed(font.get(), record->location);
+    show_font(*record, font.get(), decipoints.c_str());
 }
 
 void set_sample_text_cb(Widget field, XtPointer /*client_data*/, XtPointer call_data) {
