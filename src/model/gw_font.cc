@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cctype>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <new>
@@ -76,6 +77,38 @@ bool can_open(const std::string& path, int flags, bool remove_after) {
     if (fd < 0) return false;
     ::close(fd);
     if (remove_after) ::unlink(path.c_str());
+    return true;
+}
+
+/// The directory that took the last scratch file. A listing asks for the same one once per font, and making
+/// and removing a file costs more than all the rest of it: while the directory is as that left it the answer
+/// stands, but not for long, since a file system can become read-only or full behind its back.
+class LastWritableDirectory {
+  public:
+    [[nodiscard]] bool is(const std::string& dir, const struct stat& info) const {
+        return dir == dir_ && info.st_dev == seen_.st_dev && info.st_ino == seen_.st_ino &&
+               info.st_mode == seen_.st_mode && info.st_uid == seen_.st_uid &&
+               info.st_ctim.tv_sec == seen_.st_ctim.tv_sec && info.st_ctim.tv_nsec == seen_.st_ctim.tv_nsec &&
+               Clock::now() - when_ < std::chrono::seconds(1);
+    }
+    void set(const std::string& dir) {
+        dir_ = ::stat(dir.c_str(), &seen_) == 0 ? dir : std::string();
+        when_ = Clock::now();
+    }
+
+  private:
+    using Clock = std::chrono::steady_clock;
+    std::string dir_;
+    struct stat seen_ {};
+    Clock::time_point when_;
+};
+
+/// Whether a scratch file can be made in `dir`, whose state `info` is.
+bool takes_scratch_file(const std::string& dir, const struct stat& info) {
+    static LastWritableDirectory last;
+    if (last.is(dir, info)) return true;
+    if (!can_open(dir + "/.glyphwd_dummy", O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, true)) return false;
+    last.set(dir);
     return true;
 }
 
@@ -318,8 +351,7 @@ void GWFont::update_read_only() {
         return;
     }
     struct stat info {};
-    if (::stat(dir_name->c_str(), &info) != 0 ||
-        !can_open(*dir_name + "/.glyphwd_dummy", O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, true)) {
+    if (::stat(dir_name->c_str(), &info) != 0 || !takes_scratch_file(*dir_name, info)) {
         read_only = true;
         return;
     }

@@ -191,6 +191,19 @@ TEST_F(FontReadOnly, IsDecidedByTheScratchFileBeforeTheDirectorysBits) {
     EXPECT_TRUE(read_only(fonts, {"a.pcf"}));
 }
 
+TEST_F(FontReadOnly, NoticesADirectoryThatClosesBetweenTwoFonts) {
+    const std::string fonts = dir.make_dir("fonts");
+    dir.write("fonts/a.pcf", "x");
+    EXPECT_FALSE(read_only(fonts, {"a.pcf"}));
+    EXPECT_FALSE(read_only(fonts, {"a.pcf"}));
+    set_mode(fonts, 0555);
+    EXPECT_EQ(read_only(fonts, {"a.pcf"}), ::access(fonts.c_str(), W_OK) != 0);
+    set_mode(fonts, 0755);
+    EXPECT_FALSE(read_only(fonts, {"a.pcf"}));
+    fs::remove_all(fonts);
+    EXPECT_TRUE(read_only(fonts, {"a.pcf"}));
+}
+
 TEST_F(FontReadOnly, DoesNotFollowALinkInTheScratchFilesPlace) {
     dir.write("precious", "kept");
     dir.write("fonts/a.pcf", "x");
