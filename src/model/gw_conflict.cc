@@ -90,6 +90,10 @@ std::string GWConflict::get_conflict_dir_name() const {
 // A font that is installed from where it lies already (the source is itself on the font path) has its files
 // in common with the one it replaces: those must not be gone before they are copied.
 void GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules) {
+    if (!modules.can_install(font.get())) {
+        font->install_font(dir_name->c_str(), 0, modules);  // reports it; what is installed stays
+        return;
+    }
     const bool moves = old && have_a_file_in_common(*font, *old);
     if (moves && is_in_directory(*old, *dir_name)) return;
     const auto remove_old = [&] {

@@ -179,7 +179,7 @@ int GWHRNElement::_hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWCon
 int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                                 GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts) {
     const GWFont* representative = get_representative();
-    if (representative == nullptr) return DONE;
+    if (representative == nullptr) return DONE;  // nothing to do
     const GWFont::GW_FONT_TYPE type = representative->get_type();
     for (GWHRNElement* elem : installed) {
         const GWFont* other = elem->get_representative();
@@ -197,14 +197,17 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
         }
     }
     // The number of point sizes bounds the fonts of each size: a size of more fonts installs only that many.
+    int result = FAILED;
     for (const PointSize& slot : slots) {
         const std::size_t bound = std::min(slots.size(), slot.fonts.size());
         for (std::size_t j = 0; j < bound; ++j) {
-            if (slot.fonts[j]->install_font(dir, 0, modules) != 0)
-                installed.add_font(new GWFont(*slot.fonts[j], dir));
+            GWFont& font = *slot.fonts[j];
+            if (font.install_font(dir, 0, modules) == 0 || !modules.can_install(&font)) continue;
+            installed.add_font(new GWFont(font, dir));
+            result = DONE;
         }
     }
-    return DONE;
+    return result;
 }
 
 int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list) {

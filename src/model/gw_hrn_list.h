@@ -32,6 +32,7 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// What `install_fonts` and `delete_fonts` answer.
     static constexpr int DONE = 2;
     static constexpr int CONFLICT = 1;
+    static constexpr int FAILED = 0;
 
     /// The fonts of one point size.
     struct PointSize {
@@ -65,7 +66,8 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// The first font of the first size that has one; null when there is none.
     [[nodiscard]] GWFont* get_representative() const;
 
-    /// DONE, or CONFLICT when a conflict stopped it and nothing was written.
+    /// DONE, or CONFLICT when a conflict stopped it and nothing was written. FAILED when the modules took
+    /// none of the fonts: they have names that no index can hold.
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// DONE, and the element is without sizes, or CONFLICT when a conflict stopped it and nothing was
@@ -114,7 +116,8 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     /// Deletes the fonts of the element at `pos` (1-based) and, when that is done, the element. Returns DONE
     /// or CONFLICT, 0 for a position without an element.
     int delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
-    /// Installs the element at `pos` into `dir`; DONE or CONFLICT, 0 for a position without an element.
+    /// Installs the element at `pos` into `dir`; what `install_fonts` answers, 0 for a position without an
+    /// element.
     int install_at_pos(unsigned pos, const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                        GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// The element's values; 0 or empty for a position without an element.

@@ -31,6 +31,8 @@ class GW_FSM_BASE : public GW_BASE {
     virtual void make_font_visible(GWFont* font, GW_FPE* fpe) = 0;
     /// Removes the font's files and its registrations.
     virtual void delete_font(GWFont* font) = 0;
+    /// Whether `install_font` takes the font. It reports one that it leaves out, and writes nothing for it.
+    [[nodiscard]] virtual bool can_install(GWFont* /*font*/) const { return true; }
 
     // The same for every item of a list, in list order.
     void list_font_file_names(GW_FSPEC_LIST& out, GW_LIST<GW_DIR>& dirs, int recursive);

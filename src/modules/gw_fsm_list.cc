@@ -61,6 +61,11 @@ void GW_FSM_LIST::delete_font(GWFont* font) {
     if (GW_FSM_BASE* fsm = get_fsm(font->get_type()); fsm != nullptr) fsm->delete_font(font);
 }
 
+bool GW_FSM_LIST::can_install(GWFont* font) {
+    const GW_FSM_BASE* fsm = get_fsm(font->get_type());
+    return fsm == nullptr || fsm->can_install(font);
+}
+
 void GW_FSM_LIST::install_font(GW_LIST<GWFont>* fonts, GW_FPE* fpe) {
     for (GWFont* font : *fonts) install_font(font, fpe);
 }

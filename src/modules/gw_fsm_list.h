@@ -29,6 +29,8 @@ class GW_FSM_LIST : public GW_LIST<GW_FSM_BASE> {
     void install_font(GWFont* font, GW_FPE* fpe);
     void make_font_visible(GWFont* font, GW_FPE* fpe);
     void delete_font(GWFont* font);
+    /// Whether the module of its type, if there is one, takes the font.
+    bool can_install(GWFont* font);
     void install_font(GW_LIST<GWFont>* fonts, GW_FPE* fpe);
     void make_font_visible(GW_LIST<GWFont>* fonts, GW_FPE* fpe);
     void delete_font(GW_LIST<GWFont>* fonts);

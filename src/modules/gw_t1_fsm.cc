@@ -138,6 +138,10 @@ void GW_T1_FSM::delete_font(GWFont* font) {
     if (!dir.empty()) GW_DIR(dir.c_str()).make_upr_file(0, nullptr);
 }
 
+bool GW_T1_FSM::can_install(GWFont* font) const {
+    return gw::can_be_indexed(*font);
+}
+
 std::string GW_T1_FSM::get_matching_file_spec_prefix(const GW_FILE_SPEC* spec) {
     const std::string_view name(spec->get_name());
     return std::string(name.substr(0, name.find('.')));

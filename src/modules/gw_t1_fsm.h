@@ -24,6 +24,7 @@ class GW_T1_FSM : public GW_FSM_BASE {
     void install_font(GWFont* font, GW_FPE* fpe) override;
     void make_font_visible(GWFont* font, GW_FPE* fpe) override;
     void delete_font(GWFont* font) override;
+    [[nodiscard]] bool can_install(GWFont* font) const override;
     using GW_FSM_BASE::delete_font;
     using GW_FSM_BASE::install_font;
     using GW_FSM_BASE::list_font_file_names;

@@ -15,14 +15,23 @@ bool can_be_read_back(const std::string& file_name, const std::string& line) {
            line.size() < static_cast<std::size_t>(GW_FONTDIR_FILE::LINE_BUFFER);
 }
 
+std::string line_text(GWFont& font, const std::string& file_name) {
+    return file_name + ' ' + font.get_xlfd_name() + '\n';
+}
+
 }  // namespace
 
 std::optional<std::string> index_line(GWFont& font, const std::string& file_name) {
-    std::string line = file_name + ' ' + font.get_xlfd_name() + '\n';
+    std::string line = line_text(font, file_name);
     if (can_be_read_back(file_name, line)) return line;
     std::fprintf(stderr, "glyphward: %s: this name does not fit into a font index; the font is left out\n",
                  file_name.c_str());
     return std::nullopt;
+}
+
+bool can_be_indexed(GWFont& font) {
+    const GW_FILE_SPEC* first = first_file(font);
+    return first != nullptr && can_be_read_back(first->get_name(), line_text(font, first->get_name()));
 }
 
 bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name) {

@@ -20,6 +20,9 @@ namespace gw {
 /// and the font must be left out before anything is written.
 std::optional<std::string> index_line(GWFont& font, const std::string& file_name);
 
+/// Whether the font has a file and `index_line` a line for it; says nothing.
+bool can_be_indexed(GWFont& font);
+
 /// Enters the font in the element's index under `file_name`; false when it was left out or could not be
 /// written.
 bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);

@@ -158,4 +158,8 @@ void IndexedModule::delete_font(GWFont* font) {
     remove_files_and_entry(*font);
 }
 
+bool IndexedModule::can_install(GWFont* font) const {
+    return can_be_indexed(*font);
+}
+
 }  // namespace gw

@@ -326,6 +326,19 @@ TEST_F(ConflictFiles, AFontThatCannotBeCopiedElsewhereStays) {
     EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative()->get_dir_name(), dir.file("old") + '/');
 }
 
+TEST_F(ConflictFiles, AFontThatNoIndexCanHoldReplacesNothing) {
+    installed.add_font(font_in("old").get());
+    dir.write("source/two words.pcf", "source");
+    const Ref<GWFont> refused = make_font(Xlfd{});
+    place(*refused, dir.file("source") + '/', {"two words.pcf"});
+    testing::internal::CaptureStderr();
+    force(refused, "old");
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("two words.pcf"), std::string::npos);
+    EXPECT_EQ(dir.read("old/font.pcf"), "old");
+    EXPECT_EQ(dir.read("old/fonts.dir"), index_of_one());
+    EXPECT_FALSE(dir.exists("old/two words.pcf"));
+}
+
 using ConflictDelete = ConflictForce;
 
 TEST_F(ConflictDelete, DeletesSystemFontsAndTheElement) {

@@ -8,6 +8,7 @@
 #include "model/gw_alias.h"
 #include "model/gw_conflict.h"
 #include "model/gw_hrn_list.h"
+#include "modules/gw_pcf_fsm.h"
 #include "unit/model/model_test_support.h"
 
 namespace {
@@ -419,6 +420,32 @@ TEST_F(HrnElementInstall, OfAnElementWithoutFontsDoesNothing) {
     elem->del_font(font.get());
     EXPECT_EQ(install(*elem), GWHRNElement::DONE);
     EXPECT_TRUE(installed.is_empty());
+}
+
+// A font that no index can hold is left out, and neither listed nor counted.
+TEST_F(HrnElementInstall, ListsOnlyWhatTheModulesTake) {
+    GW_PCF_FSM bitmap;
+    modules.list.clear();
+    modules.list.append(&bitmap);
+    const Ref<GWFont> refused = make_font(Xlfd{.decipoints = "80"});
+    place(*refused, dir.path(), {"two words.pcf"});
+    dir.write("a.pcf", "x");
+    const Ref<GWFont> taken = make_font(Xlfd{.decipoints = "120"});
+    place(*taken, dir.path(), {"a.pcf"});
+    const std::string target = dir.make_dir("target");
+    const auto install_into_target = [&](GWHRNElement& elem) {
+        testing::internal::CaptureStderr();
+        const int result = elem.install_fonts(target.c_str(), installed, aliases, modules.list, conflicts);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("two words.pcf"), std::string::npos);
+        return result;
+    };
+    EXPECT_EQ(install_into_target(*element_of({refused})), GWHRNElement::FAILED);
+    EXPECT_TRUE(installed.is_empty());
+    EXPECT_EQ(install_into_target(*element_of({refused, taken})), GWHRNElement::DONE);
+    ASSERT_EQ(installed.get_count(), 1);
+    EXPECT_THAT(sizes_of(*installed.get_elem_at_pos(1)), ElementsAre("120"));
+    EXPECT_EQ(dir.read("target/fonts.dir"), "1\na.pcf " + Xlfd{.decipoints = "120"}.str() + '\n');
+    EXPECT_TRUE(conflicts.is_empty());
 }
 
 using HrnElementConflict = HrnElementActions;

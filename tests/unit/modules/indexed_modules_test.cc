@@ -189,9 +189,21 @@ TEST_F(Indexed, AFontThatNoIndexCanHoldIsRefusedBeforeAnythingIsWritten) {
         testing::internal::CaptureStderr();
         pcf.install_font(font.get(), &fpe);
         EXPECT_NE(testing::internal::GetCapturedStderr().find(name), std::string::npos);
+        EXPECT_FALSE(pcf.can_install(font.get())) << name;
         EXPECT_EQ(dir.read("to/fonts.dir"), "0\n");
         EXPECT_FALSE(dir.exists(std::string("to/") + name));
     }
+}
+
+TEST_F(Indexed, TakesAFontWithAFileOfAPlainName) {
+    const gw::Ref<GWFont> font(gw::test::make_font(GWFont::BITMAP_FONT, XLFD));
+    EXPECT_FALSE(pcf.can_install(font.get())) << "without a file";
+    gw::test::give_file(*font, "a.pcf", dir.c_str());
+    testing::internal::CaptureStderr();
+    EXPECT_TRUE(pcf.can_install(font.get()));
+    gw::test::give_file(*font, "a b.pcf", dir.c_str());
+    EXPECT_FALSE(pcf.can_install(font.get()));
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "asking reports nothing";
 }
 
 TEST_F(Indexed, Type0TakesEveryEntryAndShowsItsFullPath) {

@@ -315,6 +315,7 @@ TEST_F(Type1, AFontThatNoIndexCanHoldIsRefusedBeforeAnythingIsWritten) {
         module.install_font(fonts.get_elem_at_pos(1), &fpe);
         EXPECT_NE(testing::internal::GetCapturedStderr().find("the font is left out"), std::string::npos)
             << name;
+        EXPECT_FALSE(module.can_install(fonts.get_elem_at_pos(1))) << name;
         EXPECT_EQ(dir.read("to/fonts.dir"), "0\n") << name;
         EXPECT_FALSE(dir.exists("to/" + name));
         EXPECT_FALSE(dir.exists("to/afm"));
