@@ -232,7 +232,7 @@ void attr_dlg_cb(Widget, XtPointer, XtPointer) {
     }
     const GWHRNElement* elem = the_installed_hrn_list.get_elem_at_pos(position);
     if (elem == nullptr) return;
-    const std::string decipoints = convert_to_decipoint(current_choice(size_option_menu.menu).c_str());
+    const std::string decipoints = chosen_decipoints(*elem, current_choice(size_option_menu.menu));
     const std::string resolution = current_choice(res_option_menu.menu);
     const gw::Ref<GWFont> font(elem->get_font(decipoints.c_str(), resolution.c_str()));
     if (font) show_font_attributes(font.get(), nullptr);

@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/sample_text_cb.h"
 
+#include <algorithm>
+#include <cwchar>
 #include <map>
 #include <memory>
+#include <utility>
 
 #include "app/attrdlg.h"
 #include "app/glyphwardapp.h"
@@ -24,7 +27,11 @@ namespace {
 
 constexpr std::size_t LABEL_LIMIT = 10000;
 constexpr unsigned XLFD_BUFFER = 2000;
+constexpr std::size_t LONGEST_FONT_NAME = 255;
 constexpr int IDLE_ROUNDS = 10;
+// What mbrlen answers of bytes that are no whole character.
+constexpr auto INVALID_CHARACTER = static_cast<std::size_t>(-1);
+constexpr auto INCOMPLETE_CHARACTER = static_cast<std::size_t>(-2);
 constexpr const char* OUTLINE_RESOLUTION = "75 X 75";
 constexpr const char* OUTLINE_SIZE_WITHOUT_MENU = "240";
 
@@ -48,26 +55,38 @@ void forget_field_cb(Widget field, XtPointer, XtPointer) {
     shown_font_sets().erase(field);
 }
 
+/// Xlib releases what is not its own when all of a list of names is blank, and the server knows no names that
+/// are longer.
+bool can_name_a_font(const std::string& name) {
+    return name.size() <= LONGEST_FONT_NAME && name.find_first_not_of(" \t\n\v\f\r") != std::string::npos;
+}
+
+int width_of(XFontSet set, const std::string& text) {
+    return XmbTextEscapement(set, text.data(), static_cast<int>(text.size()));
+}
+
 /// The font set of that one name; empty when the locale or the server cannot make one that has a width for
-/// letters. Charsets that are missing from it are normal: a set of one font has but one.
-FontSet make_font_set(const char* xlfd) {
+/// letters or for `text`. Charsets that are missing from it are normal: a set of one font has but one.
+FontSet make_font_set(std::string name, const std::string& text) {
+    // A comma would end the name; this stands for any one character.
+    std::replace(name.begin(), name.end(), ',', '?');
+    if (!can_name_a_font(name)) return {};
     char** missing = nullptr;
     int missing_count = 0;
     char* substitute = nullptr;
-    FontSet set(XCreateFontSet(display, xlfd, &missing, &missing_count, &substitute));
+    FontSet set(XCreateFontSet(display, name.c_str(), &missing, &missing_count, &substitute));
     if (missing != nullptr) XFreeStringList(missing);
-    if (set && XmbTextEscapement(set.get(), "A", 1) == 0) set.reset();
+    if (set && width_of(set.get(), "A") == 0 && width_of(set.get(), text) == 0) set.reset();
     return set;
 }
 
-void put_text(Widget field, const char* text) {
-    const gw::XtOwned<char> own(XtNewString(text));
-    XmTextFieldSetString(field, own.get());
+void put_text(Widget field, const std::string& text) {
+    XmTextFieldSetString(field, gw::name_arg(text.c_str()));
 }
 
 /// Shows `text` in the fonts of `set`, at the field's present height: the window must not jump from font to
 /// font.
-void show_in_font_set(Widget field, FontSet set, const char* text) {
+void show_in_font_set(Widget field, FontSet set, const std::string& text) {
     Dimension height = 0;
     XtVaGetValues(field, XmNheight, &height, nullptr);
     XmFontListEntry entry =
@@ -82,11 +101,27 @@ void show_in_font_set(Widget field, FontSet set, const char* text) {
     put_text(field, text);
 }
 
-/// The busy cursor on the windows that may be in view, for the length of a scope.
+/// The busy cursor on the windows that may be in view, for the length of a scope. Showing it serves events:
+/// what is released in a callback that runs then, but may still be in use by one that waits here, is retired
+/// and goes when the last scope ends.
 class BusyWindows {
   public:
-    BusyWindows() { show(1); }
-    ~BusyWindows() { show(0); }
+    BusyWindows() {
+        ++depth;
+        show(1);
+    }
+    ~BusyWindows() {
+        show(0);
+        if (--depth > 0) return;
+        for (Widget w : std::exchange(retired, {})) XtDestroyWidget(w);
+    }
+    static void destroy(Widget w) {
+        if (depth > 0) {
+            retired.push_back(w);
+        } else {
+            XtDestroyWidget(w);
+        }
+    }
     BusyWindows(const BusyWindows&) = delete;
     BusyWindows& operator=(const BusyWindows&) = delete;
 
@@ -94,6 +129,8 @@ class BusyWindows {
     static void show(int on) {
         for (Widget w : {wi_main_window, wi_attr_dlg}) set_watch_cursor(w, on);
     }
+    static inline int depth = 0;
+    static inline std::vector<Widget> retired;
 };
 
 /// Showing the busy cursor dispatches events, so that a newer selection may be served while an older one is
@@ -112,11 +149,12 @@ class Request {
     unsigned number_;
 };
 
-void display_text_in_xlfd(Widget field, const char* xlfd, const char* text) {
+/// Name and text are copies: the events that are served may change their originals.
+void display_text_in_xlfd(Widget field, const std::string xlfd, const std::string text) {
     const Request request;
     const BusyWindows busy;
     if (!request.is_newest()) return;
-    FontSet set = make_font_set(xlfd);
+    FontSet set = make_font_set(xlfd, text);
     if (set) {
         show_in_font_set(field, std::move(set), text);
     } else {
@@ -147,6 +185,11 @@ void show_font(const sample_text_cb_struct& record, GWFont* font, const char* de
         show_font_attributes(font, record.location);
 }
 
+void show_nothing(const sample_text_cb_struct& record) {
+    clear_sample_textfield(record.sample_field);
+    if (is_attr_dlg_displayed() != 0) clear_attributes();
+}
+
 void make_menus_insensitive(const sample_text_cb_struct& record) {
     for (Widget menu : {record.size_menu, record.res_menu}) {
         if (menu != nullptr) activate(menu, 0);
@@ -159,10 +202,11 @@ void make_menus_insensitive(const sample_text_cb_struct& record) {
 using ButtonCallback = void (*)(Widget, XtPointer, XtPointer);
 
 /// Gives the menu one button per text and makes the last one current; the old buttons go. Returns the current
-/// button.
+/// button. Without texts the menu keeps its buttons, and the answer is null.
 Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& buttons,
                        const std::vector<std::string>& texts, ButtonCallback callback,
                        sample_text_cb_struct* record) {
+    if (texts.empty()) return nullptr;
     Cardinal old_count = 0;
     WidgetList old_children = nullptr;
     XtVaGetValues(pulldown, XmNnumChildren, &old_count, XmNchildren, &old_children, nullptr);
@@ -175,12 +219,13 @@ Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& button
         buttons.push_back(button);
     }
     // The menu must not point at a button that goes.
-    if (!buttons.empty()) XtVaSetValues(menu, XmNmenuHistory, buttons.back(), nullptr);
+    XtVaSetValues(menu, XmNmenuHistory, buttons.back(), nullptr);
     for (Widget button : old) {
+        if (!XtIsManaged(button)) continue;  // retired already
         XtUnmanageChild(button);
-        XtDestroyWidget(button);
+        BusyWindows::destroy(button);
     }
-    return buttons.empty() ? nullptr : buttons.back();
+    return buttons.back();
 }
 
 void offer_sizes(sample_text_cb_struct* record, int position) {
@@ -196,8 +241,13 @@ void offer_sizes(sample_text_cb_struct* record, int position) {
     }
     Widget current = replace_buttons(record->size_menu, record->size_pulldown, record->size_buttons, points,
                                      gw::thunk<sample_text_cb_struct, size_button_cb>, record);
-    activate(record->size_menu, 1);
-    if (current != nullptr) size_button_cb(current, record, nullptr);
+    activate(record->size_menu, current != nullptr ? 1 : 0);
+    if (current != nullptr) {
+        size_button_cb(current, record, nullptr);
+    } else {
+        activate(record->res_menu, 0);
+        show_nothing(*record);
+    }
 }
 
 void show_largest(sample_text_cb_struct* record, int position) {
@@ -209,19 +259,19 @@ void show_largest(sample_text_cb_struct* record, int position) {
     } else {
         unsigned count = 0;
         const std::vector<std::string> sizes = elem->get_point_sizes(count);
-        if (sizes.empty()) return;
+        if (sizes.empty()) return show_nothing(*record);
         size = sizes.back();
         const std::vector<std::string> resolutions = elem->get_res(size.c_str(), count);
         font = elem->get_font(size.c_str(), resolutions.empty() ? "" : resolutions.front().c_str());
     }
-    if (!font) return;
+    if (!font) return show_nothing(*record);
     show_font(*record, font.get(), size.c_str());
 }
 
 void show_alias(const sample_text_cb_struct& record, int alias_position) {
     make_menus_insensitive(record);
     const GWAlias* alias = the_alias_list.get_elem_at_pos(alias_position);
-    if (alias == nullptr) return;
+    if (alias == nullptr) return show_nothing(record);
     const unsigned before = Request::newest();
     display_text_in_alias(record.sample_field, alias, sample_text.c_str());
     if (Request::newest() == before + 1 && is_attr_dlg_displayed() != 0) show_alias_attributes(alias);
@@ -237,22 +287,49 @@ int selected_position(Widget list, XtPointer call_data) {
     return positions.empty() ? 0 : positions.front();
 }
 
+/// At most the sample text's bytes of `text`, ending with a whole character.
+std::string bounded_sample(const std::string& text) {
+    if (text.size() <= SAMPLE_TEXT_LIMIT) return text;
+    std::mbstate_t state{};
+    std::size_t end = 0;
+    while (end < SAMPLE_TEXT_LIMIT) {
+        const std::size_t length = std::mbrlen(text.data() + end, SAMPLE_TEXT_LIMIT - end, &state);
+        if (length == INCOMPLETE_CHARACTER) break;
+        if (length == INVALID_CHARACTER) state = {};
+        // Bytes that are no character of this locale count as one each.
+        end += length == 0 || length == INVALID_CHARACTER ? 1 : length;
+    }
+    return gw::truncated(text, end);
+}
+
 bool is_one_selected_in_main_list() {
     return wi_hrn_list != nullptr && gw::selected_count(wi_hrn_list) == 1;
 }
 
 }  // namespace
 
+std::string chosen_decipoints(const GWHRNElement& elem, const std::string& points) {
+    const std::string decipoints = convert_to_decipoint(points.c_str());
+    if (is_outline(elem)) return decipoints;
+    unsigned count = 0;
+    const std::vector<std::string> sizes = elem.get_point_sizes(count);
+    if (std::find(sizes.begin(), sizes.end(), decipoints) != sizes.end()) return decipoints;
+    const auto size = std::find_if(sizes.begin(), sizes.end(), [&](const std::string& candidate) {
+        return convert_to_point(candidate.c_str()) == points;
+    });
+    return size != sizes.end() ? *size : decipoints;
+}
+
 void init_sample_text_cb_module() {
     const XErrorHandler before = XSetErrorHandler(x_error_handler);
     if (before != x_error_handler) default_error_handler = before;
-    sample_text = gw::truncated(get_rc_sample_text(), SAMPLE_TEXT_LIMIT);
+    sample_text = bounded_sample(get_rc_sample_text());
 }
 
 int set_rc_sample_text(const char* text) {
     if (write_rc_sample_text(text) == 0) return 0;
-    sample_text = gw::truncated(text, SAMPLE_TEXT_LIMIT);
-    if (is_one_selected_in_main_list()) put_text(wi_sample_textfield, sample_text.c_str());
+    sample_text = bounded_sample(text);
+    if (is_one_selected_in_main_list()) put_text(wi_sample_textfield, sample_text);
     return 1;
 }
 
@@ -260,10 +337,9 @@ void hrn_list_sample_cb(Widget list, sample_text_cb_struct* record, XtPointer ca
     const Request request;
     activate(record->sample_field, 1);
     if (gw::selected_count(list) != 1) {
-        clear_sample_textfield(record->sample_field);
+        show_nothing(*record);
         activate(record->sample_field, 0);
         make_menus_insensitive(*record);
-        if (is_attr_dlg_displayed() != 0) clear_attributes();
         return;
     }
     const int position = selected_position(list, call_data);
@@ -272,6 +348,7 @@ void hrn_list_sample_cb(Widget list, sample_text_cb_struct* record, XtPointer ca
         show_alias(*record, position - count);
     } else if (position < 1) {
         make_menus_insensitive(*record);
+        show_nothing(*record);
     } else if (record->size_menu != nullptr) {
         offer_sizes(record, position);
     } else {
@@ -283,24 +360,29 @@ void size_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*ca
     record->size_button = button;
     const GWHRNElement* elem = only_selected_element(*record);
     if (elem == nullptr) return;
+    const bool outline = is_outline(*elem);
     std::vector<std::string> resolutions = {OUTLINE_RESOLUTION};
-    if (!is_outline(*elem)) {
+    if (!outline) {
         unsigned count = 0;
-        resolutions = elem->get_res(convert_to_decipoint(gw::label_of(button).c_str()).c_str(), count);
+        resolutions = elem->get_res(chosen_decipoints(*elem, gw::label_of(button)).c_str(), count);
     }
-    activate(record->res_menu, is_outline(*elem) ? 0 : 1);
     Widget current = replace_buttons(record->res_menu, record->res_pulldown, record->res_buttons, resolutions,
                                      gw::thunk<sample_text_cb_struct, res_button_cb>, record);
-    if (current != nullptr) res_button_cb(current, record, nullptr);
+    activate(record->res_menu, outline || current == nullptr ? 0 : 1);
+    if (current != nullptr) {
+        res_button_cb(current, record, nullptr);
+    } else {
+        show_nothing(*record);
+    }
 }
 
 void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*call_data*/) {
     record->res_button = button;
     const GWHRNElement* elem = only_selected_element(*record);
     if (elem == nullptr || record->size_button == nullptr) return;
-    const std::string decipoints = convert_to_decipoint(gw::label_of(record->size_button).c_str());
+    const std::string decipoints = chosen_decipoints(*elem, gw::label_of(record->size_button));
     const gw::Ref<GWFont> font(elem->get_font(decipoints.c_str(), gw::label_of(button).c_str()));
-    if (!font) return;
+    if (!font) return show_nothing(*record);
     show_font(*record, font.get(), decipoints.c_str());
 }
 
@@ -308,9 +390,9 @@ void set_sample_text_cb(Widget field, XtPointer /*client_data*/, XtPointer call_
     const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
     // A change without an event is the program's own.
     if (change == nullptr || change->event == nullptr) return;
-    sample_text = gw::truncated(gw::field_text(field), SAMPLE_TEXT_LIMIT);
+    sample_text = bounded_sample(gw::field_text(field));
     if (field != wi_sample_textfield && is_one_selected_in_main_list()) {
-        put_text(wi_sample_textfield, sample_text.c_str());
+        put_text(wi_sample_textfield, sample_text);
     }
 }
 
@@ -367,13 +449,14 @@ void update_label(Widget w, const char* a, const char* b) {
 
 int x_error_handler(Display* d, XErrorEvent* event) {
     if (event->request_code == X_OpenFont) return 0;
-    return default_error_handler(d, event);
+    return default_error_handler != nullptr ? default_error_handler(d, event) : 0;
 }
 
 void process_xt_events() {
     XSync(display, False);
     for (int idle = 0; idle < IDLE_ROUNDS;) {
-        if (XtAppPending(app) != 0) {
+        // When only a timer is due, there is no event to take: that would wait for the user's next one.
+        if ((XtAppPending(app) & XtIMXEvent) != 0) {
             XEvent event;
             XtAppNextEvent(app, &event);
             XtDispatchEvent(&event);

@@ -54,6 +54,10 @@ void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer call_
 /// A sample field was changed; a user's edit becomes the sample text.
 void set_sample_text_cb(Widget field, XtPointer client_data, XtPointer call_data);
 
+/// The point size of the element that the size menu shows as `points`. One of tenths of a point, as "246", is
+/// shown without them.
+std::string chosen_decipoints(const GWHRNElement& elem, const std::string& points);
+
 /// Shows `text` in the font at that size; a font that the server cannot make leaves the field empty.
 void display_text_in_font(Widget field, GWFont* font, const char* decipoints, const char* text);
 void display_text_in_alias(Widget field, const GWAlias* alias, const char* text);
