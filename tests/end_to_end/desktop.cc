@@ -1,0 +1,205 @@
+// SPDX-License-Identifier: MIT
+#include "end_to_end/desktop.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+#include <stdexcept>
+
+#include "end_to_end/waiting.h"
+
+#include <X11/Xatom.h>
+#include <X11/Xutil.h>
+#include <X11/extensions/XTest.h>
+#include <X11/keysym.h>
+
+namespace gw::e2e {
+
+namespace {
+
+struct XFreeDeleter {
+    void operator()(void* data) const { XFree(data); }
+};
+
+// Windows come and go while they are looked at.
+int ignore_vanished(Display*, XErrorEvent*) {
+    return 0;
+}
+
+std::vector<Window> children_of(Display* display, Window window) {
+    Window root = 0;
+    Window parent = 0;
+    Window* children = nullptr;
+    unsigned count = 0;
+    if (XQueryTree(display, window, &root, &parent, &children, &count) == 0) return {};
+    const std::unique_ptr<Window, XFreeDeleter> owned(children);
+    return {children, children + count};
+}
+
+bool is_viewable(Display* display, Window window) {
+    XWindowAttributes attributes{};
+    return XGetWindowAttributes(display, window, &attributes) != 0 && attributes.map_state == IsViewable &&
+           attributes.c_class == InputOutput;
+}
+
+}  // namespace
+
+Desktop::Desktop(const char* display_name) : display_(XOpenDisplay(display_name)) {
+    if (display_ == nullptr) throw std::runtime_error("the tests want a display");
+    XSetErrorHandler(ignore_vanished);
+}
+
+Desktop::~Desktop() {
+    XCloseDisplay(display_);
+}
+
+Window Desktop::find_titled(Window below, const std::string& title) const {
+    for (const Window child : children_of(display_, below)) {
+        char* name = nullptr;
+        XFetchName(display_, child, &name);
+        const std::unique_ptr<char, XFreeDeleter> owned(name);
+        if (name != nullptr && title == name && is_viewable(display_, child)) return child;
+        if (const Window found = find_titled(child, title); found != 0) return found;
+    }
+    return 0;
+}
+
+Window Desktop::window_titled(const std::string& title) const {
+    return find_titled(DefaultRootWindow(display_), title);
+}
+
+bool Desktop::appears(const std::string& title) const {
+    return wait_until([&] { return is_visible(title); });
+}
+
+bool Desktop::disappears(const std::string& title) const {
+    return wait_until([&] { return !is_visible(title); });
+}
+
+Rectangle Desktop::place_of(Window window) const {
+    XWindowAttributes attributes{};
+    XGetWindowAttributes(display_, window, &attributes);
+    Window child = 0;
+    int x = 0;
+    int y = 0;
+    XTranslateCoordinates(display_, window, attributes.root, 0, 0, &x, &y, &child);
+    return {x, y, attributes.width, attributes.height};
+}
+
+void Desktop::collect_leaves(Window window, std::vector<Leaf>& out) const {
+    bool is_leaf = true;
+    for (const Window child : children_of(display_, window)) {
+        if (!is_viewable(display_, child)) continue;
+        is_leaf = false;
+        collect_leaves(child, out);
+    }
+    if (is_leaf) out.push_back({window, place_of(window)});
+}
+
+std::vector<Leaf> Desktop::leaves(Window window) const {
+    std::vector<Leaf> all;
+    collect_leaves(window, all);
+    return all;
+}
+
+bool Desktop::has_keyboard(Window window) const {
+    Window focus = 0;
+    int revert = 0;
+    XGetInputFocus(display_, &focus, &revert);
+    if (focus == window) return true;
+    for (const Window child : children_of(display_, window)) {
+        if (has_keyboard(child)) return true;
+    }
+    return false;
+}
+
+void Desktop::press(unsigned code, bool down) const {
+    XTestFakeKeyEvent(display_, code, down ? True : False, CurrentTime);
+}
+
+unsigned Desktop::keycode(const char* name) const {
+    const unsigned code = XKeysymToKeycode(display_, XStringToKeysym(name));
+    if (code == 0) throw std::runtime_error(std::string("no such key: ") + name);
+    return code;
+}
+
+void Desktop::click(Window window, int x, int y, const char* modifier) const {
+    const Rectangle place = place_of(window);
+    XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + x, place.y + y, CurrentTime);
+    if (modifier != nullptr) press(keycode(modifier), true);
+    XTestFakeButtonEvent(display_, Button1, True, CurrentTime);
+    XTestFakeButtonEvent(display_, Button1, False, CurrentTime);
+    if (modifier != nullptr) press(keycode(modifier), false);
+    XSync(display_, False);
+}
+
+void Desktop::click_middle(Window window) const {
+    const Rectangle place = place_of(window);
+    click(window, place.width / 2, place.height / 2);
+}
+
+void Desktop::key(const char* name) const {
+    press(keycode(name), true);
+    press(keycode(name), false);
+    XSync(display_, False);
+}
+
+void Desktop::key(const char* held, const char* name) const {
+    press(keycode(held), true);
+    key(name);
+    press(keycode(held), false);
+    XSync(display_, False);
+}
+
+void Desktop::type(const std::string& text) const {
+    for (const char c : text) {
+        const std::string name = c == ' ' ? "space" : std::string(1, c);
+        if (c >= 'A' && c <= 'Z') {
+            key("Shift_L", name.c_str());
+        } else {
+            key(name.c_str());
+        }
+    }
+}
+
+void Desktop::ask_to_close(Window window) const {
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = window;
+    event.xclient.message_type = XInternAtom(display_, "WM_PROTOCOLS", False);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(display_, "WM_DELETE_WINDOW", False));
+    XSendEvent(display_, window, False, NoEventMask, &event);
+    XSync(display_, False);
+}
+
+std::vector<unsigned long> Desktop::pixels(const Rectangle& part) const {
+    std::vector<unsigned long> all;
+    XImage* image =
+        XGetImage(display_, DefaultRootWindow(display_), part.x, part.y, static_cast<unsigned>(part.width),
+                  static_cast<unsigned>(part.height), AllPlanes, ZPixmap);
+    if (image == nullptr) return all;
+    for (int y = 0; y < part.height; ++y) {
+        for (int x = 0; x < part.width; ++x) all.push_back(XGetPixel(image, x, y));
+    }
+    XDestroyImage(image);
+    return all;
+}
+
+int Desktop::ink(const Rectangle& part) const {
+    const std::vector<unsigned long> all = pixels(part);
+    if (all.empty()) return 0;
+    return static_cast<int>(
+        std::count_if(all.begin(), all.end(), [&](unsigned long pixel) { return pixel != all.front(); }));
+}
+
+void Desktop::picture(const std::string& name) const {
+    const char* directory = std::getenv("GLYPHWARD_OUT");
+    if (directory == nullptr) return;
+    const std::string command =
+        "xwd -silent -root | xwdtopnm 2>/dev/null | pnmcrop -quiet | pnmtopng -quiet > '" +
+        std::string(directory) + "/" + name + ".png'";
+    if (std::system(command.c_str()) != 0) throw std::runtime_error("no picture of " + name);
+}
+
+}  // namespace gw::e2e

@@ -1,0 +1,73 @@
+// SPDX-License-Identifier: MIT
+//
+// The screen as a user meets it: windows by their titles, a mouse, a keyboard, and eyes that compare pixels.
+// Nothing here knows the program.
+#pragma once
+
+#include <string>
+#include <vector>
+
+// X headers come last, behind gtest's.
+#include <X11/Xlib.h>
+
+namespace gw::e2e {
+
+struct Rectangle {
+    int x;  // on the screen
+    int y;
+    int width;
+    int height;
+};
+
+/// A window without visible children of its own.
+struct Leaf {
+    Window window;
+    Rectangle place;
+};
+
+class Desktop {
+  public:
+    explicit Desktop(const char* display_name = nullptr);
+    ~Desktop();
+    Desktop(const Desktop&) = delete;
+    Desktop& operator=(const Desktop&) = delete;
+
+    /// The visible window with exactly that title; 0 when there is none (yet).
+    [[nodiscard]] Window window_titled(const std::string& title) const;
+    [[nodiscard]] bool is_visible(const std::string& title) const { return window_titled(title) != 0; }
+    /// Waits for the window to appear (be gone); false when it does not.
+    [[nodiscard]] bool appears(const std::string& title) const;
+    [[nodiscard]] bool disappears(const std::string& title) const;
+    /// The visible windows inside `window` that have none of their own, in no order.
+    [[nodiscard]] std::vector<Leaf> leaves(Window window) const;
+    [[nodiscard]] Rectangle place_of(Window window) const;
+    [[nodiscard]] bool has_keyboard(Window window) const;
+
+    /// Clicks in the window; `modifier` is a key that is held meanwhile ("Control_L"), or null.
+    void click(Window window, int x, int y, const char* modifier = nullptr) const;
+    void click_middle(Window window) const;
+    /// Presses a key by its name ("Down"), or two at once ("Alt_L", "f").
+    void key(const char* name) const;
+    void key(const char* held, const char* name) const;
+    /// Types plain text.
+    void type(const std::string& text) const;
+    /// What the window manager does when its close box is used.
+    void ask_to_close(Window window) const;
+
+    /// The pixels of a part of the screen.
+    [[nodiscard]] std::vector<unsigned long> pixels(const Rectangle& part) const;
+    /// How many of them are not of the colour of the first.
+    [[nodiscard]] int ink(const Rectangle& part) const;
+    /// Leaves a picture of the screen beside the other results of the run.
+    void picture(const std::string& name) const;
+
+  private:
+    [[nodiscard]] Window find_titled(Window below, const std::string& title) const;
+    void collect_leaves(Window window, std::vector<Leaf>& out) const;
+    void press(unsigned keycode, bool down) const;
+    [[nodiscard]] unsigned keycode(const char* name) const;
+
+    Display* display_;
+};
+
+}  // namespace gw::e2e

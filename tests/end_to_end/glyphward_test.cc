@@ -1,0 +1,363 @@
+// SPDX-License-Identifier: MIT
+//
+// The program as its users meet it, under a window manager, with mouse and keyboard.
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "end_to_end/program.h"
+#include "end_to_end/waiting.h"
+
+#include "end_to_end/main_window.h"
+
+namespace {
+
+using namespace gw::e2e;
+using gw::test::TempDir;
+
+bool is_root() {
+    return ::geteuid() == 0;
+}
+
+constexpr const char* ATTRIBUTES = "Glyph Warden - Font Attributes";
+constexpr const char* SAMPLE_TEXT = "Glyph Warden - Set Sample Text";
+constexpr const char* INFORMATION = "Glyph Warden - Information";
+
+class Glyphward : public testing::Test {
+  protected:
+    void start(const std::map<std::string, std::optional<std::string>>& environment = {}) {
+        program = std::make_unique<Program>(environment);
+        main = std::make_unique<MainWindow>(desktop);
+        ASSERT_TRUE(main->is_there()) << program->errors();
+        ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+    }
+    /// Waits for the sample to be another picture than `before`.
+    bool sample_changes(const std::vector<unsigned long>& before) {
+        return wait_until([&] { return desktop.pixels(main->sample()) != before; });
+    }
+    [[nodiscard]] std::vector<unsigned long> sample() const { return desktop.pixels(main->sample()); }
+    void select_first_font() {
+        main->click_line(0);
+        ASSERT_TRUE(wait_until([&] { return main->sample_is_drawn(); })) << "no sample of the first font";
+    }
+    /// Chooses an entry by keyboard until the window it opens is there, with the keyboard.
+    bool opens(const char* menu_key, const char* entry_key, const char* title) {
+        const auto is_ready = [&] {
+            const Window window = desktop.window_titled(title);
+            return window != 0 && desktop.has_keyboard(window);
+        };
+        return until(is_ready, [&] { main->choose(menu_key, entry_key); });
+    }
+    /// Presses the Attributes button until the dialog is there.
+    bool opens_attributes() {
+        return until([&] { return desktop.is_visible(ATTRIBUTES); },
+                     [&] { desktop.click_middle(main->attributes_button); });
+    }
+    /// Leaves by the menu; the exit status.
+    std::optional<int> leave() {
+        until([&] { return !program->is_running(); }, [&] { main->choose("f", "e"); });
+        return program->wait_for_exit(1);
+    }
+    /// Clicks a line until the sample is another than `before`.
+    bool click_changes_sample(int line, const std::vector<unsigned long>& before) {
+        return until([&] { return sample() != before; }, [&] { main->click_line(line); });
+    }
+    Desktop desktop;
+    std::unique_ptr<Program> program;
+    std::unique_ptr<MainWindow> main;
+};
+
+TEST_F(Glyphward, DrawsASampleOfTheFontThatIsClicked) {
+    start();
+    EXPECT_FALSE(main->sample_is_drawn());
+    select_first_font();
+    desktop.picture("main-window");
+    EXPECT_TRUE(click_changes_sample(5, sample())) << "an italic after an upright";
+    EXPECT_EQ(program->errors(), "");
+}
+
+// Four fonts of one face stand first; the next is an italic.
+TEST_F(Glyphward, GoesThroughTheListByKeyboard) {
+    start();
+    select_first_font();
+    const auto before = sample();
+    EXPECT_TRUE(until([&] { return sample() != before; }, [&] { desktop.key("Down"); }));
+}
+
+TEST_F(Glyphward, OffersSizesByMouseAndKeyboard) {
+    start();
+    select_first_font();
+    const auto largest = sample();
+    ASSERT_TRUE(until([&] { return sample() != largest; }, [&] { main->choose_above(main->size_menu, 2); }))
+        << "18 points instead of 36";
+    const int small = desktop.ink(main->sample());
+    desktop.picture("smaller-size");
+    const auto now = sample();
+    EXPECT_TRUE(until([&] { return sample() != now; }, [&] { main->choose_above(main->size_menu, 1); }));
+    EXPECT_LT(desktop.ink(main->sample()), small);
+}
+
+TEST_F(Glyphward, ShowsAttributesByButtonAndMenuAndClosesThem) {
+    start();
+    select_first_font();
+    ASSERT_TRUE(opens_attributes());
+    desktop.picture("attributes");
+    const Rectangle place = desktop.place_of(desktop.window_titled(ATTRIBUTES));
+    EXPECT_NEAR(place.x + place.width / 2, 512, 30) << "centred";
+    const auto shown = desktop.pixels(place);
+    main->click_line(5);
+    EXPECT_TRUE(wait_until([&] { return desktop.pixels(place) != shown; })) << "it follows the selection";
+    desktop.ask_to_close(desktop.window_titled(ATTRIBUTES));
+    EXPECT_TRUE(desktop.disappears(ATTRIBUTES));
+
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+    ASSERT_TRUE(opens("f", "a", ATTRIBUTES));
+    desktop.key("Escape");
+    EXPECT_TRUE(desktop.disappears(ATTRIBUTES));
+}
+
+TEST_F(Glyphward, SeveralSelectedFontsHaveNoSampleAndNoAttributes) {
+    start();
+    select_first_font();
+    main->click_line(3, "Control_L");
+    ASSERT_TRUE(wait_until([&] { return !main->sample_is_drawn(); }));
+    desktop.picture("several-selected");
+    desktop.click_middle(main->attributes_button);
+    // The next thing that does happen shows that the click led to nothing.
+    main->click_line(0);
+    ASSERT_TRUE(wait_until([&] { return main->sample_is_drawn(); }));
+    EXPECT_FALSE(desktop.is_visible(ATTRIBUTES));
+}
+
+TEST_F(Glyphward, ShowsAnAliasAtTheEndOfTheList) {
+    start();
+    select_first_font();
+    ASSERT_TRUE(until([&] { return !main->sample_is_drawn(); }, [&] { desktop.key("Control_L", "End"); }))
+        << "the last alias is of a symbol font";
+    // Of an alias the next one's particulars are shown; the last has none.
+    ASSERT_TRUE(until([&] { return desktop.is_visible(ATTRIBUTES); },
+                      [&] {
+                          desktop.key("Up");
+                          desktop.click_middle(main->attributes_button);
+                      }));
+    desktop.picture("alias");
+    EXPECT_TRUE(program->is_running());
+}
+
+// The superuser's own dialog is not there yet, and the entry does nothing.
+TEST_F(Glyphward, TheFontPathIsTheSuperusersToModify) {
+    start();
+    if (is_root()) {
+        main->choose("o", "m");
+        desktop.key("Escape");
+        EXPECT_EQ(leave(), 0) << "the menus still work";
+        return;
+    }
+    ASSERT_TRUE(opens("o", "m", INFORMATION));
+    desktop.picture("only-root");
+    desktop.key("Return");
+    EXPECT_TRUE(desktop.disappears(INFORMATION));
+}
+
+TEST_F(Glyphward, TheSampleTextIsNotTheSuperusersToSet) {
+    if (!is_root()) GTEST_SKIP() << "for the superuser";
+    start();
+    main->choose("o", "s");
+    desktop.key("Escape");
+    ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
+    EXPECT_FALSE(desktop.is_visible(SAMPLE_TEXT));
+    EXPECT_EQ(leave(), 0);
+}
+
+TEST_F(Glyphward, KeepsTheSampleTextOfAUser) {
+    if (is_root()) GTEST_SKIP() << "for an ordinary user";
+    start();
+    select_first_font();
+    const auto before = sample();
+    ASSERT_TRUE(opens("o", "s", SAMPLE_TEXT));
+    desktop.key("Home");
+    desktop.type("Warden ");
+    desktop.picture("set-sample-text");
+    desktop.key("Return");
+    ASSERT_TRUE(desktop.disappears(SAMPLE_TEXT)) << "Return is Ok";
+    EXPECT_EQ(program->home().read(".glyphwdrc"), "SampleText:Warden Aa Bb Cc Xx Yy Zz 0123456789");
+    ASSERT_TRUE(sample_changes(before));
+    const auto kept = sample();
+
+    const std::string home = program->home().path();
+    const TempDir next_home;
+    std::filesystem::copy_file(home + ".glyphwdrc", next_home.file(".glyphwdrc"));
+    program.reset();
+    ASSERT_TRUE(desktop.disappears(MainWindow::TITLE));
+    start({{"HOME", next_home.path()}});
+    select_first_font();
+    EXPECT_TRUE(wait_until([&] { return sample() == kept; })) << "the next start shows the kept text";
+}
+
+TEST_F(Glyphward, EscapeLeavesTheSampleTextAlone) {
+    if (is_root()) GTEST_SKIP() << "the dialog is a user's";
+    start();
+    ASSERT_TRUE(opens("o", "s", SAMPLE_TEXT));
+    desktop.type("x");
+    desktop.key("Escape");
+    EXPECT_TRUE(desktop.disappears(SAMPLE_TEXT));
+    EXPECT_FALSE(program->home().exists(".glyphwdrc"));
+}
+
+TEST_F(Glyphward, TypingIntoTheSampleIsKeptFromFontToFont) {
+    start();
+    select_first_font();
+    const auto before = sample();
+    desktop.click(main->sample_field, 40, 30);
+    desktop.key("Home");
+    desktop.type("mmm");
+    ASSERT_TRUE(sample_changes(before));
+    main->click_line(5);
+    main->click_line(0);
+    EXPECT_TRUE(wait_until([&] { return main->sample_is_drawn() && sample() != before; }));
+}
+
+TEST_F(Glyphward, ExitEndsWithStatusZero) {
+    start();
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
+TEST_F(Glyphward, TheCloseBoxEndsWithStatusZero) {
+    start();
+    desktop.ask_to_close(main->window);
+    EXPECT_EQ(program->wait_for_exit(), 0);
+}
+
+TEST_F(Glyphward, RunsWithoutAHome) {
+    start({{"HOME", std::nullopt}});
+    EXPECT_TRUE(program->is_running());
+    EXPECT_EQ(leave(), 0);
+}
+
+class GlyphwardIn : public Glyphward, public testing::WithParamInterface<const char*> {};
+
+TEST_P(GlyphwardIn, StartsAndDrawsQuietly) {
+    start({{"LC_ALL", GetParam()}, {"LANG", GetParam()}});
+    select_first_font();
+    desktop.picture(std::string("locale-") + GetParam());
+    EXPECT_EQ(program->errors(), "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Locales, GlyphwardIn, testing::Values("C", "C.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8"));
+
+// A font path full of what a font path should not hold: the fonts that are there are listed all the same.
+TEST_F(Glyphward, StartsOnABrokenFontPath) {
+    const TempDir fonts;
+    ::chmod(fonts.c_str(), 0755);
+    const std::string good = "a.pcf -x-aardvark-medium-r-normal--8-80-75-75-c-80-iso8859-1\n";
+    fonts.write("wrong count/fonts.dir", "77\n" + good);
+    fonts.write("negative/fonts.dir", "-1\n" + good);
+    fonts.write("huge/fonts.dir", "99999999999\n" + good);
+    fonts.write("it's $(touch oops)/fonts.dir", "2\n" + std::string(5000, 'x') + "\n" + good);
+    fonts.write("bytes/fonts.dir", "1\n\xff\xfe \xe9\n");
+    fonts.write("bytes/fonts.alias", "\"never closed\n\xff -x\n");
+    fonts.write("closed/fonts.dir", "1\n" + good);
+    ::chmod(fonts.file("closed").c_str(), 0);
+    std::vector<std::string> path = {"tcp/fontserver:7100", "/" + std::string(1100, 'd'), "/nonexistent/"};
+    for (const char* name : {"wrong count", "negative", "huge", "it's $(touch oops)", "bytes", "closed"}) {
+        path.push_back(fonts.file(name) + "/");
+    }
+    const TempDir home;
+    std::string old_config;
+    constexpr const char* CONFIG = "/usr/vantor/server/etc/VTconfig";
+    if (is_root()) {
+        old_config = TempDir::read_bytes(CONFIG);
+        std::string joined;
+        for (const std::string& element : path) joined += ',' + element;
+        std::ofstream(CONFIG) << old_config.substr(0, old_config.find('\n')) << joined << ",,\n";
+    } else {
+        std::ofstream file(home.file(".VTfontpath"));
+        file << "\n";  // in front of the installation's
+        for (const std::string& element : path) {
+            std::string escaped;
+            for (const char c : element)
+                escaped += c == '\'' || c == '$' || c == '(' || c == ')' ? std::string("\\\\") + c
+                                                                         : std::string(1, c);
+            file << escaped << '\n';
+        }
+    }
+    start({{"HOME", home.path().substr(0, home.path().size() - 1)}});
+    main->click_line(0);
+    EXPECT_TRUE(program->is_running());
+    desktop.picture("broken-font-path");
+    EXPECT_EQ(leave(), 0) << program->errors();
+    EXPECT_FALSE(std::filesystem::exists("oops"));
+    if (is_root()) std::ofstream(CONFIG) << old_config;
+}
+
+/// An X server of the test's own, which it may take away.
+class OwnServer {
+  public:
+    OwnServer() {
+        int numbers[2] = {-1, -1};
+        if (::pipe(numbers) != 0) return;
+        pid_ = ::fork();
+        if (pid_ == 0) {
+            const std::string out = std::to_string(numbers[1]);
+            ::execlp("Xvfb", "Xvfb", "-displayfd", out.c_str(), "-noreset", "-nolisten", "tcp", "-screen",
+                     "0", "1024x768x24", nullptr);
+            ::_exit(127);
+        }
+        ::close(numbers[1]);
+        char digits[16] = "";
+        std::size_t length = 0;
+        while (length + 1 < sizeof digits && ::read(numbers[0], digits + length, 1) == 1 &&
+               digits[length] != '\n')
+            ++length;
+        digits[length] = '\0';
+        ::close(numbers[0]);
+        name_ = std::string(":") + digits;
+    }
+    ~OwnServer() { take_away(); }
+    OwnServer(const OwnServer&) = delete;
+    OwnServer& operator=(const OwnServer&) = delete;
+    void take_away() {
+        if (pid_ <= 0) return;
+        ::kill(pid_, SIGKILL);
+        ::waitpid(pid_, nullptr, 0);
+        pid_ = -1;
+    }
+    [[nodiscard]] const std::string& name() const { return name_; }
+
+  private:
+    pid_t pid_ = -1;
+    std::string name_;
+};
+
+TEST(GlyphwardWithoutDisplay, EndsWithOneLineWhenTheDisplayGoesAway) {
+    OwnServer server;
+    Program program({{"DISPLAY", server.name()}});
+    {
+        const Desktop desktop(server.name().c_str());
+        ASSERT_TRUE(desktop.appears(MainWindow::TITLE)) << program.errors();
+    }
+    server.take_away();
+    EXPECT_EQ(program.wait_for_exit(), 1);
+    EXPECT_EQ(program.errors(), "glyphward: the connection to the display is lost\n");
+}
+
+TEST(GlyphwardWithoutDisplay, SaysThatItHasNone) {
+    Program program({{"DISPLAY", std::nullopt}});
+    const std::optional<int> status = program.wait_for_exit();
+    ASSERT_TRUE(status.has_value());
+    EXPECT_NE(*status, 0);
+    EXPECT_NE(program.errors().find("display"), std::string::npos) << program.errors();
+}
+
+}  // namespace

@@ -1,0 +1,72 @@
+// SPDX-License-Identifier: MIT
+#include "end_to_end/program.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+
+#include "end_to_end/waiting.h"
+
+namespace gw::e2e {
+
+namespace {
+
+constexpr const char* INSTALLED_PROGRAM = "/usr/vantor/bin/glyphward";
+
+}  // namespace
+
+Program::Program(const std::map<std::string, std::optional<std::string>>& environment,
+                 const std::vector<std::string>& arguments) {
+    // Clicks that follow each other quickly are clicks and no double clicks.
+    std::vector<std::string> command = {INSTALLED_PROGRAM, "-xrm", "*multiClickTime: 1"};
+    command.insert(command.end(), arguments.begin(), arguments.end());
+    const std::string error_file = scratch_.file("errors");
+    pid_ = ::fork();
+    if (pid_ != 0) return;
+
+    ::setenv("HOME", home_.path().substr(0, home_.path().size() - 1).c_str(), 1);
+    for (const auto& [name, value] : environment) {
+        if (value) {
+            ::setenv(name.c_str(), value->c_str(), 1);
+        } else {
+            ::unsetenv(name.c_str());
+        }
+    }
+    const int errors = ::open(error_file.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+    ::dup2(errors, STDERR_FILENO);
+    std::vector<char*> argv;
+    for (std::string& word : command) argv.push_back(word.data());
+    argv.push_back(nullptr);
+    ::execv(INSTALLED_PROGRAM, argv.data());
+    ::_exit(127);
+}
+
+Program::~Program() {
+    if (!is_running()) return;
+    ::kill(pid_, SIGKILL);
+    reap(0);
+}
+
+bool Program::reap(int options) {
+    int status = 0;
+    if (!status_ && ::waitpid(pid_, &status, options) == pid_) status_ = status;
+    return status_.has_value();
+}
+
+bool Program::is_running() {
+    return !reap(WNOHANG);
+}
+
+std::optional<int> Program::wait_for_exit(int seconds) {
+    if (!wait_until([this] { return !is_running(); }, seconds) || !WIFEXITED(*status_)) return std::nullopt;
+    return WEXITSTATUS(*status_);
+}
+
+std::string Program::errors() const {
+    return scratch_.read("errors");
+}
+
+}  // namespace gw::e2e
