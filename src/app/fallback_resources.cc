@@ -2,6 +2,7 @@
 #include "app/fallback_resources.h"
 
 #define LIST_FONT "-*-lucidatypewriter-medium-r-normal-sans-0-140-0-0-m-0-iso8859-1"
+// NOLINTNEXTLINE(bugprone-macro-parentheses): adjacent literals are joined
 #define RES(line) const_cast<char*>("Glyphward*" line)
 
 // Menus, sizes and dialogs are addressed by widget name: the names are an interface.

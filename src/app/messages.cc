@@ -6,8 +6,14 @@
 #include <array>
 #include <cstddef>
 
-nl_catd catd = reinterpret_cast<nl_catd>(
-    -1);  // NOLINT(performance-no-int-to-ptr): the value that POSIX gives "no catalogue"
+namespace {
+
+// NOLINTNEXTLINE(performance-no-int-to-ptr): this is the value that POSIX gives "no catalogue"
+const nl_catd NO_CATALOGUE = reinterpret_cast<nl_catd>(-1);
+
+}  // namespace
+
+nl_catd catd = NO_CATALOGUE;
 
 namespace gw {
 
@@ -31,8 +37,8 @@ constexpr bool is_ascending() {
 static_assert(is_ascending(), "sets and numbers ascend, and no pair stands twice");
 
 bool is_open() {
-    return catd != reinterpret_cast<nl_catd>(-1);
-}  // NOLINT(performance-no-int-to-ptr)
+    return catd != NO_CATALOGUE;
+}
 
 }  // namespace
 
@@ -60,7 +66,7 @@ void open_catalogue() {
 void close_catalogue() {
     if (!is_open()) return;
     ::catclose(catd);
-    catd = reinterpret_cast<nl_catd>(-1);  // NOLINT(performance-no-int-to-ptr)
+    catd = NO_CATALOGUE;
 }
 
 }  // namespace gw

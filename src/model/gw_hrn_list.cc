@@ -44,7 +44,11 @@ GWHRNElement::GWHRNElement(GWFont* font) {
 }
 
 GWHRNElement::GWHRNElement(const GWHRNElement& other)
-    : GW_BASE(), RefCounted(), read_only(other.read_only), disk_space(other.disk_space), slots(other.slots) {
+    : GW_BASE(other),
+      RefCounted(other),
+      read_only(other.read_only),
+      disk_space(other.disk_space),
+      slots(other.slots) {
     if (GWFont* font = get_representative(); font != nullptr) name = font->get_hrn_name();
 }
 
@@ -63,7 +67,7 @@ void GWHRNElement::_initialize_hrn_element(GWFont* font) {
         slot.resolutions.emplace_back("0");
     }
     slot.fonts.push_back(shared);
-    slots.assign(1, std::move(slot));
+    slots.assign(1, slot);
     name = font->get_hrn_name();
     read_only = font->is_read_only() ? 1 : 0;
 }
