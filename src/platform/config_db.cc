@@ -135,7 +135,8 @@ int config_db_open(const char* path, int, int, int, int) {
         return NEW_OR_EMPTY;
     }
     const std::optional<std::string> bytes = gw::read_file(path);
-    if (!bytes) return NOT_A_DATABASE;
+    // The manager reads up to a NUL byte, so the rest would be lost by the next write.
+    if (!bytes || bytes->find('\0') != std::string::npos) return NOT_A_DATABASE;
     XrmInitialize();
     Database attributes(XrmGetStringDatabase(without_directives(*bytes).c_str()));
     const bool blank = is_blank(*bytes);

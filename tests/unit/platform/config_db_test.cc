@@ -60,6 +60,37 @@ TEST(ConfigDb, WhatIsNoDatabaseIsLeftAlone) {
     EXPECT_GT(open_db(dir.path()), 1) << "a directory";
 }
 
+// The manager stops reading at a NUL byte: what is behind it would be lost by the next write.
+TEST(ConfigDb, AFileWithANulByteIsNoDatabase) {
+    const TempDir dir;
+    using namespace std::string_literals;
+    const std::string bytes = "XDISPLAY.0.fontpath:\t/a/\n\0\nXDISPLAY.0.zoom:\t2\n"s;
+    const std::string path = dir.write("VTconfig", bytes);
+    EXPECT_GT(open_db(path), 1);
+    EXPECT_NE(config_db_close(path.c_str()), 0);
+    EXPECT_EQ(dir.read("VTconfig"), bytes);
+}
+
+TEST(ConfigDb, AFileThatCannotBeReadIsNoNewOne) {
+    if (::geteuid() == 0) GTEST_SKIP() << "the superuser reads everything";
+    const TempDir dir;
+    const std::string path = dir.write("VTconfig", "XDISPLAY.0.fontpath:\t/a/\n");
+    ::chmod(path.c_str(), 0);
+    EXPECT_GT(open_db(path), 1);
+    ::chmod(dir.c_str(), 0);
+    EXPECT_GT(open_db(path), 1) << "nor one in a directory that cannot be searched";
+    ::chmod(dir.c_str(), 0700);
+}
+
+TEST(ConfigDb, SeparatorsInAKeyAreOnlyLetters) {
+    const TempDir dir;
+    const std::string path = dir.file("VTconfig");
+    open_db(path);
+    ASSERT_EQ(config_db_set_attribute("A*B", "0.1", "c:d", "x"), 0);
+    ASSERT_EQ(config_db_close(path.c_str()), 0);
+    EXPECT_EQ(dir.read("VTconfig"), "A_B.0_1.c_d:\tx\n");
+}
+
 TEST(ConfigDb, KeepsOtherAttributesAndSortsThem) {
     const TempDir dir;
     const std::string path =
