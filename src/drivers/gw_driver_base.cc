@@ -5,6 +5,7 @@
 
 #include "drivers/engine_globals.h"
 #include "fontpath/gw_font_path.h"
+#include "platform/scratch.h"
 
 namespace {
 
@@ -31,7 +32,8 @@ int GWDriverBase::set_font_path(const char* dir) {
 }
 
 void GWDriverBase::start_preview() {
-    if (!preview_dir || preview_dir->empty()) return;
+    // The listing has said it already when the directory is not ours.
+    if (!preview_dir || preview_dir->empty() || gw::is_foreign_dir(preview_dir->c_str())) return;
     if (position_in(GWFontPath::SESSION_FP, preview_dir->c_str()) != 0) {
         the_font_path->rehash_session_fp();
         return;

@@ -23,7 +23,7 @@ class GWDriverBase {
     /// session's already, else the result of putting it there.
     virtual int set_font_path(const char* dir);
     /// Puts the preview directory on the session font path; only has the server reread it when it is there
-    /// already.
+    /// already. A directory that is a link or belongs to someone else is left alone.
     virtual void start_preview();
     /// Takes the preview directory off the session font path.
     virtual void stop_preview();

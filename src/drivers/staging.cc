@@ -16,8 +16,9 @@ constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
 }  // namespace
 
 bool prepare_staging(const char* staging, const std::string& link_name, const char* link_target) {
-    if (refuses_foreign_dir(staging)) return false;
+    // Made first and looked at then: nobody can come in between.
     ::mkdir(staging, ANYBODY_BEFORE_UMASK);
+    if (refuses_foreign_dir(staging)) return false;
     const std::string link = staging + link_name;
     ::unlink(link.c_str());
     if (::symlink(link_target, link.c_str()) != 0) return false;

@@ -194,6 +194,30 @@ TEST_F(Drivers, AStagingDirectoryThatIsNotOursIsNotUsed) {
     std::filesystem::remove("/tmp/gw_dir");
 }
 
+TEST_F(Drivers, AStagingDirectoryOfAnotherUserIsNotUsed) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can make another user's directory";
+    use_path("/x/");
+    home.write("fonts/t.pfa", HEADER);
+    for (const char* dir : {"/tmp/gw_dir", "/tmp/gw_cdrom"}) {
+        std::filesystem::create_directory(dir);
+        ASSERT_EQ(::chown(dir, 1000, 1000), 0);
+    }
+    GWDirDriver directory(home.file("fonts").c_str());
+    GW_REM_MEDIA_DRIVER medium(GW_REM_MEDIA_DRIVER::CDROM);
+    for (GWDriverBase* driver :
+         {static_cast<GWDriverBase*>(&directory), static_cast<GWDriverBase*>(&medium)}) {
+        testing::internal::CaptureStderr();
+        GWHRNList list(0);
+        driver->get_hrn_list(list);
+        const std::string said = testing::internal::GetCapturedStderr();
+        EXPECT_NE(said.find("belongs to someone else"), std::string::npos);
+        EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
+        EXPECT_EQ(list.get_count(), 0);
+    }
+    EXPECT_TRUE(std::filesystem::is_empty("/tmp/gw_dir"));
+    EXPECT_TRUE(std::filesystem::is_empty("/tmp/gw_cdrom"));
+}
+
 TEST_F(Drivers, AMediumThatIsNotMountedGivesNothing) {
     use_path("/x/");
     for (const int kind : {0, 1}) {
@@ -320,6 +344,32 @@ TEST_F(Preview, AStagedFontOpensInTheServer) {
     if (font != nullptr) XFreeFont(session.display(), font);
     driver.stop_preview();
     EXPECT_NE(session.font_path().back(), STAGING);
+}
+
+// The server would follow whatever the owner of the directory puts there.
+TEST_F(Preview, AStagingDirectoryThatIsNotOursIsNeverPreviewed) {
+    const Texts before = session.font_path();
+    home.write("fonts/t.pfa", HEADER);
+    GWDirDriver directory(home.file("fonts").c_str());
+    GWHRNList list(0);
+    directory.get_hrn_list(list);
+    ASSERT_EQ(list.get_count(), 1);
+    remove_staging();
+    for (const char* dir : {"/tmp/gw_dir", "/tmp/gw_floppy"})
+        std::filesystem::create_directory_symlink(staging, dir);
+    GW_REM_MEDIA_DRIVER medium(GW_REM_MEDIA_DRIVER::FLOPPY);
+    testing::internal::CaptureStderr();
+    for (GWDriverBase* driver :
+         {static_cast<GWDriverBase*>(&directory), static_cast<GWDriverBase*>(&medium)}) {
+        GWHRNList none(0);
+        driver->get_hrn_list(none);
+        EXPECT_EQ(none.get_count(), 0);
+        driver->start_preview();
+        EXPECT_EQ(session.font_path(), before) << *driver->get_preview_dir();
+    }
+    testing::internal::GetCapturedStderr();
+    EXPECT_EQ(home.read("staging/fonts.dir"), "0\n");
+    EXPECT_FALSE(home.exists("staging/glyphwd.upr"));
 }
 
 TEST_F(Preview, ADirectoryIsPutOnTheFontPathsOnce) {
