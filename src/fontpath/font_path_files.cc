@@ -26,6 +26,47 @@ int open_config(const std::string& path) {
     return config_db_open(path.c_str(), 0, 1, 0, 0);
 }
 
+bool is_letter(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '_';
+}
+
+bool is_name_character(char c) {
+    return is_letter(c) || (c >= '0' && c <= '9');
+}
+
+/// How much of `text`, which begins with '$', is "$NAME" or "${NAME}"; 0 when it is neither.
+std::size_t reference_length(std::string_view text) {
+    const bool braced = text.size() > 1 && text[1] == '{';
+    const std::size_t name = braced ? 2 : 1;
+    if (name >= text.size() || !is_letter(text[name])) return 0;
+    std::size_t end = name;
+    while (end < text.size() && is_name_character(text[end])) ++end;
+    if (!braced) return end;
+    return end < text.size() && text[end] == '}' ? end + 1 : 0;
+}
+
+/// Whether the shell hands the text on as it is, but for the variables it names.
+bool is_inert(std::string_view text) {
+    while (!text.empty()) {
+        const char c = text.front();
+        const bool plain = is_name_character(c) || static_cast<unsigned char>(c) > 0x7F ||
+                           std::string_view("/.,:@%=+-~ ").find(c) != std::string_view::npos;
+        const std::size_t length = c == '$' ? reference_length(text) : static_cast<std::size_t>(plain);
+        if (length == 0) return false;
+        text.remove_prefix(length);
+    }
+    return true;
+}
+
+bool append_lines(std::string& text, const ElementList& list) {
+    for (const GW_STRING* s : list) {
+        const std::optional<std::string> line = vtfontpath_line(s->get_str());
+        if (!line) return false;
+        text.append(*line).append("\n");
+    }
+    return true;
+}
+
 }  // namespace
 
 void list_insert(ElementList& list, int pos, const GW_STRING* s) {
@@ -60,6 +101,38 @@ std::optional<std::string> create_fpe_string(const ElementList& list) {
     std::optional<std::string> value;
     for (const GW_STRING* s : list) value = value ? *value + ',' + s->get_str() : std::string(s->get_str());
     return value;
+}
+
+std::optional<std::string> vtfontpath_line(std::string_view element) {
+    if (element.empty() || element.front() == ' ' || element.back() == ' ' ||
+        element.find("  ") != std::string_view::npos ||
+        element.find_first_of("\n\t\\") != std::string_view::npos) {
+        return std::nullopt;
+    }
+    if (is_inert(element)) return std::string(element);
+    std::string quoted = "'";
+    for (const char c : element) {
+        // `read` takes one of the two backslashes away.
+        if (c == '\'') {
+            quoted += R"('\\'')";
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + '\'';
+}
+
+bool fits_vtfontpath(const ElementList& list) {
+    std::string text;
+    return append_lines(text, list);
+}
+
+std::optional<std::string> vtfontpath_text(const ElementList& append_list, const ElementList& prepend_list) {
+    std::string text;
+    if (!append_lines(text, append_list)) return std::nullopt;
+    if (!prepend_list.is_empty()) text += '\n';
+    if (!append_lines(text, prepend_list)) return std::nullopt;
+    return text;
 }
 
 void read_config_font_path(const std::string& path, ElementList& list, const char* fallback) {

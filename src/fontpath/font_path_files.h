@@ -9,6 +9,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "core/gw_list.h"
 #include "core/gw_string.h"
@@ -29,6 +30,16 @@ void list_replace(ElementList& list, const ElementList& source);
 void split_fpe_string(ElementList& list, const char* value);
 /// The elements joined with ","; nothing for an empty list.
 std::optional<std::string> create_fpe_string(const ElementList& list);
+
+/// The line of a font path file, without its newline, from which the shell that reads the file gets `element`
+/// again: the element as it stands, references to variables included, or in single quotes when the shell
+/// would otherwise act on it. Nothing for an element that no line can hold: one that is blank, or has a
+/// newline, a tab, a backslash, or blanks at an end or next to each other.
+[[nodiscard]] std::optional<std::string> vtfontpath_line(std::string_view element);
+[[nodiscard]] bool fits_vtfontpath(const ElementList& list);
+/// A whole font path file; nothing when an element does not fit.
+[[nodiscard]] std::optional<std::string> vtfontpath_text(const ElementList& append_list,
+                                                         const ElementList& prepend_list);
 
 /// Appends the font path of the database at `path`. A database that opens without one gives the elements of
 /// `fallback`, unless that is null.

@@ -6,12 +6,11 @@
 
 #include <unistd.h>
 
-#include <algorithm>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
-#include <string_view>
+#include <vector>
 
 #include "core/gw_file.h"
 #include "core/text.h"
@@ -27,7 +26,7 @@ namespace {
 constexpr const char* REMOVE = "/bin/rm -f %s";
 constexpr const char* EXPAND_LINES =
     "cat %s |  while read input\n\t\t\t  do \n\t\t\t    eval echo $input \n\t\t\t  done  > %s";
-constexpr int LONGEST_LINE = 500;
+constexpr int LONGEST_READ = 500;
 
 Display* session_display = nullptr;
 
@@ -58,6 +57,23 @@ int _append_to_current_session(const char* element) {
 GW_FILE file_at(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     return {path.substr(slash + 1).c_str(), path.substr(0, slash + 1).c_str(), gw::FILE_TYPE_REGULAR};
+}
+
+/// The lines of a file without their newlines. One that is longer than a read takes is put together again.
+std::vector<std::string> lines_of(const std::string& path) {
+    std::vector<std::string> lines;
+    GW_FILE file = file_at(path);
+    if (file.open("r") == 0) return lines;
+    char piece[LONGEST_READ + 1];
+    bool at_start = true;
+    while (file.get_line(piece, sizeof piece) != nullptr) {
+        if (at_start) lines.emplace_back();
+        lines.back() += piece;
+        at_start = lines.back().ends_with('\n');
+        if (at_start) lines.back().pop_back();
+    }
+    file.close();
+    return lines;
 }
 
 }  // namespace
@@ -142,45 +158,40 @@ void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_lis
     }
     gw::run_shell(EXPAND_LINES, {path, gw::SCRATCH_FONT_PATH});
 
-    GW_FILE expanded = file_at(gw::SCRATCH_FONT_PATH);
-    char line[LONGEST_LINE + 1];
     bool in_append_section = true;
     int position = 0;
-    if (expanded.open("r") != 0) {
-        while (expanded.get_line(line, sizeof line) != nullptr) {
-            std::string_view text(line);
-            text.remove_prefix(std::min(text.find_first_not_of(" \t"), text.size()));
-            if (text.empty() || text == "\n") {
-                in_append_section = false;
-                position = 0;
-                continue;
-            }
-            if (text.ends_with('\n')) text.remove_suffix(1);
-            auto* element = new GW_STRING(std::string(text).c_str());
-            if (in_append_section) {
-                append_list.append(element);
-            } else {
-                prepend_list.insert_after_pos(position++, element);
-            }
+    for (const std::string& line : lines_of(gw::SCRATCH_FONT_PATH)) {
+        const std::size_t start = line.find_first_not_of(" \t");
+        if (start == std::string::npos) {
+            in_append_section = false;
+            position = 0;
+            continue;
         }
-        expanded.close();
+        auto* element = new GW_STRING(line.substr(start).c_str());
+        if (in_append_section) {
+            append_list.append(element);
+        } else {
+            prepend_list.insert_after_pos(position++, element);
+        }
     }
     gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
 }
 
 int GWFontPath::_write_to_vtfontpath(const std::string& path, const List& append_list,
                                      const List& prepend_list) {
+    const std::optional<std::string> text = gw::vtfontpath_text(append_list, prepend_list);
+    if (!text) return 0;
     const bool backed_up = gw::file_exists(path);
     if (backed_up) gw::run_shell("/bin/mv -f %s %s.bak", {path, path});
     GW_FILE file = file_at(path);
-    bool written = file.open("w") != 0;
-    const auto put = [&](const std::string& text) { written = written && file.put_line(text.c_str()) != 0; };
-    for (const GW_STRING* element : append_list) put(std::string(element->get_str()) + '\n');
-    if (!prepend_list.is_empty()) put("\n");
-    for (const GW_STRING* element : prepend_list) put(std::string(element->get_str()) + '\n');
-    written = written && file.file_flush() == 0;
+    const bool opened = file.open("w") != 0;
+    const bool written = opened && file.put_line(text->c_str()) != 0 && file.file_flush() == 0;
     file.close();
-    if (!written && backed_up) gw::run_shell("/bin/mv -f %s.bak %s", {path, path});
+    if (!written && backed_up) {
+        gw::run_shell("/bin/mv -f %s.bak %s", {path, path});
+    } else if (!written && opened) {
+        ::unlink(path.c_str());
+    }
     return written ? 1 : 0;
 }
 
@@ -208,12 +219,16 @@ int GWFontPath::insert_after_pos(TYPE t, const GW_STRING* element, int pos) {
     if (pos < -1 || element == nullptr || refuses(t)) return 0;
     // The element may be one of ours, which a failing write takes away again.
     const GW_STRING copy(element);
-    const int result = insert_by_type(t, &copy, pos);
-    _set_all_fpe_list();
-    return result;
+    return finish(insert_by_type(t, &copy, pos));
 }
 
-int GWFontPath::insert_by_type(TYPE t, const GW_STRING* element, int pos) {
+/// A refusal returns at once; whatever else was tried, the composed list follows.
+int GWFontPath::finish(Outcome outcome) {
+    if (outcome != REFUSED) _set_all_fpe_list();
+    return outcome.value_or(0);
+}
+
+GWFontPath::Outcome GWFontPath::insert_by_type(TYPE t, const GW_STRING* element, int pos) {
     switch (t) {
         case INSTALLATION_FP:
             return gw::insert_and_write_to_vtconfig(list(t), pos, element, installation_config);
@@ -240,16 +255,16 @@ void GWFontPath::take_seeds_back() {
     for (int pos = 1; pos <= list(HOST_FP).get_count(); ++pos) gw::list_delete(list(HOST_FP), pos);
 }
 
-int GWFontPath::insert_host(const GW_STRING* element, int pos) {
-    if (_host_vtconfig_writeable() == 0) return 0;
+GWFontPath::Outcome GWFontPath::insert_host(const GW_STRING* element, int pos) {
+    if (_host_vtconfig_writeable() == 0) return REFUSED;
     const bool seeded = seed_host_list();
     if (gw::insert_and_write_to_vtconfig(list(HOST_FP), pos, element, gw::HOST_CONFIG) != 0) return 1;
     if (seeded) take_seeds_back();
     return 0;
 }
 
-int GWFontPath::insert_user(TYPE t, const GW_STRING* element, int pos) {
-    if (_user_vtfontpath_writeable() == 0) return 0;
+GWFontPath::Outcome GWFontPath::insert_user(TYPE t, const GW_STRING* element, int pos) {
+    if (_user_vtfontpath_writeable() == 0 || !gw::vtfontpath_line(element->get_str())) return REFUSED;
     const bool at_end = pos == -1 || pos >= list(t).get_count();
     gw::list_insert(list(t), pos, element);
     if (write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP)) != 0) return 1;
@@ -259,8 +274,8 @@ int GWFontPath::insert_user(TYPE t, const GW_STRING* element, int pos) {
 
 // The server always gets the element at the end of its path. On success the session list holds it twice, at
 // its position and at the end.
-int GWFontPath::insert_session(const GW_STRING* element, int pos) {
-    if (session_display == nullptr) return 0;
+GWFontPath::Outcome GWFontPath::insert_session(const GW_STRING* element, int pos) {
+    if (session_display == nullptr) return REFUSED;
     if (list(SESSION_FP).is_empty()) load_session();
     const bool at_end = pos == -1 || pos >= list(SESSION_FP).get_count();
     gw::list_insert(list(SESSION_FP), pos, element);
@@ -278,12 +293,10 @@ int GWFontPath::set_font_path(TYPE t, GW_LIST<GW_STRING>* elements) {
     List copies;
     const gw::ElementsOwner owner(copies);
     gw::list_replace(copies, *elements);
-    const int result = set_by_type(t, copies);
-    _set_all_fpe_list();
-    return result;
+    return finish(set_by_type(t, copies));
 }
 
-int GWFontPath::set_by_type(TYPE t, const List& elements) {
+GWFontPath::Outcome GWFontPath::set_by_type(TYPE t, const List& elements) {
     const std::optional<std::string> value = gw::create_fpe_string(elements);
     const char* text = value ? value->c_str() : nullptr;
     switch (t) {
@@ -293,21 +306,24 @@ int GWFontPath::set_by_type(TYPE t, const List& elements) {
             return 1;
         case HOST_FP:
             // The installation's list takes the new path over, not the host's.
-            if (_host_vtconfig_writeable() == 0 || gw::write_to_vtconfig(gw::HOST_CONFIG, text) == 0)
-                return 0;
+            if (_host_vtconfig_writeable() == 0) return REFUSED;
+            if (gw::write_to_vtconfig(gw::HOST_CONFIG, text) == 0) return 0;
             gw::list_replace(list(INSTALLATION_FP), elements);
             return 1;
         case USER_PREPEND_FP:
             // The list keeps the old path after a write, and takes the new one over when the write fails.
-            if (_user_vtfontpath_writeable() == 0) return 0;
+            if (_user_vtfontpath_writeable() == 0 || !gw::fits_vtfontpath(elements)) return REFUSED;
             if (write_user_file(list(USER_APPEND_FP), elements) != 0) return 1;
             gw::list_replace(list(USER_PREPEND_FP), elements);
             return 0;
         case USER_APPEND_FP:
-            if (_user_vtfontpath_writeable() == 0 || write_user_file(elements, list(USER_PREPEND_FP)) == 0)
-                return 0;
+            if (_user_vtfontpath_writeable() == 0 || !gw::fits_vtfontpath(elements)) return REFUSED;
+            if (write_user_file(elements, list(USER_PREPEND_FP)) == 0) return 0;
             gw::list_replace(list(USER_APPEND_FP), elements);
             return 1;
+        // The session is changed one element at a time.
+        case SESSION_FP:
+            return REFUSED;
         default:
             return 0;
     }
@@ -315,15 +331,13 @@ int GWFontPath::set_by_type(TYPE t, const List& elements) {
 
 int GWFontPath::delete_pos(TYPE t, int pos) {
     if ((pos < 1 && pos != -1) || refuses(t)) return 0;
-    const int result = delete_by_type(t, pos);
-    _set_all_fpe_list();
-    return result;
+    return finish(delete_by_type(t, pos));
 }
 
-int GWFontPath::delete_by_type(TYPE t, int pos) {
+GWFontPath::Outcome GWFontPath::delete_by_type(TYPE t, int pos) {
     switch (t) {
         case INSTALLATION_FP:
-            if (list(t).is_empty()) return 0;
+            if (list(t).is_empty()) return REFUSED;
             return gw::delete_and_write_to_vtconfig(list(t), pos, installation_config);
         case HOST_FP:
             return delete_host(pos);
@@ -337,31 +351,31 @@ int GWFontPath::delete_by_type(TYPE t, int pos) {
     }
 }
 
-int GWFontPath::delete_host(int pos) {
-    if (list(INSTALLATION_FP).is_empty() && list(HOST_FP).is_empty()) return 0;
-    if (_host_vtconfig_writeable() == 0) return 0;
+GWFontPath::Outcome GWFontPath::delete_host(int pos) {
+    if (list(INSTALLATION_FP).is_empty() && list(HOST_FP).is_empty()) return REFUSED;
+    if (_host_vtconfig_writeable() == 0) return REFUSED;
     const bool seeded = seed_host_list();
     if (gw::delete_and_write_to_vtconfig(list(HOST_FP), pos, gw::HOST_CONFIG) != 0) return 1;
     if (seeded) take_seeds_back();
     return 0;
 }
 
-int GWFontPath::delete_user(TYPE t, int pos) {
-    if (list(t).is_empty() || _user_vtfontpath_writeable() == 0) return 0;
+GWFontPath::Outcome GWFontPath::delete_user(TYPE t, int pos) {
+    if (list(t).is_empty() || _user_vtfontpath_writeable() == 0) return REFUSED;
     const int position = pos == -1 ? list(t).get_count() : pos;
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(t), position);
-    if (!removed) return 0;
+    if (!removed) return REFUSED;
     if (write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP)) != 0) return 1;
     // It comes back one place further on than it was.
     gw::list_insert(list(t), position + 1, removed.get());
     return 0;
 }
 
-int GWFontPath::delete_session(int pos) {
-    if (session_display == nullptr) return 0;
+GWFontPath::Outcome GWFontPath::delete_session(int pos) {
+    if (session_display == nullptr) return REFUSED;
     if (list(SESSION_FP).is_empty()) load_session();
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(SESSION_FP), pos);
-    if (!removed) return 0;
+    if (!removed) return REFUSED;
     run_xset("-", removed->get_str());
     return 1;
 }

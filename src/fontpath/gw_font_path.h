@@ -71,15 +71,20 @@ class GWFontPath {
     int write_user_file(const List& append_list, const List& prepend_list) const;
     void load_session();
 
-    int insert_by_type(TYPE t, const GW_STRING* element, int pos);
-    int insert_host(const GW_STRING* element, int pos);
-    int insert_user(TYPE t, const GW_STRING* element, int pos);
-    int insert_session(const GW_STRING* element, int pos);
-    int set_by_type(TYPE t, const List& elements);
-    int delete_by_type(TYPE t, int pos);
-    int delete_host(int pos);
-    int delete_user(TYPE t, int pos);
-    int delete_session(int pos);
+    /// 1 or 0 for a change that was tried; nothing for one that was refused.
+    using Outcome = std::optional<int>;
+    static constexpr Outcome REFUSED = std::nullopt;
+    int finish(Outcome outcome);
+
+    Outcome insert_by_type(TYPE t, const GW_STRING* element, int pos);
+    Outcome insert_host(const GW_STRING* element, int pos);
+    Outcome insert_user(TYPE t, const GW_STRING* element, int pos);
+    Outcome insert_session(const GW_STRING* element, int pos);
+    Outcome set_by_type(TYPE t, const List& elements);
+    Outcome delete_by_type(TYPE t, int pos);
+    Outcome delete_host(int pos);
+    Outcome delete_user(TYPE t, int pos);
+    Outcome delete_session(int pos);
     /// Gives an empty host list copies of the installation's elements; true when it did.
     bool seed_host_list();
     void take_seeds_back();

@@ -3,75 +3,25 @@
 // The font path store with the fixed files of a private installation: these tests run in the sandbox, as the
 // superuser (who edits the configuration) and as an ordinary user (who edits the session and a file of their
 // own).
-#include "fontpath/gw_font_path.h"
-
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <clocale>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "core/gw_file_spec.h"
-#include "support/temp_dir.h"
+#include "font_path_fixture.h"
 
 #include "support/session.h"
 
 namespace {
 
-using gw::test::TempDir;
-using Texts = std::vector<std::string>;
-
-constexpr const char* MAIN_CONFIG = "/usr/vantor/server/etc/VTconfig";
-bool is_root() {
-    return ::geteuid() == 0;
-}
-
-void write(const std::string& path, const std::string& bytes) {
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
-    std::ofstream(path, std::ios::binary) << bytes;
-}
-
-class FontPath : public testing::Test {
-  protected:
-    FontPath() : old_config(TempDir::read_bytes(MAIN_CONFIG)) {
-        ::setenv("HOME", home.path().substr(0, home.path().size() - 1).c_str(), 1);
-    }
-    ~FontPath() override {
-        if (is_root()) {
-            write(MAIN_CONFIG, old_config);
-            std::filesystem::remove_all("/etc/vantor/server");
-        }
-        ::unlink("/tmp/errors");
-    }
-    static Texts elements(GWFontPath& path, int type) {
-        unsigned count = 0;
-        Texts all;
-        for (const GW_STRING* s : *path.get_fpe_list(static_cast<GWFontPath::TYPE>(type), count))
-            all.emplace_back(s->get_str());
-        EXPECT_EQ(count, all.size());
-        return all;
-    }
-    /// A store of an installation of the test's own, whose database holds `value`.
-    std::unique_ptr<GWFontPath> own_store(const std::string& value) {
-        write(own_root() + "/server/etc/VTconfig", "XDISPLAY.0.fontpath:\t" + value + "\n");
-        return std::make_unique<GWFontPath>(own_root().c_str());
-    }
-    [[nodiscard]] std::string own_root() const { return home.file("root"); }
-    [[nodiscard]] std::string own_config() const {
-        return TempDir::read_bytes(own_root() + "/server/etc/VTconfig");
-    }
-    static std::unique_ptr<GWFontPath> main_store() { return std::make_unique<GWFontPath>("/usr/vantor"); }
-
-    TempDir home;
-    std::string old_config;
-};
+using namespace gw::test;
 
 // --- reading
 // -----------------------------------------------------------------------------------------------------------------
@@ -122,8 +72,11 @@ TEST_F(FontPath, AnotherInstallationHasNoHostLocaleOrUserPath) {
 
 TEST_F(FontPath, TheUsersFileIsReadInGroups) {
     if (is_root()) GTEST_SKIP() << "the superuser has no file";
+    const std::string a499 = "/" + std::string(498, 'x');
+    const std::string a500 = a499 + "y";
+    const std::string a501 = a500 + "z";
     const struct {
-        const char* bytes;
+        std::string bytes;
         Texts append;
         Texts prepend;
     } cases[] = {
@@ -133,6 +86,11 @@ TEST_F(FontPath, TheUsersFileIsReadInGroups) {
         {"$HOME/fonts\n  /indented/\n", {home.path() + "fonts", "/indented/"}, {}},
         {"/no newline", {}, {}},
         {"", {}, {}},
+        // 500 characters are what one read takes; what is behind them is neither a line nor the end of one.
+        {a499 + "\n/b/\n", {a499, "/b/"}, {}},
+        {a500 + "\n/b/\n", {a500, "/b/"}, {}},
+        {a501 + "\n/b/\n", {a501, "/b/"}, {}},
+        {"/" + std::string(5000, 'x') + "\n\n/p/\n", {"/" + std::string(5000, 'x')}, {"/p/"}},
     };
     for (const auto& c : cases) {
         home.write(".VTfontpath", c.bytes);
@@ -152,6 +110,34 @@ TEST_F(FontPath, AForeignScratchFileIsNotReadThrough) {
     EXPECT_NE(testing::internal::GetCapturedStderr().find("/tmp/.VTfontpath"), std::string::npos);
     EXPECT_TRUE(elements(*store, GWFontPath::USER_APPEND_FP).empty());
     std::filesystem::remove("/tmp/.VTfontpath");
+}
+
+// The link goes, what it points to stays.
+TEST_F(FontPath, AScratchFileThatIsALinkIsNotWrittenThrough) {
+    if (is_root()) GTEST_SKIP() << "the superuser reads no such file";
+    home.write(".VTfontpath", "/a/\n");
+    home.write("victim", "precious");
+    std::filesystem::create_symlink(home.file("victim"), "/tmp/.VTfontpath");
+    const auto store = main_store();
+    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/a/"});
+    EXPECT_EQ(home.read("victim"), "precious");
+}
+
+// A refusal returns at once; only what gets past it composes the list anew.
+TEST_F(FontPath, ARefusedChangeDoesNotComposeThePath) {
+    if (is_root()) GTEST_SKIP() << "the superuser's path is always composed";
+    ::unsetenv("HOME");
+    const auto store = main_store();
+    const GW_STRING element("/x/");
+    GW_LIST<GW_STRING> list;
+    EXPECT_EQ(store->insert_after_pos(GWFontPath::SESSION_FP, &element, -1), 0);
+    EXPECT_EQ(store->delete_pos(GWFontPath::SESSION_FP, 1), 0);
+    EXPECT_EQ(store->set_font_path(GWFontPath::SESSION_FP, &list), 0);
+    EXPECT_EQ(store->delete_pos(GWFontPath::USER_APPEND_FP, 1), 0);
+    EXPECT_EQ(store->insert_after_pos(GWFontPath::HOST_FP, &element, -1), 0);
+    EXPECT_TRUE(elements(*store, GWFontPath::ALL_FP).empty());
+    EXPECT_EQ(store->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, -1), 0) << "no file to write";
+    EXPECT_EQ(elements(*store, GWFontPath::ALL_FP), elements(*store, GWFontPath::INSTALLATION_FP));
 }
 
 TEST_F(FontPath, WithoutAHomeAnUserHasNoComposedPath) {
@@ -316,6 +302,37 @@ TEST_F(ConfiguredFontPath, AFailedHostWriteLeavesEveryOtherSeed) {
     EXPECT_EQ(elements(*store, GWFontPath::HOST_FP), (Texts{"/b/", "/d/"}));
 }
 
+TEST_F(ConfiguredFontPath, AFailedHostDeletionLeavesEveryOtherSeed) {
+    write(MAIN_CONFIG, "XDISPLAY.0.fontpath:\t/a/,/b/,/c/,/d/\n");
+    const auto store = main_store();
+    std::filesystem::create_directories(HOST_DB);
+    EXPECT_EQ(store->delete_pos(GWFontPath::HOST_FP, 2), 0);
+    EXPECT_EQ(elements(*store, GWFontPath::HOST_FP), (Texts{"/b/", "/d/"}));
+    EXPECT_EQ(elements(*store, GWFontPath::ALL_FP), (Texts{"/b/", "/d/"}));
+}
+
+TEST_F(ConfiguredFontPath, AFailedHostSettingChangesNothing) {
+    write(MAIN_CONFIG, "XDISPLAY.0.fontpath:\t/a/\n");
+    const auto store = main_store();
+    std::filesystem::create_directories(HOST_DB);
+    GW_LIST<GW_STRING> list;
+    const gw::ElementsOwner owner(list);
+    EXPECT_EQ(store->set_font_path(GWFontPath::HOST_FP, &list_of(list, {"/x/"})), 0);
+    EXPECT_EQ(elements(*store, GWFontPath::INSTALLATION_FP), Texts{"/a/"});
+    EXPECT_TRUE(elements(*store, GWFontPath::HOST_FP).empty());
+}
+
+TEST_F(ConfiguredFontPath, StrangeElementsComeBackFromTheDatabase) {
+    const auto store = own_store("/a/");
+    const Texts names = {"/a b/",          "/$(x)/",        "/it's/",    "/\"q/",
+                         "/two\nlines/",   "/back\\slash/", "/caf\xe9/", "/" + std::string(1100, 'x') + "/",
+                         "tcp/server:7100"};
+    GW_LIST<GW_STRING> list;
+    const gw::ElementsOwner owner(list);
+    ASSERT_EQ(store->set_font_path(GWFontPath::INSTALLATION_FP, &list_of(list, names)), 1);
+    EXPECT_EQ(elements(GWFontPath(own_root().c_str()), GWFontPath::INSTALLATION_FP), names);
+}
+
 TEST_F(ConfiguredFontPath, SettingTheHostsPathChangesTheInstallationsList) {
     write(MAIN_CONFIG, "XDISPLAY.0.fontpath:\t/a/\n");
     const auto store = main_store();
@@ -325,100 +342,6 @@ TEST_F(ConfiguredFontPath, SettingTheHostsPathChangesTheInstallationsList) {
     EXPECT_EQ(TempDir::read_bytes(HOST_DB), "XDISPLAY.0.fontpath:\t/x/,/y/\n");
     EXPECT_EQ(elements(*store, GWFontPath::INSTALLATION_FP), (Texts{"/x/", "/y/"}));
     EXPECT_TRUE(elements(*store, GWFontPath::HOST_FP).empty());
-}
-
-// --- the user's file
-// -------------------------------------------------------------------------------------------------------------
-
-class UsersFontPath : public FontPath {
-  protected:
-    void SetUp() override {
-        if (is_root()) GTEST_SKIP() << "the file is an ordinary user's";
-    }
-    [[nodiscard]] std::string file() const { return home.read(".VTfontpath"); }
-};
-
-TEST_F(UsersFontPath, IsWrittenByteForByteWithABackup) {
-    home.write(".VTfontpath", "/a/\n\n/p/\n");
-    const auto store = main_store();
-    const GW_STRING element("/new dir/");
-    EXPECT_EQ(store->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, -1), 1);
-    EXPECT_EQ(file(), "/a/\n/new dir/\n\n/p/\n");
-    EXPECT_EQ(home.read(".VTfontpath.bak"), "/a/\n\n/p/\n");
-    EXPECT_EQ(store->insert_after_pos(GWFontPath::USER_PREPEND_FP, &element, 0), 1);
-    EXPECT_EQ(file(), "/a/\n/new dir/\n\n/new dir/\n/p/\n");
-    EXPECT_EQ(store->delete_pos(GWFontPath::USER_PREPEND_FP, -1), 1);
-    EXPECT_EQ(store->delete_pos(GWFontPath::USER_PREPEND_FP, 1), 1);
-    EXPECT_EQ(file(), "/a/\n/new dir/\n");
-}
-
-TEST_F(UsersFontPath, IsMadeWhenThereIsNone) {
-    const auto store = main_store();
-    EXPECT_EQ(store->is_writeable(GWFontPath::USER_APPEND_FP), 1);
-    const GW_STRING element("/new/");
-    EXPECT_EQ(store->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, 0), 1);
-    EXPECT_EQ(file(), "/new/\n");
-    EXPECT_FALSE(home.exists(".VTfontpath.bak"));
-}
-
-TEST_F(UsersFontPath, WhatWasWrittenReadsBackEqual) {
-    const auto store = main_store();
-    for (const char* text : {"/a/", "/b/"}) {
-        const GW_STRING element(text);
-        store->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, -1);
-        store->insert_after_pos(GWFontPath::USER_PREPEND_FP, &element, -1);
-    }
-    const auto again = main_store();
-    EXPECT_EQ(elements(*again, GWFontPath::USER_APPEND_FP), (Texts{"/a/", "/b/"}));
-    EXPECT_EQ(elements(*again, GWFontPath::USER_PREPEND_FP), (Texts{"/a/", "/b/"}));
-}
-
-TEST_F(UsersFontPath, SettingTheAppendSectionReplacesTheList) {
-    home.write(".VTfontpath", "/a/\n\n/p/\n");
-    const auto store = main_store();
-    GW_LIST<GW_STRING> list;
-    const gw::ElementsOwner owner(list);
-    list.append(new GW_STRING("/x/"));
-    EXPECT_EQ(store->set_font_path(GWFontPath::USER_APPEND_FP, &list), 1);
-    EXPECT_EQ(file(), "/x/\n\n/p/\n");
-    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/x/"});
-}
-
-// A written prepend section leaves the list as it was, a failed one replaces it.
-TEST_F(UsersFontPath, SettingThePrependSectionReplacesTheListOnFailureOnly) {
-    home.write(".VTfontpath", "/a/\n\n/p/\n");
-    const auto store = main_store();
-    GW_LIST<GW_STRING> list;
-    const gw::ElementsOwner owner(list);
-    list.append(new GW_STRING("/x/"));
-    EXPECT_EQ(store->set_font_path(GWFontPath::USER_PREPEND_FP, &list), 1);
-    EXPECT_EQ(file(), "/a/\n\n/x/\n");
-    EXPECT_EQ(elements(*store, GWFontPath::USER_PREPEND_FP), Texts{"/p/"});
-    std::filesystem::remove_all(home.path());
-    EXPECT_EQ(store->set_font_path(GWFontPath::USER_PREPEND_FP, &list), 0);
-    EXPECT_EQ(elements(*store, GWFontPath::USER_PREPEND_FP), Texts{"/x/"});
-}
-
-// A deletion that could not be written puts the element back one place further on.
-TEST_F(UsersFontPath, AFailedDeletionMovesTheElementBack) {
-    home.write(".VTfontpath", "/a/\n/b/\n/c/\n/d/\n");
-    const auto store = main_store();
-    std::filesystem::remove_all(home.path());
-    EXPECT_EQ(store->delete_pos(GWFontPath::USER_APPEND_FP, 1), 0);
-    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), (Texts{"/b/", "/c/", "/a/", "/d/"}));
-    const GW_STRING element("/new/");
-    EXPECT_EQ(store->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, 0), 0);
-    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), (Texts{"/b/", "/c/", "/a/", "/d/"}));
-}
-
-TEST_F(UsersFontPath, AFileThatMayNotBeWrittenIsRefused) {
-    const std::string path = home.write(".VTfontpath", "/a/\n");
-    ::chmod(path.c_str(), 0444);
-    const auto store = main_store();
-    EXPECT_EQ(store->is_writeable(GWFontPath::USER_PREPEND_FP), 0);
-    const GW_STRING element("/new/");
-    EXPECT_EQ(store->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, 0), 0);
-    EXPECT_EQ(file(), "/a/\n");
 }
 
 // --- the session
@@ -461,12 +384,38 @@ TEST_F(SessionFontPath, AnElementGoesToTheServersEndAndStandsTwiceInTheList) {
 TEST_F(SessionFontPath, WhatTheServerRefusesIsTakenBack) {
     const auto store = main_store();
     const Texts before = elements(*store, GWFontPath::SESSION_FP);
-    for (const char* refused : {"/nonexistent/", "/tmp/$(touch oops)/", "/tmp/it's; here/"}) {
+    const std::string longest = "/" + std::string(1100, 'x') + "/";
+    for (const char* refused : {"/nonexistent/", "/tmp/$(touch oops)/", "/tmp/it's; here/", "/two\nlines/",
+                                "tcp/nowhere.invalid:7100", longest.c_str()}) {
         const GW_STRING element(refused);
         EXPECT_EQ(store->insert_after_pos(GWFontPath::SESSION_FP, &element, -1), 0) << refused;
     }
     EXPECT_EQ(elements(*store, GWFontPath::SESSION_FP), before);
     EXPECT_EQ(session.font_path(), before);
+}
+
+// What someone else keeps under the name of the file for complaints is not written into.
+TEST_F(SessionFontPath, WithAForeignFileForComplaintsTheSessionIsLeftAlone) {
+    const auto store = main_store();
+    const Texts before = session.font_path();
+    const GW_STRING element(font_dir("fonts").c_str());
+    std::filesystem::create_directory("/tmp/errors");
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(store->insert_after_pos(GWFontPath::SESSION_FP, &element, -1), 0);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("glyphward: /tmp/errors"), std::string::npos);
+    EXPECT_EQ(session.font_path(), before);
+    EXPECT_EQ(elements(*store, GWFontPath::SESSION_FP), before);
+    std::filesystem::remove("/tmp/errors");
+}
+
+TEST_F(SessionFontPath, AFileForComplaintsThatIsALinkIsNotWrittenThrough) {
+    const auto store = main_store();
+    home.write("victim", "precious");
+    std::filesystem::create_symlink(home.file("victim"), "/tmp/errors");
+    const GW_STRING element("/nonexistent/");
+    EXPECT_EQ(store->insert_after_pos(GWFontPath::SESSION_FP, &element, -1), 0);
+    EXPECT_EQ(home.read("victim"), "precious");
+    EXPECT_FALSE(std::filesystem::is_symlink("/tmp/errors"));
 }
 
 TEST_F(SessionFontPath, ADirectoryWithAStrangeNameWorks) {
