@@ -22,7 +22,8 @@ using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 8;
-constexpr int VALUE_COLUMN = 24;  // hundredths of the width that the labels get
+constexpr std::size_t USUAL_NAME = 60;  // characters that the dialog has room for from the beginning
+constexpr int VALUE_COLUMN = 24;        // hundredths of the width that the labels get
 
 void close_cb(Widget, XtPointer, XtPointer) {
     XtUnmanageChild(wi_attr_dlg);
@@ -55,7 +56,7 @@ void stack(Widget row, Widget above) {
 Widget value_row(Widget parent, const char* label_name, Message text, const char* value_name, Widget above,
                  Widget& label) {
     label = gw::label(parent, label_name, text);
-    Widget value = gw::label(parent, value_name, " ");
+    Widget value = gw::label(parent, value_name, std::string(USUAL_NAME, ' '));
     stack(label, above);
     stack(value, above);
     Attach(label).columns(0, VALUE_COLUMN);
@@ -144,6 +145,8 @@ std::string spacing_word(const char* spacing) {
 
 Widget create_attr_dlg(const char* name, Widget parent) {
     wi_attr_dlg = gw::form_dialog(parent, name, Message::ATTR_TITLE);
+    // It stays up while fonts are selected: it must not change its size with every name.
+    XtVaSetValues(wi_attr_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     Widget font_label = gw::label(wi_attr_dlg, "hrn_label", Message::ATTR_FONT);
     Attach(font_label).top_form(GAP).left_form(GAP);
     wi_font_hrn_name = gw::label(wi_attr_dlg, "hrn_name", " ");

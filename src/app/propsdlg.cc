@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/propsdlg.h"
 
+#include <string>
+
 #include "app/gw_gui_util.h"
 #include "app/rc_sample_text.h"
 #include "app/sample_text_cb.h"
@@ -20,8 +22,19 @@ constexpr short TEXT_COLUMNS = 45;
 
 Widget wi_text = nullptr;
 
+// A field drops the characters that its font lacks: what it shows of the kept text stands for the whole.
+std::string kept_text;
+std::string shown_of_it;
+
 void show_kept_text() {
-    XmTextFieldSetString(wi_text, gw::name_arg(get_rc_sample_text().c_str()));
+    kept_text = get_rc_sample_text();
+    XmTextFieldSetString(wi_text, gw::name_arg(kept_text.c_str()));
+    shown_of_it = gw::field_text(wi_text);
+}
+
+std::string text_to_keep() {
+    std::string text = gw::field_text(wi_text);
+    return text == shown_of_it ? kept_text : text;
 }
 
 void reset_cb(Widget, XtPointer, XtPointer) {
@@ -29,7 +42,7 @@ void reset_cb(Widget, XtPointer, XtPointer) {
 }
 
 void apply_cb(Widget, XtPointer, XtPointer) {
-    set_rc_sample_text(gw::field_text(wi_text).c_str());
+    set_rc_sample_text(text_to_keep().c_str());
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {

@@ -198,6 +198,40 @@ TEST_F(Attributes, LongNamesDoNotStretchTheDialog) {
     EXPECT_EQ(value(wi_font_xlfd_name).size(), 1500U);
 }
 
+TEST_F(Attributes, TheDialogKeepsItsSizeFromFontToFont) {
+    Dimension width = 0;
+    Dimension height = 0;
+    const auto keeps_size = [&] {
+        pump();
+        Dimension now_width = 0;
+        Dimension now_height = 0;
+        XtVaGetValues(XtParent(wi_attr_dlg), XmNwidth, &now_width, XmNheight, &now_height, nullptr);
+        return width == now_width && height == now_height;
+    };
+    const auto note_size = [&] {
+        pump();
+        XtVaGetValues(XtParent(wi_attr_dlg), XmNwidth, &width, XmNheight, &height, nullptr);
+    };
+    const gw::Ref<GWFont> plain(make_bitmap("courier", "120"));
+    show_font_attributes(plain.get(), "/somewhere/");
+    ASSERT_TRUE(pump_until([] { return is_viewable(wi_attr_dlg); }));
+    note_size();
+    const gw::Ref<GWFont> of_usual_length(make_bitmap(std::string(30, 'f'), "120"));
+    show_font_attributes(of_usual_length.get(), std::string(1100, 'd').c_str());
+    EXPECT_TRUE(keeps_size()) << "a font's " << of_usual_length->get_hrn_name();
+    const GWAlias alias(std::string(30, 'a').c_str(), bitmap_xlfd("x", "120", "75").c_str(), "/fonts/");
+    show_alias_attributes(&alias);
+    EXPECT_TRUE(keeps_size()) << "an alias";
+    clear_attributes();
+    EXPECT_TRUE(keeps_size()) << "no values";
+    const gw::Ref<GWFont> named_long(make_bitmap(std::string(90, 'f'), "120"));
+    show_font_attributes(named_long.get(), nullptr);
+    EXPECT_FALSE(keeps_size()) << "a long name is readable";
+    note_size();
+    show_font_attributes(plain.get(), nullptr);
+    EXPECT_TRUE(keeps_size()) << "and the dialog does not shrink";
+}
+
 class Properties : public testing::Test {
   protected:
     void SetUp() override {
@@ -255,6 +289,43 @@ TEST_F(Properties, OkAppliesAndCloses) {
     ASSERT_TRUE(click("ok_button"));
     EXPECT_FALSE(XtIsManaged(wi_props_dlg));
     EXPECT_EQ(sample_text, is_root() ? "Aa Bb Cc Xx Yy Zz 0123456789" : "Final text");
+}
+
+TEST_F(Properties, WhatTheFieldCannotShowIsNotLost) {
+    if (is_root()) GTEST_SKIP() << "for an ordinary user";
+    const std::string bytes = "SampleText:caf\xc3\xa9 \xe6\x97\xa5";
+    home().write(".glyphwdrc", bytes + '\n');
+    ASSERT_TRUE(click("reset_button"));
+    ASSERT_TRUE(click("apply_button"));
+    EXPECT_EQ(home().read(".glyphwdrc"), bytes) << "the field shows " << shown_text(text);
+    type_into(text, "typed");
+    ASSERT_TRUE(click("ok_button"));
+    EXPECT_EQ(home().read(".glyphwdrc"), "SampleText:typed");
+}
+
+TEST_F(Properties, TheKeysOfADialogAreTheButtons) {
+    Widget focus = nullptr;
+    Widget default_button = nullptr;
+    Widget cancel_button = nullptr;
+    XtVaGetValues(wi_props_dlg, XmNinitialFocus, &focus, XmNdefaultButton, &default_button, XmNcancelButton,
+                  &cancel_button, nullptr);
+    EXPECT_EQ(focus, text);
+    EXPECT_EQ(default_button, find(wi_props_dlg, "ok_button"));
+    EXPECT_EQ(cancel_button, find(wi_props_dlg, "cancel_button"));
+    XEvent key = {};
+    key.xkey.type = KeyPress;
+    key.xkey.display = display;
+    key.xkey.window = XtWindow(text);
+    type_into(text, "Not kept");
+    XtCallActionProc(text, "process-cancel", &key, nullptr, 0);
+    EXPECT_FALSE(XtIsManaged(wi_props_dlg));
+    EXPECT_FALSE(home().exists(".glyphwdrc"));
+    start_props_dlg();
+    ASSERT_TRUE(pump_until([] { return is_viewable(wi_props_dlg); }));
+    type_into(text, "Kept");
+    XtCallActionProc(text, "activate", &key, nullptr, 0);
+    EXPECT_FALSE(XtIsManaged(wi_props_dlg));
+    EXPECT_EQ(home().read(".glyphwdrc"), is_root() ? "" : "SampleText:Kept");
 }
 
 TEST_F(Properties, TheCloseBoxCancels) {

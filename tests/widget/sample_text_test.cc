@@ -303,6 +303,56 @@ TEST_F(KeptText, OfAUserIsWrittenWholeAndShown) {
     EXPECT_EQ(get_rc_sample_text(), "brand new");
 }
 
+TEST_F(KeptText, KeepsTheFilesModeAndALinkToIt) {
+    if (is_root()) GTEST_SKIP() << "for an ordinary user";
+    ::chmod(home().write("dotfiles/rc", "SampleText:old\n").c_str(), 0600);
+    ASSERT_EQ(::symlink("dotfiles/rc", home().file(".glyphwdrc").c_str()), 0);
+    EXPECT_EQ(get_rc_sample_text(), "old");
+    EXPECT_EQ(set_rc_sample_text("through the link"), 1);
+    struct stat info {};
+    ASSERT_EQ(::lstat(home().file(".glyphwdrc").c_str(), &info), 0);
+    EXPECT_TRUE(S_ISLNK(info.st_mode));
+    EXPECT_EQ(home().read("dotfiles/rc"), "SampleText:through the link");
+    ASSERT_EQ(::unlink(home().file(".glyphwdrc").c_str()), 0);
+    ::chmod(home().write(".glyphwdrc", "SampleText:old\n").c_str(), 0600);
+    EXPECT_EQ(set_rc_sample_text("new"), 1);
+    ASSERT_EQ(::lstat(home().file(".glyphwdrc").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 07777U, 0600U);
+}
+
+TEST_F(KeptText, WithoutAHomeIsTheSampleTextOfThisRun) {
+    if (is_root()) GTEST_SKIP() << "for an ordinary user";
+    ::unsetenv("HOME");
+    EXPECT_EQ(set_rc_sample_text("homeless"), 1);
+    EXPECT_EQ(sample_text, "homeless");
+    ::setenv("HOME", home().path().substr(0, home().path().size() - 1).c_str(), 1);
+    EXPECT_FALSE(home().exists(".glyphwdrc"));
+}
+
+TEST_F(KeptText, IsNotReadFromAPipe) {
+    ASSERT_EQ(::mkfifo(home().file(".glyphwdrc").c_str(), 0600), 0);
+    EXPECT_EQ(get_rc_sample_text(), DEFAULT_TEXT) << "and nobody waits for a writer";
+}
+
+// A process of its own, for its locale.
+TEST(LongText, EndsWithAWholeCharacter) {
+    if (is_root()) GTEST_SKIP() << "for an ordinary user";
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            ::setenv("LC_ALL", "C.UTF-8", 1);
+            start_at_home();
+            const std::string full(SAMPLE_TEXT_LIMIT - 1, 'a');
+            if (set_rc_sample_text((full + "\xc3\xa9").c_str()) != 1 || sample_text != full) std::_Exit(2);
+            if (set_rc_sample_text((full + "aa").c_str()) != 1 || sample_text != full + "a") std::_Exit(3);
+            const std::string broken(SAMPLE_TEXT_LIMIT + 5, '\xff');
+            if (set_rc_sample_text(broken.c_str()) != 1 || sample_text.size() != SAMPLE_TEXT_LIMIT)
+                std::_Exit(4);
+            std::_Exit(0);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
 TEST_F(KeptText, ThatCannotBeWrittenChangesNothing) {
     if (is_root()) GTEST_SKIP() << "for an ordinary user";
     sample_text = DEFAULT_TEXT;
