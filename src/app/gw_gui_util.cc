@@ -89,6 +89,10 @@ Widget managed(Widget w) {
     return w;
 }
 
+void name_windows_cb(Widget dialog, XtPointer, XtPointer) {
+    name_windows(dialog);
+}
+
 }  // namespace
 
 Widget form(Widget parent, const char* name) {
@@ -102,6 +106,7 @@ Widget form_dialog(Widget parent, const char* name, Message title) {
     Widget dialog = XmCreateFormDialog(parent, name_arg(name), args, 2);
     set_window_title(dialog, text_of(title));
     XtAddCallback(dialog, XmNmapCallback, popup_cb, nullptr);
+    XtAddCallback(dialog, XmNmapCallback, name_windows_cb, nullptr);
     return dialog;
 }
 
@@ -180,6 +185,19 @@ const Attach& Attach::columns(int left, int right) const {
     XtVaSetValues(w_, XmNleftAttachment, XmATTACH_POSITION, XmNleftPosition, left, XmNrightAttachment,
                   XmATTACH_POSITION, XmNrightPosition, right, nullptr);
     return *this;
+}
+
+void name_windows(Widget w) {
+    if (!XtIsComposite(w)) return;
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(w, XmNchildren, &children, XmNnumChildren, &count, nullptr);
+    for (Cardinal i = 0; i < count; ++i) {
+        Widget child = children[i];
+        if (!XtIsWidget(child) || !XtIsRealized(child)) continue;  // a gadget has no window of its own
+        XStoreName(XtDisplay(child), XtWindow(child), XtName(child));
+        name_windows(child);
+    }
 }
 
 void on_close_box(Widget dialog, XtCallbackProc callback) {

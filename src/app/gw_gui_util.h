@@ -127,6 +127,10 @@ void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
     Function(w, static_cast<Record*>(client_data), call_data);
 }
 
+/// Gives the window of every widget below `w` the widget's name, for those who look from outside: with
+/// `xwininfo -tree` the parts of a window can be told apart, and `xdotool` finds them.
+void name_windows(Widget w);
+
 /// The window manager's close box of a dialog (or of the main window) runs `callback`, which should do what
 /// Cancel or Close does.
 void on_close_box(Widget dialog, XtCallbackProc callback);

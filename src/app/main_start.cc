@@ -107,6 +107,7 @@ void build_program() {
     if (uid == 0) user_is_root = 1;
     stop_init_dlg();
     XtRealizeWidget(wi_toplevel);
+    gw::name_windows(wi_toplevel);
 }
 
 int gw_main(int argc, char** argv) {
