@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <memory>
 #include <stdexcept>
+#include <thread>
 
 #include "end_to_end/waiting.h"
 
@@ -68,6 +69,10 @@ Window Desktop::window_titled(const std::string& title) const {
     return find_titled(DefaultRootWindow(display_), title);
 }
 
+Window Desktop::part_named(Window window, const std::string& name) const {
+    return window != 0 ? find_titled(window, name) : 0;
+}
+
 bool Desktop::appears(const std::string& title) const {
     return wait_until([&] { return is_visible(title); });
 }
@@ -86,22 +91,6 @@ Rectangle Desktop::place_of(Window window) const {
     return {x, y, attributes.width, attributes.height};
 }
 
-void Desktop::collect_leaves(Window window, std::vector<Leaf>& out) const {
-    bool is_leaf = true;
-    for (const Window child : children_of(display_, window)) {
-        if (!is_viewable(display_, child)) continue;
-        is_leaf = false;
-        collect_leaves(child, out);
-    }
-    if (is_leaf) out.push_back({window, place_of(window)});
-}
-
-std::vector<Leaf> Desktop::leaves(Window window) const {
-    std::vector<Leaf> all;
-    collect_leaves(window, all);
-    return all;
-}
-
 bool Desktop::has_keyboard(Window window) const {
     Window focus = 0;
     int revert = 0;
@@ -111,6 +100,27 @@ bool Desktop::has_keyboard(Window window) const {
         if (has_keyboard(child)) return true;
     }
     return false;
+}
+
+// Menus are what the window manager is not to manage. It has such a window of its own, off the screen.
+bool Desktop::has_menu() const {
+    const std::vector<Window> windows = children_of(display_, DefaultRootWindow(display_));
+    return std::any_of(windows.begin(), windows.end(), [this](Window window) {
+        XWindowAttributes attributes{};
+        return XGetWindowAttributes(display_, window, &attributes) != 0 &&
+               attributes.map_state == IsViewable && attributes.override_redirect == True &&
+               attributes.c_class == InputOutput && attributes.x < WidthOfScreen(attributes.screen);
+    });
+}
+
+bool Desktop::menu_appears() const {
+    return wait_until([this] { return has_menu(); }, 2);
+}
+
+void Desktop::dismiss_menu() const {
+    if (!has_menu()) return;
+    key("Escape");
+    wait_until([this] { return !has_menu(); }, 2);
 }
 
 void Desktop::press(unsigned code, bool down) const {
@@ -124,6 +134,7 @@ unsigned Desktop::keycode(const char* name) const {
 }
 
 void Desktop::click(Window window, int x, int y, const char* modifier) const {
+    std::this_thread::sleep_until(last_click_ + 2 * DOUBLE_CLICK);
     const Rectangle place = place_of(window);
     XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + x, place.y + y, CurrentTime);
     if (modifier != nullptr) press(keycode(modifier), true);
@@ -131,6 +142,7 @@ void Desktop::click(Window window, int x, int y, const char* modifier) const {
     XTestFakeButtonEvent(display_, Button1, False, CurrentTime);
     if (modifier != nullptr) press(keycode(modifier), false);
     XSync(display_, False);
+    last_click_ = std::chrono::steady_clock::now();
 }
 
 void Desktop::click_middle(Window window) const {

@@ -4,6 +4,7 @@
 // Nothing here knows the program.
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -19,11 +20,9 @@ struct Rectangle {
     int height;
 };
 
-/// A window without visible children of its own.
-struct Leaf {
-    Window window;
-    Rectangle place;
-};
+/// Clicks that are closer together than this are a double click. An option menu that is clicked stays open
+/// when the button is let go within this time.
+inline constexpr std::chrono::milliseconds DOUBLE_CLICK{50};
 
 class Desktop {
   public:
@@ -35,15 +34,22 @@ class Desktop {
     /// The visible window with exactly that title; 0 when there is none (yet).
     [[nodiscard]] Window window_titled(const std::string& title) const;
     [[nodiscard]] bool is_visible(const std::string& title) const { return window_titled(title) != 0; }
+    /// The visible window somewhere inside `window` that has this name; 0 when there is none (yet).
+    [[nodiscard]] Window part_named(Window window, const std::string& name) const;
     /// Waits for the window to appear (be gone); false when it does not.
     [[nodiscard]] bool appears(const std::string& title) const;
     [[nodiscard]] bool disappears(const std::string& title) const;
-    /// The visible windows inside `window` that have none of their own, in no order.
-    [[nodiscard]] std::vector<Leaf> leaves(Window window) const;
     [[nodiscard]] Rectangle place_of(Window window) const;
     [[nodiscard]] bool has_keyboard(Window window) const;
+    /// Whether a menu is posted.
+    [[nodiscard]] bool has_menu() const;
+    /// Waits for a menu to be posted; false when there is none within two seconds.
+    [[nodiscard]] bool menu_appears() const;
+    /// Takes away a menu that is still posted.
+    void dismiss_menu() const;
 
-    /// Clicks in the window; `modifier` is a key that is held meanwhile ("Control_L"), or null.
+    /// Clicks in the window, not as a double click with the click before; `modifier` is a key that is held
+    /// meanwhile ("Control_L"), or null.
     void click(Window window, int x, int y, const char* modifier = nullptr) const;
     void click_middle(Window window) const;
     /// Presses a key by its name ("Down"), or two at once ("Alt_L", "f").
@@ -63,11 +69,11 @@ class Desktop {
 
   private:
     [[nodiscard]] Window find_titled(Window below, const std::string& title) const;
-    void collect_leaves(Window window, std::vector<Leaf>& out) const;
     void press(unsigned keycode, bool down) const;
     [[nodiscard]] unsigned keycode(const char* name) const;
 
     Display* display_;
+    mutable std::chrono::steady_clock::time_point last_click_;
 };
 
 }  // namespace gw::e2e

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "end_to_end/main_window.h"
 
-#include <algorithm>
-
 #include "end_to_end/waiting.h"
 
 namespace gw::e2e {
@@ -14,67 +12,39 @@ constexpr int FIRST_LINE = 12;
 constexpr int FIELD_BORDER = 5;
 constexpr int CURSOR_WIDTH = 12;  // of the insertion cursor at the left of an empty field
 
-int area(const Leaf& leaf) {
-    return leaf.place.width * leaf.place.height;
-}
-
 }  // namespace
 
 MainWindow::MainWindow(Desktop& desktop) : desktop_(desktop) {
     wait_until([this] { return identify(); });
 }
 
-// From top to bottom: menu bar, title, list (the largest), sample field, the row of the option menus, disk
-// space, two buttons.
 bool MainWindow::identify() {
     window = desktop_.window_titled(TITLE);
-    if (window == 0) return false;
-    std::vector<Leaf> leaves = desktop_.leaves(window);
-    if (leaves.size() < 10) return false;
-    const Leaf largest = *std::max_element(leaves.begin(), leaves.end(),
-                                           [](const Leaf& a, const Leaf& b) { return area(a) < area(b); });
-    const int list_bottom = largest.place.y + largest.place.height;
-    std::erase_if(leaves, [&](const Leaf& leaf) { return leaf.place.y < list_bottom + 15; });
-    const auto field = std::max_element(leaves.begin(), leaves.end(),
-                                        [](const Leaf& a, const Leaf& b) { return area(a) < area(b); });
-    if (field == leaves.end() || field->place.width < 400) return false;
-    const int field_bottom = field->place.y + field->place.height;
-    sample_field = field->window;
-
-    std::vector<Leaf> row;
-    std::vector<Leaf> buttons;
-    for (const Leaf& leaf : leaves) {
-        if (leaf.place.y < field_bottom) continue;
-        if (leaf.place.y < field_bottom + 45 && leaf.place.height > 8) row.push_back(leaf);
-        if (leaf.place.y > field_bottom + 60 && leaf.place.width > 100 && leaf.place.height > 15 &&
-            leaf.place.width < 400) {
-            buttons.push_back(leaf);
-        }
-    }
-    const auto by_x = [](const Leaf& a, const Leaf& b) { return a.place.x < b.place.x; };
-    std::sort(row.begin(), row.end(), by_x);
-    std::erase_if(buttons, [&](const Leaf& leaf) { return leaf.place.y < field_bottom + 80; });
-    std::sort(buttons.begin(), buttons.end(), by_x);
-    if (row.size() != 4 || buttons.size() < 2) return false;
-    size_menu = row[1].window;
-    res_menu = row[3].window;
-    delete_button = buttons[0].window;
-    attributes_button = buttons[1].window;
-    list = largest.window;
-    return true;
+    const auto part = [this](const char* name) { return desktop_.part_named(window, name); };
+    list = part("_hrn_list");
+    sample_field = part("_sample_textfield");
+    size_menu = part("_size_option_menu");
+    res_menu = part("_res_option_menu");
+    delete_button = part("_delete_button");
+    attributes_button = part("_attributes_button1");
+    return is_there();
 }
 
 void MainWindow::click_line(int line, const char* modifier) const {
     desktop_.click(list, 60, FIRST_LINE + line * LINE_HEIGHT, modifier);
 }
 
+// A key that comes before the menu is there goes to the list.
 void MainWindow::choose(const char* menu_key, const char* entry_key) const {
+    desktop_.dismiss_menu();
     desktop_.key("Alt_L", menu_key);
-    desktop_.key(entry_key);
+    if (desktop_.menu_appears()) desktop_.key(entry_key);
 }
 
 void MainWindow::choose_above(Window option_menu, int steps) const {
+    desktop_.dismiss_menu();
     desktop_.click_middle(option_menu);
+    if (!desktop_.menu_appears()) return;
     for (int i = 0; i < steps; ++i) desktop_.key("Up");
     desktop_.key("Return");
 }

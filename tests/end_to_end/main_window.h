@@ -1,11 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Where the parts of the main window are. Its widgets have windows of their own but no names that can be seen
-// from outside: they are told apart by size and place, and this knowledge stands here alone.
+// The main window as its user knows it: its parts, and what is done with them.
 #pragma once
-
-#include <string>
-#include <vector>
 
 #include "end_to_end/desktop.h"
 
@@ -15,13 +11,13 @@ class MainWindow {
   public:
     static constexpr const char* TITLE = "Glyph Warden";
 
-    /// Waits for the window to be there with its list drawn.
+    /// Waits for the window to be there with its parts.
     explicit MainWindow(Desktop& desktop);
 
-    [[nodiscard]] bool is_there() const { return window != 0 && list != 0; }
+    [[nodiscard]] bool is_there() const { return window != 0 && attributes_button != 0; }
     /// Clicks the visible line of the list, 0 on top.
     void click_line(int line, const char* modifier = nullptr) const;
-    /// Opens a menu by its mnemonic and chooses an entry by its own.
+    /// Opens a menu by its mnemonic and chooses an entry by its own; nothing when the menu does not appear.
     void choose(const char* menu_key, const char* entry_key) const;
     /// Opens an option menu, goes `steps` entries up and takes that one.
     void choose_above(Window option_menu, int steps) const;

@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 
+#include "end_to_end/desktop.h"
 #include "end_to_end/waiting.h"
 
 namespace gw::e2e {
@@ -20,9 +21,11 @@ constexpr const char* INSTALLED_PROGRAM = "/usr/vantor/bin/glyphward";
 
 Program::Program(const std::map<std::string, std::optional<std::string>>& environment,
                  const std::vector<std::string>& arguments) {
-    // Clicks that follow each other quickly are clicks and no double clicks.
-    std::vector<std::string> command = {INSTALLED_PROGRAM, "-xrm", "*multiClickTime: 1"};
+    std::vector<std::string> command = {INSTALLED_PROGRAM, "-xrm",
+                                        "*multiClickTime: " + std::to_string(DOUBLE_CLICK.count())};
     command.insert(command.end(), arguments.begin(), arguments.end());
+    // Where its dialogs, which stand in the middle of the screen, leave the beginning of its list free.
+    command.insert(command.end(), {"-geometry", "+0+0"});
     const std::string error_file = scratch_.file("errors");
     pid_ = ::fork();
     if (pid_ != 0) return;
