@@ -19,10 +19,10 @@
 #include <Xm/MessageB.h>
 #include <Xm/RowColumn.h>
 
-Widget wi_main_window = nullptr;
+Widget wi_mainwindow = nullptr;
 Widget wi_hrn_list = nullptr;
-Widget wi_sample_textfield = nullptr;
-Widget wi_status_message = nullptr;
+Widget wi_installed_sample_textfield = nullptr;
+Widget wi_main_window_status_label = nullptr;
 
 namespace {
 
@@ -136,7 +136,7 @@ void create_font_list(Widget parent) {
     Attach(title).top_form(GAP).left_form(GAP);
     wi_hrn_list = gw::scrolled_list(parent, "_hrn_list");
     XtVaSetValues(wi_hrn_list, XmNvisibleItemCount, VISIBLE_NAMES, nullptr);
-    wi_sample_textfield = gw::text_field(parent, "_sample_textfield");
+    wi_installed_sample_textfield = gw::text_field(parent, "_sample_textfield");
 
     Widget size_label = gw::label(parent, "_size_option_label", Message::SIZE_LABEL);
     size_option_menu = gw::option_menu(parent, "_size_option_menu", "sizeMenu", "8");
@@ -149,8 +149,8 @@ void create_font_list(Widget parent) {
     Attach(size_option_menu.menu).right_of(size_label, 0).bottom_form(GAP);
     Attach(res_label).right_of(size_option_menu.menu, 3 * GAP).bottom_form(GAP + 7);
     Attach(res_option_menu.menu).right_of(res_label, 0).bottom_form(GAP);
-    Attach(wi_sample_textfield).sides(GAP).above(size_option_menu.menu, GAP);
-    Attach(XtParent(wi_hrn_list)).below(title, 2).sides(GAP).above(wi_sample_textfield, GAP);
+    Attach(wi_installed_sample_textfield).sides(GAP).above(size_option_menu.menu, GAP);
+    Attach(XtParent(wi_hrn_list)).below(title, 2).sides(GAP).above(wi_installed_sample_textfield, GAP);
 }
 
 void create_disk_space_line(Widget parent, Widget below) {
@@ -186,7 +186,7 @@ Widget create_work_area(Widget main_window) {
 // -----------------------------------------------------------------------------------------------------------------
 
 void clear_status_label_cb(Widget, XtPointer, XtPointer) {
-    update_label(wi_status_message, " ", nullptr);
+    update_label(wi_main_window_status_label, " ", nullptr);
 }
 
 void activate_delete(bool on) {
@@ -268,7 +268,7 @@ void props_dlg_cb(Widget, XtPointer, XtPointer) {
 
 void set_installed_sample_text_cb_struct() {
     installed_sample = {};
-    installed_sample.sample_field = wi_sample_textfield;
+    installed_sample.sample_field = wi_installed_sample_textfield;
     installed_sample.size_menu = size_option_menu.menu;
     installed_sample.res_menu = res_option_menu.menu;
     installed_sample.res_pulldown = res_option_menu.pulldown;
@@ -305,12 +305,12 @@ void attach_callbacks() {
     XtAddCallback(wi_attributes_button, XmNactivateCallback, attr_dlg_cb, nullptr);
     XtAddCallback(wi_exit_entry, XmNactivateCallback, exit_btn_cb, nullptr);
     XtAddCallback(wi_properties_entry, XmNactivateCallback, props_dlg_cb, nullptr);
-    XtAddCallback(wi_sample_textfield, XmNvalueChangedCallback, set_sample_text_cb, nullptr);
+    XtAddCallback(wi_installed_sample_textfield, XmNvalueChangedCallback, set_sample_text_cb, nullptr);
     add_selection_callback(gw::thunk<sample_text_cb_struct, hrn_list_sample_cb>, &installed_sample);
     add_selection_callback(clear_status_label_cb, nullptr);
     add_selection_callback(hrn_list_deactivate_cb, &installed_sample);
     add_selection_callback(calc_disk_space_cb, nullptr);
-    gw::on_close_box(wi_main_window, exit_btn_cb);
+    gw::on_close_box(wi_mainwindow, exit_btn_cb);
 
     update_wi_installed_hrn_list();
     init_sample_text_cb_module();
@@ -330,15 +330,15 @@ void exit_btn_cb(Widget, XtPointer, XtPointer) {
 }
 
 void create_font_admin_main_window() {
-    wi_main_window = XmCreateMainWindow(wi_toplevel, gw::name_arg("mainWindow"), nullptr, 0);
+    wi_mainwindow = XmCreateMainWindow(wi_toplevel, gw::name_arg("mainWindow"), nullptr, 0);
     XtVaSetValues(wi_toplevel, XmNtitle, gw::text_of(Message::MAIN_TITLE), XmNiconName,
                   gw::text_of(Message::MAIN_TITLE), nullptr);
-    Widget menu_bar = create_menu_bar(wi_main_window);
-    Widget work_area = create_work_area(wi_main_window);
-    wi_status_message = gw::label(wi_main_window, "_status_message", " ");
-    XtVaSetValues(wi_main_window, XmNmenuBar, menu_bar, XmNworkWindow, work_area, XmNmessageWindow,
-                  wi_status_message, nullptr);
+    Widget menu_bar = create_menu_bar(wi_mainwindow);
+    Widget work_area = create_work_area(wi_mainwindow);
+    wi_main_window_status_label = gw::label(wi_mainwindow, "_status_message", " ");
+    XtVaSetValues(wi_mainwindow, XmNmenuBar, menu_bar, XmNworkWindow, work_area, XmNmessageWindow,
+                  wi_main_window_status_label, nullptr);
     attach_callbacks();
-    XtManageChild(wi_main_window);
+    XtManageChild(wi_mainwindow);
     XmProcessTraversal(wi_hrn_list, XmTRAVERSE_CURRENT);
 }

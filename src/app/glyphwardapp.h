@@ -7,10 +7,10 @@
 #include <X11/Intrinsic.h>
 
 // Null until the window has been created.
-extern Widget wi_main_window;
+extern Widget wi_mainwindow;
 extern Widget wi_hrn_list;
-extern Widget wi_sample_textfield;
-extern Widget wi_status_message;
+extern Widget wi_installed_sample_textfield;
+extern Widget wi_main_window_status_label;
 
 namespace gw {
 

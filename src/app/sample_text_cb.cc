@@ -127,7 +127,7 @@ class BusyWindows {
 
   private:
     static void show(int on) {
-        for (Widget w : {wi_main_window, wi_attr_dlg}) set_watch_cursor(w, on);
+        for (Widget w : {wi_mainwindow, wi_attr_dlg}) set_watch_cursor(w, on);
     }
     static inline int depth = 0;
     static inline std::vector<Widget> retired;
@@ -329,7 +329,7 @@ void init_sample_text_cb_module() {
 int set_rc_sample_text(const char* text) {
     if (write_rc_sample_text(text) == 0) return 0;
     sample_text = bounded_sample(text);
-    if (is_one_selected_in_main_list()) put_text(wi_sample_textfield, sample_text);
+    if (is_one_selected_in_main_list()) put_text(wi_installed_sample_textfield, sample_text);
     return 1;
 }
 
@@ -391,8 +391,8 @@ void set_sample_text_cb(Widget field, XtPointer /*client_data*/, XtPointer call_
     // A change without an event is the program's own.
     if (change == nullptr || change->event == nullptr) return;
     sample_text = bounded_sample(gw::field_text(field));
-    if (field != wi_sample_textfield && is_one_selected_in_main_list()) {
-        put_text(wi_sample_textfield, sample_text);
+    if (field != wi_installed_sample_textfield && is_one_selected_in_main_list()) {
+        put_text(wi_installed_sample_textfield, sample_text);
     }
 }
 

@@ -96,7 +96,7 @@ class MainWindowTest : public testing::Test {
 
     /// Makes the window anew, as start-up would for the present resources and user.
     void remake() {
-        XtDestroyWidget(wi_main_window);
+        XtDestroyWidget(wi_mainwindow);
         gw::test::pump();
         create_font_admin_main_window();
         gw::test::pump();
@@ -108,14 +108,14 @@ class MainWindowTest : public testing::Test {
         remake();
     }
 
-    static std::string disk_space() { return gw::label_of(find(wi_main_window, "_disk_space_val")); }
+    static std::string disk_space() { return gw::label_of(find(wi_mainwindow, "_disk_space_val")); }
     static std::string kilobytes(std::initializer_list<unsigned> positions) {
         unsigned sum = 0;
         for (const unsigned position : positions) sum += the_installed_hrn_list.get_disk_space(position);
         return std::to_string(sum) + " Kbytes";
     }
     static bool is_sensitive(const char* name) {
-        Widget widget = find(wi_main_window, name);
+        Widget widget = find(wi_mainwindow, name);
         EXPECT_NE(widget, nullptr) << name;
         return widget != nullptr && XtIsSensitive(widget) != False;
     }
@@ -188,13 +188,13 @@ TEST_F(MainWindowTest, HasEveryWidgetWithItsClassParentAndText) {
         {"_command_form._attributes_button1", xmPushButtonWidgetClass, "_command_form", "Attributes..."},
         {"_status_message", xmLabelWidgetClass, "mainWindow", " "},
     };
-    EXPECT_EQ(XtName(wi_main_window), std::string("mainWindow"));
-    EXPECT_EQ(XtClass(wi_main_window), xmMainWindowWidgetClass);
-    EXPECT_EQ(XtParent(wi_main_window), wi_toplevel);
-    EXPECT_EQ(gw::test::title_of(wi_main_window), "Glyph Warden");
+    EXPECT_EQ(XtName(wi_mainwindow), std::string("mainWindow"));
+    EXPECT_EQ(XtClass(wi_mainwindow), xmMainWindowWidgetClass);
+    EXPECT_EQ(XtParent(wi_mainwindow), wi_toplevel);
+    EXPECT_EQ(gw::test::title_of(wi_mainwindow), "Glyph Warden");
     for (const Row& row : ROWS) {
         SCOPED_TRACE(row.path);
-        Widget widget = find(wi_main_window, row.path);
+        Widget widget = find(wi_mainwindow, row.path);
         ASSERT_NE(widget, nullptr);
         EXPECT_EQ(XtClass(widget), row.kind) << "it is of another class";
         if (row.parent != nullptr) {
@@ -204,7 +204,7 @@ TEST_F(MainWindowTest, HasEveryWidgetWithItsClassParentAndText) {
             EXPECT_EQ(gw::label_of(widget), row.text);
         }
     }
-    EXPECT_EQ(get_constraint_widget(wi_hrn_list, find(wi_main_window, "FontListTemplate")),
+    EXPECT_EQ(get_constraint_widget(wi_hrn_list, find(wi_mainwindow, "FontListTemplate")),
               XtParent(wi_hrn_list));
 }
 
@@ -227,16 +227,16 @@ TEST_F(MainWindowTest, TheMenusHaveTheirEntriesInOrder) {
     Gw_resrc.fontset_support = True;
     Gw_resrc.printer_support = True;
     remake();
-    EXPECT_THAT(managed_names(find(wi_main_window, "menuBar")),
+    EXPECT_THAT(managed_names(find(wi_mainwindow, "menuBar")),
                 ElementsAre("_fonts_cascade", "_options_cascade", "_printer_cascade", "_help_cascade"));
-    EXPECT_THAT(managed_names(find(wi_main_window, "_fonts_pulldown")),
+    EXPECT_THAT(managed_names(find(wi_mainwindow, "_fonts_pulldown")),
                 ElementsAre("_delete_button", "_install_dlg_button", "_attributes_dlg_button", "separator",
                             "_exit_button"));
-    EXPECT_THAT(managed_names(find(wi_main_window, "_options_pulldown")),
+    EXPECT_THAT(managed_names(find(wi_mainwindow, "_options_pulldown")),
                 ElementsAre("_modify_fp_dlg_button", "_fontsets_dlg_button", "_properties_dlg_button"));
-    EXPECT_THAT(managed_names(find(wi_main_window, "_printer_pulldown")),
+    EXPECT_THAT(managed_names(find(wi_mainwindow, "_printer_pulldown")),
                 ElementsAre("_pr_install_dlg_button", "_pr_delete_dlg_button", "_pr_modify_fp_dlg_button"));
-    EXPECT_THAT(managed_names(find(wi_main_window, "_help_pulldown")),
+    EXPECT_THAT(managed_names(find(wi_mainwindow, "_help_pulldown")),
                 ElementsAre("_help_dlg_button", "_about_dlg_button"));
 }
 
@@ -244,7 +244,7 @@ TEST_F(MainWindowTest, EveryEntryHasAMnemonicOfItsOwn) {
     for (const char* menu :
          {"menuBar", "_fonts_pulldown", "_options_pulldown", "_printer_pulldown", "_help_pulldown"}) {
         std::set<KeySym> seen;
-        for (Widget entry : children_of(find(wi_main_window, menu))) {
+        for (Widget entry : children_of(find(wi_mainwindow, menu))) {
             if (XtClass(entry) == xmSeparatorWidgetClass) continue;
             KeySym mnemonic = NoSymbol;
             XtVaGetValues(entry, XmNmnemonic, &mnemonic, nullptr);
@@ -261,28 +261,28 @@ TEST_F(MainWindowTest, EveryEntryHasAMnemonicOfItsOwn) {
 TEST_F(MainWindowTest, EveryCascadeOpensItsMenu) {
     for (const char* menu : {"fonts", "options", "printer", "help"}) {
         Widget opened = nullptr;
-        XtVaGetValues(find(wi_main_window, std::string("_") + menu + "_cascade"), XmNsubMenuId, &opened,
+        XtVaGetValues(find(wi_mainwindow, std::string("_") + menu + "_cascade"), XmNsubMenuId, &opened,
                       nullptr);
-        EXPECT_EQ(opened, find(wi_main_window, std::string("_") + menu + "_pulldown")) << menu;
+        EXPECT_EQ(opened, find(wi_mainwindow, std::string("_") + menu + "_pulldown")) << menu;
     }
 }
 
 TEST_F(MainWindowTest, WithoutTheirResourcesThePrinterMenuAndTheFontsetsEntryAreAbsent) {
-    EXPECT_FALSE(XtIsManaged(find(wi_main_window, "_printer_cascade")));
-    EXPECT_FALSE(XtIsManaged(find(wi_main_window, "_fontsets_dlg_button")));
-    EXPECT_THAT(managed_names(find(wi_main_window, "_printer_pulldown")), ElementsAre());
+    EXPECT_FALSE(XtIsManaged(find(wi_mainwindow, "_printer_cascade")));
+    EXPECT_FALSE(XtIsManaged(find(wi_mainwindow, "_fontsets_dlg_button")));
+    EXPECT_THAT(managed_names(find(wi_mainwindow, "_printer_pulldown")), ElementsAre());
 }
 
 TEST_F(MainWindowTest, EachResourceBringsItsOwn) {
     Gw_resrc.fontset_support = True;
     remake();
-    EXPECT_TRUE(XtIsManaged(find(wi_main_window, "_fontsets_dlg_button")));
-    EXPECT_FALSE(XtIsManaged(find(wi_main_window, "_printer_cascade")));
+    EXPECT_TRUE(XtIsManaged(find(wi_mainwindow, "_fontsets_dlg_button")));
+    EXPECT_FALSE(XtIsManaged(find(wi_mainwindow, "_printer_cascade")));
     Gw_resrc.fontset_support = False;
     Gw_resrc.printer_support = True;
     remake();
-    EXPECT_FALSE(XtIsManaged(find(wi_main_window, "_fontsets_dlg_button")));
-    EXPECT_TRUE(XtIsManaged(find(wi_main_window, "_printer_cascade")));
+    EXPECT_FALSE(XtIsManaged(find(wi_mainwindow, "_fontsets_dlg_button")));
+    EXPECT_TRUE(XtIsManaged(find(wi_mainwindow, "_printer_cascade")));
 }
 
 // --- the list
@@ -313,10 +313,10 @@ TEST_F(MainWindowTest, ANewWindowSelectsNothingAndOffersNothing) {
                              "_size_option_menu", "_res_option_menu"}) {
         EXPECT_FALSE(is_sensitive(name)) << name;
     }
-    EXPECT_THAT(gw::test::choices(find(wi_main_window, "sizeMenu")), ElementsAre("8"));
-    EXPECT_THAT(gw::test::choices(find(wi_main_window, "resMenu")), ElementsAre("75 X 75"));
-    EXPECT_EQ(gw::test::chosen(find(wi_main_window, "_size_option_menu")), "8");
-    EXPECT_EQ(gw::test::chosen(find(wi_main_window, "_res_option_menu")), "75 X 75");
+    EXPECT_THAT(gw::test::choices(find(wi_mainwindow, "sizeMenu")), ElementsAre("8"));
+    EXPECT_THAT(gw::test::choices(find(wi_mainwindow, "resMenu")), ElementsAre("75 X 75"));
+    EXPECT_EQ(gw::test::chosen(find(wi_mainwindow, "_size_option_menu")), "8");
+    EXPECT_EQ(gw::test::chosen(find(wi_mainwindow, "_res_option_menu")), "75 X 75");
     unsigned char policy = 0;
     XtVaGetValues(wi_hrn_list, XmNselectionPolicy, &policy, nullptr);
     EXPECT_EQ(policy, XmEXTENDED_SELECT);
@@ -331,7 +331,7 @@ TEST_F(MainWindowTest, NothingIsInstalled) {
     select(wi_hrn_list, {});
     EXPECT_EQ(disk_space(), "0 Kbytes");
     EXPECT_FALSE(is_sensitive("_attributes_button1"));
-    XtCallCallbacks(find(wi_main_window, "_attributes_button1"), XmNactivateCallback, nullptr);
+    XtCallCallbacks(find(wi_mainwindow, "_attributes_button1"), XmNactivateCallback, nullptr);
     EXPECT_EQ(is_attr_dlg_displayed(), 0);
 }
 
@@ -368,7 +368,7 @@ TEST_F(MainWindowTest, AttributesAreForExactlyOneEntry) {
 
 TEST_F(MainWindowTest, DeleteIsForAnySelectionOnceThereIsSomethingBehindIt) {
     for (const char* name : {"_fonts_pulldown._delete_button", "_command_form._delete_button"}) {
-        Widget control = find(wi_main_window, name);
+        Widget control = find(wi_mainwindow, name);
         const bool acts = XtHasCallbacks(control, XmNactivateCallback) == XtCallbackHasSome;
         select(wi_hrn_list, {});
         EXPECT_FALSE(is_sensitive(name)) << name;
@@ -388,7 +388,7 @@ TEST_F(MainWindowTest, WhatDoesNothingIsInsensitive) {
         int seen = 0;
         for (const char* menu : {"_fonts_pulldown", "_options_pulldown", "_printer_pulldown",
                                  "_help_pulldown", "_command_form"}) {
-            for (Widget entry : children_of(find(wi_main_window, menu))) {
+            for (Widget entry : children_of(find(wi_mainwindow, menu))) {
                 if (XtClass(entry) != xmPushButtonWidgetClass) continue;
                 ++seen;
                 if (XtHasCallbacks(entry, XmNactivateCallback) != XtCallbackHasSome) {
@@ -407,13 +407,13 @@ TEST_F(MainWindowTest, TheSuperuserCannotSetTheSampleText) {
     remake_for_user(ORDINARY_UID);
     EXPECT_TRUE(is_sensitive("_properties_dlg_button"));
     EXPECT_FALSE(XtIsManaged(wi_props_dlg));
-    EXPECT_TRUE(press(find(wi_main_window, "_properties_dlg_button")));
+    EXPECT_TRUE(press(find(wi_mainwindow, "_properties_dlg_button")));
     EXPECT_TRUE(XtIsManaged(wi_props_dlg));
 }
 
 TEST_F(MainWindowTest, AnOrdinaryUserIsToldThatOnlyRootCanModifyTheFontPath) {
     remake_for_user(ORDINARY_UID);
-    Widget entry = find(wi_main_window, "_modify_fp_dlg_button");
+    Widget entry = find(wi_mainwindow, "_modify_fp_dlg_button");
     ASSERT_TRUE(press(entry));
     Widget dialog = find(wi_toplevel, "info dlg");
     ASSERT_NE(dialog, nullptr);
@@ -473,7 +473,7 @@ TEST_F(MainWindowTest, AliasesTakeNoSpace) {
 TEST_F(MainWindowTest, AttributesShowsTheSelectedFont) {
     for (const char* control : {"_fonts_pulldown._attributes_dlg_button", "_attributes_button1"}) {
         select(wi_hrn_list, {2});
-        ASSERT_TRUE(press(find(wi_main_window, control))) << control;
+        ASSERT_TRUE(press(find(wi_mainwindow, control))) << control;
         EXPECT_EQ(is_attr_dlg_displayed(), 1) << control;
         EXPECT_EQ(value("hrn_name"), the_installed_hrn_list.get_elem_at_pos(2)->get_name()) << control;
         EXPECT_EQ(value("_font_loc_scroll*loc_name"), dir_.path()) << control;
@@ -485,19 +485,19 @@ TEST_F(MainWindowTest, AttributesShowsTheSelectedFont) {
 // From the last font on, a position counts as that of an alias, one too far down the list.
 TEST_F(MainWindowTest, AttributesTakesTheLastFontForTheFirstAlias) {
     select(wi_hrn_list, {FONTS});
-    ASSERT_TRUE(press(find(wi_main_window, "_attributes_button1")));
+    ASSERT_TRUE(press(find(wi_mainwindow, "_attributes_button1")));
     EXPECT_EQ(value("alias_name"), the_alias_list.get_elem_at_pos(1)->get_hrn_name());
     EXPECT_EQ(value("_alias_xlfd_scroll*xlfd_name"), the_alias_list.get_elem_at_pos(1)->get_alias_name());
 }
 
 TEST_F(MainWindowTest, AttributesTakesAnAliasForTheNext) {
     select(wi_hrn_list, {FONTS + 1});
-    ASSERT_TRUE(press(find(wi_main_window, "_attributes_button1")));
+    ASSERT_TRUE(press(find(wi_mainwindow, "_attributes_button1")));
     EXPECT_EQ(value("alias_name"), the_alias_list.get_elem_at_pos(2)->get_hrn_name());
     press(find(wi_attr_dlg, "close_button"));
     // Behind the last alias there is none.
     select(wi_hrn_list, {FONTS + ALIASES});
-    ASSERT_TRUE(press(find(wi_main_window, "_attributes_button1")));
+    ASSERT_TRUE(press(find(wi_mainwindow, "_attributes_button1")));
     EXPECT_EQ(is_attr_dlg_displayed(), 0);
 }
 
@@ -505,10 +505,10 @@ TEST_F(MainWindowTest, AttributesTakesAnAliasForTheNext) {
 // -----------------------------------------------------------------------------------------------
 
 TEST_F(MainWindowTest, EverySelectionClearsTheStatusLine) {
-    update_label(wi_status_message, "3 fonts installed", nullptr);
-    EXPECT_EQ(gw::label_of(wi_status_message), "3 fonts installed");
+    update_label(wi_main_window_status_label, "3 fonts installed", nullptr);
+    EXPECT_EQ(gw::label_of(wi_main_window_status_label), "3 fonts installed");
     select(wi_hrn_list, {1});
-    EXPECT_EQ(gw::label_of(wi_status_message), " ");
+    EXPECT_EQ(gw::label_of(wi_main_window_status_label), " ");
 }
 
 // --- layout
@@ -537,14 +537,14 @@ Box box_of(Widget widget) {
     XtTranslateCoords(widget, 0, 0, &x, &y);
     Position left = 0;
     Position top = 0;
-    XtTranslateCoords(wi_main_window, 0, 0, &left, &top);
+    XtTranslateCoords(wi_mainwindow, 0, 0, &left, &top);
     return {x - left, y - top, x - left + width_of(widget), y - top + height_of(widget)};
 }
 
 /// Every managed widget of the window's forms lies within its form, and none covers another.
 void expect_tidy() {
     for (const char* name : {"form", "FontListTemplate", "_command_form"}) {
-        Widget form = find(wi_main_window, name);
+        Widget form = find(wi_mainwindow, name);
         const Box outer = box_of(form);
         std::vector<Widget> children;
         for (Widget child : children_of(form)) {
@@ -570,35 +570,35 @@ void resize(int width, int height) {
     XResizeWindow(display, XtWindow(wi_toplevel), static_cast<unsigned>(width),
                   static_cast<unsigned>(height));
     ASSERT_TRUE(gw::test::pump_until(
-        [&] { return width_of(wi_main_window) == width && height_of(wi_main_window) == height; }));
+        [&] { return width_of(wi_mainwindow) == width && height_of(wi_mainwindow) == height; }));
 }
 
 TEST_F(MainWindowTest, FitsTheScreenAndIsInOrder) {
-    EXPECT_EQ(width_of(wi_main_window), 650);
-    EXPECT_LE(height_of(wi_main_window), 700);
-    EXPECT_EQ(height_of(wi_sample_textfield), 60);
+    EXPECT_EQ(width_of(wi_mainwindow), 650);
+    EXPECT_LE(height_of(wi_mainwindow), 700);
+    EXPECT_EQ(height_of(wi_installed_sample_textfield), 60);
     expect_tidy();
     const char* const DOWN[] = {"menuBar",           "_fontlist_label", "_hrn_list",     "_sample_textfield",
                                 "_size_option_menu", "_disk_space_val", "_command_form", "_status_message"};
     int above = 0;
     for (const char* name : DOWN) {
-        const Box box = box_of(find(wi_main_window, name));
+        const Box box = box_of(find(wi_mainwindow, name));
         EXPECT_GE(box.top, above) << name;
         above = box.bottom;
     }
 }
 
 TEST_F(MainWindowTest, OnlyTheListGrowsWithTheWindow) {
-    const int width = width_of(wi_main_window);
-    const int height = height_of(wi_main_window);
+    const int width = width_of(wi_mainwindow);
+    const int height = height_of(wi_mainwindow);
     const int list_height = height_of(wi_hrn_list);
     resize(width + 200, height + 120);
     EXPECT_EQ(height_of(wi_hrn_list), list_height + 120);
-    EXPECT_EQ(height_of(wi_sample_textfield), 60);
+    EXPECT_EQ(height_of(wi_installed_sample_textfield), 60);
     expect_tidy();
     resize(width - 100, height - 150);
     EXPECT_EQ(height_of(wi_hrn_list), list_height - 150);
-    EXPECT_EQ(height_of(wi_sample_textfield), 60);
+    EXPECT_EQ(height_of(wi_installed_sample_textfield), 60);
     expect_tidy();
     resize(width, height);
     EXPECT_EQ(height_of(wi_hrn_list), list_height);
@@ -608,17 +608,17 @@ TEST_F(MainWindowTest, OnlyTheListGrowsWithTheWindow) {
 TEST_F(MainWindowTest, SelectionsDoNotMoveAnything) {
     fill_program_lists();
     update_wi_installed_hrn_list();
-    const Box field = box_of(wi_sample_textfield);
-    const int height = height_of(wi_main_window);
+    const Box field = box_of(wi_installed_sample_textfield);
+    const int height = height_of(wi_mainwindow);
     const int count = static_cast<int>(gw::test::items(wi_hrn_list).size());
     std::set<std::string> samples;
     for (int position = 1; position <= count; position += 1 + count / 100) {
         select(wi_hrn_list, {position});
-        samples.insert(gw::test::shown_text(wi_sample_textfield));
-        const Box now = box_of(wi_sample_textfield);
+        samples.insert(gw::test::shown_text(wi_installed_sample_textfield));
+        const Box now = box_of(wi_installed_sample_textfield);
         EXPECT_EQ(now.top, field.top) << position;
         EXPECT_EQ(now.bottom, field.bottom) << position;
-        EXPECT_EQ(height_of(wi_main_window), height) << position;
+        EXPECT_EQ(height_of(wi_mainwindow), height) << position;
         expect_tidy();
     }
     EXPECT_TRUE(samples.contains("Aa Bb Cc Xx Yy Zz 0123456789")) << "no font was shown at all";

@@ -46,7 +46,7 @@ class Hazards : public testing::Test {
         size_menu = find(wi_toplevel, "_size_option_menu");
         res_menu = find(wi_toplevel, "_res_option_menu");
         select(wi_hrn_list, {outline_position()});
-        ASSERT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
+        ASSERT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
     }
     void TearDown() override { select(wi_hrn_list, {}); }
     Widget size_menu = nullptr;
@@ -136,13 +136,13 @@ TEST_F(Hazards, AFontThatTheServerListsAndCannotOpenLeavesTheFieldEmpty) {
     served.serve();
     for (const auto& c : cases) {
         select(wi_hrn_list, {outline_position()});
-        ASSERT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT) << c.family;
+        ASSERT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT) << c.family;
         const gw::Ref<GWFont> font(make_bitmap(c.family, "120"));
         {
             const LeaksOfXlib leaks;
-            display_text_in_font(wi_sample_textfield, font.get(), "120", DEFAULT_TEXT);
+            display_text_in_font(wi_installed_sample_textfield, font.get(), "120", DEFAULT_TEXT);
         }
-        EXPECT_EQ(shown_text(wi_sample_textfield), "") << c.family;
+        EXPECT_EQ(shown_text(wi_installed_sample_textfield), "") << c.family;
         EXPECT_EQ(sample_text, DEFAULT_TEXT) << c.family;
     }
 }
@@ -180,11 +180,11 @@ TEST_F(Hazards, ACommaIsPartOfTheName) {
     served.dir.write("fonts.alias", "\"a,b\" -adobe-courier-medium-r-normal--12-120-75-75-m-70-iso8859-1\n");
     served.serve();
     const GWAlias alias("a,b", "-adobe-courier-medium-r-normal--12-120-75-75-m-70-iso8859-1", "/");
-    display_text_in_alias(wi_sample_textfield, &alias, DEFAULT_TEXT);
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
+    display_text_in_alias(wi_installed_sample_textfield, &alias, DEFAULT_TEXT);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
     const GWAlias two_names("nosuchfont,fixed", "fixed", "/");
-    display_text_in_alias(wi_sample_textfield, &two_names, DEFAULT_TEXT);
-    EXPECT_EQ(shown_text(wi_sample_textfield), "") << "not the font behind the comma";
+    display_text_in_alias(wi_installed_sample_textfield, &two_names, DEFAULT_TEXT);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "") << "not the font behind the comma";
 }
 
 TEST_F(Hazards, ANameThatIsNoneLeavesTheFieldEmpty) {
@@ -193,14 +193,15 @@ TEST_F(Hazards, ANameThatIsNoneLeavesTheFieldEmpty) {
           std::string(15, '-'), std::string(256, 'n'), std::string(1791, 'n'),
           std::string(8, '-') + std::string(1700, 'n'), std::string(300, ','), std::string("%s%n$()`\n\t\""),
           std::string("caf\xc3\xa9 \xe9\xff")}) {
-        display_text_in_alias(wi_sample_textfield, the_alias_list.get_elem_at_pos(1), DEFAULT_TEXT);
+        display_text_in_alias(wi_installed_sample_textfield, the_alias_list.get_elem_at_pos(1), DEFAULT_TEXT);
         const GWAlias alias(name.c_str(), "fixed", "/");
-        display_text_in_alias(wi_sample_textfield, &alias, DEFAULT_TEXT);
-        EXPECT_EQ(shown_text(wi_sample_textfield), "") << name.substr(0, 40) << " of " << name.size();
+        display_text_in_alias(wi_installed_sample_textfield, &alias, DEFAULT_TEXT);
+        EXPECT_EQ(shown_text(wi_installed_sample_textfield), "")
+            << name.substr(0, 40) << " of " << name.size();
     }
     const gw::Ref<GWFont> font(make_outline(std::string(1700, 'f')));
-    display_text_in_font(wi_sample_textfield, font.get(), "240", DEFAULT_TEXT);
-    EXPECT_EQ(shown_text(wi_sample_textfield), "");
+    display_text_in_font(wi_installed_sample_textfield, font.get(), "240", DEFAULT_TEXT);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
 }
 
 // --- events that are served in between
@@ -250,7 +251,7 @@ TEST_F(Hazards, TheLastOfSeveralSelectionsIsShown) {
         const Meanwhile meanwhile([] { select(wi_hrn_list, {1, 2}); });
         select(wi_hrn_list, {outline_position()});
     }
-    EXPECT_EQ(shown_text(wi_sample_textfield), "");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
     EXPECT_EQ(gw::label_of(wi_font_xlfd_name), "");
     press(find(wi_attr_dlg, "close_button"));
 }
@@ -263,16 +264,16 @@ TEST_F(Hazards, ATextThatChangesMeanwhileIsSafe) {
         sample_text.shrink_to_fit();
     });
     select(wi_hrn_list, {outline_position()});
-    const std::string shown = shown_text(wi_sample_textfield);
+    const std::string shown = shown_text(wi_installed_sample_textfield);
     EXPECT_TRUE(shown == "short" || shown == std::string(500, 'x')) << shown;
 }
 
 TEST_F(Hazards, AnAliasThatGoesMeanwhileIsSafe) {
     auto alias = std::make_unique<GWAlias>("fixed", "fixed", "/");
     const Meanwhile meanwhile([&] { alias.reset(); });
-    display_text_in_alias(wi_sample_textfield, alias.get(), DEFAULT_TEXT);
+    display_text_in_alias(wi_installed_sample_textfield, alias.get(), DEFAULT_TEXT);
     EXPECT_EQ(alias, nullptr);
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
 }
 
 // The toolkit goes on using a button when its callback returns.
@@ -318,7 +319,7 @@ class OtherNames {
     OtherNames() { record.hrn_list = &names; }
     sample_text_cb_struct& show() {
         update_wi_hrn_list(wi_hrn_list, names);
-        record.sample_field = wi_sample_textfield;
+        record.sample_field = wi_installed_sample_textfield;
         record.size_menu = find(wi_toplevel, "_size_option_menu");
         record.res_menu = find(wi_toplevel, "_res_option_menu");
         record.size_pulldown = pulldown_of(record.size_menu);
@@ -356,7 +357,7 @@ TEST_F(Hazards, ASizeOfTenthsOfAPointKeepsItsResolutions) {
     other.select(1);
     EXPECT_EQ(choices(pulldown_of(size_menu)), Texts{"24"});
     EXPECT_EQ(choices(pulldown_of(res_menu)), Texts{"75 X 75"});
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
 }
 
 TEST_F(Hazards, ASizeWithoutFontsLeavesTheFieldEmpty) {
@@ -368,7 +369,7 @@ TEST_F(Hazards, ASizeWithoutFontsLeavesTheFieldEmpty) {
     other.show();
     other.select(1);
     EXPECT_EQ(choices(pulldown_of(size_menu)), (Texts{"10", "14"}));
-    EXPECT_EQ(shown_text(wi_sample_textfield), "");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
     EXPECT_FALSE(XtIsSensitive(res_menu));
     EXPECT_NE(chosen(res_menu), "") << "the menu never points at a button that is gone";
 }
@@ -380,7 +381,7 @@ TEST_F(Hazards, ABitmapFontWithoutXlfdNameIsShown) {
     other.select(1);
     EXPECT_EQ(choices(pulldown_of(size_menu)), Texts{"0"});
     EXPECT_EQ(choices(pulldown_of(res_menu)), Texts{"0"});
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
 }
 
 TEST_F(Hazards, APositionWithoutAnEntryShowsNothing) {
@@ -390,7 +391,7 @@ TEST_F(Hazards, APositionWithoutAnEntryShowsNothing) {
     for (int i = 0; i < the_alias_count; ++i)
         XmListAddItemUnselected(wi_hrn_list, gw::xm_text("alias").get(), 1);
     other.select(the_alias_count + 1);
-    EXPECT_EQ(shown_text(wi_sample_textfield), "");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
 }
 
 // --- locales
@@ -414,7 +415,7 @@ TEST_P(TextInLocale, OfAnyBytesIsShownWithoutHarm) {
                 select(wi_hrn_list, {bitmap_position()});
                 select(wi_hrn_list, {symbol_position()});
                 if (sample_text != text) std::_Exit(2);
-                type_into(wi_sample_textfield, text);
+                type_into(wi_installed_sample_textfield, text);
                 if (sample_text.size() > SAMPLE_TEXT_LIMIT) std::_Exit(3);
             }
             std::_Exit(0);
@@ -432,12 +433,12 @@ TEST_P(TextInLocale, OfKanjiIsShownInAKanjiFontOfAUnicodeLocale) {
                 [](const GWHRNElement& elem) { return has_charset(elem, "jisx0208.1983", "0"); });
             if (position == 0) std::_Exit(4);
             select(wi_hrn_list, {position});
-            if (!shown_text(wi_sample_textfield).empty()) std::_Exit(5);
+            if (!shown_text(wi_installed_sample_textfield).empty()) std::_Exit(5);
             sample_text = "\xe6\x97\xa5\xe6\x9c\xac";
             select(wi_hrn_list, {});
             select(wi_hrn_list, {position});
-            const bool drawn =
-                shown_text(wi_sample_textfield) == sample_text && ink(wi_sample_textfield) > 20;
+            const bool drawn = shown_text(wi_installed_sample_textfield) == sample_text &&
+                               ink(wi_installed_sample_textfield) > 20;
             const bool expected = std::string(GetParam()).ends_with("UTF-8");
             std::_Exit(drawn == expected ? 0 : 6);
         },

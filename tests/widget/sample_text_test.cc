@@ -56,8 +56,8 @@ TEST_F(Sample, AnOutlineFontOffersSixSizesAndShowsTheLargest) {
     EXPECT_TRUE(XtIsSensitive(size_menu));
     EXPECT_EQ(choices(pulldown(res_menu)), Texts{"75 X 75"});
     EXPECT_FALSE(XtIsSensitive(res_menu));
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
-    EXPECT_GT(ink(wi_sample_textfield), 100);
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
+    EXPECT_GT(ink(wi_installed_sample_textfield), 100);
 }
 
 TEST_F(Sample, ABitmapFontOffersItsOwnSizesAndResolutions) {
@@ -77,22 +77,22 @@ TEST_F(Sample, ABitmapFontOffersItsOwnSizesAndResolutions) {
     EXPECT_TRUE(XtIsSensitive(res_menu));
     EXPECT_EQ(choices(pulldown(res_menu)), (Texts{"75 X 75", "100 X 100"}));
     EXPECT_EQ(chosen(res_menu), "100 X 100") << "the last";
-    EXPECT_GT(ink(wi_sample_textfield), 100);
+    EXPECT_GT(ink(wi_installed_sample_textfield), 100);
 }
 
 TEST_F(Sample, ChoosingASizeOrAResolutionDrawsAnew) {
     select(wi_hrn_list, {bitmap_position()});
     pump();
-    const int largest = ink(wi_sample_textfield);
+    const int largest = ink(wi_installed_sample_textfield);
     ASSERT_TRUE(choose(size_menu, "10"));
     pump();
     EXPECT_EQ(chosen(res_menu), "100 X 100");
-    const int small = ink(wi_sample_textfield);
+    const int small = ink(wi_installed_sample_textfield);
     EXPECT_GT(small, 50);
     EXPECT_NE(small, largest);
     ASSERT_TRUE(choose(res_menu, "75 X 75"));
     pump();
-    EXPECT_NE(ink(wi_sample_textfield), small);
+    EXPECT_NE(ink(wi_installed_sample_textfield), small);
 }
 
 TEST_F(Sample, ManyFontsInTurnKeepTheWindowAsItIs) {
@@ -100,7 +100,7 @@ TEST_F(Sample, ManyFontsInTurnKeepTheWindowAsItIs) {
     Dimension height = 0;
     Dimension field_height = 0;
     XtVaGetValues(wi_toplevel, XmNwidth, &width, XmNheight, &height, nullptr);
-    XtVaGetValues(wi_sample_textfield, XmNheight, &field_height, nullptr);
+    XtVaGetValues(wi_installed_sample_textfield, XmNheight, &field_height, nullptr);
     for (int position = 1; position < the_installed_hrn_count; position += 37) {
         select(wi_hrn_list, {position});
         pump();
@@ -108,7 +108,7 @@ TEST_F(Sample, ManyFontsInTurnKeepTheWindowAsItIs) {
         Dimension now_height = 0;
         Dimension now_field = 0;
         XtVaGetValues(wi_toplevel, XmNwidth, &now_width, XmNheight, &now_height, nullptr);
-        XtVaGetValues(wi_sample_textfield, XmNheight, &now_field, nullptr);
+        XtVaGetValues(wi_installed_sample_textfield, XmNheight, &now_field, nullptr);
         ASSERT_EQ(now_width, width) << position;
         ASSERT_EQ(now_height, height) << position;
         ASSERT_EQ(now_field, field_height) << position;
@@ -122,11 +122,12 @@ TEST_F(Sample, AFontThatNoFontSetCanBeMadeOfLeavesTheFieldEmpty) {
     pump();
     select(wi_hrn_list, {position});
     pump();
-    EXPECT_EQ(shown_text(wi_sample_textfield), "");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
     EXPECT_EQ(sample_text, DEFAULT_TEXT);
     select(wi_hrn_list, {outline_position()});
     pump();
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT) << "the text is there again with the next font";
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT)
+        << "the text is there again with the next font";
 }
 
 TEST_F(Sample, AnAliasHasNoChoices) {
@@ -140,8 +141,8 @@ TEST_F(Sample, AnAliasHasNoChoices) {
     pump();
     EXPECT_FALSE(XtIsSensitive(size_menu));
     EXPECT_FALSE(XtIsSensitive(res_menu));
-    EXPECT_TRUE(XtIsSensitive(wi_sample_textfield));
-    EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT);
+    EXPECT_TRUE(XtIsSensitive(wi_installed_sample_textfield));
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
 }
 
 TEST_F(Sample, SeveralOrNoSelectedFontsShowNone) {
@@ -154,8 +155,9 @@ TEST_F(Sample, SeveralOrNoSelectedFontsShowNone) {
             select(wi_hrn_list, {});
         }
         pump();
-        EXPECT_EQ(shown_text(wi_sample_textfield), "");
-        for (Widget w : {wi_sample_textfield, size_menu, res_menu}) EXPECT_FALSE(XtIsSensitive(w)) << several;
+        EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
+        for (Widget w : {wi_installed_sample_textfield, size_menu, res_menu})
+            EXPECT_FALSE(XtIsSensitive(w)) << several;
         EXPECT_EQ(sample_text, DEFAULT_TEXT);
     }
 }
@@ -163,25 +165,25 @@ TEST_F(Sample, SeveralOrNoSelectedFontsShowNone) {
 TEST_F(Sample, WhatTheUserTypesBecomesTheSampleText) {
     select(wi_hrn_list, {outline_position()});
     pump();
-    type_into(wi_sample_textfield, "Hamburgefonts");
+    type_into(wi_installed_sample_textfield, "Hamburgefonts");
     pump();
     EXPECT_EQ(sample_text, "Hamburgefonts");
     select(wi_hrn_list, {bitmap_position()});
     pump();
-    EXPECT_EQ(shown_text(wi_sample_textfield), "Hamburgefonts");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "Hamburgefonts");
 }
 
 TEST_F(Sample, WhatTheProgramShowsDoesNot) {
-    XmTextFieldSetString(wi_sample_textfield, gw::name_arg("by the program"));
+    XmTextFieldSetString(wi_installed_sample_textfield, gw::name_arg("by the program"));
     EXPECT_EQ(sample_text, DEFAULT_TEXT);
-    clear_sample_textfield(wi_sample_textfield);
+    clear_sample_textfield(wi_installed_sample_textfield);
     EXPECT_EQ(sample_text, DEFAULT_TEXT);
 }
 
 TEST_F(Sample, ALongTextIsBounded) {
     select(wi_hrn_list, {outline_position()});
     pump();
-    type_into(wi_sample_textfield, std::string(5000, 'x'));
+    type_into(wi_installed_sample_textfield, std::string(5000, 'x'));
     EXPECT_EQ(sample_text.size(), 1000U);
 }
 
@@ -191,25 +193,25 @@ TEST_F(Sample, CallbacksSurviveASelectionThatHasJustGone) {
     XmListDeselectAllItems(wi_hrn_list);
     EXPECT_TRUE(choose(size_menu, "10"));
     EXPECT_TRUE(choose(res_menu, "75 X 75"));
-    set_sample_text_cb(wi_sample_textfield, nullptr, nullptr);
+    set_sample_text_cb(wi_installed_sample_textfield, nullptr, nullptr);
     XtCallCallbacks(wi_hrn_list, XmNextendedSelectionCallback, nullptr);
     pump();
-    EXPECT_EQ(shown_text(wi_sample_textfield), "");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
 }
 
 TEST_F(Sample, AListWithoutMenusShowsOneSize) {
     sample_text_cb_struct record;
-    record.sample_field = wi_sample_textfield;
+    record.sample_field = wi_installed_sample_textfield;
     record.list = wi_hrn_list;
     record.hrn_list = &the_installed_hrn_list;
     for (const int position : {outline_position(), bitmap_position()}) {
         XmListDeselectAllItems(wi_hrn_list);
         XmListSelectPos(wi_hrn_list, position, False);
-        clear_sample_textfield(wi_sample_textfield);
+        clear_sample_textfield(wi_installed_sample_textfield);
         hrn_list_sample_cb(wi_hrn_list, &record, nullptr);
         pump();
-        EXPECT_EQ(shown_text(wi_sample_textfield), DEFAULT_TEXT) << position;
-        EXPECT_GT(ink(wi_sample_textfield), 100) << position;
+        EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT) << position;
+        EXPECT_GT(ink(wi_installed_sample_textfield), 100) << position;
     }
 }
 
@@ -220,13 +222,13 @@ TEST_F(Sample, ErrorsOfOpeningAFontEndQuietly) {
 }
 
 TEST_F(Sample, LabelsAreMadeOfTwoTextsAndBounded) {
-    update_label(wi_status_message, "one ", "two");
-    EXPECT_EQ(gw::label_of(wi_status_message), "one two");
-    update_label(wi_status_message, nullptr, nullptr);
-    EXPECT_EQ(gw::label_of(wi_status_message), "");
-    update_label(wi_status_message, std::string(9000, 'x').c_str(), std::string(9000, 'y').c_str());
-    EXPECT_EQ(gw::label_of(wi_status_message).size(), 9999U);
-    update_label(wi_status_message, " ", nullptr);
+    update_label(wi_main_window_status_label, "one ", "two");
+    EXPECT_EQ(gw::label_of(wi_main_window_status_label), "one two");
+    update_label(wi_main_window_status_label, nullptr, nullptr);
+    EXPECT_EQ(gw::label_of(wi_main_window_status_label), "");
+    update_label(wi_main_window_status_label, std::string(9000, 'x').c_str(), std::string(9000, 'y').c_str());
+    EXPECT_EQ(gw::label_of(wi_main_window_status_label).size(), 9999U);
+    update_label(wi_main_window_status_label, " ", nullptr);
 }
 
 TEST_F(Sample, TheListShowsFontsAndThenAliases) {
@@ -299,7 +301,7 @@ TEST_F(KeptText, OfAUserIsWrittenWholeAndShown) {
     EXPECT_EQ(set_rc_sample_text("brand new"), 1);
     EXPECT_EQ(home().read(".glyphwdrc"), "SampleText:brand new");
     EXPECT_EQ(sample_text, "brand new");
-    EXPECT_EQ(shown_text(wi_sample_textfield), "brand new");
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "brand new");
     EXPECT_EQ(get_rc_sample_text(), "brand new");
 }
 
@@ -383,11 +385,11 @@ TEST_P(InLocale, ALatinFontIsDrawnAndASymbolFontIsNot) {
             start_at_home();
             select(wi_hrn_list, {outline_position()});
             pump();
-            const bool drawn =
-                shown_text(wi_sample_textfield) == DEFAULT_TEXT && ink(wi_sample_textfield) > 100;
+            const bool drawn = shown_text(wi_installed_sample_textfield) == DEFAULT_TEXT &&
+                               ink(wi_installed_sample_textfield) > 100;
             select(wi_hrn_list, {symbol_position()});
             pump();
-            const bool empty = shown_text(wi_sample_textfield).empty();
+            const bool empty = shown_text(wi_installed_sample_textfield).empty();
             std::_Exit(drawn ? empty ? 0 : 3 : 2);
         },
         testing::ExitedWithCode(0), "");

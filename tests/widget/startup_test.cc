@@ -114,7 +114,7 @@ Start observe_start() {
     seen.width = attributes.width;
     seen.height = attributes.height;
     seen.lists_were_read = the_font_path != nullptr || !the_installed_hrn_list.is_empty();
-    seen.window_existed = wi_main_window != nullptr;
+    seen.window_existed = wi_mainwindow != nullptr;
     seen.root_before_the_end = user_is_root;
     gw::test::finish_start();
     return seen;
@@ -254,8 +254,8 @@ TEST(UtilityTest, TheBusyCursorLeavesAWidgetAloneThatIsNotManaged) {
     set_watch_cursor(wi_init_dlg, 0);
     set_watch_cursor(nullptr, 1);
     EXPECT_EQ(gw::test::cursor_changes().size(), before);
-    set_watch_cursor(wi_main_window, 1);
-    set_watch_cursor(wi_main_window, 0);
+    set_watch_cursor(wi_mainwindow, 1);
+    set_watch_cursor(wi_mainwindow, 0);
     ASSERT_EQ(gw::test::cursor_changes().size(), before + 2);
     EXPECT_EQ(gw::test::cursor_changes()[before].cursor, watch_cursor);
     EXPECT_EQ(gw::test::cursor_changes()[before + 1].cursor, 0U);
@@ -263,10 +263,10 @@ TEST(UtilityTest, TheBusyCursorLeavesAWidgetAloneThatIsNotManaged) {
 
 TEST(UtilityTest, TheConstraintWidgetIsTheChildThatHoldsAnother) {
     start();
-    Widget font_list = XtParent(wi_sample_textfield);
-    EXPECT_EQ(get_constraint_widget(wi_sample_textfield, font_list), wi_sample_textfield);
+    Widget font_list = XtParent(wi_installed_sample_textfield);
+    EXPECT_EQ(get_constraint_widget(wi_installed_sample_textfield, font_list), wi_installed_sample_textfield);
     EXPECT_EQ(get_constraint_widget(wi_hrn_list, font_list), XtParent(wi_hrn_list));
-    EXPECT_EQ(get_constraint_widget(wi_hrn_list, wi_toplevel), wi_main_window);
+    EXPECT_EQ(get_constraint_widget(wi_hrn_list, wi_toplevel), wi_mainwindow);
     EXPECT_EQ(get_constraint_widget(wi_toplevel, wi_hrn_list), nullptr);
     EXPECT_EQ(get_constraint_widget(nullptr, wi_hrn_list), nullptr);
 }
@@ -332,7 +332,7 @@ TEST_F(OwnProcessDeathTest, WithoutAResourceFileTheBuiltInListHolds) {
             KeySym mnemonic = NoSymbol;
             XtVaGetValues(gw::test::find(wi_toplevel, "_exit_button"), XmNmnemonic, &mnemonic, nullptr);
             Dimension height = 0;
-            XtVaGetValues(wi_sample_textfield, XmNheight, &height, nullptr);
+            XtVaGetValues(wi_installed_sample_textfield, XmNheight, &height, nullptr);
             std::fprintf(stderr, "%c %d\n", static_cast<int>(mnemonic), height);
             exit_btn_cb(nullptr, nullptr, nullptr);
         },
