@@ -7,7 +7,6 @@
 
 #include <string>
 
-#include "platform/media_manager.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -147,11 +146,6 @@ TEST(ConfigDb, DoesNotFollowDirectivesInTheFile) {
     dir.write("secret", "XDISPLAY.0.fontpath:\t/secret/\n");
     EXPECT_EQ(font_path_in(dir.write("VTconfig", "#include \"" + dir.file("secret") + "\"\nA.b.c: d\n")),
               "(none)");
-}
-
-TEST(MediaManager, IsNotRunning) {
-    EXPECT_EQ(media_manager_running(), 0);
-    EXPECT_EQ(media_manager_check(), 0);
 }
 
 }  // namespace

@@ -1,0 +1,90 @@
+// SPDX-License-Identifier: MIT
+//
+// A message bus and a removable-media service of a test's own, for the code that asks the host's. A program
+// finds the bus through DBUS_SYSTEM_BUS_ADDRESS; both end with the test.
+#pragma once
+
+#include <sys/types.h>
+
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "support/temp_dir.h"
+
+struct sd_bus;
+struct sd_bus_message;
+
+namespace gw::test {
+
+/// A dbus-daemon, with its socket and its configuration in a directory of its own.
+class PrivateBus {
+  public:
+    /// Starts the bus; it is ready for connections then. With an `activation` command (as in a .service file)
+    /// the bus can start the media service by running it.
+    explicit PrivateBus(const std::string& activation = {});
+    ~PrivateBus();
+    PrivateBus(const PrivateBus&) = delete;
+    PrivateBus& operator=(const PrivateBus&) = delete;
+
+    [[nodiscard]] const std::string& address() const { return address_; }
+
+  private:
+    TempDir dir_;
+    pid_t pid_ = -1;
+    std::string address_;
+};
+
+/// While it lives, this process and those that it starts find the system bus at another address.
+class SystemBusAddress {
+  public:
+    explicit SystemBusAddress(const std::string& address);
+    ~SystemBusAddress();
+    SystemBusAddress(const SystemBusAddress&) = delete;
+    SystemBusAddress& operator=(const SystemBusAddress&) = delete;
+};
+
+/// The media service: a thread that lists drives as UDisks2 does. It starts with none.
+class MediaService {
+  public:
+    enum class Answer {
+        OBJECTS,       ///< the drives and their block devices
+        SILENCE,       ///< none, ever
+        REFUSAL,       ///< an error
+        ANOTHER_TYPE,  ///< a text instead of a dictionary
+        OTHER_VALUES,  ///< the drives, but no property has the type that it should have
+    };
+
+    /// Takes the service's name on the bus at `address`.
+    explicit MediaService(const std::string& address);
+    ~MediaService();
+    MediaService(const MediaService&) = delete;
+    MediaService& operator=(const MediaService&) = delete;
+
+    /// Adds an empty drive of the block device /dev/`name`. A fixed disk is `removable` = false.
+    void add_drive(const std::string& name, bool removable = true);
+    void insert_medium(const std::string& name);
+    void remove_medium(const std::string& name);
+    void set_answer(Answer answer) { answer_ = answer; }
+
+  private:
+    struct Drive {
+        bool removable = true;
+        bool has_medium = false;
+    };
+
+    int answer(sd_bus_message* call);
+    int append_objects(sd_bus_message* reply);
+    void serve();
+
+    std::atomic<Answer> answer_ = Answer::OBJECTS;
+    std::mutex mutex_;  // guards the drives
+    std::map<std::string, Drive> drives_;
+    std::unique_ptr<sd_bus, sd_bus* (*)(sd_bus*)> bus_;
+    std::thread thread_;
+};
+
+}  // namespace gw::test
