@@ -49,10 +49,9 @@ class SystemBus {
         if (!wait_until_ready()) bus_.reset();
     }
 
-    /// The reply to a method without arguments; null when it does not come, is an error or has another
-    /// signature.
+    /// The reply to a method without arguments; null when it does not come or is an error.
     [[nodiscard]] Message call(const char* destination, const char* path, const char* interface,
-                               const char* method, const char* signature) const {
+                               const char* method) const {
         const std::uint64_t left = time_left();
         if (bus_ == nullptr || left == 0) return nullptr;
         sd_bus_set_method_call_timeout(bus_.get(), left);
@@ -60,12 +59,11 @@ class SystemBus {
         if (sd_bus_call_method(bus_.get(), destination, path, interface, method, nullptr, &reply, nullptr) <
             0)
             return nullptr;
-        Message message(reply);
-        return sd_bus_message_has_signature(reply, signature) > 0 ? std::move(message) : nullptr;
+        return Message(reply);
     }
 
   private:
-    // A call would finish connecting by itself, but with a patience of minutes.
+    // A call would finish connecting by itself, but waits 90 s for a silent bus, whatever its own time-out.
     bool wait_until_ready() {
         while (sd_bus_is_ready(bus_.get()) == 0) {
             const std::uint64_t left = time_left();
@@ -90,7 +88,7 @@ class SystemBus {
 };
 
 // Walks the dictionary at the message's place. `signature` is that of an entry, and `read_value` consumes the
-// value that belongs to the key it is given. False when the message is broken.
+// value that belongs to the key it is given. False when the message is broken or holds something else there.
 template <class ReadValue>
 bool read_dictionary(sd_bus_message* message, const std::string& signature, ReadValue read_value) {
     if (sd_bus_message_enter_container(message, 'a', ("{" + signature + "}").c_str()) <= 0) return false;
@@ -161,7 +159,7 @@ bool read_property(sd_bus_message* message, std::string_view interface, std::str
     return pass_over(message);
 }
 
-// All objects of the service; none when the message is broken.
+// All objects of the service; none when the message is broken or holds something else.
 std::vector<Object> read_objects(sd_bus_message* message) {
     std::vector<Object> objects;
     const bool whole = read_dictionary(message, "oa{sa{sv}}", [&](const char* path) {
@@ -179,7 +177,7 @@ std::vector<Object> read_objects(sd_bus_message* message) {
 
 // Whether the service is in one of the bus's lists of names.
 bool is_listed(const SystemBus& bus, const char* list) {
-    const Message reply = bus.call(BUS, BUS_PATH, BUS, list, "as");
+    const Message reply = bus.call(BUS, BUS_PATH, BUS, list);
     if (reply == nullptr || sd_bus_message_enter_container(reply.get(), 'a', "s") < 0) return false;
     const char* name = nullptr;
     while (sd_bus_message_read_basic(reply.get(), 's', &name) > 0) {
@@ -196,8 +194,8 @@ int media_manager_running() {
 }
 
 int media_manager_check(const char* device) {
-    const Message reply = SystemBus().call(SERVICE, SERVICE_PATH, "org.freedesktop.DBus.ObjectManager",
-                                           "GetManagedObjects", "a{oa{sa{sv}}}");
+    const Message reply =
+        SystemBus().call(SERVICE, SERVICE_PATH, "org.freedesktop.DBus.ObjectManager", "GetManagedObjects");
     if (reply == nullptr) return 0;
     const std::vector<Object> objects = read_objects(reply.get());
     const auto is_asked_for = [&](const Object& drive) {

@@ -93,7 +93,7 @@ int append_block_device(sd_bus_message* reply, const std::string& path, const st
     return result;
 }
 
-// A drive and its block device, with texts and numbers where flags and paths belong.
+// A drive with a medium and its block device, with texts and numbers where flags and paths belong.
 int append_other_values(sd_bus_message* reply, const std::string& drive, const std::string& block,
                         const std::string& device) {
     return sd_bus_message_append(reply, "{oa{sa{sv}}}{oa{sa{sv}}}", drive.c_str(), 1,
@@ -156,9 +156,9 @@ MediaService::~MediaService() {
     thread_.join();
 }
 
-void MediaService::add_drive(const std::string& name, bool removable) {
+void MediaService::add_drive(const std::string& name, Kind kind) {
     const std::scoped_lock lock(mutex_);
-    drives_[name] = {.removable = removable, .has_medium = false};
+    drives_[name] = {.kind = kind, .has_medium = false};
 }
 
 void MediaService::insert_medium(const std::string& name) {
@@ -190,7 +190,6 @@ int MediaService::answer(sd_bus_message* call) {
         case Answer::ANOTHER_TYPE:
             return sd_bus_reply_method_return(call, "s", "/dev/sr0");
         case Answer::OBJECTS:
-        case Answer::OTHER_VALUES:
             break;
     }
     sd_bus_message* message = nullptr;
@@ -208,12 +207,13 @@ int MediaService::append_objects(sd_bus_message* reply) {
     for (const auto& [name, drive] : drives_) {
         const std::string drive_path = std::string(SERVICE_PATH) + "/drives/Example_" + name;
         const std::string block_path = std::string(SERVICE_PATH) + "/block_devices/" + name;
-        if (result >= 0 && answer_ == Answer::OTHER_VALUES) {
+        if (result >= 0 && drive.kind == Kind::ODD) {
             result = append_other_values(reply, drive_path, block_path, "/dev/" + name);
             continue;
         }
         if (result >= 0) result = append_block_device(reply, block_path, drive_path, "/dev/" + name);
-        if (result >= 0) result = append_drive(reply, drive_path, drive.removable, drive.has_medium);
+        if (result >= 0)
+            result = append_drive(reply, drive_path, drive.kind == Kind::REMOVABLE, drive.has_medium);
     }
     return result >= 0 ? sd_bus_message_close_container(reply) : result;
 }

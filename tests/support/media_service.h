@@ -55,7 +55,12 @@ class MediaService {
         SILENCE,       ///< none, ever
         REFUSAL,       ///< an error
         ANOTHER_TYPE,  ///< a text instead of a dictionary
-        OTHER_VALUES,  ///< the drives, but no property has the type that it should have
+    };
+
+    enum class Kind {
+        REMOVABLE,  ///< the medium can be changed
+        FIXED,      ///< a hard disk
+        ODD,        ///< removable, but no property has the type that it should have
     };
 
     /// Takes the service's name on the bus at `address`.
@@ -64,15 +69,15 @@ class MediaService {
     MediaService(const MediaService&) = delete;
     MediaService& operator=(const MediaService&) = delete;
 
-    /// Adds an empty drive of the block device /dev/`name`. A fixed disk is `removable` = false.
-    void add_drive(const std::string& name, bool removable = true);
+    /// Adds an empty drive of the block device /dev/`name`.
+    void add_drive(const std::string& name, Kind kind = Kind::REMOVABLE);
     void insert_medium(const std::string& name);
     void remove_medium(const std::string& name);
     void set_answer(Answer answer) { answer_ = answer; }
 
   private:
     struct Drive {
-        bool removable = true;
+        Kind kind = Kind::REMOVABLE;
         bool has_medium = false;
     };
 

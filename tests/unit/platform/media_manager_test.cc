@@ -134,7 +134,7 @@ TEST_F(MediaManagerWithService, ReportsAMediumAsLongAsItIsThere) {
 }
 
 TEST_F(MediaManagerWithService, AFixedDiskHoldsNoMedium) {
-    service_.add_drive("sda", false);
+    service_.add_drive("sda", MediaService::Kind::FIXED);
     service_.insert_medium("sda");
     EXPECT_EQ(media_manager_check(nullptr), 0);
     EXPECT_EQ(media_manager_check("/dev/sda"), 0);
@@ -176,13 +176,23 @@ TEST_F(MediaManagerWithService, NonsenseAndRefusalsAreNoMedium) {
     service_.add_drive("sr0");
     service_.insert_medium("sr0");
     using enum MediaService::Answer;
-    for (const MediaService::Answer answer : {REFUSAL, ANOTHER_TYPE, OTHER_VALUES}) {
+    for (const MediaService::Answer answer : {REFUSAL, ANOTHER_TYPE}) {
         service_.set_answer(answer);
         EXPECT_EQ(media_manager_check(nullptr), 0) << static_cast<int>(answer);
         EXPECT_EQ(media_manager_check("/dev/sr0"), 0) << static_cast<int>(answer);
     }
     service_.set_answer(OBJECTS);
     EXPECT_EQ(media_manager_check("/dev/sr0"), 1);
+}
+
+TEST_F(MediaManagerWithService, PropertiesOfOtherTypesArePassedOver) {
+    service_.add_drive("fd0", MediaService::Kind::ODD);
+    service_.add_drive("sr0");
+    EXPECT_EQ(media_manager_check(nullptr), 0);
+    service_.insert_medium("sr0");
+    EXPECT_EQ(media_manager_check(nullptr), 1);
+    EXPECT_EQ(media_manager_check("/dev/sr0"), 1);
+    EXPECT_EQ(media_manager_check("/dev/fd0"), 0);
 }
 
 TEST_F(MediaManagerWithService, AServiceThatNeverAnswersIsNotWaitedForLong) {
