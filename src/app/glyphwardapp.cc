@@ -5,12 +5,17 @@
 #include <initializer_list>
 #include <string>
 
+#include "app/aboutdlg.h"
 #include "app/attrdlg.h"
+#include "app/deletion.h"
 #include "app/gw_gui_util.h"
+#include "app/helpdlg.h"
+#include "app/installdlg.h"
 #include "app/program_objects.h"
 #include "app/propsdlg.h"
 #include "app/rc_sample_text.h"
 #include "app/sample_text_cb.h"
+#include "app/work_record.h"
 
 #include <Xm/CascadeB.h>
 #include <Xm/Form.h>
@@ -33,13 +38,9 @@ constexpr int GAP = 8;
 constexpr int VISIBLE_NAMES = 12;
 
 // What the window's controls lead to and exists already. A control whose flow is not built stays insensitive.
-constexpr bool DELETION_EXISTS = false;
-constexpr bool INSTALL_DIALOG_EXISTS = false;
 constexpr bool MODIFY_FP_DIALOG_EXISTS = false;
 constexpr bool FONTSETS_DIALOG_EXISTS = false;
 constexpr bool PRINTER_DIALOGS_EXIST = false;
-constexpr bool HELP_DIALOG_EXISTS = false;
-constexpr bool ABOUT_DIALOG_EXISTS = false;
 
 Widget wi_delete_entry, wi_install_entry, wi_attributes_entry, wi_exit_entry;
 Widget wi_modify_fp_entry, wi_fontsets_entry, wi_properties_entry;
@@ -49,6 +50,7 @@ Widget wi_delete_button, wi_attributes_button, wi_disk_space_val;
 gw::OptionMenu size_option_menu, res_option_menu;
 
 sample_text_cb_struct installed_sample;
+constexpr XtCallbackProc SHOW_SAMPLE = gw::thunk<sample_text_cb_struct, hrn_list_sample_cb>;
 
 // --- menus
 // -------------------------------------------------------------------------------------------------------------------
@@ -190,7 +192,8 @@ void clear_status_label_cb(Widget, XtPointer, XtPointer) {
 }
 
 void activate_delete(bool on) {
-    for (Widget w : {wi_delete_entry, wi_delete_button}) activate(w, DELETION_EXISTS && on ? 1 : 0);
+    for (Widget w : {wi_delete_entry, wi_delete_button})
+        activate(w, on && !the_wp_cl_data.is_in_progress() ? 1 : 0);
 }
 
 void activate_attributes(bool on) {
@@ -198,9 +201,7 @@ void activate_attributes(bool on) {
 }
 
 void hrn_list_deactivate_cb(Widget list, XtPointer, XtPointer) {
-    const gw::SelectionRights rights = gw::selection_rights(gw::selected_count(list));
-    activate_delete(rights.may_delete);
-    activate_attributes(rights.may_show_attributes);
+    activate_selection_controls(gw::selected_count(list));
 }
 
 // The sum ends at the first position that is not below the number of fonts: aliases add nothing, and neither
@@ -244,22 +245,28 @@ void attr_dlg_cb(Widget, XtPointer, XtPointer) {
 /// What an ordinary user gets instead of the font path dialog; made on first use and kept.
 Widget root_only_dialog() {
     static Widget dialog = [] {
-        const gw::XmText message = gw::xm_text(gw::text_of(Message::ROOT_ONLY));
-        Arg args[2];
-        XtSetArg(args[0], XmNmessageString, message.get());
-        XtSetArg(args[1], XmNdefaultPosition, False);
-        Widget info = XmCreateInformationDialog(wi_toplevel, gw::name_arg("info dlg"), args, 2);
-        set_window_title(info, gw::text_of(Message::INFORMATION_TITLE));
-        XtUnmanageChild(XmMessageBoxGetChild(info, XmDIALOG_HELP_BUTTON));
-        XtUnmanageChild(XmMessageBoxGetChild(info, XmDIALOG_CANCEL_BUTTON));
-        XtAddCallback(info, XmNmapCallback, popup_cb, nullptr);
-        return info;
+        return gw::message_dialog(wi_toplevel, "info dlg", XmDIALOG_INFORMATION,
+                                  gw::text_of(Message::INFORMATION_TITLE), gw::text_of(Message::ROOT_ONLY),
+                                  {XmDIALOG_HELP_BUTTON, XmDIALOG_CANCEL_BUTTON});
     }();
     return dialog;
 }
 
 void modify_fp_dlg_cb(Widget, XtPointer, XtPointer) {
     if (user_is_root == 0) XtManageChild(root_only_dialog());
+}
+
+void install_dlg_cb(Widget, XtPointer, XtPointer) {
+    clear_attributes();
+    XtManageChild(wi_install_dlg);
+}
+
+void help_dlg_cb(Widget, XtPointer, XtPointer) {
+    start_help_dlg();
+}
+
+void about_dlg_cb(Widget, XtPointer, XtPointer) {
+    start_about_dlg();
 }
 
 void props_dlg_cb(Widget, XtPointer, XtPointer) {
@@ -282,15 +289,12 @@ void make_unbuilt_insensitive() {
         Widget entry;
         bool exists;
     } leads[] = {
-        {wi_install_entry, INSTALL_DIALOG_EXISTS},
         // An ordinary user is told that the font path is not theirs to modify.
         {wi_modify_fp_entry, MODIFY_FP_DIALOG_EXISTS || uid != 0},
         {wi_fontsets_entry, FONTSETS_DIALOG_EXISTS},
         {wi_pr_install_entry, PRINTER_DIALOGS_EXIST},
         {wi_pr_delete_entry, PRINTER_DIALOGS_EXIST},
         {wi_pr_modify_fp_entry, PRINTER_DIALOGS_EXIST},
-        {wi_help_entry, HELP_DIALOG_EXISTS},
-        {wi_about_entry, ABOUT_DIALOG_EXISTS},
     };
     for (const auto& lead : leads) activate(lead.entry, lead.exists ? 1 : 0);
 }
@@ -300,13 +304,18 @@ void add_selection_callback(XtCallbackProc callback, XtPointer client_data) {
 }
 
 void attach_callbacks() {
+    XtAddCallback(wi_install_entry, XmNactivateCallback, install_dlg_cb, nullptr);
+    XtAddCallback(wi_delete_entry, XmNactivateCallback, delete_btn_cb, nullptr);
+    XtAddCallback(wi_delete_button, XmNactivateCallback, delete_btn_cb, nullptr);
+    XtAddCallback(wi_help_entry, XmNactivateCallback, help_dlg_cb, nullptr);
+    XtAddCallback(wi_about_entry, XmNactivateCallback, about_dlg_cb, nullptr);
     XtAddCallback(wi_modify_fp_entry, XmNactivateCallback, modify_fp_dlg_cb, nullptr);
     XtAddCallback(wi_attributes_entry, XmNactivateCallback, attr_dlg_cb, nullptr);
     XtAddCallback(wi_attributes_button, XmNactivateCallback, attr_dlg_cb, nullptr);
     XtAddCallback(wi_exit_entry, XmNactivateCallback, exit_btn_cb, nullptr);
     XtAddCallback(wi_properties_entry, XmNactivateCallback, props_dlg_cb, nullptr);
     XtAddCallback(wi_installed_sample_textfield, XmNvalueChangedCallback, set_sample_text_cb, nullptr);
-    add_selection_callback(gw::thunk<sample_text_cb_struct, hrn_list_sample_cb>, &installed_sample);
+    add_selection_callback(SHOW_SAMPLE, &installed_sample);
     add_selection_callback(clear_status_label_cb, nullptr);
     add_selection_callback(hrn_list_deactivate_cb, &installed_sample);
     add_selection_callback(calc_disk_space_cb, nullptr);
@@ -315,8 +324,7 @@ void attach_callbacks() {
     update_wi_installed_hrn_list();
     init_sample_text_cb_module();
     set_installed_sample_text_cb_struct();
-    activate_delete(false);
-    activate_attributes(false);
+    activate_selection_controls(0);
     make_unbuilt_insensitive();
     // The sample text belongs to a user.
     if (uid == 0) activate(wi_properties_entry, 0);
@@ -324,7 +332,38 @@ void attach_callbacks() {
 
 }  // namespace
 
+void activate_selection_controls(int selected) {
+    const gw::SelectionRights rights = gw::selection_rights(selected);
+    activate_delete(rights.may_delete);
+    activate_attributes(rights.may_show_attributes);
+}
+
+void forget_selection() {
+    XmListDeselectAllItems(wi_hrn_list);
+    clear_sample_textfield(wi_installed_sample_textfield);
+    for (Widget w : {size_option_menu.menu, res_option_menu.menu, wi_installed_sample_textfield})
+        activate(w, 0);
+    update_label(wi_disk_space_val, " ", nullptr);
+    activate_selection_controls(0);
+}
+
+void show_main_samples_last() {
+    XtRemoveCallback(wi_hrn_list, XmNextendedSelectionCallback, SHOW_SAMPLE, &installed_sample);
+    add_selection_callback(SHOW_SAMPLE, &installed_sample);
+}
+
+void forbid_other_work() {
+    activate(wi_install_entry, 0);
+    activate_delete(false);
+}
+
+void permit_other_work() {
+    activate(wi_install_entry, 1);
+    activate_selection_controls(gw::selected_count(wi_hrn_list));
+}
+
 void exit_btn_cb(Widget, XtPointer, XtPointer) {
+    stop_install_preview();
     gw::close_catalogue();
     std::exit(0);
 }

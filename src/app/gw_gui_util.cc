@@ -13,6 +13,7 @@
 #include <Xm/Form.h>
 #include <Xm/Label.h>
 #include <Xm/List.h>
+#include <Xm/MessageB.h>
 #include <Xm/Protocols.h>
 #include <Xm/PushB.h>
 #include <Xm/RowColumn.h>
@@ -42,11 +43,7 @@ XmText xm_text(const std::string& text) {
     return XmText(XmStringCreateLocalized(name_arg(text.c_str())));
 }
 
-std::string label_of(Widget w) {
-    XmString string = nullptr;
-    XtVaGetValues(w, XmNlabelString, &string, nullptr);
-    const XmText owned(string);
-    if (!owned) return {};
+std::string text_of(XmString string) {
     // Without a parse table the separators between lines would vanish.
     const XmText newline(XmStringSeparatorCreate());
     Arg args[4];
@@ -56,9 +53,16 @@ std::string label_of(Widget w) {
     XtSetArg(args[3], XmNincludeStatus, XmINSERT);
     XmParseMapping lines = XmParseMappingCreate(args, 4);
     const XtOwned<char> text(static_cast<char*>(
-        XmStringUnparse(owned.get(), nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &lines, 1, XmOUTPUT_ALL)));
+        XmStringUnparse(string, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &lines, 1, XmOUTPUT_ALL)));
     XmParseMappingFree(lines);
     return text ? text.get() : "";
+}
+
+std::string label_of(Widget w) {
+    XmString string = nullptr;
+    XtVaGetValues(w, XmNlabelString, &string, nullptr);
+    const XmText owned(string);
+    return owned ? text_of(owned.get()) : std::string();
 }
 
 std::string field_text(Widget field) {
@@ -93,6 +97,22 @@ void name_windows_cb(Widget dialog, XtPointer, XtPointer) {
     name_windows(dialog);
 }
 
+void press_ok(Widget dialog, XEvent*, String*, Cardinal*) {
+    if (!XtIsManaged(XmMessageBoxGetChild(dialog, XmDIALOG_OK_BUTTON))) return;
+    XtUnmanageChild(dialog);
+    XtCallCallbacks(dialog, XmNokCallback, nullptr);
+}
+
+/// A message box knows its own Cancel button only, and that is not there.
+void let_escape_press_ok(Widget dialog) {
+    static XtActionsRec actions[] = {{name_arg("PressOk"), press_ok}};
+    static const XtTranslations ON_ESCAPE = [] {
+        XtAppAddActions(app, actions, XtNumber(actions));
+        return XtParseTranslationTable("<Key>osfCancel: PressOk()");
+    }();
+    XtOverrideTranslations(dialog, ON_ESCAPE);
+}
+
 }  // namespace
 
 Widget form(Widget parent, const char* name) {
@@ -105,8 +125,7 @@ Widget form_dialog(Widget parent, const char* name, Message title) {
     XtSetArg(args[1], XmNdefaultPosition, False);
     Widget dialog = XmCreateFormDialog(parent, name_arg(name), args, 2);
     set_window_title(dialog, text_of(title));
-    XtAddCallback(dialog, XmNmapCallback, popup_cb, nullptr);
-    XtAddCallback(dialog, XmNmapCallback, name_windows_cb, nullptr);
+    add_map_callbacks(dialog);
     return dialog;
 }
 
@@ -151,6 +170,24 @@ Widget scrolled_window(Widget parent, const char* name) {
     return managed(XmCreateScrolledWindow(parent, name_arg(name), args, 1));
 }
 
+Widget message_dialog(Widget parent, const char* name, unsigned char type, const std::string& title,
+                      const std::string& message, std::initializer_list<unsigned char> without) {
+    const XmText text = xm_text(message);
+    Arg args[2];
+    XtSetArg(args[0], XmNmessageString, text.get());
+    XtSetArg(args[1], XmNdefaultPosition, False);
+    Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, 2);
+    // The function that creates it has a type of its own.
+    XtVaSetValues(dialog, XmNdialogType, type, nullptr);
+    set_window_title(dialog, title.c_str());
+    for (const unsigned char part : without) {
+        if (Widget w = XmMessageBoxGetChild(dialog, part); w != nullptr) XtUnmanageChild(w);
+    }
+    if (!XtIsManaged(XmMessageBoxGetChild(dialog, XmDIALOG_CANCEL_BUTTON))) let_escape_press_ok(dialog);
+    add_map_callbacks(dialog);
+    return dialog;
+}
+
 OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name,
                        const std::string& first_entry) {
     Widget pulldown = XmCreatePulldownMenu(parent, name_arg(pulldown_name), nullptr, 0);
@@ -185,6 +222,29 @@ const Attach& Attach::columns(int left, int right) const {
     XtVaSetValues(w_, XmNleftAttachment, XmATTACH_POSITION, XmNleftPosition, left, XmNrightAttachment,
                   XmATTACH_POSITION, XmNrightPosition, right, nullptr);
     return *this;
+}
+
+namespace {
+
+/// A dialog whose size a resource gives has it, and its shell not yet: left alone, the shell would make the
+/// dialog as small as its parts allow.
+void fit_shell_cb(Widget dialog, XtPointer, XtPointer) {
+    Dimension width = 0;
+    Dimension height = 0;
+    XtVaGetValues(dialog, XmNwidth, &width, XmNheight, &height, nullptr);
+    XtVaSetValues(XtParent(dialog), XmNwidth, width, XmNheight, height, nullptr);
+}
+
+}  // namespace
+
+void add_map_callbacks(Widget dialog) {
+    XtAddCallback(dialog, XmNmapCallback, fit_shell_cb, nullptr);
+    XtAddCallback(dialog, XmNmapCallback, popup_cb, nullptr);
+    XtAddCallback(dialog, XmNmapCallback, name_windows_cb, nullptr);
+}
+
+void set_label(Widget w, const std::string& text) {
+    update_label(w, text.c_str(), nullptr);
 }
 
 void name_windows(Widget w) {

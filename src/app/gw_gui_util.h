@@ -5,6 +5,7 @@
 // dialogs do alike.
 #pragma once
 
+#include <initializer_list>
 #include <memory>
 #include <string>
 #include <type_traits>
@@ -49,6 +50,8 @@ inline char* name_arg(const char* name) {
 // --- reading widgets
 // ---------------------------------------------------------------------------------------------------------
 
+/// The text of a string, with its newlines.
+std::string text_of(XmString string);
 std::string label_of(Widget w);
 std::string field_text(Widget text_field);
 /// The selected positions of a list, 1-based and ascending.
@@ -70,6 +73,11 @@ Widget text_field(Widget parent, const char* name);
 /// parent the scrolled window.
 Widget scrolled_list(Widget parent, const char* name);
 Widget scrolled_window(Widget parent, const char* name);
+
+/// A message box: its `type` (XmDIALOG_WARNING, ...) gives the symbol, and the `parts` (XmDIALOG_OK_BUTTON,
+/// ...) are taken away. Unmanaged, centred when it appears. Escape presses OK where OK is its only button.
+Widget message_dialog(Widget parent, const char* name, unsigned char type, const std::string& title,
+                      const std::string& message, std::initializer_list<unsigned char> without);
 
 struct OptionMenu {
     Widget menu;
@@ -126,6 +134,12 @@ template <class Record, void (*Function)(Widget, Record*, XtPointer)>
 void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
     Function(w, static_cast<Record*>(client_data), call_data);
 }
+
+/// What happens when a dialog appears: it is centred, and its windows are named. The builders have done it.
+void add_map_callbacks(Widget dialog);
+
+/// The label's text becomes `text`.
+void set_label(Widget w, const std::string& text);
 
 /// Gives the window of every widget below `w` the widget's name, for those who look from outside: with
 /// `xwininfo -tree` the parts of a window can be told apart, and `xdotool` finds them.

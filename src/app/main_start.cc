@@ -8,14 +8,26 @@
 #include <cstdlib>
 #include <string_view>
 
+#include "app/aboutdlg.h"
 #include "app/attrdlg.h"
+#include "app/conflictdlg.h"
+#include "app/delwarningdlg.h"
+#include "app/dirdlg.h"
 #include "app/fallback_resources.h"
+#include "app/fpinfodlg.h"
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
+#include "app/helpdlg.h"
 #include "app/initdlg.h"
+#include "app/installdlg.h"
+#include "app/preconflictdlg.h"
 #include "app/program_objects.h"
+#include "app/progressdlg.h"
 #include "app/propsdlg.h"
+#include "app/rmediadlg.h"
 #include "app/sample_text_cb.h"
+#include "app/warningdlg.h"
+#include "app/workingdlg.h"
 #include "core/gw_misc.h"
 #include "platform/host_paths.h"
 
@@ -63,8 +75,20 @@ int display_lost(Display*) {
 }
 
 void create_dialogs() {
+    create_install_dlg("install_dlg", wi_toplevel);
+    create_rmedia_dlg("rmedia_dlg", wi_toplevel);
+    create_dir_dlg("dir_dlg", wi_toplevel);
     create_attr_dlg("attr_dlg", wi_toplevel);
     create_props_dlg("props_dlg", wi_toplevel);
+    create_progress_dlg("progress_dlg", wi_toplevel);
+    create_working_dlg("working_dlg", wi_toplevel);
+    create_del_warning_dlg("del_warning_dlg", wi_toplevel);
+    create_warning_dlg("warning_dlg", wi_toplevel);
+    create_about_dlg("about_dlg", wi_toplevel);
+    create_conflict_dlg("conflict_dlg", wi_toplevel);
+    create_preconflict_dlg("preconflict_dlg", wi_toplevel);
+    create_fp_info_dlg("fp_info_dlg", wi_toplevel);
+    create_help_dlg("help_dlg", wi_toplevel);
 }
 
 }  // namespace

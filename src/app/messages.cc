@@ -55,6 +55,10 @@ std::string text_of(Message message, unsigned number) {
     return text;
 }
 
+std::string count_text(unsigned number, Message message) {
+    return std::to_string(number) + ' ' + text_of(message);
+}
+
 std::span<const MessageEntry> message_table() {
     return TABLE;
 }

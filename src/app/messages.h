@@ -20,6 +20,9 @@ const char* text_of(Message message);
 /// The same with `number` in the place of its "%d".
 std::string text_of(Message message, unsigned number);
 
+/// `number`, a blank, and the text.
+std::string count_text(unsigned number, Message message);
+
 /// One text as the catalogue numbers it.
 struct MessageEntry {
     int set;

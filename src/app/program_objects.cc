@@ -3,6 +3,8 @@
 // One file, so that the objects are constructed in this order and destroyed in the reverse one.
 #include "app/program_objects.h"
 
+#include "app/conflict_lists.h"
+
 GW_FSM_LIST the_fsm_list;
 GWHRNList the_installed_hrn_list(0);
 GWInstalledFontsDriver the_installed_fonts_driver;
@@ -38,7 +40,7 @@ void fill_program_lists() {
 }
 
 void release_program_objects() {
-    gw::delete_elements(the_conflict_list);
+    gw::release_conflicts();
     gw::delete_elements(the_alias_list);
     the_installed_hrn_list.clear();
     delete the_font_path;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "app/attrdlg.h"
+#include "app/busy_windows.h"
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
 #include "app/program_objects.h"
@@ -101,38 +102,6 @@ void show_in_font_set(Widget field, FontSet set, const std::string& text) {
     put_text(field, text);
 }
 
-/// The busy cursor on the windows that may be in view, for the length of a scope. Showing it serves events:
-/// what is released in a callback that runs then, but may still be in use by one that waits here, is retired
-/// and goes when the last scope ends.
-class BusyWindows {
-  public:
-    BusyWindows() {
-        ++depth;
-        show(1);
-    }
-    ~BusyWindows() {
-        show(0);
-        if (--depth > 0) return;
-        for (Widget w : std::exchange(retired, {})) XtDestroyWidget(w);
-    }
-    static void destroy(Widget w) {
-        if (depth > 0) {
-            retired.push_back(w);
-        } else {
-            XtDestroyWidget(w);
-        }
-    }
-    BusyWindows(const BusyWindows&) = delete;
-    BusyWindows& operator=(const BusyWindows&) = delete;
-
-  private:
-    static void show(int on) {
-        for (Widget w : {wi_mainwindow, wi_attr_dlg}) set_watch_cursor(w, on);
-    }
-    static inline int depth = 0;
-    static inline std::vector<Widget> retired;
-};
-
 /// Showing the busy cursor dispatches events, so that a newer selection may be served while an older one is
 /// being shown. The older one must not overwrite it then.
 class Request {
@@ -152,7 +121,7 @@ class Request {
 /// Name and text are copies: the events that are served may change their originals.
 void display_text_in_xlfd(Widget field, const std::string xlfd, const std::string text) {
     const Request request;
-    const BusyWindows busy;
+    const gw::BusyWindows busy;
     if (!request.is_newest()) return;
     FontSet set = make_font_set(xlfd, text);
     if (set) {
@@ -223,7 +192,7 @@ Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& button
     for (Widget button : old) {
         if (!XtIsManaged(button)) continue;  // retired already
         XtUnmanageChild(button);
-        BusyWindows::destroy(button);
+        gw::BusyWindows::destroy(button);
     }
     return buttons.back();
 }

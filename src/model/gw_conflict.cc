@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "model/gw_alias.h"
 #include "modules/gw_fsm_list.h"
 
 namespace {
@@ -39,6 +40,8 @@ GWConflict::GWConflict(TYPE kind, GWHRNElement* elem, GWAlias* the_alias, GWHRNE
       hrn_list(list),
       alias(the_alias) {
     if (dir != nullptr) dir_name = dir;
+    if (elem != nullptr) name = elem->get_name();
+    if (the_alias != nullptr) name = the_alias->get_hrn_name();
 }
 
 void GWConflict::set_conflict(INFO info, GWFont* font, unsigned group, unsigned index) {

@@ -42,8 +42,13 @@ class GWConflict : public GW_BASE {
     void delete_force(GW_FSM_LIST& modules);
 
     [[nodiscard]] TYPE get_type() const { return type; }
+    /// The name that the entry has in the lists, as it was when the conflict arose.
+    [[nodiscard]] const char* get_name() const { return name.c_str(); }
+    /// The destination of an installation; null when there is none.
+    [[nodiscard]] const char* get_dir_name() const { return dir_name ? dir_name->c_str() : nullptr; }
     [[nodiscard]] GWHRNElement* get_element() const { return element.get(); }
     [[nodiscard]] GWHRNElement* get_other_element() const { return other_element.get(); }
+    /// May be gone when the alias list has been filled anew.
     [[nodiscard]] GWAlias* get_alias() const { return alias; }
 
   private:
@@ -51,6 +56,7 @@ class GWConflict : public GW_BASE {
     void install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules);
 
     TYPE type;
+    std::string name;
     bool read_only = false;
     bool same_name = false;
     bool package = false;

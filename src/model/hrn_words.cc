@@ -28,13 +28,18 @@ std::string add_style_word(std::string_view add_style) {
     return ' ' + capitalized(add_style);
 }
 
+void append_at_column(std::string& line, std::string_view note) {
+    constexpr std::size_t NOTE_COLUMN = 46;
+    if (line.size() < NOTE_COLUMN) {
+        line.resize(NOTE_COLUMN, ' ');
+    } else {
+        line += "   ";
+    }
+    line += note;
+}
+
 }  // namespace gw
 
 void set_read_only_str(std::string& s) {
-    if (s.size() < gw::READ_ONLY_COLUMN) {
-        s.resize(gw::READ_ONLY_COLUMN, ' ');
-    } else {
-        s += "   ";
-    }
-    s += "[Read Only]";
+    gw::append_at_column(s, "[Read Only]");
 }

@@ -8,8 +8,8 @@
 
 namespace gw {
 
-/// The column at which "[Read Only]" stands in a list line.
-inline constexpr std::size_t READ_ONLY_COLUMN = 46;
+/// Appends `note` to a list line: at column 46, or behind three blanks when the line reaches that column.
+void append_at_column(std::string& line, std::string_view note);
 
 /// The slant word for an XLFD slant field, with its leading blank: " Italic", "", " Oblique", " Reverse
 /// Oblique", " Reverse Italic", or a blank and the field itself. Case does not count.
@@ -21,5 +21,5 @@ inline constexpr std::size_t READ_ONLY_COLUMN = 46;
 
 }  // namespace gw
 
-/// Appends "[Read Only]" at column 46, or behind three blanks when `s` reaches that column.
+/// Appends "[Read Only]" there.
 void set_read_only_str(std::string& s);

@@ -30,6 +30,8 @@ inline constexpr const char* SCRATCH_FONT_PATH = "/tmp/.VTfontpath";
 inline constexpr const char* SCRATCH_PCF_DIR = "/tmp/pcf/";
 inline constexpr const char* SCRATCH_TYPE0_DIR = "/tmp/type0/";
 inline constexpr const char* SCRATCH_TYPE3_DIR = "/tmp/type3/";
+inline constexpr const char* SCRATCH_MANUAL = "/tmp/glyphward.man";
+inline constexpr const char* SCRATCH_MANUAL_ERRORS = "/tmp/glyphward_err.man";
 inline constexpr const char* SCRATCH_ROOT = "/tmp";
 
 // Staging directories of fonts that are previewed before they are installed.
@@ -42,6 +44,12 @@ inline constexpr const char* FLOPPY_ROOT = "/floppy";
 inline constexpr const char* FLOPPY_MOUNT = "/floppy/floppy0/";
 inline constexpr const char* CDROM_ROOT = "/cdrom";
 inline constexpr const char* CDROM_MOUNT = "/cdrom/cdrom0/";
+inline constexpr const char* CDROM_MEDIUM_DIR = "/cdrom/cdrom0";
+
+// The superuser's own fonts, and the directory in a home (or there) where fonts go unless the user says
+// otherwise.
+inline constexpr const char* HOST_DIR = "/etc/vantor";
+inline constexpr const char* DEFAULT_INSTALL_DIR = "/glyphwd_fonts";
 
 // Search paths that start-up sets when the environment has none.
 inline constexpr const char* DEFAULT_NLSPATH =

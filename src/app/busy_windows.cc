@@ -1,0 +1,37 @@
+// SPDX-License-Identifier: MIT
+#include "app/busy_windows.h"
+
+#include <utility>
+
+#include "app/attrdlg.h"
+#include "app/glyphwardapp.h"
+#include "app/gw_gui_util.h"
+#include "app/installdlg.h"
+#include "app/rmediadlg.h"
+
+namespace gw {
+
+BusyWindows::BusyWindows() {
+    ++depth;
+    show(1);
+}
+
+BusyWindows::~BusyWindows() {
+    show(0);
+    if (--depth > 0) return;
+    for (Widget w : std::exchange(retired, {})) XtDestroyWidget(w);
+}
+
+void BusyWindows::destroy(Widget w) {
+    if (depth > 0) {
+        retired.push_back(w);
+    } else {
+        XtDestroyWidget(w);
+    }
+}
+
+void BusyWindows::show(int on) {
+    for (Widget w : {wi_mainwindow, wi_install_dlg, wi_rmedia_dlg, wi_attr_dlg}) set_watch_cursor(w, on);
+}
+
+}  // namespace gw

@@ -1,0 +1,30 @@
+// SPDX-License-Identifier: MIT
+//
+// The busy cursor on the windows that may be in view, for the length of a scope.
+#pragma once
+
+#include <vector>
+
+#include <X11/Intrinsic.h>
+
+namespace gw {
+
+/// Showing the cursor serves events: what is released in a callback that runs then, but may still be in use
+/// by one that waits here, is retired and goes when the last scope ends.
+class BusyWindows {
+  public:
+    BusyWindows();
+    ~BusyWindows();
+    BusyWindows(const BusyWindows&) = delete;
+    BusyWindows& operator=(const BusyWindows&) = delete;
+
+    /// Destroys the widget, now or when the last scope ends.
+    static void destroy(Widget w);
+
+  private:
+    static void show(int on);
+    static inline int depth = 0;
+    static inline std::vector<Widget> retired;
+};
+
+}  // namespace gw

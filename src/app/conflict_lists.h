@@ -1,0 +1,40 @@
+// SPDX-License-Identifier: MIT
+//
+// How long conflicts live. The next installation or deletion empties `the_conflict_list`, while the user may
+// still be deciding about what is in it: the conflicts that a dialog shows then move to a list of their own,
+// which goes when no dialog shows it any more.
+#pragma once
+
+#include <vector>
+
+#include "core/gw_list.h"
+#include "model/gw_conflict.h"
+
+namespace gw {
+
+/// A dialog's hold on the list of conflicts that it shows.
+class ConflictView {
+  public:
+    ConflictView() { views.push_back(this); }
+    ~ConflictView();
+    ConflictView(const ConflictView&) = delete;
+    ConflictView& operator=(const ConflictView&) = delete;
+
+    void show(GW_LIST<GWConflict>* list) { list_ = list; }
+    void let_go() { list_ = nullptr; }
+    /// Null when nothing is shown.
+    [[nodiscard]] GW_LIST<GWConflict>* list() const { return list_; }
+
+  private:
+    friend void clear_conflict_list();
+    static inline std::vector<ConflictView*> views;
+    static bool is_shown(const GW_LIST<GWConflict>* list);
+    GW_LIST<GWConflict>* list_ = nullptr;
+};
+
+/// Empties `the_conflict_list` for a new installation or deletion.
+void clear_conflict_list();
+/// Releases all conflicts, at the end of the run.
+void release_conflicts();
+
+}  // namespace gw

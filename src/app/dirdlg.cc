@@ -1,0 +1,92 @@
+// SPDX-License-Identifier: MIT
+#include "app/dirdlg.h"
+
+#include <filesystem>
+#include <string>
+#include <system_error>
+
+#include "app/gw_gui_util.h"
+
+#include <Xm/FileSB.h>
+#include <Xm/List.h>
+
+Widget wi_dir_dlg = nullptr;
+Widget wi_dir_list = nullptr;
+
+namespace {
+
+using gw::Message;
+
+void (*_dir_cb)(const char*) = nullptr;
+
+/// The list's entries for a directory itself and for the one above it are "DIR/." and "DIR/..": they lead to
+/// places with names of their own, which are to stand in font paths.
+std::string by_its_own_name(std::string directory) {
+    if (directory.ends_with("/.")) directory.pop_back();
+    if (!directory.ends_with("/..")) return directory;
+    std::error_code gone;
+    const std::filesystem::path real = std::filesystem::canonical(directory, gone);
+    return gone ? directory : real.string();
+}
+
+/// The one directory that is selected in the list; empty otherwise.
+std::string selected_directory() {
+    XmStringTable items = nullptr;
+    int count = 0;
+    XtVaGetValues(wi_dir_list, XmNselectedItems, &items, XmNselectedItemCount, &count, nullptr);
+    return count == 1 ? by_its_own_name(gw::text_of(items[0])) : std::string();
+}
+
+void cancel_cb(Widget, XtPointer, XtPointer) {
+    popdown_dir_dlg();
+}
+
+// A directory that is typed in without being selected in the list is not taken.
+void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
+    const std::string directory = selected_directory();
+    auto* const cb = _dir_cb;
+    cancel_cb(w, client_data, call_data);
+    if (!directory.empty() && cb != nullptr) cb(directory.c_str());
+}
+
+void show_directories_only() {
+    XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_LIST));
+    XtUnmanageChild(XtParent(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_LIST)));
+    XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_LIST_LABEL));
+    XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_HELP_BUTTON));
+}
+
+}  // namespace
+
+Widget create_dir_dlg(const char* name, Widget parent) {
+    const gw::XmText subdirectories = gw::xm_text(gw::text_of(Message::SUBDIRECTORIES));
+    const gw::XmText selected = gw::xm_text(gw::text_of(Message::SELECTED_DIRECTORY));
+    Arg args[5];
+    XtSetArg(args[0], XmNfileTypeMask, XmFILE_DIRECTORY);
+    XtSetArg(args[1], XmNdirListLabelString, subdirectories.get());
+    XtSetArg(args[2], XmNselectionLabelString, selected.get());
+    XtSetArg(args[3], XmNautoUnmanage, False);
+    XtSetArg(args[4], XmNdefaultPosition, False);
+    wi_dir_dlg = XmCreateFileSelectionDialog(parent, gw::name_arg(name), args, 5);
+    wi_dir_list = XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_DIR_LIST);
+    set_window_title(wi_dir_dlg, gw::text_of(Message::DIR_TITLE));
+    show_directories_only();
+    XtAddCallback(wi_dir_dlg, XmNokCallback, ok_cb, nullptr);
+    XtAddCallback(wi_dir_dlg, XmNcancelCallback, cancel_cb, nullptr);
+    gw::add_map_callbacks(wi_dir_dlg);
+    gw::on_close_box(wi_dir_dlg, cancel_cb);
+    return wi_dir_dlg;
+}
+
+void popup_dir_dlg(void (*cb)(const char*), const char* title) {
+    if (title != nullptr) set_window_title(wi_dir_dlg, title);
+    // Directories come and go.
+    XmFileSelectionDoSearch(wi_dir_dlg, nullptr);
+    XtManageChild(wi_dir_dlg);
+    _dir_cb = cb;
+}
+
+void popdown_dir_dlg() {
+    _dir_cb = nullptr;
+    XtUnmanageChild(wi_dir_dlg);
+}

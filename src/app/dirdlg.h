@@ -1,0 +1,16 @@
+// SPDX-License-Identifier: MIT
+//
+// The directory chooser: a file selection dialog that shows directories only.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+extern Widget wi_dir_dlg;
+extern Widget wi_dir_list;  ///< its list of directories
+
+Widget create_dir_dlg(const char* name, Widget parent);
+/// Shows the chooser, under `title` unless that is null. `cb` gets the directory that the user selects, and
+/// takes the place of the one before. The text is the chooser's own.
+void popup_dir_dlg(void (*cb)(const char*), const char* title);
+/// Hides the chooser; nobody is told.
+void popdown_dir_dlg();

@@ -1,0 +1,12 @@
+// SPDX-License-Identifier: MIT
+//
+// Tells the superuser, whose installations do not touch the font path, to update it.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+extern Widget wi_fp_info_dlg;
+
+Widget create_fp_info_dlg(const char* name, Widget parent);
+void start_fp_info_dlg();
+void stop_fp_info_dlg();

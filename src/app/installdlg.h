@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+//
+// The install dialog: a source of fonts with its list and sample, a destination, the disk space that the
+// selection needs and that there is, and the installation, one font per idle step.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+extern Widget wi_install_dlg;
+
+Widget create_install_dlg(const char* name, Widget parent);
+
+/// Takes the source that is previewed off the server's font path, at the end of the run.
+void stop_install_preview();
+
+/// What an installation into `dir` means to the running server. An ordinary user's directory gets its
+/// resource file and goes on the font path of the user and of the session; in every case the server rereads
+/// its directories, for `dir` may have been among them before.
+void show_installation_to_server(const char* dir);
+
+namespace installdlg {
+
+/// What the chooser of directories and the media dialog report.
+void from_dir_specified_cb(const char* dir);
+void install_dir_specified_cb(const char* dir);
+void rmedia_specified_cb(int choice);
+
+/// Work procedures: true when there is nothing more to do.
+Boolean font_lookup_work_proc(XtPointer driver);
+Boolean install_work_proc(XtPointer work);
+
+/// Makes `dir`, with a slash at its end, the destination.
+void set_current_install_dir(const char* dir);
+/// The blocks that ordinary users may still fill on the file system of `path`, as it counts them: they are
+/// shown as Kbytes whatever their size. 0 when it cannot be asked.
+int get_avail_space(const char* path);
+/// Whether files may be made in a directory of that owner and mode: by its owner's bit or the others' bit.
+/// The group's bit does not count, and the superuser is no exception.
+bool is_writeable_by(unsigned owner, unsigned mode, unsigned user);
+
+}  // namespace installdlg

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+//
+// What an installation or a deletion has still to do. They share the lists, so only one of them runs at a
+// time; each takes one selected entry per idle step.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+struct WorkRecord {
+    std::vector<int> positions;  ///< the selected positions, 1-based, ascending
+    int done = 0;                ///< fonts installed or deleted so far
+    std::size_t index = 0;       ///< of the next position to take
+
+    [[nodiscard]] bool is_in_progress() const { return index < positions.size(); }
+};
+
+extern WorkRecord the_wp_cl_data;
