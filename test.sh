@@ -66,7 +66,7 @@ done
 # Seconds that one run of a test program may take.
 declare -A limit=([check]=120 [unit]=180 [widget]=300 [end_to_end]=600)
 # What a test program finds in its sandbox.
-declare -A furniture=([unit]='--stage --x' [widget]='--stage --x' [end_to_end]='--stage --x --wm')
+declare -A furniture=([unit]='--stage --x --small-disk' [widget]='--stage --x' [end_to_end]='--stage --x --wm --small-disk')
 test_logs=$LOGS/tests
 
 scripts/setup

@@ -1,0 +1,66 @@
+// SPDX-License-Identifier: MIT
+//
+// The sandbox's small disk: a directory on it for one test, and a way to fill the disk up.
+#pragma once
+
+#include <stdlib.h>
+#include <sys/statvfs.h>
+
+#include <cerrno>
+#include <cstddef>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <system_error>
+
+#include "support/temp_dir.h"
+
+namespace gw::test {
+
+class SmallDisk {
+  public:
+    static constexpr const char* ROOT = "/small/";
+
+    SmallDisk() : path_(std::string(ROOT) + "test-XXXXXX") {
+        if (::mkdtemp(path_.data()) == nullptr) {
+            throw std::system_error(errno, std::generic_category(),
+                                    "these tests want the sandbox's small disk");
+        }
+        path_ += '/';
+    }
+    ~SmallDisk() {
+        std::error_code ignored;
+        std::filesystem::remove_all(path_, ignored);
+        std::filesystem::remove(filler(), ignored);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+    /// The directory, ending in "/".
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] std::string file(const std::string& name) const { return path_ + name; }
+    void write(const std::string& name, const std::string& bytes) const {
+        std::ofstream(file(name), std::ios::binary) << bytes;
+    }
+    [[nodiscard]] std::string read(const std::string& name) const { return TempDir::read_bytes(file(name)); }
+    [[nodiscard]] bool exists(const std::string& name) const { return std::filesystem::exists(file(name)); }
+    /// How many entries the directory has, hidden ones included.
+    [[nodiscard]] std::ptrdiff_t entries() const {
+        return std::distance(std::filesystem::directory_iterator(path_), {});
+    }
+
+    /// Leaves room for so many more blocks.
+    void leave_blocks(unsigned long blocks) const {
+        struct statvfs info {};
+        if (::statvfs(ROOT, &info) != 0 || info.f_bavail < blocks)
+            throw std::runtime_error("it is full already");
+        std::ofstream(filler(), std::ios::binary)
+            << std::string((info.f_bavail - blocks) * info.f_frsize, 'x');
+    }
+
+  private:
+    static std::string filler() { return std::string(ROOT) + "filler"; }
+    std::string path_;
+};
+
+}  // namespace gw::test
