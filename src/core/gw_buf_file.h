@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// A file that can copy itself into another directory through its own transfer buffer.
+// A file that can copy itself into another directory through its own transfer buffer. The copy appears there
+// whole or not at all.
 #pragma once
 
 #include <array>
 
 #include "core/gw_file.h"
+#include "core/new_file.h"
 
 class GW_DIR;
 
@@ -14,8 +16,12 @@ class GW_BUF_FILE : public GW_FILE {
     using GW_FILE::GW_FILE;
 
     /// Copies this file under its own name into `target` (mode 0644), byte for byte. A file is never copied
-    /// onto itself, and one that cannot be opened is skipped silently. Returns 1 in every case.
+    /// onto itself, by whatever way its directory is named, and one that cannot be copied whole is skipped
+    /// silently. Returns 1 in every case.
     int copy(GW_DIR* target);
+    /// Writes the bytes into `copy` and finishes it, without putting it in place. Returns 0, or the `errno`
+    /// of what went wrong; `copy` knows whether that was its own failure.
+    [[nodiscard]] int copy_into(gw::NewFile& copy);
 
   private:
     std::array<char, 1024> buffer{};

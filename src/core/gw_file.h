@@ -30,6 +30,8 @@ class GW_FILE : public GW_FILE_SPEC {
 
     /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
     int read(char* buf, int n);
+    /// Whether reading or writing has failed since the file was opened.
+    [[nodiscard]] bool has_failed() const { return fp && std::ferror(fp.get()) != 0; }
     /// Writes and flushes `n` bytes; returns the count written, 0 when the file is closed.
     int write(const char* buf, int n);
 

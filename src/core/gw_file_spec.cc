@@ -66,6 +66,14 @@ int GW_FILE_SPEC::exist() const {
     return ::stat(get_path(), &info) == 0 || errno != ENOENT ? 1 : 0;
 }
 
+bool GW_FILE_SPEC::is_in_directory(const char* other) const {
+    if (gw::with_trailing_slash(other) == get_dir()) return true;
+    struct stat mine {};
+    struct stat theirs {};
+    return ::stat(get_dir(), &mine) == 0 && ::stat(other, &theirs) == 0 && mine.st_dev == theirs.st_dev &&
+           mine.st_ino == theirs.st_ino;
+}
+
 long GW_FILE_SPEC::file_size() const {
     struct stat info {};
     if (::stat(get_path(), &info) == 0) return info.st_size;

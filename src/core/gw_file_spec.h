@@ -65,6 +65,8 @@ class GW_FILE_SPEC {
     [[nodiscard]] int get_file_type_from_stat() const;
     /// 1 unless the file is missing.
     [[nodiscard]] int exist() const;
+    /// Whether the file lies in the directory `other`, by whatever way both are named.
+    [[nodiscard]] bool is_in_directory(const char* other) const;
     /// The size in bytes; 0 when the file is missing, 1 when it cannot be looked at.
     [[nodiscard]] long file_size() const;
     /// Unlinks the file; returns 1 whatever happened.

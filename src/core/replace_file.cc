@@ -13,6 +13,8 @@
 #include <cstdio>
 #include <utility>
 
+#include "core/new_file.h"
+
 namespace gw {
 
 namespace {
@@ -45,12 +47,6 @@ bool write_all(int fd, std::string_view bytes) {
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return true;
-}
-
-std::string temporary_name(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    const std::size_t name = slash == std::string::npos ? 0 : slash + 1;
-    return path.substr(0, name) + '.' + path.substr(name) + ".gwtmp";
 }
 
 void sync_directory_of(const std::string& path) {
@@ -125,7 +121,7 @@ bool replace_file(const std::string& path, std::string_view bytes, std::optional
     // place.
     if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return false;
     if (replaceable) {
-        const std::string temporary = temporary_name(path);
+        const std::string temporary = hidden_name(path, ".gwtmp");
         const mode_t bits = mode ? *mode : exists ? old.st_mode & PERMISSION_BITS : NEW_FILE_MODE;
         if (write_temporary(temporary, bytes, exists ? &old : nullptr, bits) &&
             ::rename(temporary.c_str(), path.c_str()) == 0) {

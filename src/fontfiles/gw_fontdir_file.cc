@@ -131,6 +131,17 @@ int GW_FONTDIR_FILE::append_line(const GW_STRING_LIST* lines) {
                                                                                                        : 0;
 }
 
+int GW_FONTDIR_FILE::take_back_line(const char* line) {
+    const std::optional<std::string> bytes = gw::read_file(get_path());
+    const std::string_view entry(line);
+    if (!bytes || entry.empty()) return 0;
+    const std::size_t newline = bytes->rfind('\n' + std::string(entry));
+    if (newline == std::string::npos) return 0;
+    std::string rest = *bytes;
+    rest.erase(newline + 1, entry.size());
+    return gw::replace_file(get_path(), with_count_adjusted(rest, -1)) ? 1 : 0;
+}
+
 int GW_FONTDIR_FILE::delete_font_file_line(const char* file_name) {
     const std::optional<std::string> bytes = gw::read_file(get_path());
     if (!bytes) return 0;

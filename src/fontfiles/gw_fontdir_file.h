@@ -49,6 +49,9 @@ class GW_FONTDIR_FILE : public GW_FILE {
     /// 0 when it could not be written.
     int append_line(const char* line);
     int append_line(const GW_STRING_LIST* lines);
+    /// Undoes `append_line(line)`: removes the last entry that reads so and counts it off. Returns 1, or 0
+    /// when there is none or the file cannot be changed.
+    int take_back_line(const char* line);
     /// Removes the first entry of that file and counts it off; returns 1, or 0 when there is none or the file
     /// cannot be changed.
     int delete_font_file_line(const char* file_name);

@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "model/font_backup.h"
 #include "model/gw_alias.h"
 #include "modules/gw_fsm_list.h"
 
@@ -90,6 +91,17 @@ std::string GWConflict::get_conflict_dir_name() const {
     return dir != nullptr ? dir : "";
 }
 
+// The old font goes first, but it comes back when the new one does not take its place.
+bool GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const {
+    gw::FontBackup backup(old);
+    if (!backup.is_complete()) return false;
+    old.delete_font(modules);
+    if (!modules.was_done()) return false;
+    font.install_font(dir_name->c_str(), 0, modules);
+    if (!modules.was_done()) backup.restore();
+    return modules.was_done();
+}
+
 // A font that is installed from where it lies already (the source is itself on the font path) has its files
 // in common with the one it replaces: those must not be gone before they are copied.
 void GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules) {
@@ -99,17 +111,15 @@ void GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>&
     }
     const bool moves = old && have_a_file_in_common(*font, *old);
     if (moves && is_in_directory(*old, *dir_name)) return;
-    const auto remove_old = [&] {
-        other_element->del_font(old.get());
-        old->delete_font(modules);
-    };
-    if (old && !moves) remove_old();
-    font->install_font(dir_name->c_str(), 0, modules);
-    const gw::Ref<GWFont> installed = new GWFont(*font, dir_name->c_str());
-    if (moves) {
-        if (installed->get_font_file_list()->exist() == 0) return;
-        remove_old();
+    if (old && !moves) {
+        if (!replace_on_disk(*font, *old, modules)) return;
+    } else {
+        font->install_font(dir_name->c_str(), 0, modules);
+        if (!modules.was_done()) return;
+        if (moves) old->delete_font(modules);
     }
+    if (old) other_element->del_font(old.get());
+    const gw::Ref<GWFont> installed = new GWFont(*font, dir_name->c_str());
     other_element->add_font(installed.get(), 1);
 }
 
@@ -131,9 +141,14 @@ void GWConflict::delete_force(GW_FSM_LIST& modules) {
     for (const GWHRNElement::PointSize& slot : element->get_slots()) {
         fonts.insert(fonts.end(), slot.fonts.begin(), slot.fonts.end());
     }
+    bool all_deleted = true;
     for (const gw::Ref<GWFont>& font : fonts) {
-        element->del_font(font.get());
         font->delete_font(modules);
+        if (modules.was_done()) {
+            element->del_font(font.get());
+        } else {
+            all_deleted = false;
+        }
     }
-    if (hrn_list != nullptr) hrn_list->delete_hrn_elem(element.get());
+    if (all_deleted && hrn_list != nullptr) hrn_list->delete_hrn_elem(element.get());
 }

@@ -206,7 +206,7 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
         const std::size_t bound = std::min(slots.size(), slot.fonts.size());
         for (std::size_t j = 0; j < bound; ++j) {
             GWFont& font = *slot.fonts[j];
-            if (font.install_font(dir, 0, modules) == 0 || !modules.can_install(&font)) continue;
+            if (font.install_font(dir, 0, modules) == 0 || !modules.was_done()) continue;
             installed.add_font(new GWFont(font, dir));
             result = DONE;
         }
@@ -232,9 +232,18 @@ int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& confli
         conflicts.append(conflict.release());
         return CONFLICT;
     }
-    for (const PointSize& slot : slots) {
-        for (const gw::Ref<GWFont>& font : slot.fonts) font->delete_font(modules);
+    std::vector<gw::Ref<GWFont>> fonts;
+    for (const PointSize& slot : slots) fonts.insert(fonts.end(), slot.fonts.begin(), slot.fonts.end());
+    bool all_deleted = true;
+    for (const gw::Ref<GWFont>& font : fonts) {
+        font->delete_font(modules);
+        if (modules.was_done()) {
+            del_font(font.get());
+        } else {
+            all_deleted = false;
+        }
     }
+    if (!all_deleted) return FAILED;
     slots.clear();
     return DONE;
 }

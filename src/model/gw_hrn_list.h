@@ -66,12 +66,13 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// The first font of the first size that has one; null when there is none.
     [[nodiscard]] GWFont* get_representative() const;
 
-    /// DONE, or CONFLICT when a conflict stopped it and nothing was written. FAILED when the modules took
-    /// none of the fonts: they have names that no index can hold.
+    /// DONE, or CONFLICT when a conflict stopped it and nothing was written. FAILED when the modules
+    /// installed none of the fonts; they have said why.
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// DONE, and the element is without sizes, or CONFLICT when a conflict stopped it and nothing was
-    /// deleted.
+    /// deleted. FAILED when a font could not be deleted: the element keeps that one, and the module has said
+    /// why.
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list);
     /// 1 when a font of this element is the same as one of `installed_elem` and a conflict was recorded, else
     /// 0. The conflict belongs to `conflicts`' owner.

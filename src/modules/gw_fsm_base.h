@@ -25,11 +25,11 @@ class GW_FSM_BASE : public GW_BASE {
     virtual void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) = 0;
     virtual void make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) = 0;
     virtual void make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) = 0;
-    /// Copies the font's files into the element's directory and registers them.
+    /// Copies the font's files into the element's directory and registers them: all of it or nothing.
     virtual void install_font(GWFont* font, GW_FPE* fpe) = 0;
     /// Registers a font whose files the element can reach already, without copying.
     virtual void make_font_visible(GWFont* font, GW_FPE* fpe) = 0;
-    /// Removes the font's files and its registrations.
+    /// Removes the font's files and its registrations. A font whose file cannot be removed stays registered.
     virtual void delete_font(GWFont* font) = 0;
     /// Whether `install_font` takes the font. It reports one that it leaves out, and writes nothing for it.
     [[nodiscard]] virtual bool can_install(GWFont* /*font*/) const { return true; }
@@ -44,6 +44,14 @@ class GW_FSM_BASE : public GW_BASE {
     void make_font_visible(GW_LIST<GWFont>* fonts, GW_FPE* fpe);
     void delete_font(GW_LIST<GWFont>* fonts);
 
+    /// Whether the last `install_font` or `delete_font` did all that it was asked to. What failed was taken
+    /// back and said on standard error.
+    [[nodiscard]] bool was_done() const { return done; }
+
+  protected:
+    void note_outcome(bool all_done) { done = all_done; }
+
   private:
     int type_id;
+    bool done = true;
 };

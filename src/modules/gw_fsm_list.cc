@@ -50,7 +50,9 @@ void GW_FSM_LIST::make_installed_font_list(GW_LIST<GWFont>& out, GW_LIST<GW_FPE>
 }
 
 void GW_FSM_LIST::install_font(GWFont* font, GW_FPE* fpe) {
-    if (GW_FSM_BASE* fsm = get_fsm(font->get_type()); fsm != nullptr) fsm->install_font(font, fpe);
+    GW_FSM_BASE* fsm = get_fsm(font->get_type());
+    if (fsm != nullptr) fsm->install_font(font, fpe);
+    done = fsm == nullptr || fsm->was_done();
 }
 
 void GW_FSM_LIST::make_font_visible(GWFont* font, GW_FPE* fpe) {
@@ -58,7 +60,9 @@ void GW_FSM_LIST::make_font_visible(GWFont* font, GW_FPE* fpe) {
 }
 
 void GW_FSM_LIST::delete_font(GWFont* font) {
-    if (GW_FSM_BASE* fsm = get_fsm(font->get_type()); fsm != nullptr) fsm->delete_font(font);
+    GW_FSM_BASE* fsm = get_fsm(font->get_type());
+    if (fsm != nullptr) fsm->delete_font(font);
+    done = fsm == nullptr || fsm->was_done();
 }
 
 bool GW_FSM_LIST::can_install(GWFont* font) {

@@ -2,27 +2,31 @@
 #include "modules/gw_t1_buf_file.h"
 
 #include <algorithm>
-#include <cstring>
+#include <cerrno>
 
 #include "core/gw_dir.h"
 
 int GW_T1_BUF_FILE::copy(GW_DIR* dest) {
-    if (std::strcmp(get_dir(), dest->get_path()) == 0) return 1;
-    if (open("r") == 0) return 1;
-    GW_FILE target(get_name(), dest->get_path(), gw::FILE_TYPE_REGULAR);
-    target.open("w+");
+    if (is_in_directory(dest->get_path())) return 1;
+    gw::NewFile target(std::string(dest->get_path()) + get_name());
+    if (copy_into(target) == 0 && target.put_in_place()) target.keep();
+    return 1;
+}
 
+int GW_T1_BUF_FILE::copy_into(gw::NewFile& copy) {
+    if (open("r") == 0) return errno;
     int got = read(block.data(), BLOCK_SIZE);
     block[static_cast<std::size_t>(got)] = '\0';
     const char* end = block.data() + got;
     const char* text = std::find(static_cast<const char*>(block.data()), end, '%');
     // The byte behind the block goes along: readers of installed fonts take it for white space.
-    target.write(text, static_cast<int>(end - text) + 1);
-
-    while ((got = read(block.data(), BLOCK_SIZE)) > 0) {
+    bool going_well = copy.write({text, static_cast<std::size_t>(end - text) + 1});
+    while (going_well && (got = read(block.data(), BLOCK_SIZE)) > 0) {
         std::replace(block.data(), block.data() + got, '\r', '\n');
-        target.write(block.data(), got);
+        going_well = copy.write({block.data(), static_cast<std::size_t>(got)});
     }
+    const int source_failure = has_failed() ? errno : 0;
     close();
-    return 1;
+    if (source_failure != 0) return source_failure;
+    return copy.finish() ? 0 : copy.error();
 }

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "core/gw_file.h"
+#include "core/new_file.h"
 
 class GW_DIR;
 
@@ -17,9 +18,12 @@ class GW_T1_BUF_FILE : public GW_FILE {
 
     /// Copies this file under its own name into `dest` (mode 0644). Of the first block what stands before the
     /// first '%' (the binary header of a ".pfb") is dropped and one byte more than what is left is written;
-    /// in all later blocks carriage returns become line feeds. A file is not copied onto itself, and one that
-    /// cannot be opened is skipped. Returns 1 in every case.
+    /// in all later blocks carriage returns become line feeds. A file is not copied onto itself, by whatever
+    /// way its directory is named, and one that cannot be copied whole is skipped. Returns 1 in every case.
     int copy(GW_DIR* dest);
+    /// Writes the converted bytes into `copy` and finishes it, without putting it in place. Returns 0, or the
+    /// `errno` of what went wrong; `copy` knows whether that was its own failure.
+    [[nodiscard]] int copy_into(gw::NewFile& copy);
 
   private:
     std::array<char, BLOCK_SIZE + 1> block{};  // the byte behind a block is a NUL

@@ -1,12 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "modules/gw_t1_fsm.h"
 
-#include <optional>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
+#include "modules/font_installation.h"
 #include "modules/gw_t1_buf_file.h"
 #include "modules/gw_t1_font_file.h"
 #include "modules/index_access.h"
@@ -117,14 +117,16 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
 }
 
 void GW_T1_FSM::install_font(GWFont* font, GW_FPE* fpe) {
-    const GW_FILE_SPEC* first = gw::first_file(*font);
-    if (first == nullptr) return;
-    const std::optional<std::string> line = gw::index_line(*font, first->get_name());
-    if (!line) return;
-    fpe->make_afm_dir();
-    fpe->get_fontdir_file().append_line(line->c_str());
-    GW_DIR target(fpe->get_element());
-    for (const GW_FILE_SPEC* spec : *font->get_font_file_list()) GW_T1_BUF_FILE(spec).copy(&target);
+    note_outcome(false);
+    gw::FontInstallation installation(*font, *fpe);
+    if (!installation.can_begin()) return;
+    installation.make_afm_dir();
+    if (!installation.copy_files<GW_T1_BUF_FILE>() || !installation.enter_in_index() ||
+        !installation.put_all_in_place()) {
+        return;
+    }
+    installation.keep();
+    note_outcome(true);
 }
 
 void GW_T1_FSM::make_font_visible(GWFont* font, GW_FPE* fpe) {
@@ -134,8 +136,10 @@ void GW_T1_FSM::make_font_visible(GWFont* font, GW_FPE* fpe) {
 }
 
 void GW_T1_FSM::delete_font(GWFont* font) {
-    const std::string dir = gw::remove_files_and_entry(*font);
-    if (!dir.empty()) GW_DIR(dir.c_str()).make_upr_file(0, nullptr);
+    note_outcome(gw::remove_files_and_entry(*font));
+    if (!was_done() || gw::first_file(*font) == nullptr) return;
+    const GW_FSPEC_LIST& files = *font->get_font_file_list();
+    GW_DIR(files.get_elem_at_pos(files.get_count())->get_dir()).make_upr_file(0, nullptr);
 }
 
 bool GW_T1_FSM::can_install(GWFont* font) const {

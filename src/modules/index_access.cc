@@ -1,10 +1,17 @@
 // SPDX-License-Identifier: MIT
 #include "modules/index_access.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "core/gw_reg_exp.h"
+#include "core/replace_file.h"
 
 namespace gw {
 
@@ -13,6 +20,28 @@ namespace {
 bool can_be_read_back(const std::string& file_name, const std::string& line) {
     return file_name.find_first_of(" \n") == std::string::npos && line.find('\n') == line.size() - 1 &&
            line.size() < static_cast<std::size_t>(GW_FONTDIR_FILE::LINE_BUFFER);
+}
+
+/// Whether the file's directory lets this user remove it; a missing file is no obstacle. Leaves the reason in
+/// `errno`.
+bool can_be_removed(const GW_FILE_SPEC& spec) {
+    const std::string path(spec.get_path());
+    const std::string dir = path.substr(0, path.rfind('/') + 1);  // that of "afm/NAME" is the subdirectory
+    struct stat file {};
+    struct stat home {};
+    if (::lstat(path.c_str(), &file) != 0 || ::stat(dir.c_str(), &home) != 0) return true;
+    const uid_t user = ::geteuid();
+    if ((home.st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid && user != home.st_uid) {
+        errno = EPERM;
+        return false;
+    }
+    return ::faccessat(AT_FDCWD, dir.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+}
+
+/// Says why a font that was to be deleted stays; always false.
+bool report_staying(const GW_FILE_SPEC& spec, int reason) {
+    std::fprintf(stderr, "glyphward: %s: %s; the font stays\n", spec.get_path(), std::strerror(reason));
+    return false;
 }
 
 std::string line_text(GWFont& font, const std::string& file_name) {
@@ -24,9 +53,12 @@ std::string line_text(GWFont& font, const std::string& file_name) {
 std::optional<std::string> index_line(GWFont& font, const std::string& file_name) {
     std::string line = line_text(font, file_name);
     if (can_be_read_back(file_name, line)) return line;
-    std::fprintf(stderr, "glyphward: %s: this name does not fit into a font index; the font is left out\n",
-                 file_name.c_str());
+    report_left_out(file_name, "this name does not fit into a font index");
     return std::nullopt;
+}
+
+void report_left_out(const std::string& path, const char* reason) {
+    std::fprintf(stderr, "glyphward: %s: %s; the font is left out\n", path.c_str(), reason);
 }
 
 bool can_be_indexed(GWFont& font) {
@@ -44,19 +76,29 @@ const GW_FILE_SPEC* first_file(const GWFont& font) {
     return files != nullptr && !files->is_empty() ? *files->begin() : nullptr;
 }
 
-std::string remove_files_and_entry(const GWFont& font) {
-    std::string last_dir;
-    if (font.get_font_file_list() == nullptr) return last_dir;
-    bool struck_out = false;
-    for (const GW_FILE_SPEC* spec : *font.get_font_file_list()) {
-        last_dir = spec->get_dir();
-        if (!struck_out) {
-            struck_out =
-                GW_FPE(spec->get_dir()).get_fontdir_file().delete_font_file_line(spec->get_name()) != 0;
-        }
-        spec->remove();
+bool remove_files_and_entry(const GWFont& font) {
+    if (font.get_font_file_list() == nullptr) return true;
+    const GW_FSPEC_LIST& files = *font.get_font_file_list();
+    for (const GW_FILE_SPEC* spec : files) {
+        if (!can_be_removed(*spec)) return report_staying(*spec, errno);
     }
-    return last_dir;
+    bool struck_out = false;
+    for (const GW_FILE_SPEC* spec : files) {
+        GW_FONTDIR_FILE index(spec->get_dir(), FILE_TYPE_REGULAR);
+        const std::optional<std::string> before = struck_out ? std::nullopt : read_file(index.get_path());
+        if (!struck_out) {
+            struck_out = index.delete_font_file_line(spec->get_name()) != 0;
+            const int reason = errno;
+            if (!struck_out && index.get_font_name(spec->get_name())) return report_staying(index, reason);
+        }
+        if (::unlink(spec->get_path()) == 0 || errno == ENOENT || errno == ENOTDIR) continue;
+        report_staying(*spec, errno);
+        // Without its first file a font is gone, whatever remains of it.
+        if (spec != *files.begin()) continue;
+        if (struck_out && before) struck_out = !replace_file(index.get_path(), *before);
+        return false;
+    }
+    return true;
 }
 
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {

@@ -20,6 +20,9 @@ namespace gw {
 /// and the font must be left out before anything is written.
 std::optional<std::string> index_line(GWFont& font, const std::string& file_name);
 
+/// Says in one line on standard error that the font of the file at `path` is left out, and why.
+void report_left_out(const std::string& path, const char* reason);
+
 /// Whether the font has a file and `index_line` a line for it; says nothing.
 bool can_be_indexed(GWFont& font);
 
@@ -31,8 +34,9 @@ bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);
 const GW_FILE_SPEC* first_file(const GWFont& font);
 
 /// Strikes the font out of the index of its files' directory (one line, found by the first file that the
-/// index knows) and removes its files. Returns the last file's directory; empty when the font has no files.
-std::string remove_files_and_entry(const GWFont& font);
+/// index knows) and removes its files. False when the font stays as it was, because its files or its line
+/// cannot be removed: that is said in one line on standard error.
+[[nodiscard]] bool remove_files_and_entry(const GWFont& font);
 
 /// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
 /// grouped by pattern, in index order within a group.

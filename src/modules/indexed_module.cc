@@ -5,12 +5,12 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
 #include "core/gw_buf_file.h"
+#include "modules/font_installation.h"
 #include "modules/index_access.h"
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
@@ -137,15 +137,15 @@ void IndexedModule::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) 
 }
 
 void IndexedModule::install_font(GWFont* font, GW_FPE* fpe) {
-    const GW_FILE_SPEC* first = first_file(*font);
-    if (first == nullptr) return;
-    const std::optional<std::string> line = index_line(*font, first->get_name());
-    if (!line) return;
-    GW_DIR target(fpe->get_element());
-    for (const GW_FILE_SPEC* spec : *font->get_font_file_list()) {
-        GW_BUF_FILE(spec).copy(&target);
-        if (spec == first) fpe->get_fontdir_file().append_line(line->c_str());
+    note_outcome(false);
+    FontInstallation installation(*font, *fpe);
+    if (!installation.can_begin() || !installation.copy_files<GW_BUF_FILE>() ||
+        !installation.put_first_in_place() || !installation.enter_in_index() ||
+        !installation.put_all_in_place()) {
+        return;
     }
+    installation.keep();
+    note_outcome(true);
 }
 
 void IndexedModule::make_font_visible(GWFont* font, GW_FPE* fpe) {
@@ -155,7 +155,7 @@ void IndexedModule::make_font_visible(GWFont* font, GW_FPE* fpe) {
 }
 
 void IndexedModule::delete_font(GWFont* font) {
-    remove_files_and_entry(*font);
+    note_outcome(remove_files_and_entry(*font));
 }
 
 bool IndexedModule::can_install(GWFont* font) const {

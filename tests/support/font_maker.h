@@ -63,11 +63,15 @@ class RecordingModule : public GW_FSM_BASE {
     }
     void install_font(GWFont* font, GW_FPE* fpe) override {
         note("install " + std::string(font->get_xlfd_name()) + " " + at(fpe));
+        note_outcome(refused != font->get_xlfd_name());
     }
     void make_font_visible(GWFont* font, GW_FPE* fpe) override {
         note("show " + std::string(font->get_xlfd_name()) + " " + at(fpe));
     }
-    void delete_font(GWFont* font) override { note("delete " + std::string(font->get_xlfd_name())); }
+    void delete_font(GWFont* font) override {
+        note("delete " + std::string(font->get_xlfd_name()));
+        note_outcome(refused != font->get_xlfd_name());
+    }
     using GW_FSM_BASE::delete_font;
     using GW_FSM_BASE::install_font;
     using GW_FSM_BASE::list_font_file_names;
@@ -76,6 +80,9 @@ class RecordingModule : public GW_FSM_BASE {
     using GW_FSM_BASE::make_font_list;
     using GW_FSM_BASE::make_font_visible;
     using GW_FSM_BASE::make_installed_font_list;
+
+    /// The font that this module fails to install and to delete.
+    std::string refused;
 
     /// What every module of a test was asked, in order.
     static std::vector<std::string>& calls() {

@@ -3,6 +3,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <memory>
@@ -11,6 +12,7 @@
 
 #include "model/gw_alias.h"
 #include "modules/gw_pcf_fsm.h"
+#include "support/small_disk.h"
 #include "unit/model/model_test_support.h"
 
 namespace {
@@ -318,12 +320,78 @@ TEST_F(ConflictFiles, AFontThatCannotBeCopiedElsewhereStays) {
     const Ref<GWFont> again = make_font(Xlfd{});
     place(*again, dir.file("old") + '/', {"font.pcf"});
     dir.make_dir("new/font.pcf");  // in the way of the copy
-    std::filesystem::remove(dir.file("new/font.pcf"));
-    std::filesystem::create_symlink("missing/directory", dir.file("new/font.pcf"));
+    testing::internal::CaptureStderr();
     force(again, "new");
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("new/font.pcf"), std::string::npos);
     EXPECT_EQ(dir.read("old/font.pcf"), "old");
     EXPECT_EQ(dir.read("old/fonts.dir"), index_of_one());
     EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative()->get_dir_name(), dir.file("old") + '/');
+}
+
+// In the same directory and from another one; the new font's copy fails after the old one has gone.
+TEST_F(ConflictFiles, TheOldFontComesBackWhenTheNewOneCannotBeCopied) {
+    for (const char* target : {"old", "new"}) {
+        installed.clear();
+        gw::delete_elements(conflicts);
+        const Ref<GWFont> old = font_in("old");
+        dir.write("old/fonts.dir", "2\nfont.pcf " + Xlfd{}.str() + "\nother.pcf other\n");
+        dir.write("old/glyphwd.upr", "resources");
+        installed.add_font(old.get());
+        const Ref<GWFont> unreadable = make_font(Xlfd{});
+        place(*unreadable, dir.file("gone") + '/', {"font.pcf"});
+        testing::internal::CaptureStderr();
+        force(unreadable, target);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(),
+                  "glyphward: " + dir.file("gone/font.pcf") +
+                      ": No such file or directory; the font is left out\n");
+        EXPECT_EQ(dir.read("old/font.pcf"), "old") << target;
+        EXPECT_EQ(dir.read("old/fonts.dir"), "2\nfont.pcf " + Xlfd{}.str() + "\nother.pcf other\n");
+        EXPECT_EQ(dir.read("old/glyphwd.upr"), "resources");
+        EXPECT_FALSE(dir.exists("old/.font.pcf.gwkept"));
+        EXPECT_FALSE(dir.exists("new/font.pcf"));
+        ASSERT_EQ(installed.get_count(), 1);
+        EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative(), old.get());
+    }
+}
+
+TEST_F(ConflictFiles, TheOldFontComesBackOnAFullDisk) {
+    const gw::test::SmallDisk disk;
+    const std::string index = index_of_one();
+    disk.write("fonts.dir", index);
+    disk.write("font.pcf", "old");
+    const Ref<GWFont> old = make_font(Xlfd{});
+    place(*old, disk.path(), {"font.pcf"});
+    installed.add_font(old.get());
+    const Ref<GWFont> large = font_in("source");
+    dir.write("source/font.pcf", std::string(50000, 'x'));
+    disk.leave_blocks(0);
+    GWHRNList source(0);
+    source.add_font(large.get());
+    GW_SORTED_LIST<GWAlias> aliases(0);
+    ASSERT_EQ(source.install_at_pos(1, disk.path().c_str(), installed, aliases, modules, conflicts),
+              GWHRNElement::CONFLICT);
+    testing::internal::CaptureStderr();
+    conflicts.get_elem_at_pos(1)->install_force(modules);
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("No space left on device"), std::string::npos);
+    EXPECT_EQ(disk.read("font.pcf"), "old");
+    EXPECT_EQ(disk.read("fonts.dir"), index);
+    EXPECT_EQ(disk.entries(), 2);
+    EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative(), old.get());
+}
+
+TEST_F(ConflictFiles, AFontThatCannotBeDeletedIsNotReplaced) {
+    if (::geteuid() == 0) GTEST_SKIP() << "every file is open to the superuser";
+    const Ref<GWFont> old = font_in("old");
+    installed.add_font(old.get());
+    const Ref<GWFont> font = font_in("source");
+    std::filesystem::permissions(dir.file("old/fonts.dir"), std::filesystem::perms::owner_read);
+    testing::internal::CaptureStderr();
+    force(font, "new");
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("the font stays"), std::string::npos);
+    EXPECT_EQ(dir.read("old/font.pcf"), "old");
+    EXPECT_EQ(dir.read("old/fonts.dir"), index_of_one());
+    EXPECT_FALSE(dir.exists("new/font.pcf"));
+    EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative(), old.get());
 }
 
 TEST_F(ConflictFiles, AFontThatNoIndexCanHoldReplacesNothing) {
@@ -367,6 +435,17 @@ TEST_F(ConflictDelete, DoesNothingForAReadOnlyFont) {
     conflicts.get_elem_at_pos(1)->delete_force(modules.list);
     EXPECT_TRUE(modules.calls.empty());
     EXPECT_EQ(installed.get_count(), 1);
+}
+
+TEST_F(ConflictDelete, KeepsTheFontThatCouldNotBeDeleted) {
+    const Ref<GWFont> font = make_font("fixed");
+    font->set_dir_name("/usr/vantor/lib/X11/fonts/");
+    installed.add_font(font.get());
+    ASSERT_EQ(installed.delete_at_pos(1, modules.list, conflicts), GWHRNElement::CONFLICT);
+    modules.bitmap.refused = "fixed";
+    conflicts.get_elem_at_pos(1)->delete_force(modules.list);
+    ASSERT_EQ(installed.get_count(), 1);
+    EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative(), font.get());
 }
 
 TEST_F(ConflictDelete, OfAnElementThatHasLeftTheListDeletesItsFontsAlone) {

@@ -448,6 +448,32 @@ TEST_F(HrnElementInstall, ListsOnlyWhatTheModulesTake) {
     EXPECT_TRUE(conflicts.is_empty());
 }
 
+// A font whose copy failed is neither listed nor counted.
+TEST_F(HrnElementInstall, ListsOnlyWhatCouldBeCopied) {
+    GW_PCF_FSM bitmap;
+    modules.list.clear();
+    modules.list.append(&bitmap);
+    const Ref<GWFont> vanished = make_font(Xlfd{.decipoints = "80"});
+    place(*vanished, dir.path(), {"vanished.pcf"});
+    dir.write("a.pcf", "x");
+    const Ref<GWFont> taken = make_font(Xlfd{.decipoints = "120"});
+    place(*taken, dir.path(), {"a.pcf"});
+    const std::string target = dir.make_dir("target");
+    const auto install_into_target = [&](GWHRNElement& elem) {
+        testing::internal::CaptureStderr();
+        const int result = elem.install_fonts(target.c_str(), installed, aliases, modules.list, conflicts);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("vanished.pcf: No such file"),
+                  std::string::npos);
+        return result;
+    };
+    EXPECT_EQ(install_into_target(*element_of({vanished})), GWHRNElement::FAILED);
+    EXPECT_TRUE(installed.is_empty());
+    EXPECT_EQ(install_into_target(*element_of({vanished, taken})), GWHRNElement::DONE);
+    ASSERT_EQ(installed.get_count(), 1);
+    EXPECT_THAT(sizes_of(*installed.get_elem_at_pos(1)), ElementsAre("120"));
+    EXPECT_EQ(dir.read("target/fonts.dir"), "1\na.pcf " + Xlfd{.decipoints = "120"}.str() + '\n');
+}
+
 using HrnElementConflict = HrnElementActions;
 
 TEST_F(HrnElementConflict, IsNoneForDifferentFontsOfOneName) {
@@ -483,6 +509,22 @@ TEST_F(HrnElementDelete, DeletesNothingWhenOneFontIsReadOnly) {
     EXPECT_EQ(conflict()->is_conflict(GWConflict::READ_ONLY), 1);
     EXPECT_EQ(conflict()->is_conflict(GWConflict::SYSTEM_FONT), 0);
     EXPECT_EQ(conflict()->get_conflict_dir_name(), "");
+}
+
+TEST_F(HrnElementDelete, KeepsTheFontThatCouldNotBeDeleted) {
+    const Xlfd gone{.decipoints = "120"};
+    const Xlfd staying{.decipoints = "80"};
+    installed_font(gone.str(), "/old/");
+    installed_font(staying.str(), "/old/");
+    modules.bitmap.refused = staying.str();
+    EXPECT_EQ(installed.delete_at_pos(1, modules.list, conflicts), GWHRNElement::FAILED);
+    EXPECT_EQ(modules.calls.size(), 2U);
+    ASSERT_EQ(installed.get_count(), 1);
+    EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative()->get_xlfd_name(), staying.str());
+    EXPECT_EQ(installed.get_elem_at_pos(1)->get_font("120", "75 X 75")->get_xlfd_name(), staying.str());
+    modules.bitmap.refused.clear();
+    EXPECT_EQ(installed.delete_at_pos(1, modules.list, conflicts), GWHRNElement::DONE);
+    EXPECT_TRUE(installed.is_empty());
 }
 
 TEST_F(HrnElementDelete, AsksFirstForSystemFonts) {

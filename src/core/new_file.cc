@@ -1,0 +1,131 @@
+// SPDX-License-Identifier: MIT
+//
+// The file at PATH is made as ".NAME.gwtmp"; the one that it replaces waits as ".NAME.gwold".
+#include "core/new_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include "core/replace_file.h"
+
+namespace gw {
+
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = 0644;
+
+}  // namespace
+
+std::string hidden_name(const std::string& path, const char* suffix) {
+    const std::size_t slash = path.rfind('/');
+    const std::size_t name = slash == std::string::npos ? 0 : slash + 1;
+    return path.substr(0, name) + '.' + path.substr(name) + suffix;
+}
+
+bool set_aside(const std::string& path, const std::string& other_name) {
+    ::unlink(other_name.c_str());
+    return ::link(path.c_str(), other_name.c_str()) == 0 ||
+           std::rename(path.c_str(), other_name.c_str()) == 0;
+}
+
+NewFile::NewFile(const std::string& file_path)
+    : path(file_path), temporary(hidden_name(path, ".gwtmp")), old_file(hidden_name(path, ".gwold")) {
+    struct stat old {};
+    replaces = ::lstat(path.c_str(), &old) == 0;
+    if (replaces && S_ISDIR(old.st_mode)) {
+        failure = EISDIR;
+    } else if (replaces && S_ISREG(old.st_mode) &&
+               ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
+        fail();
+    } else {
+        ::unlink(temporary.c_str());
+        fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
+                    S_IRUSR | S_IWUSR);
+        if (fd < 0) fail();
+    }
+    if (failure != 0) state = State::OVER;
+}
+
+NewFile::NewFile(NewFile&& other) noexcept
+    : path(std::move(other.path)),
+      temporary(std::move(other.temporary)),
+      old_file(std::move(other.old_file)),
+      fd(std::exchange(other.fd, -1)),
+      failure(other.failure),
+      replaces(other.replaces),
+      state(std::exchange(other.state, State::OVER)) {}
+
+NewFile::~NewFile() {
+    close();
+    if (state == State::BEGUN) ::unlink(temporary.c_str());
+    if (state != State::IN_PLACE) return;
+    if (replaces) {
+        std::rename(old_file.c_str(), path.c_str());
+    } else {
+        ::unlink(path.c_str());
+    }
+}
+
+bool NewFile::fail() {
+    if (failure == 0) failure = errno;
+    return false;
+}
+
+void NewFile::close() {
+    if (fd >= 0 && ::close(std::exchange(fd, -1)) != 0) fail();
+}
+
+bool NewFile::write(std::string_view bytes) {
+    while (failure == 0 && !bytes.empty()) {
+        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return fail();
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return failure == 0;
+}
+
+bool NewFile::finish() {
+    if (failure != 0) return false;
+    struct stat old {};
+    struct stat made {};
+    if (replaces && ::stat(path.c_str(), &old) == 0 && ::fstat(fd, &made) == 0 && old.st_uid != made.st_uid) {
+        [[maybe_unused]] const int kept = ::fchown(fd, old.st_uid, old.st_gid);
+    }
+    // An index that names the file may reach the disk before it does.
+    if (::fchmod(fd, NEW_FILE_MODE) != 0 || ::fdatasync(fd) != 0) fail();
+    close();
+    return failure == 0;
+}
+
+bool NewFile::changes_a_file() const {
+    return replaces && read_file(path) != read_file(temporary);
+}
+
+bool NewFile::put_in_place() {
+    if (failure != 0 || state != State::BEGUN) return false;
+    if (replaces && !set_aside(path, old_file)) return fail();
+    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+        fail();
+        if (replaces) {
+            std::rename(old_file.c_str(), path.c_str());
+            ::unlink(old_file.c_str());  // where it was a second link, that move did nothing
+        }
+        return false;
+    }
+    state = State::IN_PLACE;
+    return true;
+}
+
+void NewFile::keep() {
+    if (state != State::IN_PLACE) return;
+    if (replaces) ::unlink(old_file.c_str());
+    state = State::OVER;
+}
+
+}  // namespace gw
