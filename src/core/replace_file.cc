@@ -103,6 +103,7 @@ std::optional<std::string> read_file(const std::string& path) {
     struct stat info {};
     if (!file.is_open() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
     std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(info.st_size));
     char block[65536];
     for (;;) {
         const ssize_t got = ::read(file.get(), block, sizeof block);

@@ -4,6 +4,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
 
@@ -34,9 +38,14 @@ void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int r
     GW_LIST<GWFont> fonts;
     modules.make_font_list(fonts, &dir, recursive);
     GWStagingFpe fpe(staging);
+    GW_FONTDIR_FILE::Batch lines(fpe.get_fontdir_file());
     for (GWFont* font : fonts) {
         modules.make_font_visible(font, &fpe);
         out.add_font(font);
+    }
+    if (lines.write() == 0) {
+        std::fprintf(stderr, "glyphward: %s: %s; these fonts have no samples\n",
+                     fpe.get_fontdir_file().get_path(), std::strerror(errno));
     }
 }
 

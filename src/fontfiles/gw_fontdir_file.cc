@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "core/replace_file.h"
 #include "platform/host_paths.h"
@@ -27,8 +28,12 @@ int parsed_count(std::string_view line) {
     return std::atoi(std::string(line.substr(0, line.find('\n'))).c_str());
 }
 
-std::string with_count(std::string_view bytes, int count) {
-    return std::to_string(count) + '\n' + std::string(bytes.substr(line_end(bytes, 0)));
+/// The bytes with that number for their first line, and room for so many more.
+std::string with_count(std::string_view bytes, int count, std::size_t room = 0) {
+    std::string result = std::to_string(count) + '\n';
+    result.reserve(result.size() + bytes.size() + room);
+    result += bytes.substr(line_end(bytes, 0));
+    return result;
 }
 
 std::string with_count_adjusted(std::string_view bytes, int delta) {
@@ -110,6 +115,20 @@ void GW_FONTDIR_FILE::split_line(const char* line, std::string& file_name, std::
     font_name = blank == std::string_view::npos ? std::string_view() : rest.substr(blank + 1);
 }
 
+GW_FONTDIR_FILE::Batch::Batch(GW_FONTDIR_FILE& the_index) : index(the_index) {
+    index.gathered.emplace();
+}
+
+GW_FONTDIR_FILE::Batch::~Batch() {
+    write();
+    index.gathered.reset();
+}
+
+int GW_FONTDIR_FILE::Batch::write() {
+    const Lines lines = std::exchange(*index.gathered, {});
+    return lines.count == 0 ? 1 : index.append(lines);
+}
+
 int GW_FONTDIR_FILE::append_line(const char* line) {
     GW_STRING text(line);
     GW_STRING_LIST lines;
@@ -118,17 +137,25 @@ int GW_FONTDIR_FILE::append_line(const char* line) {
 }
 
 int GW_FONTDIR_FILE::append_line(const GW_STRING_LIST* lines) {
-    std::string bytes = "0\n";
+    Lines added;
+    Lines& target = gathered ? *gathered : added;
+    for (const GW_STRING* line : *lines) target.text += line->get_str();
+    target.count += lines->get_count();
+    return gathered ? 1 : append(added);
+}
+
+int GW_FONTDIR_FILE::append(const Lines& lines) {
+    std::string old;
     if (exist() != 0) {
-        const std::optional<std::string> old = gw::read_file(get_path());
-        if (!old) return 0;
-        if (!old->empty()) bytes = *old;
+        std::optional<std::string> bytes = gw::read_file(get_path());
+        if (!bytes) return 0;
+        old = std::move(*bytes);
     }
+    std::string bytes = with_count(old, parsed_count(old) + lines.count, lines.text.size() + 1);
     // What an earlier writer left without its newline must not swallow the new entry.
     if (!bytes.ends_with('\n')) bytes += '\n';
-    for (const GW_STRING* line : *lines) bytes += line->get_str();
-    return gw::replace_file(get_path(), with_count_adjusted(bytes, lines->get_count()), APPENDED_MODE) ? 1
-                                                                                                       : 0;
+    bytes += lines.text;
+    return gw::replace_file(get_path(), bytes, APPENDED_MODE) ? 1 : 0;
 }
 
 int GW_FONTDIR_FILE::take_back_line(const char* line) {

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,22 @@ class GW_FONTDIR_FILE : public GW_FILE {
     static constexpr int LINE_BUFFER = 120;
 
     GW_FONTDIR_FILE(const char* dir, int file_type);
+
+    /// As long as one lives, the lines appended to `index` (through that very object) are gathered, and
+    /// nothing else sees them. They are written all at once, in order: a thousand lines cost what one costs.
+    class Batch {
+      public:
+        explicit Batch(GW_FONTDIR_FILE& index);
+        /// Writes what is still to be written.
+        ~Batch();
+        Batch(const Batch&) = delete;
+        Batch& operator=(const Batch&) = delete;
+        /// Writes the lines gathered so far; 1, or 0 when they could not be written and are given up.
+        int write();
+
+      private:
+        GW_FONTDIR_FILE& index;
+    };
 
     /// Makes an index of no entries ("0\n") unless there is one; returns 1.
     int create();
@@ -45,8 +62,8 @@ class GW_FONTDIR_FILE : public GW_FILE {
     /// Splits an entry line at the first blank; the font name keeps further blanks and loses its newline.
     static void split_line(const char* line, std::string& file_name, std::string& font_name);
 
-    /// Appends the entry `line` (which brings its newline) and counts it; returns 1 when it is in the index,
-    /// 0 when it could not be written.
+    /// Appends the entry `line` (which brings its newline) and counts it; returns 1 when it is in the index
+    /// or in its batch, 0 when it could not be written.
     int append_line(const char* line);
     int append_line(const GW_STRING_LIST* lines);
     /// Undoes `append_line(line)`: removes the last entry that reads so and counts it off. Returns 1, or 0
@@ -60,4 +77,13 @@ class GW_FONTDIR_FILE : public GW_FILE {
     int delete_line(int n);
     /// Adds `delta` to the number on line 1; returns the new count, or -1 when the file cannot be changed.
     int adjust_font_count(int delta);
+
+  private:
+    struct Lines {
+        std::string text;
+        int count = 0;
+    };
+    int append(const Lines& lines);
+
+    std::optional<Lines> gathered;  // while there is a batch
 };

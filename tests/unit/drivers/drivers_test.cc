@@ -17,11 +17,13 @@
 #include "drivers/gw_dir_driver.h"
 #include "drivers/gw_installed_fonts_driver.h"
 #include "drivers/gw_rem_media_driver.h"
+#include "drivers/staging.h"
 #include "fontpath/gw_font_path.h"
 #include "modules/gw_fsm_list.h"
 #include "modules/gw_pcf_fsm.h"
 #include "modules/gw_t1_fsm.h"
 #include "support/font_maker.h"
+#include "support/small_disk.h"
 #include "support/temp_dir.h"
 
 #include "support/session.h"
@@ -166,6 +168,42 @@ TEST_F(Drivers, ADirectoryIsStagedAnewEachTime) {
     EXPECT_EQ(std::filesystem::read_symlink("/tmp/gw_dir/link"), home.file("more fonts"));
     EXPECT_EQ(TempDir::read_bytes("/tmp/gw_dir/fonts.dir"), std::string("1\nlink/u.pfa ") + TEST_XLFD + "\n");
     EXPECT_EQ(driver.get_preview_dir(), STAGING);
+}
+
+TEST_F(Drivers, EveryFontOfALargeDirectoryIsStagedInOrder) {
+    std::string index;
+    std::string staged;
+    for (int i = 1; i <= 1200; ++i) {
+        const std::string entry = "f" + std::to_string(i) + ".pcf -x-face" + std::to_string(i) +
+                                  "-medium-r-normal--8-80-75-75-c-80-iso8859-1\n";
+        index += entry;
+        staged += "link/" + entry;
+    }
+    home.write("fonts/fonts.dir", "1200\n" + index);
+    use_path("/x/");
+    GWHRNList list(0);
+    GWDirDriver(home.file("fonts").c_str()).get_hrn_list(list);
+    EXPECT_EQ(list.get_count(), 1200);
+    EXPECT_EQ(TempDir::read_bytes("/tmp/gw_dir/fonts.dir"), "1200\n" + staged);
+}
+
+TEST_F(Drivers, FontsThatCannotBeStagedAreListedAllTheSame) {
+    const gw::test::SmallDisk disk;
+    const std::string staging = disk.file("staging/");
+    std::string index;
+    for (int i = 1; i <= 200; ++i)
+        index +=
+            "f" + std::to_string(i) + ".pcf -x-f" + std::to_string(i) + "-r-normal--8-80-75-75-c-80-x-1\n";
+    home.write("fonts/fonts.dir", "200\n" + index);
+    ASSERT_TRUE(gw::prepare_staging(staging.c_str(), "link", home.file("fonts").c_str()));
+    disk.leave_blocks(1);
+    GWHRNList list(0);
+    testing::internal::CaptureStderr();
+    gw::stage_fonts(list, the_fsm_list, (staging + "link").c_str(), 0, staging.c_str());
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "glyphward: " + staging + "fonts.dir: No space left on device; these fonts have no samples\n");
+    EXPECT_EQ(TempDir::read_bytes(staging + "fonts.dir"), "0\n");
+    EXPECT_EQ(list.get_count(), 200);
 }
 
 TEST_F(Drivers, ADirectoryWithoutFontsGivesAnEmptyListAndIndex) {

@@ -124,6 +124,52 @@ TEST_F(FontdirFile, AppendingSeveralCountsThemAll) {
     }
 }
 
+TEST_F(FontdirFile, ABatchWritesItsLinesAllAtOnceAndInOrder) {
+    for (const int before : {0, 8, 98}) {
+        set(index_of(before, before));
+        GW_FONTDIR_FILE file = index();
+        {
+            GW_FONTDIR_FILE::Batch batch(file);
+            for (int i = 1; i <= 3; ++i) EXPECT_EQ(file.append_line(entry(before + i).c_str()), 1);
+            EXPECT_EQ(bytes(), index_of(before, before));
+            EXPECT_EQ(batch.write(), 1);
+            EXPECT_EQ(bytes(), index_of(before + 3, before + 3));
+            file.append_line(entry(before + 4).c_str());
+        }
+        EXPECT_EQ(bytes(), index_of(before + 4, before + 4)) << "the rest at the batch's end";
+        file.append_line(entry(before + 5).c_str());
+        EXPECT_EQ(bytes(), index_of(before + 5, before + 5)) << "and then line by line again";
+    }
+}
+
+TEST_F(FontdirFile, ABatchWithoutLinesWritesNothing) {
+    GW_FONTDIR_FILE file = index();
+    { EXPECT_EQ(GW_FONTDIR_FILE::Batch(file).write(), 1); }
+    EXPECT_FALSE(dir.exists("fonts.dir"));
+}
+
+TEST(FontdirFileBatch, SaysWhenItsLinesCouldNotBeWritten) {
+    GW_FONTDIR_FILE file("/nonexistent/", 0);
+    GW_FONTDIR_FILE::Batch batch(file);
+    EXPECT_EQ(file.append_line("a -a\n"), 1);
+    EXPECT_EQ(batch.write(), 0);
+    EXPECT_EQ(batch.write(), 1) << "they are given up";
+}
+
+TEST_F(FontdirFile, TakingALineBackUndoesItsAppending) {
+    for (const int before : {0, 9, 99}) {
+        const std::string twice = index_of(before, before) + entry(1);
+        set(twice);
+        const std::string line = entry(1);
+        ASSERT_EQ(index().append_line(line.c_str()), 1);
+        EXPECT_EQ(index().take_back_line(line.c_str()), 1);
+        EXPECT_EQ(bytes(), twice) << "of equal entries the last one";
+        EXPECT_EQ(index().take_back_line("f1.pfa -x\n"), 0) << "the whole line must agree";
+        EXPECT_EQ(bytes(), twice);
+    }
+    EXPECT_EQ(GW_FONTDIR_FILE("/nonexistent/", 0).take_back_line("a -a\n"), 0);
+}
+
 TEST_F(FontdirFile, DeletingKeepsTheCountRightByteForByte) {
     for (const int before : {1, 9, 10, 11, 100, 101}) {
         set(index_of(before, before));
