@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr mode_t APPENDED_MODE = 0644;
+constexpr mode_t INDEX_MODE = 0644;
 
 /// The end of the line that begins at `start`, its newline included.
 std::size_t line_end(std::string_view bytes, std::size_t start) {
@@ -46,11 +46,8 @@ GW_FONTDIR_FILE::GW_FONTDIR_FILE(const char* index_dir, int type)
     : GW_FILE(gw::FONT_INDEX_NAME, index_dir, type) {}
 
 int GW_FONTDIR_FILE::create() {
-    if (exist() != 0) return 1;
-    if (open("w") != 0) {
-        put_line("0\n");
-        close();
-    }
+    // The X server rejects a directory whose index is empty, as a full disk would leave it.
+    if (exist() == 0) (void)gw::replace_file(get_path(), "0\n", INDEX_MODE);
     return 1;
 }
 
@@ -155,7 +152,7 @@ int GW_FONTDIR_FILE::append(const Lines& lines) {
     // What an earlier writer left without its newline must not swallow the new entry.
     if (!bytes.ends_with('\n')) bytes += '\n';
     bytes += lines.text;
-    return gw::replace_file(get_path(), bytes, APPENDED_MODE) ? 1 : 0;
+    return gw::replace_file(get_path(), bytes, INDEX_MODE) ? 1 : 0;
 }
 
 int GW_FONTDIR_FILE::take_back_line(const char* line) {

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "modules/font_installation.h"
 
-#include <strings.h>
 #include <unistd.h>
 
 #include <cstdio>
@@ -42,25 +41,12 @@ bool FontInstallation::accept(NewFile copy, const GW_FILE_SPEC& source, int fail
         report_left_out(copy.error() != 0 ? copy.get_path() : source.get_path(), std::strerror(failure));
         return false;
     }
-    if (copy.changes_a_file() && belongs_to_another(source)) {
+    if (copy.changes_a_file() && is_file_of_another(source.get_name(), font, fpe)) {
         report_left_out(copy.get_path(), "this is a file of another font");
         return false;
     }
     copies.push_back(std::move(copy));
     return true;
-}
-
-// A file that is listed under several names belongs to the fonts of all of them.
-bool FontInstallation::belongs_to_another(const GW_FILE_SPEC& source) {
-    std::vector<GW_FONTDIR_FILE::Entry> entries;
-    fpe.get_fontdir_file().get_entries(entries);
-    bool listed = false;
-    for (const GW_FONTDIR_FILE::Entry& entry : entries) {
-        if (entry.file_name != source.get_name()) continue;
-        if (::strcasecmp(entry.font_name.c_str(), font.get_xlfd_name()) == 0) return false;
-        listed = true;
-    }
-    return listed;
 }
 
 bool FontInstallation::enter_in_index() {

@@ -42,7 +42,6 @@ class FontInstallation {
   private:
     [[nodiscard]] bool accept(NewFile copy, const GW_FILE_SPEC& source, int failure);
     [[nodiscard]] bool put_in_place(std::size_t number);
-    [[nodiscard]] bool belongs_to_another(const GW_FILE_SPEC& source);
 
     GWFont& font;
     GW_FPE& fpe;

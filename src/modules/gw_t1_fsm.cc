@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "modules/gw_t1_fsm.h"
 
+#include <algorithm>
 #include <string_view>
 #include <unordered_set>
 #include <utility>
@@ -51,6 +52,26 @@ class UnclaimedFiles {
     std::unordered_set<std::string_view> names_;
     std::size_t next_ = 0;
 };
+
+/// Whether the element has an outline file of the font's prefix that is another font's. The two would share
+/// their metrics, and deleting one would take the files of both.
+bool prefix_is_taken(GWFont& font, GW_FPE& fpe) {
+    const GW_FILE_SPEC& first = *gw::first_file(font);
+    if (first.is_in_directory(fpe.get_element())) return false;
+    const std::string prefix = GW_T1_FSM::get_matching_file_spec_prefix(&first);
+    for (const char* extension : {".pfb", ".pfa"}) {
+        const GW_FILE_SPEC outline((prefix + extension).c_str(), fpe.get_element(), gw::FILE_TYPE_REGULAR,
+                                   gw::EXT_UNKNOWN);
+        // A file of the font's own is looked at when it is copied: it may be the same.
+        const GW_FSPEC_LIST& files = *font.get_font_file_list();
+        const bool own = std::any_of(files.begin(), files.end(),
+                                     [&](const GW_FILE_SPEC* spec) { return spec->equal(&outline) != 0; });
+        if (own || outline.exist() == 0 || !gw::is_file_of_another(outline.get_name(), font, fpe)) continue;
+        gw::report_left_out(outline.get_path(), "this is a file of another font");
+        return true;
+    }
+    return false;
+}
 
 }  // namespace
 
@@ -119,7 +140,7 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
 void GW_T1_FSM::install_font(GWFont* font, GW_FPE* fpe) {
     note_outcome(false);
     gw::FontInstallation installation(*font, *fpe);
-    if (!installation.can_begin()) return;
+    if (!installation.can_begin() || prefix_is_taken(*font, *fpe)) return;
     installation.make_afm_dir();
     if (!installation.copy_files<GW_T1_BUF_FILE>() || !installation.enter_in_index() ||
         !installation.put_all_in_place()) {

@@ -2,6 +2,7 @@
 #include "modules/index_access.h"
 
 #include <fcntl.h>
+#include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -64,6 +65,18 @@ void report_left_out(const std::string& path, const char* reason) {
 bool can_be_indexed(GWFont& font) {
     const GW_FILE_SPEC* first = first_file(font);
     return first != nullptr && can_be_read_back(first->get_name(), line_text(font, first->get_name()));
+}
+
+bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe) {
+    std::vector<GW_FONTDIR_FILE::Entry> entries;
+    fpe.get_fontdir_file().get_entries(entries);
+    bool listed = false;
+    for (const GW_FONTDIR_FILE::Entry& entry : entries) {
+        if (entry.file_name != file_name) continue;
+        if (::strcasecmp(entry.font_name.c_str(), font.get_xlfd_name()) == 0) return false;
+        listed = true;
+    }
+    return listed;
 }
 
 bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name) {

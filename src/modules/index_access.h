@@ -26,6 +26,10 @@ void report_left_out(const std::string& path, const char* reason);
 /// Whether the font has a file and `index_line` a line for it; says nothing.
 bool can_be_indexed(GWFont& font);
 
+/// Whether the element's index lists that file, and under none of its names as this font. A file that is
+/// listed under several names belongs to the fonts of all of them.
+bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe);
+
 /// Enters the font in the element's index under `file_name`; false when it was left out or could not be
 /// written.
 bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);

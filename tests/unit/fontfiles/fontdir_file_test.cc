@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/small_disk.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -44,6 +45,14 @@ std::vector<std::string> texts(const GW_STRING_LIST& list) {
 TEST_F(FontdirFile, CreateMakesAnIndexOfNothing) {
     EXPECT_EQ(index().create(), 1);
     EXPECT_EQ(bytes(), "0\n");
+}
+
+// An empty index would keep the X server from the whole directory.
+TEST(FontdirFileOnAFullDisk, IsNotMadeAtAll) {
+    const gw::test::SmallDisk disk;
+    disk.leave_blocks(0);
+    EXPECT_EQ(GW_FONTDIR_FILE(disk.path().c_str(), 0).create(), 1);
+    EXPECT_EQ(disk.entries(), 0);
 }
 
 TEST_F(FontdirFile, CreateLeavesAnIndexAlone) {

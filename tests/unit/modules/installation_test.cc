@@ -219,6 +219,23 @@ TEST_F(Installation, AFileOfAnotherFontIsNotOverwritten) {
     EXPECT_EQ(entries_of(dir.file("to")), 3);
 }
 
+// Files of one prefix are one font: the two would share their metrics, and deleting one would take both.
+TEST_F(Installation, AnOutlineOfAnotherFontsPrefixIsRefused) {
+    const std::string index = "1\ntiny.pfb -another-font\n";
+    dir.write("to/fonts.dir", index);
+    dir.write("to/tiny.pfb", "%other");
+    dir.write("to/tiny.afm", "other");
+    dir.write("from/tiny.pfa", "%new");
+    dir.write("from/tiny.afm", "new");
+    EXPECT_FALSE(install(outline({"tiny.pfa", "tiny.afm"}), dir.file("to/")));
+    EXPECT_TRUE(said_of(dir.file("to/tiny.pfb"), FOREIGN)) << said;
+    EXPECT_EQ(dir.read("to/tiny.afm"), "other");
+    EXPECT_EQ(dir.read("to/fonts.dir"), index);
+    EXPECT_EQ(entries_of(dir.file("to")), 3);
+    std::filesystem::remove(dir.file("to/tiny.pfb"));
+    EXPECT_TRUE(install(outline({"tiny.pfa", "tiny.afm"}), dir.file("to/"))) << "a line alone owns nothing";
+}
+
 TEST_F(Installation, AFileOfTheSameBytesMayHaveOneMoreName) {
     dir.write("to/fonts.dir", "1\ntiny.pcf -another-name\n");
     dir.write("to/tiny.pcf", "same");
