@@ -134,7 +134,7 @@ int GW_FONTDIR_FILE::append_line(const char* line) {
 }
 
 int GW_FONTDIR_FILE::append_line(const GW_STRING_LIST* lines) {
-    Lines added;
+    Lines added{};
     Lines& target = gathered ? *gathered : added;
     for (const GW_STRING* line : *lines) target.text += line->get_str();
     target.count += lines->get_count();

@@ -81,7 +81,7 @@ class GW_FONTDIR_FILE : public GW_FILE {
   private:
     struct Lines {
         std::string text;
-        int count = 0;
+        int count;
     };
     int append(const Lines& lines);
 

@@ -94,6 +94,10 @@ bool remove_files_and_entry(const GWFont& font) {
     const GW_FSPEC_LIST& files = *font.get_font_file_list();
     for (const GW_FILE_SPEC* spec : files) {
         if (!can_be_removed(*spec)) return report_staying(*spec, errno);
+        GW_FONTDIR_FILE index(spec->get_dir(), FILE_TYPE_REGULAR);
+        if (::faccessat(AT_FDCWD, index.get_path(), W_OK, AT_EACCESS) == 0) continue;
+        const int reason = errno;
+        if (index.get_font_name(spec->get_name())) return report_staying(index, reason);
     }
     bool struck_out = false;
     for (const GW_FILE_SPEC* spec : files) {
@@ -108,7 +112,7 @@ bool remove_files_and_entry(const GWFont& font) {
         report_staying(*spec, errno);
         // Without its first file a font is gone, whatever remains of it.
         if (spec != *files.begin()) continue;
-        if (struck_out && before) struck_out = !replace_file(index.get_path(), *before);
+        if (struck_out && before && !replace_file(index.get_path(), *before)) report_staying(index, errno);
         return false;
     }
     return true;

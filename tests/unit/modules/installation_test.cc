@@ -331,6 +331,16 @@ TEST_F(Deleting, WithAClosedIndexChangesNothing) {
     EXPECT_TRUE(dir.exists("from/tiny.pcf"));
 }
 
+// The file that the index lists is not always the first.
+TEST_F(Deleting, WithAClosedIndexKeepsAllFilesOfAnOutline) {
+    if (::geteuid() == 0) GTEST_SKIP() << "every file is open to the superuser";
+    ::chmod(dir.write("from/fonts.dir", "1\ntiny.pfa " + OUTLINE_NAME + "\n").c_str(), 0444);
+    dir.write("from/tiny.pfb", "%x");
+    dir.write("from/tiny.pfa", "%x");
+    EXPECT_FALSE(remove(outline({"tiny.pfb", "tiny.pfa"})));
+    EXPECT_EQ(entries_of(dir.file("from")), 3);
+}
+
 // A directory where a file is expected: only the removal itself finds it.
 TEST_F(Deleting, PutsTheLineBackWhenTheFileStays) {
     const std::string index = "2\ntiny.pcf " + BITMAP_NAME + "\nother.pcf -other\n";
