@@ -103,18 +103,53 @@ bool Desktop::has_keyboard(Window window) const {
 }
 
 // Menus are what the window manager is not to manage. It has such a window of its own, off the screen.
-bool Desktop::has_menu() const {
-    const std::vector<Window> windows = children_of(display_, DefaultRootWindow(display_));
-    return std::any_of(windows.begin(), windows.end(), [this](Window window) {
+Window Desktop::posted_menu() const {
+    for (const Window window : children_of(display_, DefaultRootWindow(display_))) {
         XWindowAttributes attributes{};
-        return XGetWindowAttributes(display_, window, &attributes) != 0 &&
-               attributes.map_state == IsViewable && attributes.override_redirect == True &&
-               attributes.c_class == InputOutput && attributes.x < WidthOfScreen(attributes.screen);
-    });
+        if (XGetWindowAttributes(display_, window, &attributes) != 0 && attributes.map_state == IsViewable &&
+            attributes.override_redirect == True && attributes.c_class == InputOutput &&
+            attributes.x < WidthOfScreen(attributes.screen))
+            return window;
+    }
+    return 0;
+}
+
+bool Desktop::has_menu() const {
+    return posted_menu() != 0;
 }
 
 bool Desktop::menu_appears() const {
     return wait_until([this] { return has_menu(); }, 2);
+}
+
+void Desktop::drag_up_in(Window option_menu, int steps) const {
+    dismiss_menu();
+    move_to_middle(option_menu);
+    const Rectangle start = place_of(option_menu);
+    const auto pressed = std::chrono::steady_clock::now();
+    XTestFakeButtonEvent(display_, Button1, True, CurrentTime);
+    XSync(display_, False);
+    if (menu_appears()) {
+        // The menu's shell holds the row of its entries.
+        std::vector<Window> entries = children_of(display_, posted_menu());
+        if (entries.size() == 1) entries = children_of(display_, entries.front());
+        std::erase_if(entries, [this](Window entry) { return !is_viewable(display_, entry); });
+        std::sort(entries.begin(), entries.end(),
+                  [this](Window a, Window b) { return place_of(a).y < place_of(b).y; });
+        const int y = start.y + start.height / 2;
+        const auto current = std::find_if(entries.begin(), entries.end(), [&](Window entry) {
+            const Rectangle place = place_of(entry);
+            return place.y <= y && y < place.y + place.height;
+        });
+        if (current != entries.end() && current - entries.begin() >= steps)
+            move_to_middle(*(current - steps));
+    }
+    // Let go earlier, it would be a click, which leaves the menu open.
+    XSync(display_, False);
+    std::this_thread::sleep_until(pressed + 2 * DOUBLE_CLICK);
+    XTestFakeButtonEvent(display_, Button1, False, CurrentTime);
+    XSync(display_, False);
+    last_click_ = std::chrono::steady_clock::now();
 }
 
 void Desktop::dismiss_menu() const {
@@ -131,6 +166,12 @@ unsigned Desktop::keycode(const char* name) const {
     const unsigned code = XKeysymToKeycode(display_, XStringToKeysym(name));
     if (code == 0) throw std::runtime_error(std::string("no such key: ") + name);
     return code;
+}
+
+void Desktop::move_to_middle(Window window) const {
+    const Rectangle place = place_of(window);
+    XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + place.width / 2,
+                         place.y + place.height / 2, CurrentTime);
 }
 
 void Desktop::click(Window window, int x, int y, const char* modifier) const {

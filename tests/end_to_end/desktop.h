@@ -45,6 +45,8 @@ class Desktop {
     [[nodiscard]] bool has_menu() const;
     /// Waits for a menu to be posted; false when there is none within two seconds.
     [[nodiscard]] bool menu_appears() const;
+    /// Opens an option menu, drags to the entry that stands `steps` above the current one, and lets go there.
+    void drag_up_in(Window option_menu, int steps) const;
     /// Takes away a menu that is still posted.
     void dismiss_menu() const;
 
@@ -70,6 +72,8 @@ class Desktop {
   private:
     [[nodiscard]] Window find_titled(Window below, const std::string& title) const;
     void press(unsigned keycode, bool down) const;
+    void move_to_middle(Window window) const;
+    [[nodiscard]] Window posted_menu() const;
     [[nodiscard]] unsigned keycode(const char* name) const;
 
     Display* display_;

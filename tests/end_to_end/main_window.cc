@@ -42,11 +42,7 @@ void MainWindow::choose(const char* menu_key, const char* entry_key) const {
 }
 
 void MainWindow::choose_above(Window option_menu, int steps) const {
-    desktop_.dismiss_menu();
-    desktop_.click_middle(option_menu);
-    if (!desktop_.menu_appears()) return;
-    for (int i = 0; i < steps; ++i) desktop_.key("Up");
-    desktop_.key("Return");
+    desktop_.drag_up_in(option_menu, steps);
 }
 
 Rectangle MainWindow::sample() const {
