@@ -179,22 +179,17 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
 
 void help_dlg_cb(Widget, XtPointer, XtPointer) {}
 
-/// The title has its words where the lines have theirs, and the list is as wide as a line.
-void give_line_width(Widget title) {
-    XmFontList fonts = nullptr;
-    XtVaGetValues(wi_conflicts_list, XmNfontList, &fonts, nullptr);
-    XtVaSetValues(title, XmNfontList, fonts, nullptr);
-    const gw::XmText line = gw::xm_text(std::string(LINE_LENGTH, 'n'));
-    XtVaSetValues(wi_conflicts_list, XmNwidth, XmStringWidth(fonts, line.get()), nullptr);
-}
-
 void create_list(Widget dialog) {
     Widget title = gw::label(dialog, "list_label", Message::CONFLICT_LIST);
     Attach(title).top_form(GAP).sides(GAP);
     wi_conflicts_list = gw::scrolled_list(dialog, "_conflicts_list");
     XtVaSetValues(wi_conflicts_list, XmNselectionPolicy, XmSINGLE_SELECT, XmNvisibleItemCount,
                   VISIBLE_CONFLICTS, nullptr);
-    give_line_width(title);
+    gw::set_list_columns(wi_conflicts_list, LINE_LENGTH);
+    // The title has its words where the lines have theirs.
+    XmFontList fonts = nullptr;
+    XtVaGetValues(wi_conflicts_list, XmNfontList, &fonts, nullptr);
+    XtVaSetValues(title, XmNfontList, fonts, nullptr);
     Attach(XtParent(wi_conflicts_list)).below(title, 2).sides(GAP);
     XtAddCallback(wi_conflicts_list, XmNsingleSelectionCallback, list_cb, nullptr);
 }

@@ -11,6 +11,7 @@
 #include "app/gw_gui_util.h"
 #include "app/helpdlg.h"
 #include "app/installdlg.h"
+#include "app/modifyfpdlg.h"
 #include "app/program_objects.h"
 #include "app/propsdlg.h"
 #include "app/rc_sample_text.h"
@@ -38,7 +39,6 @@ constexpr int GAP = 8;
 constexpr int VISIBLE_NAMES = 12;
 
 // What the window's controls lead to and exists already. A control whose flow is not built stays insensitive.
-constexpr bool MODIFY_FP_DIALOG_EXISTS = false;
 constexpr bool FONTSETS_DIALOG_EXISTS = false;
 constexpr bool PRINTER_DIALOGS_EXIST = false;
 
@@ -253,7 +253,11 @@ Widget root_only_dialog() {
 }
 
 void modify_fp_dlg_cb(Widget, XtPointer, XtPointer) {
-    if (user_is_root == 0) XtManageChild(root_only_dialog());
+    if (user_is_root != 0) {
+        start_modify_fp_dlg();
+    } else {
+        XtManageChild(root_only_dialog());
+    }
 }
 
 void install_dlg_cb(Widget, XtPointer, XtPointer) {
@@ -289,8 +293,6 @@ void make_unbuilt_insensitive() {
         Widget entry;
         bool exists;
     } leads[] = {
-        // An ordinary user is told that the font path is not theirs to modify.
-        {wi_modify_fp_entry, MODIFY_FP_DIALOG_EXISTS || uid != 0},
         {wi_fontsets_entry, FONTSETS_DIALOG_EXISTS},
         {wi_pr_install_entry, PRINTER_DIALOGS_EXIST},
         {wi_pr_delete_entry, PRINTER_DIALOGS_EXIST},

@@ -164,6 +164,21 @@ Widget scrolled_list(Widget parent, const char* name) {
     return managed(XmCreateScrolledList(parent, name_arg(name), args, 3));
 }
 
+void set_list_columns(Widget list, std::size_t columns) {
+    XmFontList fonts = nullptr;
+    XtVaGetValues(list, XmNfontList, &fonts, nullptr);
+    const XmText line = xm_text(std::string(columns, 'n'));
+    XtVaSetValues(list, XmNwidth, XmStringWidth(fonts, line.get()), nullptr);
+}
+
+void show_position(Widget list, int position) {
+    int top = 0;
+    int visible = 0;
+    XtVaGetValues(list, XmNtopItemPosition, &top, XmNvisibleItemCount, &visible, nullptr);
+    if (position < top) XmListSetPos(list, position);
+    if (position >= top + visible) XmListSetBottomPos(list, position);
+}
+
 Widget scrolled_window(Widget parent, const char* name) {
     Arg args[1];
     XtSetArg(args[0], XmNscrollingPolicy, XmAUTOMATIC);

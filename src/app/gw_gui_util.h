@@ -72,6 +72,10 @@ Widget text_field(Widget parent, const char* name);
 /// A list with scroll bars in which several items can be selected; the widget returned is the list, its
 /// parent the scrolled window.
 Widget scrolled_list(Widget parent, const char* name);
+/// Makes the list wide enough for lines of `columns` characters.
+void set_list_columns(Widget list, std::size_t columns);
+/// Scrolls the list so that the position can be seen.
+void show_position(Widget list, int position);
 Widget scrolled_window(Widget parent, const char* name);
 
 /// A message box: its `type` (XmDIALOG_WARNING, ...) gives the symbol, and the `parts` (XmDIALOG_OK_BUTTON,

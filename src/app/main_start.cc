@@ -20,6 +20,7 @@
 #include "app/helpdlg.h"
 #include "app/initdlg.h"
 #include "app/installdlg.h"
+#include "app/modifyfpdlg.h"
 #include "app/preconflictdlg.h"
 #include "app/program_objects.h"
 #include "app/progressdlg.h"
@@ -75,6 +76,7 @@ int display_lost(Display*) {
 }
 
 void create_dialogs() {
+    if (uid == 0) create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
     create_install_dlg("install_dlg", wi_toplevel);
     create_rmedia_dlg("rmedia_dlg", wi_toplevel);
     create_dir_dlg("dir_dlg", wi_toplevel);
