@@ -7,6 +7,7 @@
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
 #include "app/installdlg.h"
+#include "app/printerdlg.h"
 #include "app/rmediadlg.h"
 
 namespace gw {
@@ -31,7 +32,8 @@ void BusyWindows::destroy(Widget w) {
 }
 
 void BusyWindows::show(int on) {
-    for (Widget w : {wi_mainwindow, wi_install_dlg, wi_rmedia_dlg, wi_attr_dlg}) set_watch_cursor(w, on);
+    for (Widget w : {wi_mainwindow, wi_install_dlg, wi_rmedia_dlg, wi_attr_dlg, wi_pr_install_dlg})
+        set_watch_cursor(w, on);
 }
 
 }  // namespace gw

@@ -8,10 +8,12 @@
 #include "app/aboutdlg.h"
 #include "app/attrdlg.h"
 #include "app/deletion.h"
+#include "app/font_source.h"
 #include "app/gw_gui_util.h"
 #include "app/helpdlg.h"
 #include "app/installdlg.h"
 #include "app/modifyfpdlg.h"
+#include "app/printerdlg.h"
 #include "app/program_objects.h"
 #include "app/propsdlg.h"
 #include "app/rc_sample_text.h"
@@ -40,7 +42,6 @@ constexpr int VISIBLE_NAMES = 12;
 
 // What the window's controls lead to and exists already. A control whose flow is not built stays insensitive.
 constexpr bool FONTSETS_DIALOG_EXISTS = false;
-constexpr bool PRINTER_DIALOGS_EXIST = false;
 
 Widget wi_delete_entry, wi_install_entry, wi_attributes_entry, wi_exit_entry;
 Widget wi_modify_fp_entry, wi_fontsets_entry, wi_properties_entry;
@@ -273,6 +274,18 @@ void about_dlg_cb(Widget, XtPointer, XtPointer) {
     start_about_dlg();
 }
 
+void pr_install_dlg_cb(Widget, XtPointer, XtPointer) {
+    XtManageChild(wi_pr_install_dlg);
+}
+
+void pr_delete_dlg_cb(Widget, XtPointer, XtPointer) {
+    XtManageChild(wi_pr_delete_dlg);
+}
+
+void pr_modify_fp_dlg_cb(Widget, XtPointer, XtPointer) {
+    XtManageChild(wi_pr_modify_fp_dlg);
+}
+
 void props_dlg_cb(Widget, XtPointer, XtPointer) {
     start_props_dlg();
 }
@@ -294,9 +307,6 @@ void make_unbuilt_insensitive() {
         bool exists;
     } leads[] = {
         {wi_fontsets_entry, FONTSETS_DIALOG_EXISTS},
-        {wi_pr_install_entry, PRINTER_DIALOGS_EXIST},
-        {wi_pr_delete_entry, PRINTER_DIALOGS_EXIST},
-        {wi_pr_modify_fp_entry, PRINTER_DIALOGS_EXIST},
     };
     for (const auto& lead : leads) activate(lead.entry, lead.exists ? 1 : 0);
 }
@@ -312,6 +322,9 @@ void attach_callbacks() {
     XtAddCallback(wi_help_entry, XmNactivateCallback, help_dlg_cb, nullptr);
     XtAddCallback(wi_about_entry, XmNactivateCallback, about_dlg_cb, nullptr);
     XtAddCallback(wi_modify_fp_entry, XmNactivateCallback, modify_fp_dlg_cb, nullptr);
+    XtAddCallback(wi_pr_install_entry, XmNactivateCallback, pr_install_dlg_cb, nullptr);
+    XtAddCallback(wi_pr_delete_entry, XmNactivateCallback, pr_delete_dlg_cb, nullptr);
+    XtAddCallback(wi_pr_modify_fp_entry, XmNactivateCallback, pr_modify_fp_dlg_cb, nullptr);
     XtAddCallback(wi_attributes_entry, XmNactivateCallback, attr_dlg_cb, nullptr);
     XtAddCallback(wi_attributes_button, XmNactivateCallback, attr_dlg_cb, nullptr);
     XtAddCallback(wi_exit_entry, XmNactivateCallback, exit_btn_cb, nullptr);
@@ -365,7 +378,7 @@ void permit_other_work() {
 }
 
 void exit_btn_cb(Widget, XtPointer, XtPointer) {
-    stop_install_preview();
+    gw::stop_source_preview();
     gw::close_catalogue();
     std::exit(0);
 }

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "app/attrdlg.h"
-#include "app/busy_windows.h"
 #include "app/conflict_lists.h"
 #include "app/dirdlg.h"
+#include "app/font_source.h"
 #include "app/fpinfodlg.h"
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
@@ -22,7 +22,6 @@
 #include "app/rmediadlg.h"
 #include "app/sample_text_cb.h"
 #include "app/work_record.h"
-#include "drivers/gw_dir_driver.h"
 #include "platform/host_paths.h"
 
 #include <Xm/Form.h>
@@ -41,8 +40,6 @@ constexpr int GAP = 8;
 constexpr int VISIBLE_NAMES = 10;
 constexpr mode_t DIRECTORY_MODE = 0755;
 
-enum Source : int { FROM_DIRECTORY = 1, FROM_CDROM = 2, FROM_FLOPPY = 3 };
-
 Widget _fontlist_label, _hrn_list, _sample_textfield, _dest_label;
 Widget _req_space_val, _avail_space_val, _message_label;
 Widget _install_button, _attr_button;
@@ -50,19 +47,8 @@ Widget _install_button, _attr_button;
 std::string home_dir;
 std::string current_install_dir;  // ends with a slash
 std::unique_ptr<GW_DIR> current_gw_install_dir;
-GWDriverBase* current_driver = nullptr;  // null until a source is chosen
-std::unique_ptr<GWDirDriver> current_dir_driver;
-std::string current_dir;  // the last source directory, as it was chosen
-int install_from = FROM_DIRECTORY;
-GWHRNList current_hrn_list(0);
-unsigned current_hrn_count = 0;
 int req_disk_space = 0;
 sample_text_cb_struct sample;
-
-// The lookup that is still to come; 0 when there is none.
-XtWorkProcId pending_lookup = 0;
-// Serving events on the way, a lookup may be overtaken by the next choice of a source.
-unsigned newest_lookup = 0;
 
 void set_status(const char* text) {
     update_label(_message_label, text, nullptr);
@@ -114,16 +100,6 @@ bool destination_is_ready() {
 // --- source
 // ----------------------------------------------------------------------------------------------------------------
 
-void start_lookup(GWDriverBase* driver) {
-    if (pending_lookup != 0) XtRemoveWorkProc(pending_lookup);
-    ++newest_lookup;
-    pending_lookup = XtAppAddWorkProc(app, font_lookup_work_proc, driver);
-}
-
-void stop_preview() {
-    if (current_driver != nullptr) current_driver->stop_preview();
-}
-
 /// Nothing is selected in a list that has just been filled.
 void show_no_selection() {
     req_disk_space = 0;
@@ -145,6 +121,14 @@ void show_samples_last() {
     XtRemoveCallback(_hrn_list, XmNextendedSelectionCallback, SHOW_SAMPLE, &sample);
     set_sample_text_cb_struct();
     XtAddCallback(_hrn_list, XmNextendedSelectionCallback, SHOW_SAMPLE, &sample);
+}
+
+void show_source() {
+    update_wi_hrn_list(_hrn_list, current_hrn_list);
+    gw::set_label(_fontlist_label, gw::source_label());
+    show_samples_last();
+    show_no_selection();
+    set_status("");
 }
 
 void other_media_dlg_cb(Widget, XtPointer, XtPointer) {
@@ -183,34 +167,11 @@ void hrn_list_activate_cb(Widget list, XtPointer, XtPointer) {
 
 // The selection callbacks are not called: the space required and the buttons stay as they are.
 void select_all_cb(Widget, XtPointer, XtPointer) {
-    XmListDeselectAllItems(_hrn_list);
-    int count = 0;
-    XtVaGetValues(_hrn_list, XmNitemCount, &count, nullptr);
-    std::vector<gw::XmText> names;
-    std::vector<XmString> items;
-    for (int position = 1; position <= count; ++position) {
-        const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(position);
-        if (elem == nullptr) break;
-        names.push_back(gw::xm_text(elem->get_name()));
-        items.push_back(names.back().get());
-    }
-    XtVaSetValues(_hrn_list, XmNselectedItems, items.data(), XmNselectedItemCount,
-                  static_cast<int>(items.size()), nullptr);
+    gw::select_all_of_source(_hrn_list);
 }
 
-// The position is compared with the length of the main window's list, not of this one.
 void attr_dlg_cb(Widget, XtPointer, XtPointer) {
-    const std::vector<int> positions = gw::selected_positions(_hrn_list);
-    if (positions.empty() || positions.front() >= the_installed_hrn_count) return;
-    const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(positions.front());
-    if (elem == nullptr) return;
-    unsigned count = 0;
-    const std::vector<std::string> sizes = elem->get_point_sizes(count);
-    if (sizes.empty()) return;
-    const std::vector<std::string> resolutions = elem->get_res(sizes.front().c_str(), count);
-    const gw::Ref<GWFont> font(
-        elem->get_font(sizes.front().c_str(), resolutions.empty() ? "" : resolutions.front().c_str()));
-    if (font) show_font_attributes(font.get(), install_from == FROM_DIRECTORY ? current_dir.c_str() : " ");
+    gw::show_source_attributes(_hrn_list);
 }
 
 // --- installation
@@ -236,7 +197,7 @@ void start_installation(std::vector<int> positions) {
 
 void install_cb(Widget, XtPointer, XtPointer) {
     // What is selected now would not be what the list will hold.
-    if (pending_lookup != 0 || the_wp_cl_data.is_in_progress() || !destination_is_ready()) return;
+    if (gw::is_lookup_pending() || the_wp_cl_data.is_in_progress() || !destination_is_ready()) return;
     std::vector<int> positions = gw::selected_positions(_hrn_list);
     activate(_install_button, 0);
     close_dialog();
@@ -389,33 +350,22 @@ void popup_cb(Widget, XtPointer, XtPointer) {
 
 void from_dir_specified_cb(const char* dir) {
     if (the_wp_cl_data.is_in_progress()) return;
-    stop_preview();
-    current_driver = nullptr;
-    current_dir_driver = std::make_unique<GWDirDriver>(dir);
-    current_driver = current_dir_driver.get();
-    start_lookup(current_driver);
-    current_dir = dir;
+    gw::use_directory(dir, font_lookup_work_proc);
     set_status(gw::text_of(Message::LOOKING_IN_DIRECTORY));
-    update_label(_fontlist_label, gw::text_of(Message::FONTS_FROM), dir);
-    install_from = FROM_DIRECTORY;
+    gw::set_label(_fontlist_label, gw::source_label());
 }
 
+// When a medium was ejected nothing is looked up, and yet the labels are set.
 void rmedia_specified_cb(int choice) {
     if (the_wp_cl_data.is_in_progress()) return;
-    const char* source = nullptr;
-    current_hrn_count = 0;
     if (choice != NO_MEDIUM) {
-        const bool floppy = choice == FLOPPY_MEDIUM;
-        update_wi_hrn_list(_hrn_list, GWHRNList(0));
-        current_hrn_list.clear();
-        stop_preview();
-        current_driver = floppy ? &the_floppy_driver : &the_cdrom_driver;
-        start_lookup(current_driver);
-        source = gw::text_of(floppy ? Message::FROM_FLOPPY : Message::FROM_CDROM);
-        install_from = floppy ? FROM_FLOPPY : FROM_CDROM;
+        gw::use_medium(choice, font_lookup_work_proc);
+        gw::set_label(_fontlist_label, gw::source_label());
+    } else {
+        current_hrn_count = 0;
+        gw::set_label(_fontlist_label, gw::text_of(Message::FONTS_FROM));
     }
     set_status(gw::text_of(Message::LOOKING_ON_MEDIUM));
-    update_label(_fontlist_label, gw::text_of(Message::FONTS_FROM), source);
 }
 
 void install_dir_specified_cb(const char* dir) {
@@ -426,19 +376,7 @@ void install_dir_specified_cb(const char* dir) {
 }
 
 Boolean font_lookup_work_proc(XtPointer driver) {
-    pending_lookup = 0;
-    const unsigned number = newest_lookup;
-    const gw::BusyWindows busy;
-    if (number != newest_lookup) return True;
-    auto* source = static_cast<GWDriverBase*>(driver);
-    current_hrn_list.clear();
-    source->get_hrn_list(current_hrn_list);
-    current_hrn_count = static_cast<unsigned>(current_hrn_list.get_count());
-    if (current_hrn_count != 0) source->start_preview();
-    update_wi_hrn_list(_hrn_list, current_hrn_list);
-    show_samples_last();
-    show_no_selection();
-    set_status("");
+    gw::look_fonts_up(static_cast<GWDriverBase*>(driver));
     return True;
 }
 
@@ -470,14 +408,11 @@ Widget create_install_dlg(const char* name, Widget parent) {
     // An empty status line must not make it shrink.
     XtVaSetValues(wi_install_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     show_samples_last();
+    gw::on_source_change(show_source);
     set_default_destination();
     XtAddCallback(XtParent(wi_install_dlg), XmNpopupCallback, installdlg::popup_cb, nullptr);
     gw::on_close_box(wi_install_dlg, cancel_cb);
     return wi_install_dlg;
-}
-
-void stop_install_preview() {
-    stop_preview();
 }
 
 void show_installation_to_server(const char* dir) {

@@ -10,9 +10,6 @@ extern Widget wi_install_dlg;
 
 Widget create_install_dlg(const char* name, Widget parent);
 
-/// Takes the source that is previewed off the server's font path, at the end of the run.
-void stop_install_preview();
-
 /// What an installation into `dir` means to the running server. An ordinary user's directory gets its
 /// resource file and goes on the font path of the user and of the session; in every case the server rereads
 /// its directories, for `dir` may have been among them before.

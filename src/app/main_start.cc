@@ -22,6 +22,7 @@
 #include "app/installdlg.h"
 #include "app/modifyfpdlg.h"
 #include "app/preconflictdlg.h"
+#include "app/printerdlg.h"
 #include "app/program_objects.h"
 #include "app/progressdlg.h"
 #include "app/propsdlg.h"
@@ -91,6 +92,9 @@ void create_dialogs() {
     create_preconflict_dlg("preconflict_dlg", wi_toplevel);
     create_fp_info_dlg("fp_info_dlg", wi_toplevel);
     create_help_dlg("help_dlg", wi_toplevel);
+    create_pr_install_dlg("pr_install_dlg", wi_toplevel);
+    create_pr_delete_dlg("pr_delete_dlg", wi_toplevel);
+    create_pr_modify_fp_dlg("pr_modify_fp_dlg", wi_toplevel);
 }
 
 }  // namespace

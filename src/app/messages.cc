@@ -43,8 +43,12 @@ bool is_open() {
 }  // namespace
 
 const char* text_of(Message message) {
+    return text_or(message, TABLE[static_cast<std::size_t>(message)].text);
+}
+
+const char* text_or(Message message, const char* other_default) {
     const MessageEntry& entry = TABLE[static_cast<std::size_t>(message)];
-    return ::catgets(catd, entry.set, entry.number, entry.text);
+    return ::catgets(catd, entry.set, entry.number, other_default);
 }
 
 // Not a printf format: what a translation holds is only data.

@@ -17,6 +17,8 @@ enum class Message {
 /// The text in the user's language, or the default where there is no catalogue. Lives as long as the
 /// catalogue is open.
 const char* text_of(Message message);
+/// The same entry of the catalogue with another default.
+const char* text_or(Message message, const char* other_default);
 /// The same with `number` in the place of its "%d".
 std::string text_of(Message message, unsigned number);
 

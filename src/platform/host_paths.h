@@ -51,6 +51,9 @@ inline constexpr const char* CDROM_MEDIUM_DIR = "/cdrom/cdrom0";
 inline constexpr const char* HOST_DIR = "/etc/vantor";
 inline constexpr const char* DEFAULT_INSTALL_DIR = "/glyphwd_fonts";
 
+/// The spooler's directory of printers, each of which is a directory there.
+inline constexpr const char* PRINTERS_DIR = "/etc/lp/printers";
+
 // Search paths that start-up sets when the environment has none.
 inline constexpr const char* DEFAULT_NLSPATH =
     "/usr/dt/lib/nls/msg/%L/%N.cat:/usr/dt/lib/nls/msg/%L/%N:/usr/vantor/lib/locale/%L/LC_MESSAGES/%N.cat:"

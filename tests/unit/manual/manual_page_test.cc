@@ -166,6 +166,7 @@ TEST(ManualPageTest, HasItsSectionsInOrder) {
                                                "FONT ATTRIBUTES",
                                                "SAMPLE TEXT",
                                                "FONT PATH",
+                                               "FONTS OF A PRINTER",
                                                "KEYBOARD",
                                                "OPTIONS",
                                                "RESOURCES",

@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+//
+// The three dialogs for the fonts of a printer. They present how it is done: sources, printers and installed
+// fonts are listed; what would change a printer is there and insensitive.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+extern Widget wi_pr_install_dlg;
+extern Widget wi_pr_delete_dlg;
+extern Widget wi_pr_modify_fp_dlg;
+
+Widget create_pr_install_dlg(const char* name, Widget parent);
+Widget create_pr_delete_dlg(const char* name, Widget parent);
+Widget create_pr_modify_fp_dlg(const char* name, Widget parent);
+
+/// Fills the menu of printers from the spooler's directory; without printers it is insensitive.
+void update_wi_pr_install_dlg_for_menu();
+/// Shows the installed fonts in the delete dialog.
+void update_wi_pr_delete_dlg_scrolledlist();
+/// Nothing is known of a printer's font path.
+void update_wi_pr_modify_fp_dlg_scrolledlist();
+
+namespace printerdlg {
+
+/// What the chooser of directories and the media dialog report.
+void from_dir_specified_cb(const char* dir);
+void rmedia_specified_cb(int choice);
+/// The destination that is chosen is dropped.
+void to_dir_specified_cb(const char* dir);
+
+/// A work procedure: true when there is nothing more to do.
+Boolean font_lookup_work_proc(XtPointer driver);
+
+}  // namespace printerdlg
