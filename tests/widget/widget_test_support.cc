@@ -60,17 +60,36 @@ void start_program(const std::vector<std::string>& arguments) {
     finish_start();
 }
 
+namespace {
+
+/// A timer that rings again and again. One that rings once may do so while the program serves events in the
+/// middle of its work, and then nothing wakes the wait for the next event.
+class Ticker {
+  public:
+    Ticker() { start(); }
+    ~Ticker() { XtRemoveTimeOut(id_); }
+    Ticker(const Ticker&) = delete;
+    Ticker& operator=(const Ticker&) = delete;
+
+  private:
+    void start() {
+        constexpr unsigned long MILLISECONDS = 20;
+        id_ = XtAppAddTimeOut(
+            app, MILLISECONDS, [](XtPointer ticker, XtIntervalId*) { static_cast<Ticker*>(ticker)->start(); },
+            this);
+    }
+    XtIntervalId id_ = 0;
+};
+
+}  // namespace
+
 bool pump_until(const std::function<bool()>& condition, int milliseconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    const Ticker ticker;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
-        // Without a timer the call would wait for an event that may never come; without XtIMAll work
-        // procedures would never run.
-        bool rung = false;
-        const XtIntervalId timer = XtAppAddTimeOut(
-            app, 20, [](XtPointer flag, XtIntervalId*) { *static_cast<bool*>(flag) = true; }, &rung);
+        // Without XtIMAll work procedures would never run.
         XtAppProcessEvent(app, XtIMAll);
-        if (!rung) XtRemoveTimeOut(timer);
     }
     return true;
 }
