@@ -188,10 +188,13 @@ Widget scrolled_window(Widget parent, const char* name) {
 Widget message_dialog(Widget parent, const char* name, unsigned char type, const std::string& title,
                       const std::string& message, std::initializer_list<unsigned char> without) {
     const XmText text = xm_text(message);
-    Arg args[2];
+    // Return presses OK even where it has been taken away: a dialog without it stays.
+    const bool has_ok = std::find(without.begin(), without.end(), XmDIALOG_OK_BUTTON) == without.end();
+    Arg args[3];
     XtSetArg(args[0], XmNmessageString, text.get());
     XtSetArg(args[1], XmNdefaultPosition, False);
-    Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, 2);
+    XtSetArg(args[2], XmNautoUnmanage, has_ok);
+    Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, 3);
     // The function that creates it has a type of its own.
     XtVaSetValues(dialog, XmNdialogType, type, nullptr);
     set_window_title(dialog, title.c_str());
