@@ -46,6 +46,8 @@ Widget create_progress_dlg(const char* name, Widget parent) {
     XtManageChild(wi_progress_scale);
     Attach(wi_progress_scale).below(wi_progress_label, GAP).sides(GAP).bottom_form(GAP);
     XtAddCallback(wi_progress_scale, XmNvalueChangedCallback, scale_cb, nullptr);
+    // It gets its texts while it is hidden, and must not shrink to them.
+    XtVaSetValues(wi_progress_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     gw::on_close_box(wi_progress_dlg, stay_cb);
     return wi_progress_dlg;
 }
