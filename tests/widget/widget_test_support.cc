@@ -14,7 +14,9 @@
 
 // X headers come last.
 #include <X11/Shell.h>
+#include <Xm/FileSB.h>
 #include <Xm/List.h>
+#include <Xm/MessageB.h>
 #include <Xm/Protocols.h>
 #include <Xm/TextF.h>
 
@@ -181,6 +183,33 @@ void close_box(Widget widget) {
     event.xclient.data.l[0] = static_cast<long>(XInternAtom(display, "WM_DELETE_WINDOW", False));
     XSendEvent(display, XtWindow(shell), False, NoEventMask, &event);
     pump();
+}
+
+void press_key(Widget widget, const char* key) {
+    XEvent event = {};
+    event.xkey.window = XtWindow(widget);
+    event.xkey.root = RootWindowOfScreen(XtScreen(widget));
+    event.xkey.time = XtLastTimestampProcessed(display);
+    event.xkey.keycode = XKeysymToKeycode(display, XStringToKeysym(key));
+    event.xkey.same_screen = True;
+    for (const int type : {KeyPress, KeyRelease}) {
+        event.type = type;
+        // Pressing it may have closed the window, but the window stays.
+        XSendEvent(display, XtWindow(widget), False, NoEventMask, &event);
+    }
+    pump();
+}
+
+std::string message_of(Widget message_box) {
+    XmString message = nullptr;
+    XtVaGetValues(message_box, XmNmessageString, &message, nullptr);
+    const XmText owned(message);
+    return owned ? text_of(owned.get()) : std::string();
+}
+
+Widget part_of(Widget box, unsigned char part) {
+    return XmIsFileSelectionBox(box) ? XmFileSelectionBoxGetChild(box, part)
+                                     : XmMessageBoxGetChild(box, part);
 }
 
 void select(Widget list, std::initializer_list<int> positions) {

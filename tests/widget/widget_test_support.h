@@ -46,6 +46,13 @@ std::string chosen(Widget option_menu);
 
 /// The window manager's close box of the window of `widget`.
 void close_box(Widget widget);
+/// The key of that name ("Escape") goes down and up in the window of `widget`, which is on the screen.
+void press_key(Widget widget, const char* key);
+
+/// The text of a message box.
+std::string message_of(Widget message_box);
+/// A part of a message or file selection box (XmDIALOG_OK_BUTTON, ...); null when it has none.
+Widget part_of(Widget box, unsigned char part);
 
 /// Selects exactly these positions, and tells the program as the list would.
 void select(Widget list, std::initializer_list<int> positions);
