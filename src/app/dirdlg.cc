@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "app/dirdlg.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <vector>
 
 #include "app/gw_gui_util.h"
 
@@ -37,6 +39,22 @@ std::string selected_directory() {
     return count == 1 ? by_its_own_name(gw::text_of(items[0])) : std::string();
 }
 
+std::string shown_directory() {
+    XmString directory = nullptr;
+    XtVaGetValues(wi_dir_dlg, XmNdirectory, &directory, nullptr);
+    const gw::XmText owned(directory);
+    return gw::text_of(directory);
+}
+
+/// The directory, or the nearest one above it that is still there, ending in "/".
+std::string existing(std::filesystem::path directory) {
+    std::error_code gone;
+    while (!std::filesystem::is_directory(directory, gone) && directory.has_relative_path()) {
+        directory = directory.parent_path();
+    }
+    return (directory / "").string();
+}
+
 void cancel_cb(Widget, XtPointer, XtPointer) {
     popdown_dir_dlg();
 }
@@ -47,6 +65,50 @@ void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     auto* const cb = _dir_cb;
     cancel_cb(w, client_data, call_data);
     if (!directory.empty() && cb != nullptr) cb(directory.c_str());
+}
+
+/// A directory itself, the one above it, and the directories in it by name; the first two alone when it
+/// cannot be read.
+std::vector<std::string> directories_in(const std::string& directory) {
+    std::vector<std::string> names;
+    std::error_code unreadable;
+    for (std::filesystem::directory_iterator entry(directory, unreadable), end; entry != end;
+         entry.increment(unreadable)) {
+        std::error_code gone;
+        if (entry->is_directory(gone)) names.push_back(entry->path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    names.insert(names.begin(), {".", ".."});
+    return names;
+}
+
+/// The toolkit's own search does not read a directory again that it has read before.
+void search_cb(Widget dialog, XtPointer call_data) {
+    const auto* search = static_cast<XmFileSelectionBoxCallbackStruct*>(call_data);
+    const std::string directory = gw::text_of(search->dir);
+    std::error_code gone;
+    if (!std::filesystem::is_directory(directory, gone)) {
+        XtVaSetValues(dialog, XmNdirectoryValid, False, nullptr);
+        return;
+    }
+    // A list keeps what was selected in it, also when that is no longer there.
+    if (Widget list = XmFileSelectionBoxGetChild(dialog, XmDIALOG_DIR_LIST); list != nullptr) {
+        XmListDeselectAllItems(list);
+    }
+    std::vector<gw::XmText> owners;
+    std::vector<XmString> items;
+    for (const std::string& name : directories_in(directory)) {
+        owners.push_back(gw::xm_text(directory + name));
+        items.push_back(owners.back().get());
+    }
+    XtVaSetValues(dialog, XmNdirListItems, items.data(), XmNdirListItemCount, static_cast<int>(items.size()),
+                  XmNdirectoryValid, True, XmNlistUpdated, True, nullptr);
+}
+
+/// What is in the directory now: directories come and go.
+void list_again() {
+    const gw::XmText everything = gw::xm_text(existing(shown_directory()) + '*');
+    XmFileSelectionDoSearch(wi_dir_dlg, everything.get());
 }
 
 void show_directories_only() {
@@ -61,13 +123,14 @@ void show_directories_only() {
 Widget create_dir_dlg(const char* name, Widget parent) {
     const gw::XmText subdirectories = gw::xm_text(gw::text_of(Message::SUBDIRECTORIES));
     const gw::XmText selected = gw::xm_text(gw::text_of(Message::SELECTED_DIRECTORY));
-    Arg args[5];
+    Arg args[6];
     XtSetArg(args[0], XmNfileTypeMask, XmFILE_DIRECTORY);
     XtSetArg(args[1], XmNdirListLabelString, subdirectories.get());
     XtSetArg(args[2], XmNselectionLabelString, selected.get());
     XtSetArg(args[3], XmNautoUnmanage, False);
     XtSetArg(args[4], XmNdefaultPosition, False);
-    wi_dir_dlg = XmCreateFileSelectionDialog(parent, gw::name_arg(name), args, 5);
+    XtSetArg(args[5], XmNdirSearchProc, search_cb);
+    wi_dir_dlg = XmCreateFileSelectionDialog(parent, gw::name_arg(name), args, 6);
     wi_dir_list = XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_DIR_LIST);
     set_window_title(wi_dir_dlg, gw::text_of(Message::DIR_TITLE));
     show_directories_only();
@@ -80,8 +143,7 @@ Widget create_dir_dlg(const char* name, Widget parent) {
 
 void popup_dir_dlg(void (*cb)(const char*), const char* title) {
     if (title != nullptr) set_window_title(wi_dir_dlg, title);
-    // Directories come and go.
-    XmFileSelectionDoSearch(wi_dir_dlg, nullptr);
+    list_again();
     XtManageChild(wi_dir_dlg);
     _dir_cb = cb;
 }

@@ -43,18 +43,28 @@ XmText xm_text(const std::string& text) {
     return XmText(XmStringCreateLocalized(name_arg(text.c_str())));
 }
 
-std::string text_of(XmString string) {
-    // Without a parse table the separators between lines would vanish.
-    const XmText newline(XmStringSeparatorCreate());
+namespace {
+
+/// Has `character` stand in a text where a string has the component `substitute`.
+XmParseMapping mapping(const char* character, XmString substitute) {
     Arg args[4];
-    XtSetArg(args[0], XmNpattern, "\n");
+    XtSetArg(args[0], XmNpattern, character);
     XtSetArg(args[1], XmNpatternType, XmCHARSET_TEXT);
-    XtSetArg(args[2], XmNsubstitute, newline.get());
+    XtSetArg(args[2], XmNsubstitute, substitute);
     XtSetArg(args[3], XmNincludeStatus, XmINSERT);
-    XmParseMapping lines = XmParseMappingCreate(args, 4);
-    const XtOwned<char> text(static_cast<char*>(
-        XmStringUnparse(string, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, &lines, 1, XmOUTPUT_ALL)));
-    XmParseMappingFree(lines);
+    return XmParseMappingCreate(args, 4);
+}
+
+}  // namespace
+
+std::string text_of(XmString string) {
+    // Without a parse table the separators between lines, and tabs, would vanish.
+    const XmText newline(XmStringSeparatorCreate());
+    const XmText tab(XmStringComponentCreate(XmSTRING_COMPONENT_TAB, 0, nullptr));
+    XmParseMapping table[] = {mapping("\n", newline.get()), mapping("\t", tab.get())};
+    const XtOwned<char> text(static_cast<char*>(XmStringUnparse(
+        string, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT, table, XtNumber(table), XmOUTPUT_ALL)));
+    for (XmParseMapping entry : table) XmParseMappingFree(entry);
     return text ? text.get() : "";
 }
 

@@ -50,7 +50,7 @@ inline char* name_arg(const char* name) {
 // --- reading widgets
 // ---------------------------------------------------------------------------------------------------------
 
-/// The text of a string, with its newlines.
+/// The text of a string, with its newlines and tabs.
 std::string text_of(XmString string);
 std::string label_of(Widget w);
 std::string field_text(Widget text_field);
