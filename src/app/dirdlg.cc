@@ -19,6 +19,9 @@ namespace {
 
 using gw::Message;
 
+constexpr Dimension LEAST_WIDTH = 400;
+constexpr Dimension MOST_WIDTH = 600;
+
 void (*_dir_cb)(const char*) = nullptr;
 
 /// The list's entries for a directory itself and for the one above it are "DIR/." and "DIR/..": they lead to
@@ -118,6 +121,19 @@ void show_directories_only() {
     XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_HELP_BUTTON));
 }
 
+/// The dialog stays as wide as it begins, or as a resource makes it: with each long name it would grow, out
+/// of the screen in the end. The list can be scrolled instead.
+void fix_size() {
+    Dimension width = 0;
+    Dimension height = 0;
+    XtVaGetValues(wi_dir_dlg, XmNwidth, &width, XmNheight, &height, nullptr);
+    XtWidgetGeometry natural = {};
+    XtQueryGeometry(wi_dir_dlg, nullptr, &natural);
+    if (width == 0) width = std::clamp(natural.width, LEAST_WIDTH, MOST_WIDTH);
+    if (height == 0) height = natural.height;
+    XtVaSetValues(wi_dir_dlg, XmNwidth, width, XmNheight, height, XmNresizePolicy, XmRESIZE_NONE, nullptr);
+}
+
 }  // namespace
 
 Widget create_dir_dlg(const char* name, Widget parent) {
@@ -136,6 +152,7 @@ Widget create_dir_dlg(const char* name, Widget parent) {
     show_directories_only();
     XtAddCallback(wi_dir_dlg, XmNokCallback, ok_cb, nullptr);
     XtAddCallback(wi_dir_dlg, XmNcancelCallback, cancel_cb, nullptr);
+    fix_size();
     gw::add_map_callbacks(wi_dir_dlg);
     gw::on_close_box(wi_dir_dlg, cancel_cb);
     return wi_dir_dlg;
