@@ -9,6 +9,7 @@
 
 #include "end_to_end/waiting.h"
 
+#include <X11/XKBlib.h>
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>
 #include <X11/extensions/XTest.h>
@@ -67,6 +68,14 @@ Window Desktop::find_titled(Window below, const std::string& title) const {
 
 Window Desktop::window_titled(const std::string& title) const {
     return find_titled(DefaultRootWindow(display_), title);
+}
+
+std::vector<Window> Desktop::windows_titled(const std::string& title) const {
+    std::vector<Window> found;
+    for (const Window frame : children_of(display_, DefaultRootWindow(display_))) {
+        if (const Window window = part_named(frame, title); window != 0) found.push_back(window);
+    }
+    return found;
 }
 
 Window Desktop::part_named(Window window, const std::string& name) const {
@@ -174,13 +183,13 @@ void Desktop::move_to_middle(Window window) const {
                          place.y + place.height / 2, CurrentTime);
 }
 
-void Desktop::click(Window window, int x, int y, const char* modifier) const {
+void Desktop::click(Window window, int x, int y, const char* modifier, unsigned button) const {
     std::this_thread::sleep_until(last_click_ + 2 * DOUBLE_CLICK);
     const Rectangle place = place_of(window);
     XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + x, place.y + y, CurrentTime);
     if (modifier != nullptr) press(keycode(modifier), true);
-    XTestFakeButtonEvent(display_, Button1, True, CurrentTime);
-    XTestFakeButtonEvent(display_, Button1, False, CurrentTime);
+    XTestFakeButtonEvent(display_, button, True, CurrentTime);
+    XTestFakeButtonEvent(display_, button, False, CurrentTime);
     if (modifier != nullptr) press(keycode(modifier), false);
     XSync(display_, False);
     last_click_ = std::chrono::steady_clock::now();
@@ -189,6 +198,17 @@ void Desktop::click(Window window, int x, int y, const char* modifier) const {
 void Desktop::click_middle(Window window) const {
     const Rectangle place = place_of(window);
     click(window, place.width / 2, place.height / 2);
+}
+
+// The middle button takes the slider to where it is pressed; an arrow stands at each end.
+void Desktop::scroll_to_start(Window scroll_bar) const {
+    const Rectangle place = place_of(scroll_bar);
+    click(scroll_bar, place.width / 2, place.width + 1, nullptr, Button2);
+}
+
+void Desktop::scroll_to_end(Window scroll_bar) const {
+    const Rectangle place = place_of(scroll_bar);
+    click(scroll_bar, place.width / 2, place.height - place.width - 1, nullptr, Button2);
 }
 
 void Desktop::key(const char* name) const {
@@ -204,15 +224,19 @@ void Desktop::key(const char* held, const char* name) const {
     XSync(display_, False);
 }
 
+// The symbol of a plain character is its code.
 void Desktop::type(const std::string& text) const {
     for (const char c : text) {
-        const std::string name = c == ' ' ? "space" : std::string(1, c);
-        if (c >= 'A' && c <= 'Z') {
-            key("Shift_L", name.c_str());
-        } else {
-            key(name.c_str());
-        }
+        const auto symbol = static_cast<KeySym>(c);
+        const unsigned code = XKeysymToKeycode(display_, symbol);
+        if (code == 0) throw std::runtime_error(std::string("no such key: ") + c);
+        const bool shifted = XkbKeycodeToKeysym(display_, static_cast<KeyCode>(code), 0, 0) != symbol;
+        if (shifted) press(keycode("Shift_L"), true);
+        press(code, true);
+        press(code, false);
+        if (shifted) press(keycode("Shift_L"), false);
     }
+    XSync(display_, False);
 }
 
 void Desktop::ask_to_close(Window window) const {
@@ -239,11 +263,45 @@ std::vector<unsigned long> Desktop::pixels(const Rectangle& part) const {
     return all;
 }
 
+std::vector<unsigned long> Desktop::settled_pixels(const Rectangle& part) const {
+    std::vector<unsigned long> last = pixels(part);
+    int unchanged = 0;
+    wait_until([&] {
+        std::vector<unsigned long> now = pixels(part);
+        unchanged = now == last ? unchanged + 1 : 0;
+        last = std::move(now);
+        return unchanged == 5;
+    });
+    return last;
+}
+
 int Desktop::ink(const Rectangle& part) const {
     const std::vector<unsigned long> all = pixels(part);
     if (all.empty()) return 0;
     return static_cast<int>(
         std::count_if(all.begin(), all.end(), [&](unsigned long pixel) { return pixel != all.front(); }));
+}
+
+std::vector<std::string> Desktop::font_path() const {
+    int count = 0;
+    char** path = XGetFontPath(display_, &count);
+    std::vector<std::string> elements(path, path + count);
+    XFreeFontPath(path);
+    return elements;
+}
+
+void Desktop::set_font_path(std::vector<std::string> path) const {
+    std::vector<char*> elements;
+    for (std::string& element : path) elements.push_back(element.data());
+    XSetFontPath(display_, elements.data(), static_cast<int>(elements.size()));
+    XSync(display_, False);
+}
+
+bool Desktop::has_font(const std::string& xlfd) const {
+    int count = 0;
+    char** names = XListFonts(display_, xlfd.c_str(), 1, &count);
+    XFreeFontNames(names);
+    return count > 0;
 }
 
 void Desktop::picture(const std::string& name) const {

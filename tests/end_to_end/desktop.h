@@ -36,6 +36,8 @@ class Desktop {
     [[nodiscard]] bool is_visible(const std::string& title) const { return window_titled(title) != 0; }
     /// The visible window somewhere inside `window` that has this name; 0 when there is none (yet).
     [[nodiscard]] Window part_named(Window window, const std::string& name) const;
+    /// All visible windows with that title.
+    [[nodiscard]] std::vector<Window> windows_titled(const std::string& title) const;
     /// Waits for the window to appear (be gone); false when it does not.
     [[nodiscard]] bool appears(const std::string& title) const;
     [[nodiscard]] bool disappears(const std::string& title) const;
@@ -52,20 +54,30 @@ class Desktop {
 
     /// Clicks in the window, not as a double click with the click before; `modifier` is a key that is held
     /// meanwhile ("Control_L"), or null.
-    void click(Window window, int x, int y, const char* modifier = nullptr) const;
+    void click(Window window, int x, int y, const char* modifier = nullptr, unsigned button = Button1) const;
     void click_middle(Window window) const;
+    /// Scrolls to the beginning (end) of what the upright scroll bar moves.
+    void scroll_to_start(Window scroll_bar) const;
+    void scroll_to_end(Window scroll_bar) const;
     /// Presses a key by its name ("Down"), or two at once ("Alt_L", "f").
     void key(const char* name) const;
     void key(const char* held, const char* name) const;
-    /// Types plain text.
+    /// Types what stands on the keys, alone or with Shift.
     void type(const std::string& text) const;
     /// What the window manager does when its close box is used.
     void ask_to_close(Window window) const;
 
     /// The pixels of a part of the screen.
     [[nodiscard]] std::vector<unsigned long> pixels(const Rectangle& part) const;
-    /// How many of them are not of the colour of the first.
+    /// The same, once they have stopped changing: drawing takes more than one step.
+    [[nodiscard]] std::vector<unsigned long> settled_pixels(const Rectangle& part) const;
+    /// How many pixels of a part are not of the colour of its first.
     [[nodiscard]] int ink(const Rectangle& part) const;
+    /// The directories that the server takes fonts from.
+    [[nodiscard]] std::vector<std::string> font_path() const;
+    void set_font_path(std::vector<std::string> path) const;
+    /// Whether the server knows a font by that name.
+    [[nodiscard]] bool has_font(const std::string& xlfd) const;
     /// Leaves a picture of the screen beside the other results of the run.
     void picture(const std::string& name) const;
 

@@ -21,7 +21,9 @@ MainWindow::MainWindow(Desktop& desktop) : desktop_(desktop) {
 bool MainWindow::identify() {
     window = desktop_.window_titled(TITLE);
     const auto part = [this](const char* name) { return desktop_.part_named(window, name); };
+    list_title = part("_fontlist_label");
     list = part("_hrn_list");
+    list_scroll_bar = part("VertScrollBar");
     sample_field = part("_sample_textfield");
     size_menu = part("_size_option_menu");
     res_menu = part("_res_option_menu");
@@ -32,6 +34,17 @@ bool MainWindow::identify() {
 
 void MainWindow::click_line(int line, const char* modifier) const {
     desktop_.click(list, 60, FIRST_LINE + line * LINE_HEIGHT, modifier);
+}
+
+void MainWindow::click_last_line(const char* modifier) const {
+    desktop_.scroll_to_end(list_scroll_bar);
+    desktop_.click(list, 60, desktop_.place_of(list).height - FIRST_LINE, modifier);
+}
+
+void MainWindow::take_keyboard() const {
+    if (desktop_.has_keyboard(window)) return;
+    desktop_.click(list_title, 5, 5);
+    wait_until([this] { return desktop_.has_keyboard(window); }, 2);
 }
 
 // A key that comes before the menu is there goes to the list.

@@ -1,0 +1,224 @@
+// SPDX-License-Identifier: MIT
+//
+// Deleting fonts by mouse and keyboard.
+#include "end_to_end/program_test.h"
+
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "end_to_end/bitmap_fonts.h"
+#include "end_to_end/waiting.h"
+
+#include "end_to_end/main_window.h"
+
+namespace {
+
+using namespace gw::e2e;
+using gw::test::TempDir;
+
+constexpr const char* WARNING = "Glyph Warden - Deletion Confirmation";
+constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
+constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
+constexpr const char* PROGRESS = "Font Deletion Progress Dialog";
+constexpr const char* SYSTEM_DIR = "/usr/vantor/lib/X11/fonts/own/";
+// Their lines stand before those of all staged fonts, in this order.
+const BitmapFont AARDVARKS{"Aardvarks"};
+const BitmapFont ABYSSINIA{"Abyssinia"};
+const BitmapFont ACROPOLIS{"Acropolis"};
+
+class Delete : public ProgramTest {
+  protected:
+    Delete() {
+        AARDVARKS.write_to(mine.path());
+        index_fonts(mine.path());
+        list_fonts_of(mine.path());
+    }
+    /// Selects by `select` and presses Delete, until the question is there.
+    Window ask(const std::function<void()>& select) {
+        return opens(WARNING, [&] {
+            select();
+            desktop.click_middle(main->delete_button);
+        });
+    }
+    /// Return alone would be no.
+    bool confirm() {
+        desktop.key("Left");
+        desktop.key("space");
+        return desktop.disappears(WARNING);
+    }
+    bool lists(const std::string& dir, const char* count) {
+        return wait_until([&] { return TempDir::read_bytes(dir + "fonts.dir").starts_with(count); });
+    }
+    TempDir mine;
+};
+
+TEST_F(Delete, DeletesTheSelectedFont) {
+    start();
+    ASSERT_NE(ask([&] { main->click_line(0); }), 0U);
+    desktop.picture("delete-warning");
+    ASSERT_TRUE(confirm());
+    EXPECT_TRUE(lists(mine.path(), "0\n"));
+    EXPECT_FALSE(mine.exists(AARDVARKS.file_name()));
+    // The next font has taken its line.
+    EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
+    desktop.picture("deleted");
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
+TEST_F(Delete, ReturnAndEveryWayOutOfTheWarningDeleteNothing) {
+    start();
+    ASSERT_NE(ask([&] { main->click_line(0); }), 0U);
+    desktop.key("Return");
+    ASSERT_TRUE(desktop.disappears(WARNING));
+    for (const Leaving way : {Leaving::ESCAPE, Leaving::CLOSE_BOX}) {
+        SCOPED_TRACE(static_cast<int>(way));
+        // The selection stays.
+        ASSERT_NE(ask([] {}), 0U);
+        ASSERT_TRUE(leave_window(WARNING, way, nullptr));
+    }
+    EXPECT_EQ(leave(), 0);
+    EXPECT_TRUE(mine.exists(AARDVARKS.file_name()));
+    EXPECT_TRUE(lists(mine.path(), "1\n"));
+}
+
+TEST_F(Delete, TheMenuAsksToo) {
+    start();
+    ASSERT_NE(opens(WARNING,
+                    [&] {
+                        main->click_line(0);
+                        main->choose("f", "d");
+                    }),
+              0U);
+    ASSERT_TRUE(confirm());
+    EXPECT_TRUE(lists(mine.path(), "0\n"));
+}
+
+TEST_F(Delete, ManyFontsAreCounted) {
+    constexpr int MANY = 600;
+    for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(1000 + i), 8}.write_to(mine.path());
+    index_fonts(mine.path());
+    start();
+    // Everything from here to the last alias: what is not the user's own stays.
+    ASSERT_NE(ask([&] {
+                  desktop.scroll_to_start(main->list_scroll_bar);
+                  main->click_line(0);
+                  desktop.scroll_to_start(main->list_scroll_bar);
+                  main->click_last_line("Shift_L");
+              }),
+              0U);
+    ASSERT_TRUE(confirm());
+    const Window progress = opens(PROGRESS, [] {});
+    ASSERT_NE(progress, 0U);
+    const Rectangle place = desktop.place_of(progress);
+    const auto shown = desktop.pixels(place);
+    EXPECT_TRUE(wait_until([&] { return desktop.pixels(place) != shown; })) << "it counts";
+    desktop.picture("progress-delete");
+    EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }, 60));
+    ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+    desktop.picture("summary-delete-many");
+    EXPECT_TRUE(lists(mine.path(), "0\n"));
+    ASSERT_TRUE(press(SUMMARY, "ok_button"));
+    EXPECT_TRUE(hint_comes_and_goes());
+}
+
+// A font whose file is read-only, one of the system, and an alias, with one that can be deleted among them.
+// An ordinary user's system fonts are read-only.
+class DeleteWithConflicts : public Delete {
+  protected:
+    DeleteWithConflicts() {
+        ::chmod(ABYSSINIA.write_to(closed.path()).c_str(), 0444);
+        index_fonts(closed.path());
+        list_fonts_of(closed.path());
+        if (!is_root()) return;
+        ACROPOLIS.write_to(SYSTEM_DIR);
+        index_fonts(SYSTEM_DIR);
+        list_fonts_of(SYSTEM_DIR);
+    }
+    ~DeleteWithConflicts() override {
+        if (is_root()) std::filesystem::remove_all(SYSTEM_DIR);
+    }
+    void delete_the_four() {
+        start();
+        ASSERT_NE(ask([&] {
+                      desktop.scroll_to_start(main->list_scroll_bar);
+                      main->click_line(0);
+                      main->click_line(1, "Control_L");
+                      main->click_line(2, "Control_L");
+                      main->click_last_line("Control_L");
+                  }),
+                  0U);
+        ASSERT_TRUE(confirm());
+        ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+        EXPECT_TRUE(lists(mine.path(), "0\n"));
+        EXPECT_TRUE(others_are_there());
+    }
+    [[nodiscard]] bool others_are_there() const {
+        return closed.exists(ABYSSINIA.file_name()) && (!is_root() || system_font_is_there());
+    }
+    [[nodiscard]] static bool system_font_is_there() {
+        return std::filesystem::exists(SYSTEM_DIR + ACROPOLIS.file_name());
+    }
+    Window open_resolving() {
+        return press(SUMMARY, "resolve_button") ? opens(RESOLVE, [] {}) : 0;
+    }
+    /// Tries to have the conflict on that line deleted.
+    void choose_delete(Window resolve, int line) {
+        desktop.click(desktop.part_named(resolve, "_conflicts_list"), 60, 12 + 18 * line);
+        desktop.click_middle(desktop.part_named(resolve, "not_keep_button"));
+    }
+    TempDir closed;
+};
+
+TEST_F(DeleteWithConflicts, ReadOnlyFontsAndAliasesAreNotToBeForced) {
+    delete_the_four();
+    desktop.picture("summary-delete");
+    const Window resolve = open_resolving();
+    ASSERT_NE(resolve, 0U);
+    choose_delete(resolve, 0);
+    desktop.picture("resolve-delete-read-only");
+    choose_delete(resolve, 2);
+    desktop.picture("resolve-delete-alias");
+    if (is_root()) {
+        desktop.click_middle(desktop.part_named(resolve, "ok_button"));
+        choose_delete(resolve, 1);
+        desktop.picture("resolve-delete-system");
+    }
+    ASSERT_TRUE(press(RESOLVE, "ok_button"));
+    EXPECT_TRUE(hint_comes_and_goes());
+    EXPECT_TRUE(closed.exists(ABYSSINIA.file_name()));
+    EXPECT_FALSE(is_root() && system_font_is_there());
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
+TEST_F(DeleteWithConflicts, EveryWayOutOfResolvingLeadsBackToTheSummary) {
+    delete_the_four();
+    for (const Leaving way : WAYS_OF_LEAVING) {
+        SCOPED_TRACE(static_cast<int>(way));
+        const Window resolve = open_resolving();
+        ASSERT_NE(resolve, 0U);
+        choose_delete(resolve, 1);
+        ASSERT_TRUE(leave_window(RESOLVE, way, "cancel_button"));
+        ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+    }
+    EXPECT_TRUE(others_are_there());
+    ASSERT_TRUE(press(SUMMARY, "ok_button"));
+    EXPECT_TRUE(hint_comes_and_goes());
+}
+
+class DeleteLeavingTheSummary : public DeleteWithConflicts, public testing::WithParamInterface<Leaving> {};
+
+TEST_P(DeleteLeavingTheSummary, LeavesTheFontsAsTheyAre) {
+    delete_the_four();
+    ASSERT_TRUE(leave_window(SUMMARY, GetParam(), "ok_button"));
+    EXPECT_TRUE(hint_comes_and_goes());
+    EXPECT_EQ(leave(), 0);
+    EXPECT_TRUE(others_are_there());
+}
+
+INSTANTIATE_TEST_SUITE_P(Ways, DeleteLeavingTheSummary, testing::ValuesIn(WAYS_OF_LEAVING));
+
+}  // namespace

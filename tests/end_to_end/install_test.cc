@@ -1,0 +1,362 @@
+// SPDX-License-Identifier: MIT
+//
+// Installing fonts by mouse and keyboard.
+#include "end_to_end/program_test.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "end_to_end/bitmap_fonts.h"
+#include "end_to_end/waiting.h"
+#include "support/small_disk.h"
+
+#include "end_to_end/install_dialog.h"
+
+namespace {
+
+using namespace gw::e2e;
+using gw::test::SmallDisk;
+using gw::test::TempDir;
+
+constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
+constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
+constexpr const char* PROGRESS = "Font Installation Progress Dialog";
+constexpr const char* STAGING = "/tmp/gw_dir/";
+// Their lines stand before those of all staged fonts.
+const BitmapFont AARDVARKS{"Aardvarks"};
+const BitmapFont ABYSSINIA{"Abyssinia"};
+const BitmapFont ACROPOLIS{"Acropolis"};
+
+class Install : public ProgramTest {
+  protected:
+    void open_dialog() {
+        ASSERT_NE(opens(InstallDialog::TITLE,
+                        [&] {
+                            main->take_keyboard();
+                            main->choose("f", "i");
+                        }),
+                  0U);
+        dialog = std::make_unique<InstallDialog>(desktop);
+        ASSERT_TRUE(dialog->is_there());
+    }
+    /// Starts the program with the dialog on the source's fonts.
+    void open_on_source() {
+        start();
+        open_dialog();
+        ASSERT_TRUE(dialog->list_fonts_of(source.path()));
+    }
+    /// Selects the lines 0 to `last` of the dialog; the first one's sample shows that the fonts are listed.
+    void select_lines(int last) {
+        ASSERT_TRUE(sample_of_line(0));
+        if (last > 0) dialog->click_line(last, "Shift_L");
+    }
+    bool sample_of_line(int line) {
+        return until([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(line); });
+    }
+    bool install() { return press(InstallDialog::TITLE, "_install_button"); }
+    bool main_sample_of_line(int line) {
+        return until([&] { return main->sample_is_drawn(); },
+                     [&] {
+                         main->take_keyboard();
+                         main->click_line(line);
+                     });
+    }
+    /// Whether the file comes to the destination.
+    [[nodiscard]] bool arrives(const BitmapFont& font) const { return arrives(font, default_destination()); }
+    [[nodiscard]] static bool arrives(const BitmapFont& font, const std::string& dir) {
+        return wait_until([&] { return std::filesystem::exists(dir + font.file_name()); });
+    }
+    [[nodiscard]] bool is_installed(const BitmapFont& font) const {
+        return std::filesystem::exists(default_destination() + font.file_name());
+    }
+    [[nodiscard]] static std::string index_of(const std::string& dir) {
+        return TempDir::read_bytes(dir + "fonts.dir");
+    }
+    [[nodiscard]] static bool lists_no_font(const std::string& dir) {
+        const std::string index = index_of(dir);
+        return index.empty() || index == "0\n";
+    }
+    TempDir source;
+    std::unique_ptr<InstallDialog> dialog;
+};
+
+TEST_F(Install, DrawsASampleOfAFontThatIsNotInstalled) {
+    AARDVARKS.write_to(source.path());
+    open_on_source();
+    EXPECT_TRUE(sample_of_line(0));
+    desktop.picture("install-preview");
+    EXPECT_TRUE(is_on_font_path(STAGING));
+    EXPECT_EQ(leave(), 0);
+    EXPECT_FALSE(is_on_font_path(STAGING));
+}
+
+TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
+    AARDVARKS.write_to(source.path());
+    ABYSSINIA.write_to(source.path());
+    open_on_source();
+    select_lines(0);
+    ASSERT_TRUE(install());
+    ASSERT_TRUE(arrives(AARDVARKS));
+    ASSERT_TRUE(hint_comes_and_goes());
+    EXPECT_FALSE(is_installed(ABYSSINIA)) << "it was not selected";
+    if (is_root()) return;  // whose new directory is put on the font path by hand
+    EXPECT_TRUE(wait_until([&] { return is_on_font_path(default_destination()); }));
+    EXPECT_TRUE(wait_until([&] { return desktop.has_font(AARDVARKS.xlfd()); }));
+    EXPECT_TRUE(main_sample_of_line(0));
+    desktop.picture("installed");
+
+    open_dialog();
+    dialog->click_line(1);
+    ASSERT_TRUE(install()) << "a second one into the same directory";
+    ASSERT_TRUE(arrives(ABYSSINIA));
+    EXPECT_TRUE(wait_until([&] { return desktop.has_font(ABYSSINIA.xlfd()); }));
+    desktop.click_middle(main->list_title);
+    EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(1); }));
+}
+
+class InstallWithConflict : public Install {
+  protected:
+    InstallWithConflict() {
+        AARDVARKS.write_to(installed.path());
+        index_fonts(installed.path());
+        for (const BitmapFont& font : {ABYSSINIA, ACROPOLIS}) font.write_to(source.path());
+        // Other bytes than those of the installed font.
+        std::ofstream(AARDVARKS.write_to(source.path()), std::ios::app) << "new";
+        list_fonts_of(installed.path());
+    }
+    void install_all_three() {
+        open_on_source();
+        select_lines(2);
+        ASSERT_TRUE(install());
+        ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+        EXPECT_TRUE(is_installed(ABYSSINIA) && is_installed(ACROPOLIS));
+        EXPECT_FALSE(is_installed(AARDVARKS));
+    }
+    [[nodiscard]] bool old_font_is_as_it_was() const {
+        return installed.read(AARDVARKS.file_name()) == AARDVARKS.bytes() &&
+               index_of(installed.path()).starts_with("1\n");
+    }
+    void choose_for_the_conflict(const char* button) {
+        ASSERT_TRUE(press(SUMMARY, "resolve_button"));
+        const Window window = opens(RESOLVE, [] {});
+        ASSERT_NE(window, 0U);
+        // Nothing is decided yet, and Finish leads nowhere.
+        desktop.click_middle(desktop.part_named(window, "ok_button"));
+        desktop.click(desktop.part_named(window, "_conflicts_list"), 60, 12);
+        desktop.click_middle(desktop.part_named(window, button));
+        desktop.picture(std::string("resolve-install-") + button);
+        ASSERT_TRUE(press(RESOLVE, "ok_button"));
+        ASSERT_TRUE(hint_comes_and_goes());
+    }
+    TempDir installed;
+};
+
+TEST_F(InstallWithConflict, KeepsTheOldFont) {
+    install_all_three();
+    desktop.picture("summary-install");
+    choose_for_the_conflict("keep_button");
+    EXPECT_TRUE(old_font_is_as_it_was());
+    EXPECT_FALSE(is_installed(AARDVARKS));
+}
+
+TEST_F(InstallWithConflict, PutsTheNewFontInTheOldOnesPlace) {
+    install_all_three();
+    choose_for_the_conflict("not_keep_button");
+    EXPECT_TRUE(arrives(AARDVARKS));
+    EXPECT_EQ(TempDir::read_bytes(default_destination() + AARDVARKS.file_name()), AARDVARKS.bytes() + "new");
+    EXPECT_FALSE(installed.exists(AARDVARKS.file_name()));
+    EXPECT_TRUE(index_of(installed.path()).starts_with("0\n"));
+    EXPECT_TRUE(index_of(default_destination()).starts_with("3\n"));
+}
+
+TEST_F(InstallWithConflict, EveryWayOutOfTheSummaryLeavesTheOldFont) {
+    install_all_three();
+    for (const Leaving way : WAYS_OF_LEAVING) {
+        SCOPED_TRACE(static_cast<int>(way));
+        ASSERT_TRUE(leave_window(SUMMARY, way, "ok_button"));
+        ASSERT_TRUE(hint_comes_and_goes());
+        EXPECT_TRUE(old_font_is_as_it_was());
+        if (way == Leaving::CLOSE_BOX) break;
+        open_dialog();
+        ASSERT_TRUE(sample_of_line(0));
+        ASSERT_TRUE(install());
+        ASSERT_NE(opens(SUMMARY, [] {}), 0U) << "it is a conflict still";
+    }
+    EXPECT_FALSE(is_installed(AARDVARKS));
+}
+
+TEST_F(InstallWithConflict, EveryWayOutOfResolvingLeadsBackToTheSummary) {
+    install_all_three();
+    for (const Leaving way : WAYS_OF_LEAVING) {
+        SCOPED_TRACE(static_cast<int>(way));
+        ASSERT_TRUE(press(SUMMARY, "resolve_button"));
+        const Window window = opens(RESOLVE, [] {});
+        ASSERT_NE(window, 0U);
+        desktop.click(desktop.part_named(window, "_conflicts_list"), 60, 12);
+        desktop.click_middle(desktop.part_named(window, "not_keep_button"));
+        ASSERT_TRUE(leave_window(RESOLVE, way, "cancel_button"));
+        ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+        EXPECT_TRUE(old_font_is_as_it_was());
+    }
+    EXPECT_FALSE(is_installed(AARDVARKS));
+    ASSERT_TRUE(press(SUMMARY, "ok_button"));
+    EXPECT_TRUE(hint_comes_and_goes());
+}
+
+TEST_F(Install, EveryWayOutOfTheChooserListsNothing) {
+    AARDVARKS.write_to(source.path());
+    start();
+    open_dialog();
+    for (const Leaving way : WAYS_OF_LEAVING) {
+        SCOPED_TRACE(static_cast<int>(way));
+        const DirectoryChooser chooser(desktop, DirectoryChooser::SOURCE_TITLE, dialog->source_button);
+        ASSERT_TRUE(chooser.is_there());
+        chooser.select(source.path());
+        desktop.picture("directory-chooser");
+        if (way == Leaving::BUTTON) {
+            chooser.press_cancel();
+            EXPECT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
+        } else {
+            EXPECT_TRUE(leave_window(DirectoryChooser::SOURCE_TITLE, way, nullptr));
+        }
+        dialog->click_line(0);
+    }
+    EXPECT_FALSE(is_on_font_path(STAGING));
+    EXPECT_FALSE(dialog->sample_is_drawn());
+    ASSERT_TRUE(dialog->list_fonts_of(source.path()));
+    EXPECT_TRUE(sample_of_line(0)) << "the next choice is taken";
+}
+
+TEST_F(Install, EveryWayOutOfTheDialogInstallsNothing) {
+    AARDVARKS.write_to(source.path());
+    open_on_source();
+    for (const Leaving way : WAYS_OF_LEAVING) {
+        SCOPED_TRACE(static_cast<int>(way));
+        ASSERT_TRUE(sample_of_line(0)) << "the source is kept for the next opening";
+        ASSERT_TRUE(leave_window(InstallDialog::TITLE, way, "_cancel_button"));
+        open_dialog();
+    }
+    EXPECT_FALSE(std::filesystem::exists(default_destination()));
+}
+
+TEST_F(Install, AddsSizesToAFaceThatIsThere) {
+    const TempDir installed;
+    BitmapFont{"Aardvarks", 10}.write_to(installed.path());
+    index_fonts(installed.path());
+    list_fonts_of(installed.path());
+    const BitmapFont medium{"Aardvarks", 14};
+    AARDVARKS.write_to(source.path());
+    medium.write_to(source.path());
+    open_on_source();
+    select_lines(0);
+    ASSERT_TRUE(install());
+    ASSERT_TRUE(arrives(AARDVARKS) && arrives(medium));
+    ASSERT_TRUE(hint_comes_and_goes());
+    EXPECT_FALSE(desktop.is_visible(SUMMARY));
+    EXPECT_TRUE(wait_until([&] { return index_of(default_destination()).starts_with("2\n"); }));
+    EXPECT_TRUE(index_of(installed.path()).starts_with("1\n"));
+    if (is_root()) return;
+    // The new sizes are the face's own: the line has the largest, and the menu those above it.
+    ASSERT_TRUE(main_sample_of_line(0));
+    const auto large = desktop.settled_pixels(main->sample());
+    EXPECT_TRUE(until([&] { return desktop.settled_pixels(main->sample()) != large; },
+                      [&] { main->choose_above(main->size_menu, 1); }));
+}
+
+TEST_F(Install, ASourceThatVanishesLeavesTheDestinationEmpty) {
+    AARDVARKS.write_to(source.file("gone"));
+    ABYSSINIA.write_to(source.file("gone"));
+    start();
+    open_dialog();
+    ASSERT_TRUE(dialog->list_fonts_of(source.file("gone")));
+    select_lines(1);
+    std::filesystem::remove_all(source.file("gone"));
+    ASSERT_TRUE(install());
+    ASSERT_TRUE(wait_until([&] { return std::filesystem::exists(default_destination()); }));
+    ASSERT_TRUE(hint_comes_and_goes());
+    // The menu entry is there again when the work is done.
+    open_dialog();
+    EXPECT_FALSE(is_installed(AARDVARKS) || is_installed(ABYSSINIA));
+    EXPECT_TRUE(lists_no_font(default_destination()));
+    EXPECT_EQ(leave(), 0);
+}
+
+TEST_F(Install, AFullDiskGetsNoPartOfAFont) {
+    AARDVARKS.write_to(source.path());
+    const SmallDisk disk;
+    ::chmod(disk.path().c_str(), 0755);
+    open_on_source();
+    select_lines(0);
+    ASSERT_TRUE(dialog->install_to(disk.path()));
+    disk.leave_blocks(1);
+    ASSERT_TRUE(install());
+    ASSERT_TRUE(hint_comes_and_goes());
+    open_dialog();
+    desktop.picture("full-disk");
+    for (const auto& entry : std::filesystem::directory_iterator(disk.path()))
+        EXPECT_EQ(entry.path().filename(), "fonts.dir");
+    EXPECT_TRUE(lists_no_font(disk.path()));
+    EXPECT_NE(program->errors(), "");
+    EXPECT_EQ(leave(), 0);
+}
+
+// The superuser is no exception, and the group's right to write does not count.
+TEST_F(Install, SomeoneElsesDirectoryIsRefused) {
+    AARDVARKS.write_to(source.path());
+    const TempDir foreign;
+    ::chmod(foreign.c_str(), 0775);
+    ASSERT_TRUE(!is_root() || ::chown(foreign.c_str(), 1000, 1000) == 0);
+    const std::string destination = is_root() ? foreign.path() : "/usr/vantor/lib/";
+    open_on_source();
+    select_lines(0);
+    ASSERT_TRUE(dialog->install_to(destination));
+    EXPECT_FALSE(dialog->has_message());
+    EXPECT_TRUE(
+        until([&] { return dialog->has_message(); }, [&] { desktop.click_middle(dialog->install_button); }));
+    desktop.picture("not-writeable");
+    EXPECT_TRUE(desktop.is_visible(InstallDialog::TITLE));
+    EXPECT_FALSE(std::filesystem::exists(destination + AARDVARKS.file_name()));
+}
+
+// A file lies where the directory would have to be made.
+TEST_F(Install, ADestinationThatCannotBeMadeIsRefused) {
+    AARDVARKS.write_to(source.path());
+    open_on_source();
+    select_lines(0);
+    const std::string path = default_destination();
+    std::ofstream(path.substr(0, path.size() - 1)) << "a file";
+    EXPECT_TRUE(
+        until([&] { return dialog->has_message(); }, [&] { desktop.click_middle(dialog->install_button); }));
+    EXPECT_TRUE(desktop.is_visible(InstallDialog::TITLE));
+}
+
+TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
+    constexpr int MANY = 2000;
+    for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(MANY + i), 8}.write_to(source.path());
+    open_on_source();
+    ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }, 60));
+    ASSERT_TRUE(sample_of_line(0));
+    desktop.key("Control_L", "slash");
+    ASSERT_TRUE(install());
+    const Window progress = opens(PROGRESS, [] {});
+    ASSERT_NE(progress, 0U);
+    const auto shown = desktop.pixels(desktop.place_of(progress));
+    EXPECT_TRUE(wait_until([&] { return desktop.pixels(desktop.place_of(progress)) != shown; }))
+        << "it counts";
+    desktop.picture("progress-install");
+    // The progress dialog stands before the rest of it.
+    Rectangle beginning = main->sample();
+    beginning.width = desktop.place_of(progress).x - beginning.x - 20;
+    EXPECT_LT(desktop.ink(beginning), 100);
+    EXPECT_TRUE(until([&] { return desktop.ink(beginning) > 100; }, [&] { main->click_line(0); }))
+        << "the main window answers";
+    EXPECT_TRUE(desktop.is_visible(PROGRESS)) << "meanwhile";
+    EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }, 120));
+    EXPECT_TRUE(hint_comes_and_goes());
+    EXPECT_TRUE(index_of(default_destination()).starts_with(std::to_string(MANY) + '\n'));
+}
+
+}  // namespace

@@ -1,0 +1,126 @@
+// SPDX-License-Identifier: MIT
+#include "end_to_end/program_test.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "end_to_end/waiting.h"
+
+namespace gw::e2e {
+
+namespace {
+
+constexpr const char* CONFIG = "/usr/vantor/server/etc/VTconfig";
+constexpr const char* HINT = "Glyph Warden - Information";
+constexpr const char* ROOTS_DESTINATION = "/etc/vantor/glyphwd_fonts";
+
+}  // namespace
+
+bool is_root() {
+    return ::geteuid() == 0;
+}
+
+ProgramTest::ProgramTest() : font_path_before_(desktop.font_path()) {
+    if (is_root()) config_before_ = gw::test::TempDir::read_bytes(CONFIG);
+}
+
+ProgramTest::~ProgramTest() {
+    program.reset();
+    EXPECT_TRUE(desktop.disappears(MainWindow::TITLE));
+    desktop.set_font_path(font_path_before_);
+    if (!is_root()) return;
+    std::ofstream(CONFIG) << config_before_;
+    std::filesystem::remove_all(ROOTS_DESTINATION);
+}
+
+void ProgramTest::start(const std::map<std::string, std::optional<std::string>>& environment) {
+    auto all = environment;
+    all.insert({"HOME", home.path().substr(0, home.path().size() - 1)});
+    program = std::make_unique<Program>(all);
+    main = std::make_unique<MainWindow>(desktop);
+    ASSERT_TRUE(main->is_there()) << program->errors();
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+}
+
+std::optional<int> ProgramTest::leave() {
+    until([&] { return !program->is_running(); },
+          [&] {
+              main->take_keyboard();
+              main->choose("f", "e");
+          });
+    return program->wait_for_exit(1);
+}
+
+Window ProgramTest::opens(const char* title, const std::function<void()>& action) {
+    const auto has_keyboard = [&] {
+        const Window window = desktop.window_titled(title);
+        return window != 0 && desktop.has_keyboard(window);
+    };
+    const bool is_ready = until(has_keyboard, [&] {
+        // A window that has come without the keyboard gets it by a click beside its parts.
+        if (const Window window = desktop.window_titled(title); window != 0) {
+            desktop.click(window, 2, 2);
+        } else {
+            action();
+        }
+    });
+    return is_ready ? desktop.window_titled(title) : 0;
+}
+
+bool ProgramTest::press(const char* title, const char* button) {
+    return until([&] { return !desktop.is_visible(title); },
+                 [&] {
+                     const Window part = desktop.part_named(desktop.window_titled(title), button);
+                     if (part != 0) desktop.click_middle(part);
+                 });
+}
+
+bool ProgramTest::leave_window(const char* title, Leaving way, const char* button) {
+    if (way == Leaving::BUTTON) return press(title, button);
+    return until([&] { return !desktop.is_visible(title); },
+                 [&] {
+                     const Window window = desktop.window_titled(title);
+                     if (window == 0) return;
+                     if (way == Leaving::CLOSE_BOX) {
+                         desktop.ask_to_close(window);
+                     } else if (desktop.has_keyboard(window)) {
+                         desktop.key("Escape");
+                     } else {
+                         desktop.click(window, 2, 2);
+                     }
+                 });
+}
+
+bool ProgramTest::hint_comes_and_goes() {
+    if (!is_root()) return true;
+    return opens(HINT, [] {}) != 0 && leave_window(HINT, Leaving::ESCAPE, nullptr);
+}
+
+std::string ProgramTest::default_destination() const {
+    return (is_root() ? ROOTS_DESTINATION : home.file("glyphwd_fonts")) + '/';
+}
+
+void ProgramTest::list_fonts_of(const std::string& dir) {
+    own_elements_.push_back(dir);
+    if (!is_root()) {
+        // What stands behind a blank line goes in front of the installation's.
+        std::ofstream file(home.file(".VTfontpath"));
+        file << '\n';
+        for (const std::string& element : own_elements_) file << element << '\n';
+        return;
+    }
+    const std::size_t colon = config_before_.find(":\t") + 2;
+    std::string joined;
+    for (const std::string& element : own_elements_) joined += element + ',';
+    std::ofstream(CONFIG) << config_before_.substr(0, colon) << joined << config_before_.substr(colon);
+}
+
+bool ProgramTest::is_on_font_path(const std::string& dir) const {
+    const std::vector<std::string> path = desktop.font_path();
+    return std::find(path.begin(), path.end(), dir) != path.end();
+}
+
+}  // namespace gw::e2e

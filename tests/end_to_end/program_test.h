@@ -1,0 +1,64 @@
+// SPDX-License-Identifier: MIT
+//
+// What every test of the running program starts with and cleans up after: the program, its main window, and
+// the server's font path as it was.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "end_to_end/program.h"
+
+#include "end_to_end/main_window.h"
+
+namespace gw::e2e {
+
+[[nodiscard]] bool is_root();
+
+/// The ways of leaving a window without having done anything.
+enum class Leaving { BUTTON, ESCAPE, CLOSE_BOX };
+inline constexpr Leaving WAYS_OF_LEAVING[] = {Leaving::BUTTON, Leaving::ESCAPE, Leaving::CLOSE_BOX};
+
+class ProgramTest : public testing::Test {
+  protected:
+    ProgramTest();
+    ~ProgramTest() override;
+
+    /// Starts the program in the test's home and waits for its main window to have the keyboard.
+    void start(const std::map<std::string, std::optional<std::string>>& environment = {});
+    /// Leaves by the menu; the exit status.
+    std::optional<int> leave();
+    /// Waits for the window; 0 when it does not come with the keyboard, which it is given if need be.
+    Window opens(const char* title, const std::function<void()>& action);
+    /// Where fonts go unless the user says otherwise, ending in "/".
+    [[nodiscard]] std::string default_destination() const;
+    /// Leaves a window in one of the ways, until it has gone.
+    bool leave_window(const char* title, Leaving way, const char* button);
+    /// Presses the named button of the window until the window has gone.
+    bool press(const char* title, const char* button);
+    /// Waits for the superuser's hint that the font path is to be modified, and takes it away; true at once
+    /// for others.
+    bool hint_comes_and_goes();
+    /// Puts a directory in front of the program's font path, before it starts.
+    void list_fonts_of(const std::string& dir);
+    /// Whether the server takes fonts from the directory.
+    [[nodiscard]] bool is_on_font_path(const std::string& dir) const;
+
+    Desktop desktop;
+    gw::test::TempDir home;
+    std::unique_ptr<Program> program;
+    std::unique_ptr<MainWindow> main;
+
+  private:
+    std::vector<std::string> font_path_before_;
+    std::string config_before_;
+    std::vector<std::string> own_elements_;
+};
+
+}  // namespace gw::e2e
