@@ -217,18 +217,19 @@ Widget create_resolutions(Widget dialog, Widget above) {
     return row;
 }
 
+/// Tied to what is above and below the row, the buttons keep one height under any label.
 void create_buttons(Widget dialog, Widget above) {
+    Widget message = gw::label(dialog, "msg_label", " ");
+    Attach(message).sides(GAP).bottom_form(0);
     const auto button = [=](const char* name, Message text, int left, int right, XtCallbackProc callback) {
         Widget w = gw::push_button(dialog, name, text);
-        Attach(w).below(above, GAP).columns(left, right);
+        Attach(w).below(above, GAP).above(message, 0).columns(left, right);
         XtAddCallback(w, XmNactivateCallback, callback, nullptr);
         return w;
     };
     wi_ok_button = button("ok_button", Message::CONFLICT_FINISH, 4, 34, ok_cb);
     Widget cancel = button("cancel_button", Message::CONFLICT_CANCEL, 39, 64, cancel_cb);
     button("help_dlg_button", Message::CONFLICT_HELP, 69, 94, help_dlg_cb);
-    Widget message = gw::label(dialog, "msg_label", " ");
-    Attach(message).below(wi_ok_button, 0).sides(GAP).bottom_form(0);
     XtVaSetValues(dialog, XmNdefaultButton, wi_ok_button, XmNcancelButton, cancel, XmNinitialFocus,
                   XtParent(wi_conflicts_list), nullptr);
 }

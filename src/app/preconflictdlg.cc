@@ -74,9 +74,11 @@ void resolve_cb(Widget, XtPointer, XtPointer) {
 
 void help_dlg_cb(Widget, XtPointer, XtPointer) {}
 
-Widget button(const char* name, Message text, Widget above, int column, XtCallbackProc callback) {
+/// A button of the row between `above` and `below`: tied to both, it keeps the row's height under any label.
+Widget button(const char* name, Message text, Widget above, Widget below, int column,
+              XtCallbackProc callback) {
     Widget w = gw::push_button(wi_preconflict_dlg, name, text);
-    Attach(w).below(above, GAP).columns(column * 33 + 4, column * 33 + 30);
+    Attach(w).below(above, GAP).above(below, 0).columns(column * 33 + 4, column * 33 + 30);
     XtAddCallback(w, XmNactivateCallback, callback, nullptr);
     return w;
 }
@@ -104,11 +106,11 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
     Widget line = gw::separator(wi_preconflict_dlg, "separator");
     Attach(line).below(wi_detail_label, GAP).sides(0);
 
-    wi_ok_button = button("ok_button", Message::PRECONFLICT_OK, line, 0, ok_cb);
-    wi_resolve_button = button("resolve_button", Message::REVIEW, line, 1, resolve_cb);
-    button("help_dlg_button", Message::PRECONFLICT_HELP, line, 2, help_dlg_cb);
     Widget message = gw::label(wi_preconflict_dlg, "msg_label", " ");
-    Attach(message).below(wi_ok_button, 0).sides(GAP).bottom_form(0);
+    Attach(message).sides(GAP).bottom_form(0);
+    wi_ok_button = button("ok_button", Message::PRECONFLICT_OK, line, message, 0, ok_cb);
+    wi_resolve_button = button("resolve_button", Message::REVIEW, line, message, 1, resolve_cb);
+    button("help_dlg_button", Message::PRECONFLICT_HELP, line, message, 2, help_dlg_cb);
     // Ok changes nothing: it is what leaving the window by any road means.
     XtVaSetValues(wi_preconflict_dlg, XmNdefaultButton, wi_ok_button, XmNcancelButton, wi_ok_button,
                   XmNinitialFocus, wi_ok_button, nullptr);
