@@ -238,6 +238,9 @@ Widget create_media_choice(Widget dialog) {
     Attach(directory).top_form(0).right_of(media, GAP);
     XtAddCallback(media, XmNactivateCallback, other_media_dlg_cb, nullptr);
     XtAddCallback(directory, XmNactivateCallback, from_dir_dlg_cb, nullptr);
+    // By keyboard too, the source is chosen first.
+    XtVaSetValues(form, XmNinitialFocus, directory, nullptr);
+    XtVaSetValues(dialog, XmNinitialFocus, form, nullptr);
     Widget line = gw::separator(dialog, "separator");
     Attach(line).below(form, GAP).sides(0);
     return line;
