@@ -117,6 +117,37 @@ TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
     EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(1); }));
 }
 
+// Menu by mnemonics; in the dialog the keyboard begins at the source's button and in the chooser at the
+// selection.
+TEST_F(Install, ByKeyboardOnly) {
+    AARDVARKS.write_to(source.path());
+    start();
+    open_dialog();
+    desktop.key("space");
+    ASSERT_TRUE(wait_until([&] {
+        const Window chooser = desktop.window_titled(DirectoryChooser::SOURCE_TITLE);
+        return chooser != 0 && desktop.has_keyboard(chooser);
+    }));
+    desktop.key("Tab");  // the buttons
+    desktop.key("Tab");  // the filter
+    desktop.key("Control_L", "slash");
+    desktop.type(source.path() + '*');
+    desktop.key("Return");
+    desktop.key("Tab");  // the list, where the directory itself is selected
+    desktop.key("Tab");  // the selection
+    desktop.key("Return");
+    ASSERT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
+    ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(dialog->window); }));
+    desktop.key("Tab");
+    ASSERT_TRUE(until([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+    desktop.key("Return");
+    EXPECT_TRUE(desktop.disappears(InstallDialog::TITLE)) << "Return is Install";
+    EXPECT_TRUE(arrives(AARDVARKS));
+    EXPECT_TRUE(hint_comes_and_goes());
+    EXPECT_EQ(leave(), 0);
+}
+
 class InstallWithConflict : public Install {
   protected:
     InstallWithConflict() {
