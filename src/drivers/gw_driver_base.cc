@@ -44,10 +44,14 @@ void GWDriverBase::start_preview() {
     the_font_path->insert_after_pos(GWFontPath::SESSION_FP, &element, -1);
 }
 
+// An element that was put on the session's path stands twice in its list. Were one left, the next preview
+// would take the server to have the directory still.
 void GWDriverBase::stop_preview() {
     if (!preview_dir) return;
-    const int position = position_in(GWFontPath::SESSION_FP, preview_dir->c_str());
-    if (position != 0) the_font_path->delete_pos(GWFontPath::SESSION_FP, position);
+    for (int position = position_in(GWFontPath::SESSION_FP, preview_dir->c_str()); position != 0;
+         position = position_in(GWFontPath::SESSION_FP, preview_dir->c_str())) {
+        if (the_font_path->delete_pos(GWFontPath::SESSION_FP, position) == 0) return;
+    }
 }
 
 void GWDriverBase::make_upr_file(GW_DIR* dir) {

@@ -350,6 +350,18 @@ TEST_F(Preview, JoinsTheSessionOnceAndLeavesItAgain) {
     EXPECT_EQ(session.font_path(), before);
 }
 
+// The second preview found the directory in the session's list, where it stands twice, and did not join.
+TEST_F(Preview, JoinsTheSessionAgain) {
+    const Texts before = session.font_path();
+    for (int round = 1; round <= 3; ++round) {
+        PreviewDriver driver(staging);
+        driver.start_preview();
+        EXPECT_EQ(session.font_path().back(), staging) << round;
+        driver.stop_preview();
+        EXPECT_EQ(session.font_path(), before) << round;
+    }
+}
+
 TEST_F(Preview, WithoutADirectoryNothingHappens) {
     const Texts before = session.font_path();
     for (const std::optional<std::string>& none :
