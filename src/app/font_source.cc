@@ -25,6 +25,10 @@ namespace {
 
 // The lookup that is still to come; 0 when there is none.
 XtWorkProcId pending_lookup = 0;
+// Serving events on the way, a lookup may be overtaken by the next choice of a source. Until the newest is
+// done, the lists that show the fonts are not those of the source.
+unsigned newest_lookup = 0;
+unsigned finished_lookup = 0;
 
 std::vector<void (*)()>& listeners() {
     static std::vector<void (*)()> all;
@@ -37,6 +41,7 @@ void tell_listeners() {
 
 void start_lookup(XtWorkProc lookup) {
     if (pending_lookup != 0) XtRemoveWorkProc(pending_lookup);
+    ++newest_lookup;
     pending_lookup = XtAppAddWorkProc(app, lookup, current_driver);
 }
 
@@ -63,18 +68,20 @@ void use_medium(int choice, XtWorkProc lookup) {
 }
 
 bool is_lookup_pending() {
-    return pending_lookup != 0;
+    return finished_lookup != newest_lookup;
 }
 
 void look_fonts_up(GWDriverBase* driver) {
     pending_lookup = 0;
+    const unsigned number = newest_lookup;
     const BusyWindows busy;
-    if (driver != current_driver) return;
+    if (number != newest_lookup) return;
     current_hrn_list.clear();
     driver->get_hrn_list(current_hrn_list);
     current_hrn_count = static_cast<unsigned>(current_hrn_list.get_count());
     if (current_hrn_count != 0) driver->start_preview();
     tell_listeners();
+    finished_lookup = number;
 }
 
 void stop_source_preview() {

@@ -315,7 +315,6 @@ void create_lower_part(Widget dialog, Widget font_list) {
     line = gw::separator(dialog, "separator1");
     Attach(line).sides(0).above(directory, GAP);
     _sample_textfield = gw::text_field(dialog, "_sample_textfield");
-    XmTextFieldSetString(_sample_textfield, gw::name_arg(" "));
     XtAddCallback(_sample_textfield, XmNvalueChangedCallback, set_sample_text_cb, nullptr);
     activate(_sample_textfield, 0);
     Attach(_sample_textfield).sides(GAP).above(line, GAP);
@@ -389,12 +388,13 @@ Boolean install_work_proc(XtPointer data) {
     const int result = current_hrn_list.install_at_pos(static_cast<unsigned>(work->positions[work->index]),
                                                        current_install_dir.c_str(), the_installed_hrn_list,
                                                        the_alias_list, the_fsm_list, the_conflict_list);
-    ++work->index;
     if (result == GWHRNElement::DONE) {
         // A size of a face that is there already adds no name.
         the_installed_hrn_count = the_installed_hrn_list.get_count();
         update_progress_dlg(++work->done);
     }
+    // Last: showing the progress serves events, and the work is in progress for them.
+    ++work->index;
     if (work->is_in_progress()) return False;
     finish_installation(work->done);
     return True;
@@ -412,6 +412,7 @@ Widget create_install_dlg(const char* name, Widget parent) {
     XtVaSetValues(wi_install_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     show_samples_last();
     gw::on_source_change(show_source);
+    XmTextFieldSetString(_sample_textfield, gw::name_arg(" "));
     set_default_destination();
     XtAddCallback(XtParent(wi_install_dlg), XmNpopupCallback, installdlg::popup_cb, nullptr);
     gw::on_close_box(wi_install_dlg, cancel_cb);
