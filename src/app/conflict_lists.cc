@@ -18,10 +18,8 @@ struct ConflictsDeleter {
 };
 using OwnedConflicts = std::unique_ptr<GW_LIST<GWConflict>, ConflictsDeleter>;
 
-std::vector<OwnedConflicts>& lists_that_are_shown() {
-    static std::vector<OwnedConflicts> lists;
-    return lists;
-}
+// Made before the program begins, so that it is still there when the program releases what it holds.
+std::vector<OwnedConflicts> lists_that_are_shown;
 
 }  // namespace
 
@@ -41,17 +39,17 @@ void clear_conflict_list() {
         for (ConflictView* view : ConflictView::views) {
             if (view->list_ == &the_conflict_list) view->list_ = shown.get();
         }
-        lists_that_are_shown().push_back(std::move(shown));
+        lists_that_are_shown.push_back(std::move(shown));
         the_conflict_list.clear();
     }
     delete_elements(the_conflict_list);
-    std::erase_if(lists_that_are_shown(),
+    std::erase_if(lists_that_are_shown,
                   [](const OwnedConflicts& list) { return !ConflictView::is_shown(list.get()); });
 }
 
 void release_conflicts() {
     delete_elements(the_conflict_list);
-    lists_that_are_shown().clear();
+    lists_that_are_shown.clear();
 }
 
 }  // namespace gw
