@@ -5,8 +5,10 @@
 #include <sys/statvfs.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "app/attrdlg.h"
@@ -204,7 +206,34 @@ void install_cb(Widget, XtPointer, XtPointer) {
     if (!positions.empty()) start_installation(std::move(positions));
 }
 
+/// The same files, in the directory that theirs leads to.
+std::unique_ptr<GW_FSPEC_LIST> without_links(const GW_FSPEC_LIST& files) {
+    auto real = std::make_unique<GW_FSPEC_LIST>();
+    for (const GW_FILE_SPEC* spec : files) {
+        std::error_code gone;
+        const std::filesystem::path dir = std::filesystem::canonical(spec->get_dir(), gone);
+        real->append(new GW_FILE_SPEC(spec->get_name(), gone ? spec->get_dir() : dir.c_str(),
+                                      spec->get_file_type(), spec->get_ext_type()));
+    }
+    return real;
+}
+
+/// The fonts of a directory were found through a link that the next source moves. Whoever is still to be
+/// decided about must not become a file of the same name from there.
+void hold_on_to_sources(const GW_LIST<GWConflict>& conflicts) {
+    for (const GWConflict* conflict : conflicts) {
+        if (conflict->get_element() == nullptr) continue;
+        for (const GWHRNElement::PointSize& size : conflict->get_element()->get_slots()) {
+            for (const gw::Ref<GWFont>& font : size.fonts) {
+                if (font->get_font_file_list() != nullptr)
+                    font->set_font_file_list(without_links(*font->get_font_file_list()));
+            }
+        }
+    }
+}
+
 void finish_installation(int installed) {
+    hold_on_to_sources(the_conflict_list);
     stop_progress_dlg();
     permit_other_work();
     update_wi_installed_hrn_list();
