@@ -32,6 +32,7 @@ inline constexpr const char* SCRATCH_TYPE0_DIR = "/tmp/type0/";
 inline constexpr const char* SCRATCH_TYPE3_DIR = "/tmp/type3/";
 inline constexpr const char* SCRATCH_MANUAL = "/tmp/glyphward.man";
 inline constexpr const char* SCRATCH_MANUAL_ERRORS = "/tmp/glyphward_err.man";
+inline constexpr const char* SCRATCH_FONTSETS = "/tmp/Vantor.fs";  ///< named as the file it is a copy of
 inline constexpr const char* SCRATCH_ROOT = "/tmp";
 
 // Staging directories of fonts that are previewed before they are installed.
@@ -72,5 +73,9 @@ inline constexpr const char* DEFAULT_FONT_PATH =
 inline constexpr const char* FONT_INDEX_NAME = "fonts.dir";
 inline constexpr const char* ALIAS_FILE_NAME = "fonts.alias";
 inline constexpr const char* UPR_FILE_NAME = "glyphwd.upr";
+
+// The fontsets of a locale, below the installation root and the locale's directory.
+inline constexpr const char* FONTSET_DIR = "/VT_FONT_SETS/";
+inline constexpr const char* FONTSET_FILE_NAME = "Vantor.fs";
 
 }  // namespace gw

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+//
+// The working copy of a fontset file: its bytes with all changes that are not in the real file yet. They
+// stand in memory, which is what counts, and after every change in a scratch file under a fixed name, for
+// others to see: a full disk or a stranger's file there costs the scratch file and nothing else.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+
+#include "core/gw_buf_file.h"
+
+namespace gw {
+
+class FontsetWorkingCopy {
+  public:
+    FontsetWorkingCopy();
+    /// Removes the scratch file, unless another one has taken its place.
+    ~FontsetWorkingCopy();
+    FontsetWorkingCopy(const FontsetWorkingCopy&) = delete;
+    FontsetWorkingCopy& operator=(const FontsetWorkingCopy&) = delete;
+
+    [[nodiscard]] const std::string& get_bytes() const { return bytes; }
+    /// The name of the scratch file, without its directory.
+    [[nodiscard]] const char* get_name() const { return file.get_name(); }
+    /// Does without the scratch file from now on.
+    void keep_in_memory() { in_memory = true; }
+    /// Replaces the content, here and in the scratch file. When that file cannot be made, or is not ours,
+    /// this is said in one line on standard error, once, and no more is written there.
+    void set_bytes(std::string_view new_bytes);
+
+  private:
+    bool make_file();
+    bool write_file();
+    [[nodiscard]] bool is_own_file() const;
+
+    GW_BUF_FILE file;
+    std::string bytes;
+    bool in_memory = false;
+    // The scratch file as it was made last; no inode while there is none.
+    dev_t device = 0;
+    ino_t inode = 0;
+};
+
+}  // namespace gw

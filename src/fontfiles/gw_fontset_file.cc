@@ -1,0 +1,139 @@
+// SPDX-License-Identifier: MIT
+#include "fontfiles/gw_fontset_file.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <optional>
+#include <string>
+
+#include "core/replace_file.h"
+#include "platform/host_paths.h"
+
+namespace {
+
+constexpr std::size_t LONGEST_PIECE = GW_FONTSET_FILE::LINE_BUFFER - 1;
+constexpr std::string_view NAME_LINE_END = "definition,\\";
+
+/// Calls `take(piece)` for each line, its newline included; a longer line than the buffer holds comes in
+/// pieces, as from `get_line`.
+template <class Take>
+void for_each_line(std::string_view bytes, Take take) {
+    while (!bytes.empty()) {
+        const std::size_t newline = bytes.find('\n');
+        const std::size_t length = newline == std::string_view::npos ? bytes.size() : newline + 1;
+        const std::string_view piece = bytes.substr(0, std::min(length, LONGEST_PIECE));
+        take(piece);
+        bytes.remove_prefix(piece.size());
+    }
+}
+
+/// What a reader sees of a line: what stands in front of a NUL byte.
+std::string_view text_of(std::string_view line) {
+    return line.substr(0, line.find('\0'));
+}
+
+/// The fontset name in a line that begins with "-"; nothing when it names none.
+std::optional<std::string> fontset_name(std::string_view text) {
+    const std::size_t colon = text.rfind(':');
+    if (colon == std::string_view::npos) return std::nullopt;
+    return std::string(text.substr(0, colon));
+}
+
+/// Appends the base font that the line names, if any, to `fontset`. False when the definition ends with it.
+bool take_base_font(GWFontSet& fontset, std::string_view text) {
+    const std::size_t dash = text.find('-');
+    if (text.find(NAME_LINE_END) != std::string_view::npos || dash == std::string_view::npos) return true;
+    text.remove_prefix(dash);
+    const std::size_t comma = text.rfind(',');
+    text = text.substr(0, comma);
+    const bool is_last = text.ends_with('\n');
+    if (is_last) text.remove_suffix(text.ends_with("\r\n") ? 2 : 1);
+    fontset.append_base_font(std::string(text).c_str());
+    return !is_last;
+}
+
+}  // namespace
+
+GW_FONTSET_FILE::GW_FONTSET_FILE(const char* file_dir, const char* file_name, int type)
+    : GW_FILE(file_name, file_dir, type) {
+    const int found = get_file_type_from_stat();
+    std::optional<std::string> bytes;
+    if (found == gw::FILE_TYPE_REGULAR) bytes = gw::read_file(get_path());
+    unread = !bytes && exist() != 0;
+    if (bytes) read_fontsets(*bytes);
+    // There the scratch file would be this very file.
+    if (is_in_directory(gw::SCRATCH_ROOT)) work.keep_in_memory();
+    work.set_bytes(bytes ? *bytes : std::string());
+}
+
+GW_FONTSET_FILE::~GW_FONTSET_FILE() {
+    for (GWFontSet* fontset : fontsets) gw::Ref<GWFontSet>::adopt(fontset);
+}
+
+void GW_FONTSET_FILE::read_fontsets(std::string_view bytes) {
+    GWFontSet* current = nullptr;
+    for_each_line(bytes, [&](std::string_view line) {
+        const std::string_view text = text_of(line);
+        if (text.starts_with('!')) {
+            current = nullptr;
+        } else if (text.starts_with('-')) {
+            const std::optional<std::string> named = fontset_name(text);
+            if (!named) return;
+            gw::Ref<GWFontSet> fontset(new GWFontSet(named->c_str()));
+            current = fontset.get();
+            fontsets.append(current);
+            fontset.leave();
+        } else if (current != nullptr && !take_base_font(*current, text)) {
+            current = nullptr;
+        }
+    });
+}
+
+GWFontSet* GW_FONTSET_FILE::get_fontset(const char* wanted) const {
+    for (GWFontSet* fontset : fontsets) {
+        if (std::strcmp(fontset->get_name(), wanted) == 0) return fontset;
+    }
+    return nullptr;
+}
+
+int GW_FONTSET_FILE::append_fontset(GWFontSet* fontset) {
+    gw::Ref<GWFontSet> owned(fontset);
+    fontsets.append(fontset);
+    owned.leave();
+    std::string bytes = work.get_bytes();
+    // A last line without its newline would swallow the name.
+    if (!bytes.empty() && !bytes.ends_with('\n')) bytes += '\n';
+    work.set_bytes(bytes + fontset->definition());
+    return 1;
+}
+
+int GW_FONTSET_FILE::delete_fontset(const GWFontSet* fontset) {
+    const std::string unwanted = fontset->get_name();
+    int pos = 1;
+    for (const GWFontSet* listed : fontsets) {
+        if (fontset->equal(listed) != 0) break;
+        ++pos;
+    }
+    GWFontSet* removed = fontsets.zap_elem_at_pos(pos);
+    if (removed != nullptr) deleted.push_back(gw::Ref<GWFontSet>::adopt(removed));
+
+    std::string kept;
+    bool skips = false;
+    for_each_line(work.get_bytes(), [&](std::string_view line) {
+        const std::string_view text = text_of(line);
+        if (text.starts_with('!')) skips = false;
+        if (text.starts_with('-')) skips = fontset_name(text) == unwanted;
+        if (!skips) kept.append(line);
+    });
+    work.set_bytes(kept);
+    return removed != nullptr ? 1 : 0;
+}
+
+int GW_FONTSET_FILE::sync() {
+    const std::string target = std::string(get_dir()) + work.get_name();
+    if (!unread && gw::replace_file(target, work.get_bytes())) return 1;
+    std::fprintf(stderr, "glyphward: %s cannot be %s; the fontsets in it stay\n", target.c_str(),
+                 unread ? "read" : "written");
+    return 0;
+}

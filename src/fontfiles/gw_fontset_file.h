@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+//
+// The fontset file "Vantor.fs" of a locale. Its fontsets are read into a list; every change of the list goes
+// to a working copy, and `sync` puts that in the place of the real file.
+//
+// Owner of the fontsets in the list: the file object, by a `gw::Ref` each. One that is deleted from the list
+// lives on as long as the file object, so that a caller may delete a fontset, change it and append it again;
+// who wants to keep one longer holds a `gw::Ref` of it.
+#pragma once
+
+#include <string_view>
+#include <vector>
+
+#include "core/gw_file.h"
+#include "core/gw_list.h"
+#include "core/ref.h"
+#include "fontfiles/fontset_working_copy.h"
+#include "fontfiles/gw_fontset.h"
+
+class GW_FONTSET_FILE : public GW_FILE {
+  public:
+    static constexpr int LINE_BUFFER = 1024;
+
+    /// Reads the file and makes the working copy. A file that is not there or cannot be read has no fontsets.
+    GW_FONTSET_FILE(const char* dir, const char* name, int file_type);
+    ~GW_FONTSET_FILE() override;
+    GW_FONTSET_FILE(const GW_FONTSET_FILE&) = delete;
+    GW_FONTSET_FILE& operator=(const GW_FONTSET_FILE&) = delete;
+
+    [[nodiscard]] const GW_LIST<GWFontSet>& get_fontsets() const { return fontsets; }
+    /// The first fontset of that name, owned by this object; null when there is none.
+    [[nodiscard]] GWFontSet* get_fontset(const char* name) const;
+
+    /// Puts `fontset`, made with `new`, at the end of the list, and its definition as it is now at the end
+    /// of the working copy. This object becomes an owner of it. Later changes of the fontset reach the
+    /// working copy only by deleting and appending it. A name that does not begin with "-", or a line that
+    /// does not fit `LINE_BUFFER`, is written and will not be read back. Returns 1.
+    int append_fontset(GWFontSet* fontset);
+    /// Takes the first fontset of the same name from the list, and every definition of that name from the
+    /// working copy; `fontset` itself is only compared with, and may be any object of that name. Returns 1,
+    /// or 0 when the list has none.
+    int delete_fontset(const GWFontSet* fontset);
+    /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay.
+    /// Returns 1, or 0 after one line on standard error, with the old file intact: it could not be written,
+    /// or it was there and could not be read.
+    int sync();
+
+  private:
+    void read_fontsets(std::string_view bytes);
+
+    GW_LIST<GWFontSet> fontsets;
+    std::vector<gw::Ref<GWFontSet>> deleted;
+    gw::FontsetWorkingCopy work;
+    bool unread = false;  // it is there, and what is in it is not known
+};
