@@ -109,6 +109,8 @@ void resolve_selected(Resolution resolution) {
     res_list[static_cast<std::size_t>(position) - 1] = resolution;
     const gw::XmText entry = gw::xm_text(get_conflict_list_entry(static_cast<unsigned>(position)));
     XmString item = entry.get();
+    // Motif loses the list's selection when a selected item is replaced.
+    XmListDeselectPos(wi_conflicts_list, position);
     XmListReplaceItemsPos(wi_conflicts_list, &item, 1, position);
     XmListSelectPos(wi_conflicts_list, position, False);
     if (std::find(res_list.begin(), res_list.end(), UNDECIDED) == res_list.end()) activate(wi_ok_button, 1);
