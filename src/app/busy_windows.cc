@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "app/attrdlg.h"
+#include "app/fontsetsdlg.h"
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
 #include "app/installdlg.h"
@@ -32,7 +33,8 @@ void BusyWindows::destroy(Widget w) {
 }
 
 void BusyWindows::show(int on) {
-    for (Widget w : {wi_mainwindow, wi_install_dlg, wi_rmedia_dlg, wi_attr_dlg, wi_pr_install_dlg})
+    for (Widget w : {wi_mainwindow, wi_install_dlg, wi_rmedia_dlg, wi_attr_dlg, wi_pr_install_dlg,
+                     wi_fontsets_dlg, wi_delete_set_dlg})
         set_watch_cursor(w, on);
 }
 

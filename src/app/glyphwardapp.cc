@@ -9,6 +9,7 @@
 #include "app/attrdlg.h"
 #include "app/deletion.h"
 #include "app/font_source.h"
+#include "app/fontsetsdlg.h"
 #include "app/gw_gui_util.h"
 #include "app/helpdlg.h"
 #include "app/installdlg.h"
@@ -39,9 +40,6 @@ using gw::Message;
 
 constexpr int GAP = 8;
 constexpr int VISIBLE_NAMES = 12;
-
-// What the window's controls lead to and exists already. A control whose flow is not built stays insensitive.
-constexpr bool FONTSETS_DIALOG_EXISTS = false;
 
 Widget wi_delete_entry, wi_install_entry, wi_attributes_entry, wi_exit_entry;
 Widget wi_modify_fp_entry, wi_fontsets_entry, wi_properties_entry;
@@ -274,6 +272,10 @@ void about_dlg_cb(Widget, XtPointer, XtPointer) {
     start_about_dlg();
 }
 
+void fontsets_dlg_cb(Widget, XtPointer, XtPointer) {
+    start_fontsets_dlg();
+}
+
 void pr_install_dlg_cb(Widget, XtPointer, XtPointer) {
     XtManageChild(wi_pr_install_dlg);
 }
@@ -301,16 +303,6 @@ void set_installed_sample_text_cb_struct() {
     installed_sample.hrn_list = &the_installed_hrn_list;
 }
 
-void make_unbuilt_insensitive() {
-    const struct {
-        Widget entry;
-        bool exists;
-    } leads[] = {
-        {wi_fontsets_entry, FONTSETS_DIALOG_EXISTS},
-    };
-    for (const auto& lead : leads) activate(lead.entry, lead.exists ? 1 : 0);
-}
-
 void add_selection_callback(XtCallbackProc callback, XtPointer client_data) {
     XtAddCallback(wi_hrn_list, XmNextendedSelectionCallback, callback, client_data);
 }
@@ -322,6 +314,7 @@ void attach_callbacks() {
     XtAddCallback(wi_help_entry, XmNactivateCallback, help_dlg_cb, nullptr);
     XtAddCallback(wi_about_entry, XmNactivateCallback, about_dlg_cb, nullptr);
     XtAddCallback(wi_modify_fp_entry, XmNactivateCallback, modify_fp_dlg_cb, nullptr);
+    XtAddCallback(wi_fontsets_entry, XmNactivateCallback, fontsets_dlg_cb, nullptr);
     XtAddCallback(wi_pr_install_entry, XmNactivateCallback, pr_install_dlg_cb, nullptr);
     XtAddCallback(wi_pr_delete_entry, XmNactivateCallback, pr_delete_dlg_cb, nullptr);
     XtAddCallback(wi_pr_modify_fp_entry, XmNactivateCallback, pr_modify_fp_dlg_cb, nullptr);
@@ -340,7 +333,6 @@ void attach_callbacks() {
     init_sample_text_cb_module();
     set_installed_sample_text_cb_struct();
     activate_selection_controls(0);
-    make_unbuilt_insensitive();
     // The sample text belongs to a user.
     if (uid == 0) activate(wi_properties_entry, 0);
 }

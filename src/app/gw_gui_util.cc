@@ -2,6 +2,7 @@
 #include "app/gw_gui_util.h"
 
 #include <algorithm>
+#include <chrono>
 
 #include "app/program_objects.h"
 #include "app/sample_text_cb.h"
@@ -223,6 +224,33 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
     return dialog;
 }
 
+std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<RowButton>& buttons,
+                               Widget* message) {
+    constexpr int GAP = 8;
+    Widget line = separator(dialog, "separator");
+    Attach(line).below(above, GAP).sides(0);
+    Widget row = form(dialog, "button_form");
+    Attach(row).below(line, GAP).sides(0);
+    const int step = 100 / static_cast<int>(buttons.size());
+    int column = 0;
+    std::vector<Widget> made;
+    for (const RowButton& button : buttons) {
+        Widget w = push_button(row, button.name, button.text);
+        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + step - 2);
+        if (button.callback != nullptr) {
+            XtAddCallback(w, XmNactivateCallback, button.callback, nullptr);
+        } else {
+            activate(w, 0);
+        }
+        made.push_back(w);
+        column += step;
+    }
+    Widget text = label(dialog, "msg_label", " ");
+    Attach(text).below(row, 2).sides(GAP).bottom_form(2);
+    if (message != nullptr) *message = text;
+    return made;
+}
+
 OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name,
                        const std::string& first_entry) {
     Widget pulldown = XmCreatePulldownMenu(parent, name_arg(pulldown_name), nullptr, 0);
@@ -313,14 +341,33 @@ bool is_on_screen(Widget w) {
 
 }  // namespace
 
+namespace {
+
+/// Rings again and again: an event to wake up for always comes. A timer that rings once may do so while work
+/// that runs meanwhile serves events.
+class Ticker {
+  public:
+    Ticker() { start(); }
+    ~Ticker() { XtRemoveTimeOut(id_); }
+    Ticker(const Ticker&) = delete;
+    Ticker& operator=(const Ticker&) = delete;
+
+  private:
+    void start() {
+        constexpr unsigned long MILLISECONDS = 50;
+        id_ = XtAppAddTimeOut(
+            app, MILLISECONDS, [](XtPointer ticker, XtIntervalId*) { static_cast<Ticker*>(ticker)->start(); },
+            this);
+    }
+    XtIntervalId id_ = 0;
+};
+
+}  // namespace
+
 void draw_at_once(Widget dialog) {
-    constexpr unsigned long LIMIT = 1000;  // milliseconds
-    bool is_late = false;
-    const XtIntervalId limit = XtAppAddTimeOut(
-        app, LIMIT, [](XtPointer late, XtIntervalId*) { *static_cast<bool*>(late) = true; }, &is_late);
-    // Being put on the screen is news of the dialog's shell, so there is an event to wake up for.
-    while (!is_on_screen(dialog) && !is_late) XtAppProcessEvent(app, XtIMAll);
-    if (!is_late) XtRemoveTimeOut(limit);
+    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    const Ticker ticker;
+    while (!is_on_screen(dialog) && std::chrono::steady_clock::now() < limit) XtAppProcessEvent(app, XtIMAll);
     process_xt_events();
 }
 

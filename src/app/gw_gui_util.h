@@ -83,6 +83,17 @@ Widget scrolled_window(Widget parent, const char* name);
 Widget message_dialog(Widget parent, const char* name, unsigned char type, const std::string& title,
                       const std::string& message, std::initializer_list<unsigned char> without);
 
+/// One button of a row; one without a callback is insensitive.
+struct RowButton {
+    const char* name;
+    Message text;
+    XtCallbackProc callback;
+};
+/// The end of a dialog: below `above` a separator, a form "button_form" of buttons of equal width, and the
+/// message line "msg_label", which is returned through `message`. Returns the buttons in order.
+std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<RowButton>& buttons,
+                               Widget* message = nullptr);
+
 struct OptionMenu {
     Widget menu;
     Widget pulldown;

@@ -14,6 +14,7 @@
 #include "app/delwarningdlg.h"
 #include "app/dirdlg.h"
 #include "app/fallback_resources.h"
+#include "app/fontsetsdlg.h"
 #include "app/fpinfodlg.h"
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
@@ -92,6 +93,7 @@ void create_dialogs() {
     create_preconflict_dlg("preconflict_dlg", wi_toplevel);
     create_fp_info_dlg("fp_info_dlg", wi_toplevel);
     create_help_dlg("help_dlg", wi_toplevel);
+    if (Gw_resrc.fontset_support != False) create_fontsets_dlg("fontsets_dlg", wi_toplevel);
     create_pr_install_dlg("pr_install_dlg", wi_toplevel);
     create_pr_delete_dlg("pr_delete_dlg", wi_toplevel);
     create_pr_modify_fp_dlg("pr_modify_fp_dlg", wi_toplevel);

@@ -5,6 +5,7 @@
 #include <cwchar>
 #include <map>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "app/attrdlg.h"
@@ -62,21 +63,36 @@ bool can_name_a_font(const std::string& name) {
     return name.size() <= LONGEST_FONT_NAME && name.find_first_not_of(" \t\n\v\f\r") != std::string::npos;
 }
 
+bool all_can_name_fonts(std::string_view names) {
+    for (;;) {
+        const std::size_t comma = names.find(',');
+        if (!can_name_a_font(std::string(names.substr(0, comma)))) return false;
+        if (comma == std::string_view::npos) return true;
+        names.remove_prefix(comma + 1);
+    }
+}
+
 int width_of(XFontSet set, const std::string& text) {
     return XmbTextEscapement(set, text.data(), static_cast<int>(text.size()));
 }
 
-/// The font set of that one name; empty when the locale or the server cannot make one that has a width for
-/// letters or for `text`. Charsets that are missing from it are normal: a set of one font has but one.
+/// The font set of the names in that list; empty when the locale or the server cannot make one. Charsets that
+/// are missing from it are normal: a set of one font has but one.
+FontSet open_font_set(const std::string& names) {
+    char** missing = nullptr;
+    int missing_count = 0;
+    char* substitute = nullptr;
+    FontSet set(XCreateFontSet(display, names.c_str(), &missing, &missing_count, &substitute));
+    if (missing != nullptr) XFreeStringList(missing);
+    return set;
+}
+
+/// The font set of that one name; empty also when it has no width for letters nor for `text`.
 FontSet make_font_set(std::string name, const std::string& text) {
     // A comma would end the name; this stands for any one character.
     std::replace(name.begin(), name.end(), ',', '?');
     if (!can_name_a_font(name)) return {};
-    char** missing = nullptr;
-    int missing_count = 0;
-    char* substitute = nullptr;
-    FontSet set(XCreateFontSet(display, name.c_str(), &missing, &missing_count, &substitute));
-    if (missing != nullptr) XFreeStringList(missing);
+    FontSet set = open_font_set(name);
     if (set && width_of(set.get(), "A") == 0 && width_of(set.get(), text) == 0) set.reset();
     return set;
 }
@@ -377,6 +393,15 @@ void display_text_in_font(Widget field, GWFont* font, const char* decipoints, co
 
 void display_text_in_alias(Widget field, const GWAlias* alias, const char* text) {
     display_text_in_xlfd(field, alias->get_alias_name(), text);
+}
+
+int display_text_in_fontset(Widget field, const char* base_names, const char* text) {
+    FontSet set;
+    // A list with an entry that names no font is left to nobody to misread.
+    if (all_can_name_fonts(base_names)) set = open_font_set(base_names);
+    if (!set) return 0;
+    show_in_font_set(field, std::move(set), text);
+    return 1;
 }
 
 void clear_sample_textfield(Widget field) {

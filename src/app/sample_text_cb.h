@@ -61,6 +61,9 @@ std::string chosen_decipoints(const GWHRNElement& elem, const std::string& point
 /// Shows `text` in the font at that size; a font that the server cannot make leaves the field empty.
 void display_text_in_font(Widget field, GWFont* font, const char* decipoints, const char* text);
 void display_text_in_alias(Widget field, const GWAlias* alias, const char* text);
+/// Shows `text` in the fonts of a comma-separated list of names together; 0, and the field keeps its fonts
+/// and its text, when the server or the locale cannot make a font set of them, else 1.
+int display_text_in_fontset(Widget field, const char* base_names, const char* text);
 /// Empties the field; the sample text stays.
 void clear_sample_textfield(Widget field);
 

@@ -75,16 +75,14 @@ void GW_FONTSET_FILE::read_fontsets(std::string_view bytes) {
     GWFontSet* current = nullptr;
     for_each_line(bytes, [&](std::string_view line) {
         const std::string_view text = text_of(line);
-        if (text.starts_with('!')) {
-            current = nullptr;
-        } else if (text.starts_with('-')) {
+        if (text.starts_with('-')) {
             const std::optional<std::string> named = fontset_name(text);
             if (!named) return;
             gw::Ref<GWFontSet> fontset(new GWFontSet(named->c_str()));
             current = fontset.get();
             fontsets.append(current);
             fontset.leave();
-        } else if (current != nullptr && !take_base_font(*current, text)) {
+        } else if (current != nullptr && (text.starts_with('!') || !take_base_font(*current, text))) {
             current = nullptr;
         }
     });

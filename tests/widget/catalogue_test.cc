@@ -5,8 +5,10 @@
 
 #include <nl_types.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 
 #include "app/main_start.h"
@@ -42,6 +44,28 @@ TEST(CatalogueTest, HoldsEveryTextOfTheTable) {
         EXPECT_EQ(catalogue.text(entry.set, entry.number), entry.text)
             << "set " << entry.set << ", number " << entry.number;
     }
+}
+
+// A slip of the defaults is put right there, and nothing else is another text.
+TEST(CatalogueTest, EnglishLocalesHaveTheCorrectedTexts) {
+    static constexpr gw::MessageEntry CORRECTED[] = {
+#define MSG(set, number, text) {set, number, text},
+#include "english.def"
+#undef MSG
+    };
+    const Catalogue catalogue(ENGLISH_CATALOGUE);
+    ASSERT_TRUE(catalogue.is_open());
+    std::size_t corrected = 0;
+    for (const gw::MessageEntry& entry : gw::message_table()) {
+        const auto* found = std::find_if(std::begin(CORRECTED), std::end(CORRECTED), [&](const auto& other) {
+            return other.set == entry.set && other.number == entry.number;
+        });
+        const bool is_corrected = found != std::end(CORRECTED);
+        corrected += is_corrected ? 1 : 0;
+        EXPECT_EQ(catalogue.text(entry.set, entry.number), is_corrected ? found->text : entry.text);
+        EXPECT_TRUE(!is_corrected || std::string(found->text) != entry.text) << entry.text;
+    }
+    EXPECT_EQ(corrected, std::size(CORRECTED)) << "each stands for a text of the table";
 }
 
 TEST(CatalogueTest, HardTextsComeBackAsTheyWere) {

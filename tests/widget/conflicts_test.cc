@@ -10,6 +10,7 @@
 #include "app/conflict_lists.h"
 #include "app/conflictdlg.h"
 #include "app/delwarningdlg.h"
+#include "app/font_source.h"
 #include "app/fpinfodlg.h"
 #include "app/gw_gui_util.h"
 #include "app/installdlg.h"
@@ -391,7 +392,7 @@ TEST_F(FontConflicts, InstallTheNewFonts) {
     EXPECT_NE(destination_index().find("\nbeta.pcf " + face("beta") + '\n'), std::string::npos);
     EXPECT_EQ(the_installed_hrn_count, 7);
     EXPECT_EQ(items(wi_hrn_list).size(), 8U);
-    stop_install_preview();
+    gw::stop_source_preview();
     EXPECT_EQ(server_has(face("alpha")), uid != 0);
 }
 

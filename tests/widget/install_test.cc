@@ -12,6 +12,7 @@
 
 #include "app/attrdlg.h"
 #include "app/delwarningdlg.h"
+#include "app/font_source.h"
 #include "app/fpinfodlg.h"
 #include "app/gw_gui_util.h"
 #include "app/installdlg.h"
@@ -109,7 +110,7 @@ TEST_F(Install, ByAUserPutsTheDirectoryOnTheFontPath) {
     install({1});
     EXPECT_FALSE(is_managed(wi_fp_info_dlg));
     EXPECT_TRUE(is_on_server_path(destination()));
-    stop_install_preview();
+    gw::stop_source_preview();
     EXPECT_TRUE(server_has(face("alpha")));
     if (!is_root()) {
         EXPECT_THAT(home().read(".VTfontpath"), HasSubstr(destination()));
@@ -123,7 +124,7 @@ TEST_F(Install, ByAUserPutsTheDirectoryOnTheFontPath) {
     install({1});
     const std::vector<std::string> path = server_font_path();
     EXPECT_EQ(std::count(path.begin(), path.end(), destination()), 1);
-    stop_install_preview();
+    gw::stop_source_preview();
     EXPECT_TRUE(server_has(face("beta")));
 }
 

@@ -13,6 +13,7 @@
 #include "app/conflictdlg.h"
 #include "app/delwarningdlg.h"
 #include "app/dirdlg.h"
+#include "app/font_source.h"
 #include "app/fpinfodlg.h"
 #include "app/gw_gui_util.h"
 #include "app/installdlg.h"
@@ -178,7 +179,7 @@ void WorkTest::TearDown() {
     popdown_rmedia_dlg();
     popdown_dir_dlg();
     stop_fp_info_dlg();
-    stop_install_preview();
+    gw::stop_source_preview();
     clear_conflict_list();
     take_off_font_paths();
     std::filesystem::remove_all(home().file("glyphwd_fonts"));

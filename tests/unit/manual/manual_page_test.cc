@@ -166,6 +166,7 @@ TEST(ManualPageTest, HasItsSectionsInOrder) {
                                                "FONT ATTRIBUTES",
                                                "SAMPLE TEXT",
                                                "FONT PATH",
+                                               "FONTSETS",
                                                "FONTS OF A PRINTER",
                                                "KEYBOARD",
                                                "OPTIONS",

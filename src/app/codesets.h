@@ -1,0 +1,20 @@
+// SPDX-License-Identifier: MIT
+//
+// The sample text of a fontset by codesets: which characters belong to which, and all of them together.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace gw {
+
+/// The codeset of a wide character: 0 for ASCII, 1, 2 and 3 by the two bits that C libraries of codeset-based
+/// locales set. Where wide characters have no such bits, all are of codeset 0.
+[[nodiscard]] unsigned codeset_of(unsigned long wide_character);
+
+/// The characters of `text`, in the current locale, by codesets; one text for each of 0 to `count` - 1. What
+/// is of no codeset among them is put in codeset 0's, so that no character is lost; bytes that are no
+/// character of the locale too.
+[[nodiscard]] std::vector<std::string> split_by_codeset(const std::string& text, unsigned count);
+
+}  // namespace gw

@@ -1,0 +1,88 @@
+// SPDX-License-Identifier: MIT
+//
+// The fontsets dialog: which installed bitmap fonts form each fontset of the locale, with a sample that is
+// drawn through an X font set. Deleting, naming and the sample text have dialogs of their own.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "fontfiles/gw_fontset_file.h"
+
+#include <X11/Intrinsic.h>
+
+extern Widget wi_fontsets_dlg;
+extern Widget wi_delete_set_dlg;
+extern Widget wi_new_set_dlg;
+extern Widget wi_sample_text_dlg;
+
+/// Builds the dialog and its three subordinate ones.
+Widget create_fontsets_dlg(const char* name, Widget parent);
+void start_fontsets_dlg();
+
+Widget create_delete_set_dlg(const char* name, Widget parent);
+Widget create_new_set_dlg(const char* name, Widget parent);
+Widget create_sample_text_dlg(const char* name, Widget parent);
+
+/// What the fontset dialogs work on.
+struct fontsetdlg_cb_struct {
+    std::unique_ptr<GW_FONTSET_FILE> file;  ///< null where the locale can have none
+    gw::Ref<GWFontSet> current;             ///< one of the file's, or one without a name while it has none
+    std::string locale_sample_text;
+};
+extern fontsetdlg_cb_struct fontsetdlg_cb;
+
+/// Opens the locale's fontset file. Without VANTORHOME or LANG, which is said on standard output, or with a
+/// directory of 68 bytes or more, which is said on standard error, there is none, and none is written.
+void set_fontsetsdlg_cb_struct();
+void init_wi_installed_fontsets_choose_menu();
+void init_wi_fontsets_dlg_scrolledlist();
+void init_wi_fontsets_dlg_sample_text();
+void init_wi_delete_set_dlg_scrolledlist();
+
+/// Selects the fonts of the set in a list of XLFD names, and scrolls to the first of them.
+void select_scrolled_list(Widget list, const GWFontSet* set);
+/// Shows the sample in the fonts of the set; nothing for null.
+void display_sample_text(const GWFontSet* set);
+/// Puts the text into the sample dialog's fields, one for each codeset.
+void set_wi_sample_text_dlg(const char* text);
+
+namespace fontsetsdlg {
+
+void set_message(const std::string& text);
+
+/// The sample text of the dialog, which is more than its field can show in some fonts.
+[[nodiscard]] const std::string& sample();
+void set_sample(const std::string& text);
+
+/// Adds a fontset to the menu, or takes the entries of that name away.
+void add_to_menu(const char* name);
+void remove_from_menu(const std::string& name);
+[[nodiscard]] bool menu_has(const std::string& name);
+void show_menu_if_filled();
+/// Makes the first fontset of the file current, or an unnamed one when there is none.
+void make_first_current();
+
+/// Selects the fonts of the current fontset and draws its sample.
+void show_current();
+
+/// Adds a name at the top of the delete dialog's list.
+void add_to_delete_list(const char* name);
+
+/// Working with a fontset serves events on the way: what is pressed meanwhile must not pull the fontset away.
+/// `is_first` is false while another operation runs.
+class Operation {
+  public:
+    Operation() : is_first_(depth++ == 0) {}
+    ~Operation() { --depth; }
+    Operation(const Operation&) = delete;
+    Operation& operator=(const Operation&) = delete;
+    [[nodiscard]] bool is_first() const { return is_first_; }
+
+  private:
+    static inline int depth = 0;
+    bool is_first_;
+};
+
+}  // namespace fontsetsdlg
