@@ -1,0 +1,335 @@
+// SPDX-License-Identifier: MIT
+//
+// All dialogs alike: their widgets stand under their names, every button does something or is insensitive,
+// and what the user reads is on the screen and not cut off. Built once for each locale that is looked at.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <clocale>
+#include <cstdlib>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "app/aboutdlg.h"
+#include "app/attrdlg.h"
+#include "app/conflictdlg.h"
+#include "app/delwarningdlg.h"
+#include "app/dirdlg.h"
+#include "app/fpinfodlg.h"
+#include "app/gw_gui_util.h"
+#include "app/helpdlg.h"
+#include "app/initdlg.h"
+#include "app/installdlg.h"
+#include "app/modifyfpdlg.h"
+#include "app/preconflictdlg.h"
+#include "app/printerdlg.h"
+#include "app/progressdlg.h"
+#include "app/propsdlg.h"
+#include "app/rmediadlg.h"
+#include "app/warningdlg.h"
+#include "app/workingdlg.h"
+#include "widget/dialogs_test_support.h"
+
+#include <Xm/Label.h>
+#include <Xm/LabelG.h>
+#include <Xm/PushB.h>
+#include <Xm/PushBG.h>
+#include <Xm/ScrolledW.h>
+
+namespace {
+
+using namespace gw::test;
+
+constexpr int SCREEN_WIDTH = 1024;
+constexpr int SCREEN_HEIGHT = 768;
+
+/// Conflicts to show, of either kind.
+class Conflicts {
+  public:
+    explicit Conflicts(GWConflict::TYPE type)
+        : alias_("my-alias", "-misc-fixed-medium-r-normal--13-120-75-75-c-60-iso8859-1", "/fonts/"),
+          conflict_(type, nullptr, type == GWConflict::DELETE ? &alias_ : nullptr, nullptr, "/fonts/",
+                    nullptr) {
+        conflict_.set_conflict(GWConflict::SAME_NAME, nullptr, 0, 0);
+        list_.append(&conflict_);
+    }
+    GW_LIST<GWConflict>* list() { return &list_; }
+
+  private:
+    GWAlias alias_;
+    GWConflict conflict_;
+    GW_LIST<GWConflict> list_;
+};
+
+GW_LIST<GWConflict>* conflicts(GWConflict::TYPE type) {
+    static Conflicts installing(GWConflict::INSTALL);
+    static Conflicts deleting(GWConflict::DELETE);
+    return (type == GWConflict::INSTALL ? installing : deleting).list();
+}
+
+struct Dialog {
+    const char* name;
+    Widget* widget;
+    std::function<void()> show;
+    std::vector<const char*> parts;   ///< the names of its widgets
+    std::set<std::string> idle = {};  ///< buttons that do nothing, deliberately
+};
+
+std::vector<Dialog> dialogs() {
+    return {
+        {"init_dlg", &wi_init_dlg, start_init_dlg, {}},
+        {"modify_fp_dlg",
+         &wi_modify_fp_dlg,
+         start_modify_fp_dlg,
+         {"_modify_label",
+          "radioBox",
+          "_default_fp_toggle",
+          "_other_inst_fp_toggle",
+          "_vantor_dir_dlg_button",
+          "separator",
+          "_fpe_list_label",
+          "_fpe_list",
+          "_fpe_modify_rowcol",
+          "_move_up_button",
+          "_move_down_button",
+          "_delete_button",
+          "_add_new_button",
+          "_new_fp_label",
+          "_new_fp_textfield",
+          "_dir_dlg_button",
+          "separator1",
+          "_button_form",
+          "_button_form._ok_button",
+          "_apply_button",
+          "_reset_button",
+          "_cancel_button",
+          "_help_button",
+          "_msg_label"},
+         {"_help_button"}},
+        {"install_dlg",
+         &wi_install_dlg,
+         [] { XtManageChild(wi_install_dlg); },
+         {"MediaChoiceTemplate._media_label",
+          "MediaChoiceTemplate._other_media_dlg_button",
+          "MediaChoiceTemplate.from_dir_dlg_button",
+          "separator",
+          "_avail_font_list._fontlist_label",
+          "_avail_font_list*_hrn_list",
+          "_sample_text_label",
+          "_sample_textfield",
+          "separator1",
+          "separator2",
+          "_install_to_label",
+          "_dest_label",
+          "install_dir_dlg_button",
+          "_req_space_label",
+          "_req_space_val",
+          "_avail_space_label",
+          "_avail_space_val",
+          "separator3",
+          "_button_form._install_button",
+          "_button_form._select_all_button",
+          "_button_form._attr_button",
+          "_button_form._cancel_button",
+          "_button_form._help_button",
+          "_message_label"}},
+        {"rmedia_dlg",
+         &wi_rmedia_dlg,
+         [] { popup_rmedia_dlg(nullptr); },
+         {"pulldown_menu", "floppy_button", "cdrom_button", "media_option_menu", "check_button", "separator",
+          "eject_button", "close_button", "help_dlg_button", "msg_label"},
+         {"help_dlg_button"}},
+        {"dir_dlg", &wi_dir_dlg, [] { popup_dir_dlg(nullptr, "Glyph Warden : Install Fonts In"); }, {}},
+        {"attr_dlg",
+         &wi_attr_dlg,
+         [] {
+             const int position = bitmap_position();
+             show_font_attributes(the_installed_hrn_list.get_elem_at_pos(position)->get_representative(),
+                                  nullptr);
+         },
+         {"hrn_label", "hrn_name", "font_template.xlfd_label", "font_template.loc_label", "_font_xlfd_scroll",
+          "_font_loc_scroll", "foundry_template.foundry_label", "foundry_template.charset_label",
+          "foundry_template.spacing_label", "alias_template.alias_label", "alias_template.xlfd_label",
+          "alias_template.loc_label", "_alias_xlfd_scroll", "_alias_loc_scroll", "button_form.close_button",
+          "button_form.help_dlg_button", "msg_label"}},
+        {"props_dlg",
+         &wi_props_dlg,
+         start_props_dlg,
+         {"sample_label", "sample_textField", "ok_button", "apply_button", "reset_button", "cancel_button",
+          "help_button"},
+         {"help_button"}},
+        {"progress_dlg",
+         &wi_progress_dlg,
+         [] { start_progress_dlg(0, 12345, "Font Installation Progress Dialog", "Fonts Installed"); },
+         {"action_label", "progress_scale"}},
+        {"working_dlg", &wi_working_dlg, [] { start_working_dlg("Looking for fonts, be patient"); }, {}},
+        {"del_warning_dlg", &wi_del_warning_dlg, [] { start_del_warning_dlg(nullptr); }, {}},
+        {"warning_dlg",
+         &wi_warning_dlg,
+         [] { start_warning_dlg("Glyph Warden - Other Media", gw::text_of(gw::Message::CDROM_MISSING)); },
+         {}},
+        {"about_dlg", &wi_about_dlg, start_about_dlg, {}},
+        {"conflict_dlg",
+         &wi_conflict_dlg,
+         [] { start_conflict_dlg(3, conflicts(GWConflict::DELETE)); },
+         {"list_label", "_conflicts_list", "resolve_label", "button_rowcol.keep_button",
+          "button_rowcol.not_keep_button", "conflict_detail_label", "separator", "ok_button", "cancel_button",
+          "help_dlg_button", "msg_label"}},
+        {"conflict_dlg", &wi_conflict_dlg, [] { start_conflict_dlg(3, conflicts(GWConflict::INSTALL)); }, {}},
+        {"preconflict_dlg",
+         &wi_preconflict_dlg,
+         [] { start_preconflict_dlg(12345, conflicts(GWConflict::DELETE)); },
+         {"success_label", "read_only_label", "conflict_label", "detail_label", "separator", "ok_button",
+          "resolve_button", "help_dlg_button", "msg_label"}},
+        {"preconflict_dlg",
+         &wi_preconflict_dlg,
+         [] { start_preconflict_dlg(12345, conflicts(GWConflict::INSTALL)); },
+         {}},
+        {"fp_info_dlg", &wi_fp_info_dlg, start_fp_info_dlg, {}},
+        {"help_dlg", &wi_help_dlg, start_help_dlg, {"text", "ok_button"}, {"ok_button"}},
+        {"pr_install_dlg", &wi_pr_install_dlg, [] { XtManageChild(wi_pr_install_dlg); }, {}},
+        {"pr_delete_dlg", &wi_pr_delete_dlg, [] { XtManageChild(wi_pr_delete_dlg); }, {}},
+        {"pr_modify_fp_dlg",
+         &wi_pr_modify_fp_dlg,
+         [] { XtManageChild(wi_pr_modify_fp_dlg); },
+         {},
+         {"cancel_button"}},
+    };
+}
+
+/// Calls `look` with every managed widget and gadget below `w` that belongs to the same window.
+void each_part(Widget w, const std::function<void(Widget)>& look) {
+    if (!XtIsComposite(w)) return;
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(w, XmNchildren, &children, XmNnumChildren, &count, nullptr);
+    for (Cardinal i = 0; i < count; ++i) {
+        if (!XtIsManaged(children[i])) continue;
+        look(children[i]);
+        each_part(children[i], look);
+    }
+}
+
+struct Box {
+    int x, y, width, height;
+};
+
+Box box_of(Widget w) {
+    Position x = 0;
+    Position y = 0;
+    Dimension width = 0;
+    Dimension height = 0;
+    XtVaGetValues(w, XmNx, &x, XmNy, &y, XmNwidth, &width, XmNheight, &height, nullptr);
+    return {x, y, width, height};
+}
+
+bool has_text(Widget w) {
+    return XmIsLabel(w) || XmIsLabelGadget(w);
+}
+
+bool is_button(Widget w) {
+    return XmIsPushButton(w) || XmIsPushButtonGadget(w);
+}
+
+/// What is in a window to be scrolled may be larger than that.
+bool is_scrolled(Widget w, Widget dialog) {
+    for (w = XtParent(w); w != dialog; w = XtParent(w)) {
+        if (XmIsScrolledWindow(w)) return true;
+    }
+    return false;
+}
+
+/// What a button has around it only while Return presses it.
+int ring_of(Widget w) {
+    return is_button(w) ? 4 : 0;
+}
+
+class Layout : public testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        ::setenv("LC_ALL", TEST_LOCALE, 1);
+        start_at_home();
+        ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), TEST_LOCALE);
+    }
+    static void each_dialog(const std::function<void(const Dialog&, Widget)>& look) {
+        for (const Dialog& dialog : dialogs()) {
+            if (*dialog.widget == nullptr) {
+                EXPECT_STREQ(dialog.name, "modify_fp_dlg") << "made for the superuser alone";
+                EXPECT_NE(uid, 0);
+                continue;
+            }
+            SCOPED_TRACE(dialog.name);
+            Widget w = *dialog.widget;
+            dialog.show();
+            EXPECT_TRUE(pump_until([=] { return is_viewable(w); }));
+            pump();
+            look(dialog, w);
+            close_box(w);
+            XtUnmanageChild(w);  // some stay
+            pump();
+        }
+    }
+};
+
+TEST_F(Layout, EveryWidgetStandsUnderItsName) {
+    each_dialog([](const Dialog& dialog, Widget w) {
+        EXPECT_STREQ(XtName(w), dialog.name);
+        EXPECT_EQ(XtNameToWidget(wi_toplevel, (std::string("*") + dialog.name).c_str()), w);
+        for (const char* part : dialog.parts) EXPECT_NE(find(w, part), nullptr) << part;
+    });
+}
+
+TEST_F(Layout, EveryButtonDoesSomethingOrIsInsensitive) {
+    each_dialog([](const Dialog& dialog, Widget w) {
+        each_part(w, [&](Widget part) {
+            if (!is_button(part) || !XtIsSensitive(part)) return;
+            const bool does_something = XtHasCallbacks(part, XmNactivateCallback) == XtCallbackHasSome;
+            EXPECT_EQ(does_something, !dialog.idle.contains(XtName(part))) << XtName(part);
+        });
+    });
+}
+
+TEST_F(Layout, EveryDialogStandsInTheMiddleOfTheScreen) {
+    each_dialog([](const Dialog&, Widget w) {
+        const Box box = box_of(XtParent(w));
+        EXPECT_GE(box.x, 0);
+        EXPECT_GE(box.y, 0);
+        EXPECT_LE(box.x + box.width, SCREEN_WIDTH);
+        EXPECT_LE(box.y + box.height, SCREEN_HEIGHT);
+        EXPECT_NEAR(box.x, (SCREEN_WIDTH - box.width) / 2, 1);
+        EXPECT_NEAR(box.y, (SCREEN_HEIGHT - box.height) / 2, 1);
+    });
+}
+
+TEST_F(Layout, NoTextIsCutOff) {
+    each_dialog([](const Dialog&, Widget w) {
+        each_part(w, [&](Widget part) {
+            if (!has_text(part) || is_scrolled(part, w)) return;
+            XtWidgetGeometry preferred = {};
+            XtQueryGeometry(part, nullptr, &preferred);
+            const Box box = box_of(part);
+            EXPECT_GE(box.width + ring_of(part), preferred.width)
+                << XtName(part) << ": " << gw::label_of(part);
+            EXPECT_GE(box.height + ring_of(part), preferred.height)
+                << XtName(part) << ": " << gw::label_of(part);
+        });
+    });
+}
+
+TEST_F(Layout, EveryPartIsInsideOfWhatHoldsIt) {
+    each_dialog([](const Dialog&, Widget w) {
+        each_part(w, [&](Widget part) {
+            if (is_scrolled(part, w)) return;
+            const Box box = box_of(part);
+            const Box around = box_of(XtParent(part));
+            EXPECT_GE(box.x, 0) << XtName(part);
+            EXPECT_GE(box.y, 0) << XtName(part);
+            EXPECT_LE(box.x + box.width, around.width) << XtName(part);
+            EXPECT_LE(box.y + box.height, around.height) << XtName(part);
+        });
+    });
+}
+
+}  // namespace
