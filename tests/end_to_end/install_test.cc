@@ -43,8 +43,8 @@ class Install : public ProgramTest {
         ASSERT_TRUE(dialog->is_there());
     }
     /// Starts the program with the dialog on the source's fonts.
-    void open_on_source() {
-        start();
+    void open_on_source(const std::map<std::string, std::optional<std::string>>& environment = {}) {
+        start(environment);
         open_dialog();
         ASSERT_TRUE(dialog->list_fonts_of(source.path()));
     }
@@ -388,6 +388,21 @@ TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
     EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }, 120));
     EXPECT_TRUE(hint_comes_and_goes());
     EXPECT_TRUE(index_of(default_destination()).starts_with(std::to_string(MANY) + '\n'));
+}
+
+// In a locale of many bytes to a character the windows have other fonts.
+TEST_F(InstallWithConflict, WorksInAUtf8Locale) {
+    open_on_source({{"LC_ALL", "de_DE.UTF-8"}});
+    select_lines(0);
+    desktop.picture("install-preview-utf8");
+    dialog->click_line(2, "Shift_L");
+    ASSERT_TRUE(install());
+    const Window summary = opens(SUMMARY, [] {});
+    ASSERT_NE(summary, 0U);
+    desktop.picture("summary-install-utf8");
+    EXPECT_TRUE(is_installed(ABYSSINIA) && is_installed(ACROPOLIS));
+    choose_for_the_conflict("not_keep_button");
+    EXPECT_TRUE(arrives(AARDVARKS));
 }
 
 }  // namespace
