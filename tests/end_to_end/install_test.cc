@@ -133,7 +133,8 @@ TEST_F(Install, ByKeyboardOnly) {
     desktop.key("Control_L", "slash");
     desktop.type(source.path() + '*');
     desktop.key("Return");
-    desktop.key("Tab");  // the list, where the directory itself is selected
+    desktop.key("Tab");  // the list, which begins with the directory itself
+    desktop.key("space");
     desktop.key("Tab");  // the selection
     desktop.key("Return");
     ASSERT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
