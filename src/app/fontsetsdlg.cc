@@ -195,16 +195,9 @@ Widget create_choice(Widget dialog) {
 
     Widget row = gw::form(dialog, "set_button_form");
     Attach(row).below(label, 2 * GAP).sides(0);
-    int column = 0;
-    const auto button = [&](const char* name, Message text, XtCallbackProc callback) {
-        Widget w = gw::push_button(row, name, text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 3, column + 30);
-        XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-        column += 33;
-    };
-    button("delete_set_button", Message::DELETE_SET, delete_set_dlg_cb);
-    button("new_set_button", Message::NEW_SET, new_set_dlg_cb);
-    button("sample_text_button", Message::FONTSET_SAMPLE, sample_text_dlg_cb);
+    gw::fill_with_buttons(row, {{"delete_set_button", Message::DELETE_SET, delete_set_dlg_cb},
+                                {"new_set_button", Message::NEW_SET, new_set_dlg_cb},
+                                {"sample_text_button", Message::FONTSET_SAMPLE, sample_text_dlg_cb}});
     Widget line = gw::separator(dialog, "separator");
     Attach(line).below(row, GAP).sides(0);
     return line;
@@ -215,24 +208,13 @@ Widget create_buttons(Widget dialog) {
     Attach(wi_fontsets_dlg_msg_label).sides(GAP).bottom_form(2);
     Widget form = gw::form(dialog, "button_form");
     Attach(form).sides(0).above(wi_fontsets_dlg_msg_label, GAP);
-    int column = 0;
-    const auto button = [&](const char* name, Message text, XtCallbackProc callback) {
-        Widget w = gw::push_button(form, name, text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + 18);
-        column += 20;
-        if (callback != nullptr) {
-            XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-        } else {
-            activate(w, 0);
-        }
-        return w;
-    };
-    button("ok_button", Message::FONTSETS_OK, ok_fontset_cb);
-    button("apply_button", Message::FONTSETS_APPLY, apply_fontset_cb);
-    button("reset_button", Message::FONTSETS_RESET, reset_fontset_cb);
-    Widget cancel = button("cancel_button", Message::FONTSETS_CANCEL, cancel_cb);
-    button("help_button", Message::FONTSETS_HELP, nullptr);
-    XtVaSetValues(dialog, XmNcancelButton, cancel, nullptr);
+    const std::vector<Widget> buttons =
+        gw::fill_with_buttons(form, {{"ok_button", Message::FONTSETS_OK, ok_fontset_cb},
+                                     {"apply_button", Message::FONTSETS_APPLY, apply_fontset_cb},
+                                     {"reset_button", Message::FONTSETS_RESET, reset_fontset_cb},
+                                     {"cancel_button", Message::FONTSETS_CANCEL, cancel_cb},
+                                     {"help_button", Message::FONTSETS_HELP, nullptr}});
+    XtVaSetValues(dialog, XmNcancelButton, buttons[3], nullptr);
     return form;
 }
 

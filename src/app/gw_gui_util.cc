@@ -224,6 +224,24 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
     return dialog;
 }
 
+std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>& buttons) {
+    const int step = 100 / static_cast<int>(buttons.size());
+    int column = 0;
+    std::vector<Widget> made;
+    for (const RowButton& button : buttons) {
+        Widget w = push_button(form, button.name, button.text);
+        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + step - 2);
+        if (button.callback != nullptr) {
+            XtAddCallback(w, XmNactivateCallback, button.callback, button.client_data);
+        } else {
+            activate(w, 0);
+        }
+        made.push_back(w);
+        column += step;
+    }
+    return made;
+}
+
 std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<RowButton>& buttons,
                                Widget* message) {
     constexpr int GAP = 8;
@@ -231,20 +249,7 @@ std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<Ro
     Attach(line).below(above, GAP).sides(0);
     Widget row = form(dialog, "button_form");
     Attach(row).below(line, GAP).sides(0);
-    const int step = 100 / static_cast<int>(buttons.size());
-    int column = 0;
-    std::vector<Widget> made;
-    for (const RowButton& button : buttons) {
-        Widget w = push_button(row, button.name, button.text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + step - 2);
-        if (button.callback != nullptr) {
-            XtAddCallback(w, XmNactivateCallback, button.callback, nullptr);
-        } else {
-            activate(w, 0);
-        }
-        made.push_back(w);
-        column += step;
-    }
+    std::vector<Widget> made = fill_with_buttons(row, buttons);
     Widget text = label(dialog, "msg_label", " ");
     Attach(text).below(row, 2).sides(GAP).bottom_form(2);
     if (message != nullptr) *message = text;
@@ -341,28 +346,12 @@ bool is_on_screen(Widget w) {
 
 }  // namespace
 
-namespace {
-
-/// Rings again and again: an event to wake up for always comes. A timer that rings once may do so while work
-/// that runs meanwhile serves events.
-class Ticker {
-  public:
-    Ticker() { start(); }
-    ~Ticker() { XtRemoveTimeOut(id_); }
-    Ticker(const Ticker&) = delete;
-    Ticker& operator=(const Ticker&) = delete;
-
-  private:
-    void start() {
-        constexpr unsigned long MILLISECONDS = 50;
-        id_ = XtAppAddTimeOut(
-            app, MILLISECONDS, [](XtPointer ticker, XtIntervalId*) { static_cast<Ticker*>(ticker)->start(); },
-            this);
-    }
-    XtIntervalId id_ = 0;
-};
-
-}  // namespace
+void Ticker::start() {
+    constexpr unsigned long MILLISECONDS = 20;
+    id_ = XtAppAddTimeOut(
+        app, MILLISECONDS, [](XtPointer ticker, XtIntervalId*) { static_cast<Ticker*>(ticker)->start(); },
+        this);
+}
 
 void draw_at_once(Widget dialog) {
     const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);

@@ -88,7 +88,10 @@ struct RowButton {
     const char* name;
     Message text;
     XtCallbackProc callback;
+    XtPointer client_data = nullptr;
 };
+/// Fills a form with buttons of equal width and height; returns them in order.
+std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>& buttons);
 /// The end of a dialog: below `above` a separator, a form "button_form" of buttons of equal width, and the
 /// message line "msg_label", which is returned through `message`. Returns the buttons in order.
 std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<RowButton>& buttons,
@@ -163,6 +166,20 @@ void name_windows(Widget w);
 /// The window manager's close box of a dialog (or of the main window) runs `callback`, which should do what
 /// Cancel or Close does.
 void on_close_box(Widget dialog, XtCallbackProc callback);
+
+/// Rings again and again while it lives: an event to wake up for always comes. A timer that rings once may do
+/// so while work that runs meanwhile serves events, and then nothing ends a wait.
+class Ticker {
+  public:
+    Ticker() { start(); }
+    ~Ticker() { XtRemoveTimeOut(id_); }
+    Ticker(const Ticker&) = delete;
+    Ticker& operator=(const Ticker&) = delete;
+
+  private:
+    void start();
+    XtIntervalId id_ = 0;
+};
 
 /// Has a dialog drawn that was just managed, before long work begins. A window manager takes its time to put
 /// it on the screen: it is waited for, but not longer than a second.

@@ -302,22 +302,16 @@ Widget create_buttons(Widget dialog) {
     Attach(_message_label).sides(GAP).bottom_form(2);
     Widget form = gw::form(dialog, "_button_form");
     Attach(form).sides(0).above(_message_label, GAP);
-    int column = 0;
-    const auto button = [&](const char* name, Message text, XtCallbackProc callback) {
-        Widget w = gw::push_button(form, name, text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + 18);
-        column += 20;
-        if (callback != nullptr) XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-        return w;
-    };
-    _install_button = button("_install_button", Message::INSTALL_BUTTON, install_cb);
-    button("_select_all_button", Message::SELECT_ALL, select_all_cb);
-    _attr_button = button("_attr_button", Message::INSTALL_ATTRIBUTES, attr_dlg_cb);
-    Widget cancel = button("_cancel_button", Message::INSTALL_CANCEL, cancel_cb);
-    // This dialog has no help.
-    Widget help = button("_help_button", Message::INSTALL_HELP, nullptr);
-    for (Widget w : {_install_button, help, _attr_button}) activate(w, 0);
-    XtVaSetValues(dialog, XmNdefaultButton, _install_button, XmNcancelButton, cancel, nullptr);
+    const std::vector<Widget> buttons =
+        gw::fill_with_buttons(form, {{"_install_button", Message::INSTALL_BUTTON, install_cb},
+                                     {"_select_all_button", Message::SELECT_ALL, select_all_cb},
+                                     {"_attr_button", Message::INSTALL_ATTRIBUTES, attr_dlg_cb},
+                                     {"_cancel_button", Message::INSTALL_CANCEL, cancel_cb},
+                                     {"_help_button", Message::INSTALL_HELP, nullptr}});
+    _install_button = buttons[0];
+    _attr_button = buttons[2];
+    for (Widget w : {_install_button, _attr_button}) activate(w, 0);
+    XtVaSetValues(dialog, XmNdefaultButton, _install_button, XmNcancelButton, buttons[3], nullptr);
     Widget line = gw::separator(dialog, "separator3");
     Attach(line).sides(0).above(form, GAP);
     return line;

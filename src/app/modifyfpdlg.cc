@@ -326,20 +326,16 @@ Widget create_buttons(Widget dialog) {
     Attach(_msg_label).sides(GAP).bottom_form(2);
     Widget form = gw::form(dialog, "_button_form");
     Attach(form).sides(0).above(_msg_label, GAP);
-    int column = 0;
-    const auto button = [&](const char* name, Message text, XtCallbackProc callback) {
-        Widget w = gw::push_button(form, name, text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + 18);
-        column += 20;
-        if (callback != nullptr) XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-        return w;
-    };
-    _ok_button = button("_ok_button", Message::MODIFY_FP_OK, ok_cb);
-    _apply_button = button("_apply_button", Message::MODIFY_FP_APPLY, apply_cb);
-    _reset_button = button("_reset_button", Message::MODIFY_FP_RESET, reset_cb);
-    Widget cancel = button("_cancel_button", Message::MODIFY_FP_CANCEL, cancel_cb);
-    activate(button("_help_button", Message::MODIFY_FP_HELP, nullptr), 0);
-    XtVaSetValues(dialog, XmNcancelButton, cancel, nullptr);
+    const std::vector<Widget> buttons =
+        gw::fill_with_buttons(form, {{"_ok_button", Message::MODIFY_FP_OK, ok_cb},
+                                     {"_apply_button", Message::MODIFY_FP_APPLY, apply_cb},
+                                     {"_reset_button", Message::MODIFY_FP_RESET, reset_cb},
+                                     {"_cancel_button", Message::MODIFY_FP_CANCEL, cancel_cb},
+                                     {"_help_button", Message::MODIFY_FP_HELP, nullptr}});
+    _ok_button = buttons[0];
+    _apply_button = buttons[1];
+    _reset_button = buttons[2];
+    XtVaSetValues(dialog, XmNcancelButton, buttons[3], nullptr);
     return form;
 }
 

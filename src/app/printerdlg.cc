@@ -143,30 +143,11 @@ class Rows {
     Widget last_ = nullptr;
 };
 
-struct Button {
-    const char* name;
-    Message text;
-    XtCallbackProc callback;
-    XtPointer data;
-    bool is_sensitive;
-};
-
 /// A row of buttons of equal width; returns them in order.
-std::vector<Widget> button_row(Rows& rows, Widget dialog, const std::vector<Button>& buttons) {
+std::vector<Widget> button_row(Rows& rows, Widget dialog, const std::vector<gw::RowButton>& buttons) {
     Widget form = rows.start(gw::form(dialog, "button_form"));
     Attach(form).sides(0);
-    const int step = 100 / static_cast<int>(buttons.size());
-    int column = 0;
-    std::vector<Widget> made;
-    for (const Button& button : buttons) {
-        Widget w = gw::push_button(form, button.name, button.text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + step - 2);
-        if (button.callback != nullptr) XtAddCallback(w, XmNactivateCallback, button.callback, button.data);
-        activate(w, button.is_sensitive ? 1 : 0);
-        made.push_back(w);
-        column += step;
-    }
-    return made;
+    return gw::fill_with_buttons(form, buttons);
 }
 
 }  // namespace
@@ -246,13 +227,13 @@ Widget create_pr_install_dlg(const char* name, Widget parent) {
     rows.label("req_space_label", Message::PR_REQUIRED);
     rows.label("avail_space_label", Message::PR_AVAILABLE);
     rows.line("separator");
-    const std::vector<Widget> buttons = button_row(
-        rows, dialog,
-        {{"install_button", Message::PR_INSTALL, nullptr, nullptr, false},
-         {"select_all_button", Message::PR_SELECT_ALL, select_all_cb, nullptr, true},
-         {"attr_button", Message::PR_ATTRIBUTES, attr_dlg_cb, wi_pr_install_dlg_scrolledlist, true},
-         {"cancel_button", Message::PR_CANCEL, cancel_cb, nullptr, true},
-         {"help_dlg_button", Message::PR_HELP, nullptr, nullptr, false}});
+    const std::vector<Widget> buttons =
+        button_row(rows, dialog,
+                   {{"install_button", Message::PR_INSTALL, nullptr},
+                    {"select_all_button", Message::PR_SELECT_ALL, select_all_cb},
+                    {"attr_button", Message::PR_ATTRIBUTES, attr_dlg_cb, wi_pr_install_dlg_scrolledlist},
+                    {"cancel_button", Message::PR_CANCEL, cancel_cb},
+                    {"help_dlg_button", Message::PR_HELP, nullptr}});
     wi_pr_install_dlg_msg_label = rows.label("msg_label", Message::PR_MESSAGE);
     rows.end();
     XtVaSetValues(dialog, XmNcancelButton, buttons[3], XmNresizePolicy, XmRESIZE_GROW, nullptr);
@@ -274,11 +255,10 @@ Widget create_pr_delete_dlg(const char* name, Widget parent) {
     rows.label("disk_space_label", Message::PR_OCCUPIED);
     rows.beside(gw::label(dialog, "disk_space_val", Message::PR_SIZE));
     rows.line("separator");
-    button_row(
-        rows, dialog,
-        {{"delete_button", Message::PR_DELETE, nullptr, nullptr, false},
-         {"attr_button", Message::PR_DELETE_ATTRIBUTES, attr_dlg_cb, wi_pr_delete_dlg_scrolledlist, true},
-         {"help_dlg_button", Message::PR_DELETE_HELP, nullptr, nullptr, false}});
+    button_row(rows, dialog,
+               {{"delete_button", Message::PR_DELETE, nullptr},
+                {"attr_button", Message::PR_DELETE_ATTRIBUTES, attr_dlg_cb, wi_pr_delete_dlg_scrolledlist},
+                {"help_dlg_button", Message::PR_DELETE_HELP, nullptr}});
     rows.end();
     update_wi_pr_delete_dlg_scrolledlist();
     return dialog;
@@ -292,20 +272,22 @@ Widget create_pr_modify_fp_dlg(const char* name, Widget parent) {
     rows.label("listing_label", Message::PR_FP_LISTING);
     rows.list("scrolledlist");
     button_row(rows, dialog,
-               {{"move_up_button", Message::PR_FP_MOVE_UP, nullptr, nullptr, false},
-                {"move_down_button", Message::PR_FP_MOVE_DOWN, nullptr, nullptr, false},
-                {"delete_button", Message::PR_FP_DELETE, nullptr, nullptr, false},
-                {"add_new_button", Message::PR_FP_ADD_NEW, nullptr, nullptr, false}});
+               {{"move_up_button", Message::PR_FP_MOVE_UP, nullptr},
+                {"move_down_button", Message::PR_FP_MOVE_DOWN, nullptr},
+                {"delete_button", Message::PR_FP_DELETE, nullptr},
+                {"add_new_button", Message::PR_FP_ADD_NEW, nullptr}});
     rows.label("new_fp_label", Message::PR_FP_NEW_ELEMENT);
     rows.beside(gw::text_field(dialog, "new_fp_textfield"));
     activate(rows.button("dir_dlg_button", Message::PR_FP_DIRECTORY, nullptr), 0);
     rows.line("separator");
-    button_row(rows, dialog,
-               {{"ok_button", Message::PR_FP_OK, nullptr, nullptr, false},
-                {"apply_button", Message::PR_FP_APPLY, nullptr, nullptr, false},
-                {"reset_button", Message::PR_FP_RESET, nullptr, nullptr, false},
-                {"cancel_button", Message::PR_FP_CANCEL, nullptr, nullptr, true},
-                {"help_button", Message::PR_FP_HELP, nullptr, nullptr, false}});
+    const std::vector<Widget> buttons = button_row(rows, dialog,
+                                                   {{"ok_button", Message::PR_FP_OK, nullptr},
+                                                    {"apply_button", Message::PR_FP_APPLY, nullptr},
+                                                    {"reset_button", Message::PR_FP_RESET, nullptr},
+                                                    {"cancel_button", Message::PR_FP_CANCEL, nullptr},
+                                                    {"help_button", Message::PR_FP_HELP, nullptr}});
+    // It does nothing and yet can be pressed.
+    activate(buttons[3], 1);
     rows.end();
     update_wi_pr_modify_fp_dlg_scrolledlist();
     return dialog;

@@ -62,29 +62,6 @@ void start_program(const std::vector<std::string>& arguments) {
     finish_start();
 }
 
-namespace {
-
-/// A timer that rings again and again. One that rings once may do so while the program serves events in the
-/// middle of its work, and then nothing wakes the wait for the next event.
-class Ticker {
-  public:
-    Ticker() { start(); }
-    ~Ticker() { XtRemoveTimeOut(id_); }
-    Ticker(const Ticker&) = delete;
-    Ticker& operator=(const Ticker&) = delete;
-
-  private:
-    void start() {
-        constexpr unsigned long MILLISECONDS = 20;
-        id_ = XtAppAddTimeOut(
-            app, MILLISECONDS, [](XtPointer ticker, XtIntervalId*) { static_cast<Ticker*>(ticker)->start(); },
-            this);
-    }
-    XtIntervalId id_ = 0;
-};
-
-}  // namespace
-
 bool pump_until(const std::function<bool()>& condition, int milliseconds) {
     const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     const Ticker ticker;
