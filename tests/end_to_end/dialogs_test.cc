@@ -6,6 +6,8 @@
 #include "end_to_end/program_test.h"
 #include "end_to_end/waiting.h"
 
+#include "end_to_end/install_dialog.h"
+
 namespace {
 
 using namespace gw::e2e;
@@ -75,6 +77,52 @@ TEST_F(Dialogs, TheSuperuserMovesAnElementOfTheFontPathAndBack) {
     EXPECT_EQ(leave(), 0);
 }
 
+TEST_F(Dialogs, AnotherInstallationIsChosenAndItsPathIsStored) {
+    if (!is_root()) GTEST_SKIP() << "for the superuser";
+    const TempDir other;
+    other.write("server/etc/VTconfig", "XDISPLAY.0.fontpath:\t/first/,/second/\n");
+    const std::string before = TempDir::read_bytes(CONFIG);
+    start();
+    const Window dialog = open_by_menu("o", "m", MODIFY_FP);
+    ASSERT_NE(dialog, 0U);
+    click(dialog, "_other_inst_fp_toggle");
+    const DirectoryChooser chooser(desktop, "Glyph Warden : Vantor Installation",
+                                   desktop.part_named(dialog, "_vantor_dir_dlg_button"));
+    ASSERT_TRUE(chooser.is_there());
+    chooser.select(other.path());
+    ASSERT_TRUE(chooser.accept());
+    click_line(dialog, "_fpe_list", 1);
+    desktop.picture("modify-font-path-other");
+    click(dialog, "_move_up_button");
+    click(dialog, "_ok_button");
+    EXPECT_TRUE(desktop.disappears(MODIFY_FP));
+    EXPECT_EQ(other.read("server/etc/VTconfig"), "XDISPLAY.0.fontpath:\t/second/,/first/\n");
+    EXPECT_EQ(TempDir::read_bytes(CONFIG), before);
+}
+
+TEST_F(Dialogs, ANewElementIsChosen) {
+    if (!is_root()) GTEST_SKIP() << "for the superuser";
+    const TempDir fonts;
+    const std::string before = TempDir::read_bytes(CONFIG);
+    start();
+    const Window dialog = open_by_menu("o", "m", MODIFY_FP);
+    ASSERT_NE(dialog, 0U);
+    const DirectoryChooser chooser(desktop, "Glyph Warden : Font Path Element",
+                                   desktop.part_named(dialog, "_dir_dlg_button"));
+    ASSERT_TRUE(chooser.is_there());
+    chooser.select(fonts.path());
+    ASSERT_TRUE(chooser.accept());
+    click(dialog, "_add_new_button");
+    click(dialog, "_apply_button");
+    EXPECT_TRUE(wait_until(
+        [&] { return TempDir::read_bytes(CONFIG).find(',' + fonts.path()) != std::string::npos; }));
+    // It was appended and is selected.
+    click(dialog, "_delete_button");
+    click(dialog, "_apply_button");
+    EXPECT_TRUE(wait_until([&] { return TempDir::read_bytes(CONFIG) == before; }));
+    EXPECT_TRUE(leave_window(MODIFY_FP, Leaving::BUTTON, "_cancel_button"));
+}
+
 class Fontsets : public Dialogs {
   protected:
     static constexpr const char* TITLE = "Glyph Warden - Modify Font Set";
@@ -110,6 +158,34 @@ TEST_F(Fontsets, JapaneseTextIsDrawnAndOnlyRootWrites) {
         EXPECT_TRUE(leave_window(TITLE, Leaving::ESCAPE, nullptr));
     }
     EXPECT_EQ(TempDir::read_bytes(FILE), before);
+    EXPECT_EQ(leave(), 0);
+}
+
+TEST_F(Fontsets, ASetIsMadeAndDeletedAgain) {
+    if (!is_root()) GTEST_SKIP() << "for the superuser";
+    constexpr const char* NEW_SET = "Glyph Warden - New Set";
+    constexpr const char* DELETE_SET = "Glyph Warden - Dlete Set";
+    const std::string before = TempDir::read_bytes(FILE);
+    const Window dialog = open_fontsets();
+    ASSERT_NE(dialog, 0U);
+    const Window naming = opens(NEW_SET, [&] { click(dialog, "new_set_button"); });
+    ASSERT_NE(naming, 0U);
+    desktop.type("-typed-set");
+    desktop.key("Return");
+    ASSERT_TRUE(desktop.disappears(NEW_SET)) << "Return is OK";
+    click(dialog, "apply_button");
+    EXPECT_TRUE(wait_until(
+        [] { return TempDir::read_bytes(FILE).find("\n-typed-set:definition,") != std::string::npos; }));
+
+    const Window deleting = opens(DELETE_SET, [&] { click(dialog, "delete_set_button"); });
+    ASSERT_NE(deleting, 0U);
+    // The newest stands on top.
+    click_line(deleting, "scrolledlist", 0);
+    click(deleting, "delete_button");
+    desktop.picture("delete-set-deleted");
+    EXPECT_TRUE(leave_window(DELETE_SET, Leaving::BUTTON, "cancel_button"));
+    click(dialog, "apply_button");
+    EXPECT_TRUE(wait_until([&] { return TempDir::read_bytes(FILE) == before; }));
     EXPECT_EQ(leave(), 0);
 }
 
