@@ -48,7 +48,6 @@ Widget _install_button, _attr_button;
 
 std::string home_dir;
 std::string current_install_dir;  // ends with a slash
-std::unique_ptr<GW_DIR> current_gw_install_dir;
 int req_disk_space = 0;
 sample_text_cb_struct sample;
 
@@ -363,7 +362,6 @@ bool is_writeable_by(unsigned owner, unsigned mode, unsigned user) {
 void set_current_install_dir(const char* dir) {
     current_install_dir = dir;
     if (!current_install_dir.ends_with('/')) current_install_dir += '/';
-    current_gw_install_dir = std::make_unique<GW_DIR>(current_install_dir.c_str());
 }
 
 // The default destination may still be missing, so the home directory is measured.
