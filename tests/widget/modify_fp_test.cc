@@ -303,15 +303,15 @@ class OtherInstallationTest : public ModifyFontPathTest {
     TempDir other_;
 };
 
+// The first of its suite: no other test of this process has chosen an installation yet.
 TEST_F(OtherInstallationTest, IsEmptyUntilItIsChosen) {
     XmToggleButtonSetState(part("_other_inst_fp_toggle"), True, True);
     pump();
-    if (text_of("_fpe_list_label") == "Current Font Path Listing For ") {
-        EXPECT_TRUE(items(list()).empty());
-        EXPECT_EQ(text_of("_msg_label"), "The font path is read-only");
-        for (const char* button : {"_add_new_button", "_new_fp_textfield", "_dir_dlg_button"})
-            EXPECT_FALSE(sensitive(button)) << button;
-    }
+    EXPECT_EQ(text_of("_fpe_list_label"), "Current Font Path Listing For ");
+    EXPECT_TRUE(items(list()).empty());
+    EXPECT_EQ(text_of("_msg_label"), "The font path is read-only");
+    for (const char* button : {"_add_new_button", "_new_fp_textfield", "_dir_dlg_button"})
+        EXPECT_FALSE(sensitive(button)) << button;
     EXPECT_TRUE(sensitive("_vantor_dir_dlg_button"));
     XmToggleButtonSetState(part("_default_fp_toggle"), True, True);
     pump();
