@@ -31,6 +31,7 @@
 #include "app/sample_text_cb.h"
 #include "app/warningdlg.h"
 #include "app/workingdlg.h"
+#include "core/font_policy.h"
 #include "core/gw_misc.h"
 #include "platform/host_paths.h"
 
@@ -66,6 +67,19 @@ XtResource Gw_resrcs[] = {
     {gw::name_arg("gw_locale_sample_text"), gw::name_arg("Gw_Locale_Sample_Text"), gw::name_arg(XmRString),
      sizeof(String), XtOffsetOf(GwResources, locale_sample_text), gw::name_arg(XmRString), gw::name_arg("")},
 };
+
+XtResource Gw_modern_resrcs[] = {
+    {gw::name_arg("gw_modern_fonts"), gw::name_arg("Gw_Modern_Fonts"), gw::name_arg(XmRBoolean),
+     sizeof(Boolean), XtOffsetOf(GwModernResources, modern_fonts), gw::name_arg(XmRString),
+     gw::name_arg("False")},
+};
+
+void read_resources() {
+    XtGetApplicationResources(wi_toplevel, &Gw_resrc, Gw_resrcs, XtNumber(Gw_resrcs), nullptr, 0);
+    XtGetApplicationResources(wi_toplevel, &Gw_modern_resrc, Gw_modern_resrcs, XtNumber(Gw_modern_resrcs),
+                              nullptr, 0);
+    gw::set_font_policy(gw::FontPolicy(Gw_modern_resrc.modern_fonts != False));
+}
 
 void quiet_about_fonts(String warning) {
     if (!gw::is_font_noise(warning)) std::fprintf(stderr, "glyphward: %s\n", warning);
@@ -120,7 +134,7 @@ void init_gui(int* argc, char** argv) {
     XSetIOErrorHandler(display_lost);
     wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
     XtAppSetWarningHandler(app, quiet_about_fonts);
-    XtGetApplicationResources(wi_toplevel, &Gw_resrc, Gw_resrcs, XtNumber(Gw_resrcs), nullptr, 0);
+    read_resources();
     display = XtDisplay(wi_toplevel);
     screen = XtScreen(wi_toplevel);
     gw::set_font_path_display(display);

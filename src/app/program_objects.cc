@@ -29,6 +29,7 @@ Widget wi_toplevel = nullptr;
 Widget wi_init_dlg = nullptr;
 Cursor watch_cursor = 0;
 GwResources Gw_resrc = {};
+GwModernResources Gw_modern_resrc = {};
 
 void fill_program_lists() {
     the_installed_hrn_list.clear();

@@ -56,6 +56,12 @@ struct GwResources {
 };
 extern GwResources Gw_resrc;
 
+/// What the program does beyond them; see core/font_policy.h.
+struct GwModernResources {
+    Boolean modern_fonts;
+};
+extern GwModernResources Gw_modern_resrc;
+
 /// Fills the installed-name list and the alias list from the font path, releasing what they held.
 void fill_program_lists();
 

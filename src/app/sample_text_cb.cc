@@ -5,8 +5,10 @@
 #include <cwchar>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <utility>
+#include <variant>
 
 #include "app/attrdlg.h"
 #include "app/busy_windows.h"
@@ -14,6 +16,7 @@
 #include "app/gw_gui_util.h"
 #include "app/program_objects.h"
 #include "app/rc_sample_text.h"
+#include "core/font_policy.h"
 #include "core/text.h"
 
 #include <X11/Xproto.h>
@@ -47,14 +50,22 @@ struct FontSetCloser {
 };
 using FontSet = std::unique_ptr<std::remove_pointer_t<XFontSet>, FontSetCloser>;
 
-/// The font set that each sample field shows: a font list does not own it, so it must outlive the list.
-std::map<Widget, FontSet>& shown_font_sets() {
-    static std::map<Widget, FontSet> sets;
-    return sets;
+struct FontCloser {
+    void operator()(XFontStruct* font) const { XFreeFont(display, font); }
+};
+using LoadedFont = std::unique_ptr<XFontStruct, FontCloser>;
+
+/// What a sample is drawn with: a font set or one font.
+using SampleFont = std::variant<FontSet, LoadedFont>;
+
+/// The font that each sample field shows: a font list does not own it, so it must outlive the list.
+std::map<Widget, SampleFont>& shown_fonts() {
+    static std::map<Widget, SampleFont> fonts;
+    return fonts;
 }
 
 void forget_field_cb(Widget field, XtPointer, XtPointer) {
-    shown_font_sets().erase(field);
+    shown_fonts().erase(field);
 }
 
 /// Xlib releases what is not its own when all of a list of names is blank, and the server knows no names that
@@ -87,34 +98,71 @@ FontSet open_font_set(const std::string& names) {
     return set;
 }
 
-/// The font set of that one name; empty also when it has no width for letters nor for `text`.
-FontSet make_font_set(std::string name, const std::string& text) {
+/// The server refuses a font whose file it cannot read in more than one way, and none ends the program.
+int ignore_font_errors(Display* d, XErrorEvent* event) {
+    const bool about_fonts = event->request_code == X_OpenFont || event->request_code == X_QueryFont;
+    return about_fonts ? 0 : x_error_handler(d, event);
+}
+
+/// The font of that name; empty when the server cannot open it.
+LoadedFont load_font(const std::string& name) {
+    const XErrorHandler before = XSetErrorHandler(ignore_font_errors);
+    LoadedFont font(XLoadQueryFont(display, name.c_str()));
+    XSync(display, False);
+    XSetErrorHandler(before);
+    return font;
+}
+
+bool has_letters(FontSet& set) {
+    return set && width_of(set.get(), "A") > 0;
+}
+
+/// A font of two-byte characters has none; asked for one byte it would draw the stand-in for what it lacks.
+bool has_letters(LoadedFont& font) {
+    return font && font->min_byte1 == 0 && font->min_char_or_byte2 <= 'A' && font->max_char_or_byte2 >= 'A' &&
+           XTextWidth(font.get(), "A", 1) > 0;
+}
+
+/// What `text` is drawn with in the font of that one name: a font set, which knows the locale's characters,
+/// or else, where the font policy has it, the font itself. Nothing when neither has a width for letters, nor
+/// the font set for `text`.
+std::optional<SampleFont> make_sample_font(std::string name, const std::string& text) {
+    if (!can_name_a_font(name)) return std::nullopt;
     // A comma would end the name; this stands for any one character.
     std::replace(name.begin(), name.end(), ',', '?');
-    if (!can_name_a_font(name)) return {};
     FontSet set = open_font_set(name);
-    if (set && width_of(set.get(), "A") == 0 && width_of(set.get(), text) == 0) set.reset();
-    return set;
+    if (has_letters(set)) return set;
+    if (gw::font_policy().draws_with_the_font_itself()) {
+        if (LoadedFont font = load_font(name); has_letters(font)) return font;
+    }
+    if (set && width_of(set.get(), text) > 0) return set;
+    return std::nullopt;
 }
 
 void put_text(Widget field, const std::string& text) {
     XmTextFieldSetString(field, gw::name_arg(text.c_str()));
 }
 
-/// Shows `text` in the fonts of `set`, at the field's present height: the window must not jump from font to
-/// font.
-void show_in_font_set(Widget field, FontSet set, const std::string& text) {
+XmFontListEntry font_list_entry(const SampleFont& font) {
+    const bool is_set = std::holds_alternative<FontSet>(font);
+    const XtPointer drawn_with =
+        is_set ? static_cast<XtPointer>(std::get<FontSet>(font).get()) : std::get<LoadedFont>(font).get();
+    return XmFontListEntryCreate(gw::name_arg(XmFONTLIST_DEFAULT_TAG),
+                                 is_set ? XmFONT_IS_FONTSET : XmFONT_IS_FONT, drawn_with);
+}
+
+/// Shows `text` in `font`, at the field's present height: the window must not jump from font to font.
+void show_in_font(Widget field, SampleFont font, const std::string& text) {
     Dimension height = 0;
     XtVaGetValues(field, XmNheight, &height, nullptr);
-    XmFontListEntry entry =
-        XmFontListEntryCreate(gw::name_arg(XmFONTLIST_DEFAULT_TAG), XmFONT_IS_FONTSET, set.get());
+    XmFontListEntry entry = font_list_entry(font);
     const gw::FontList fonts(XmFontListAppendEntry(nullptr, entry));
     gw::free_entry(entry);
     XtVaSetValues(field, XmNfontList, fonts.get(), nullptr);
     XtVaSetValues(field, XmNheight, height, nullptr);
-    auto& sets = shown_font_sets();
-    if (!sets.contains(field)) XtAddCallback(field, XmNdestroyCallback, forget_field_cb, nullptr);
-    sets[field] = std::move(set);
+    auto& shown = shown_fonts();
+    if (!shown.contains(field)) XtAddCallback(field, XmNdestroyCallback, forget_field_cb, nullptr);
+    shown[field] = std::move(font);
     put_text(field, text);
 }
 
@@ -139,9 +187,8 @@ void display_text_in_xlfd(Widget field, const std::string xlfd, const std::strin
     const Request request;
     const gw::BusyWindows busy;
     if (!request.is_newest()) return;
-    FontSet set = make_font_set(xlfd, text);
-    if (set) {
-        show_in_font_set(field, std::move(set), text);
+    if (std::optional<SampleFont> font = make_sample_font(xlfd, text); font) {
+        show_in_font(field, std::move(*font), text);
     } else {
         clear_sample_textfield(field);
     }
@@ -400,7 +447,7 @@ int display_text_in_fontset(Widget field, const char* base_names, const char* te
     // A list with an entry that names no font is left to nobody to misread.
     if (all_can_name_fonts(base_names)) set = open_font_set(base_names);
     if (!set) return 0;
-    show_in_font_set(field, std::move(set), text);
+    show_in_font(field, std::move(set), text);
     return 1;
 }
 

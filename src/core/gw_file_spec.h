@@ -27,6 +27,7 @@ enum ExtType {
     EXT_PCF = 5,
     EXT_PCF_Z = 6,
     EXT_UNKNOWN = 7,
+    EXT_PCF_GZ = 8,
 };
 
 }  // namespace gw

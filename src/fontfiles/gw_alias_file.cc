@@ -2,9 +2,9 @@
 #include "fontfiles/gw_alias_file.h"
 
 #include <algorithm>
-#include <cstring>
 #include <string_view>
 
+#include "core/font_policy.h"
 #include "platform/host_paths.h"
 
 namespace {
@@ -29,12 +29,20 @@ std::string_view without_leading_blanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(BLANKS), text.size()));
 }
 
+bool is_comment(std::string_view line) {
+    return gw::font_policy().knows_alias_comments() && without_leading_blanks(line).starts_with('!');
+}
+
 /// Calls `take(alias, font_name)` for each line of at least `shortest` bytes, until it answers false.
 template <class Take>
 void for_each_line(GW_FILE& file, int buffer_size, std::size_t shortest, Take take) {
     char line[LISTING_BUFFER];
+    bool comment_goes_on = false;
     while (file.get_line(line, buffer_size) != nullptr) {
-        if (std::strlen(line) < shortest) continue;
+        const std::string_view piece(line);
+        const bool comment = comment_goes_on || is_comment(piece);
+        comment_goes_on = comment && !piece.ends_with('\n');  // a long one comes in pieces
+        if (comment || piece.size() < shortest) continue;
         std::string alias;
         std::string font_name;
         GW_ALIAS_FILE::split_line(line, alias, font_name);

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <limits>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -167,17 +168,30 @@ int GW_FONTDIR_FILE::take_back_line(const char* line) {
 }
 
 int GW_FONTDIR_FILE::delete_font_file_line(const char* file_name) {
-    const std::optional<std::string> bytes = gw::read_file(get_path());
+    return delete_entries(file_name, 1);
+}
+
+int GW_FONTDIR_FILE::delete_font_file_lines(const char* file_name) {
+    return delete_entries(file_name, std::numeric_limits<int>::max());
+}
+
+int GW_FONTDIR_FILE::delete_entries(const char* file_name, int most) {
+    std::optional<std::string> bytes = gw::read_file(get_path());
     if (!bytes) return 0;
-    for (std::size_t start = line_end(*bytes, 0); start < bytes->size(); start = line_end(*bytes, start)) {
+    int deleted = 0;
+    for (std::size_t start = line_end(*bytes, 0); start < bytes->size() && deleted < most;) {
+        const std::size_t end = line_end(*bytes, start);
         Entry entry;
         split_line(bytes->substr(start, LINE_BUFFER - 1).c_str(), entry.file_name, entry.font_name);
-        if (entry.file_name != file_name) continue;
-        std::string rest = *bytes;
-        rest.erase(start, line_end(*bytes, start) - start);
-        return gw::replace_file(get_path(), with_count_adjusted(rest, -1)) ? 1 : 0;
+        if (entry.file_name == file_name) {
+            bytes->erase(start, end - start);
+            ++deleted;
+        } else {
+            start = end;
+        }
     }
-    return 0;
+    if (deleted == 0) return 0;
+    return gw::replace_file(get_path(), with_count_adjusted(*bytes, -deleted)) ? 1 : 0;
 }
 
 int GW_FONTDIR_FILE::delete_line(int n) {

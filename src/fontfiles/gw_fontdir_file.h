@@ -72,6 +72,8 @@ class GW_FONTDIR_FILE : public GW_FILE {
     /// Removes the first entry of that file and counts it off; returns 1, or 0 when there is none or the file
     /// cannot be changed.
     int delete_font_file_line(const char* file_name);
+    /// Removes every entry of that file, in one rewrite, and counts them off; returns as the above.
+    int delete_font_file_lines(const char* file_name);
     /// Removes the `n`-th entry line (1 is the first behind the count line), without touching the count.
     /// Returns 0 when the file cannot be changed or has no such line, else 1.
     int delete_line(int n);
@@ -84,6 +86,7 @@ class GW_FONTDIR_FILE : public GW_FILE {
         int count;
     };
     int append(const Lines& lines);
+    int delete_entries(const char* file_name, int most);
 
     std::optional<Lines> gathered;  // while there is a batch
 };

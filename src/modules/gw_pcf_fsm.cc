@@ -5,4 +5,5 @@
 
 GW_PCF_FSM::GW_PCF_FSM()
     : IndexedModule(GWFont::BITMAP_FONT, {{gw::EXT_PCF, ".pcf"}, {gw::EXT_PCF_Z, ".pcf.Z"}},
-                    {".pcf$", ".pcf.Z$"}, gw::SCRATCH_PCF_DIR) {}
+                    {".pcf$", ".pcf.Z$"}, gw::SCRATCH_PCF_DIR,
+                    GzippedForm{{gw::EXT_PCF_GZ, ".pcf.gz"}, ".pcf.gz$"}) {}

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The module for PCF bitmap fonts (".pcf", ".pcf.Z").
+// The module for PCF bitmap fonts (".pcf", ".pcf.Z"; ".pcf.gz" where the font policy has it).
 #pragma once
 
 #include "modules/indexed_module.h"

@@ -6,11 +6,14 @@
 #include <cstring>
 #include <string_view>
 
+#include "core/font_policy.h"
 #include "core/gw_token_string.h"
 
 namespace {
 
 constexpr const char* UNKNOWN_FOUNDRY = "unknown";
+// What ends a name in PostScript: white space and the delimiters.
+constexpr const char* NAME_ENDS = " \t\r\n\f()<>[]{}/%";
 
 /// The foundry found so far in the file that is being read.
 std::string& current_foundry() {
@@ -117,7 +120,7 @@ bool GW_T1_FONT_FILE::get_ascii_line(std::string& line) {
 void GW_T1_FONT_FILE::process_font_file_field(GWFont* font, const char* text) const {
     GW_TOKEN_STRING tokens(text);
     int key = UNKNOWN_KEY;
-    tokens.get_first_token_id(key, keys, " ");
+    tokens.get_first_token_id(key, keys, gw::font_policy().lets_values_touch_keys() ? NAME_ENDS : " ");
     std::string value;
     switch (key) {
         case FAMILY_NAME:

@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include "core/font_policy.h"
+#include "core/gw_buf_file.h"
 #include "modules/font_installation.h"
 #include "modules/gw_t1_buf_file.h"
 #include "modules/gw_t1_font_file.h"
@@ -26,6 +28,16 @@ const GW_FILE_SPEC* append_if_exists(GW_FSPEC_LIST& out, const std::string& name
     const GW_FILE_SPEC* appended = spec.get();
     out.append(spec.release());
     return appended;
+}
+
+/// Hands the first specification of each file name on to `out`, and frees the others.
+void append_each_once(GW_FSPEC_LIST& out, GW_FSPEC_LIST& files) {
+    std::unordered_set<std::string_view> listed;
+    for (GW_FILE_SPEC* spec : files) {
+        std::unique_ptr<GW_FILE_SPEC> owned(spec);
+        if (listed.insert(spec->get_name()).second) out.append(owned.release());
+    }
+    files.clear();
 }
 
 /// The working list of `build_font_list`: the files that no font has claimed yet, in list order.
@@ -97,7 +109,13 @@ void GW_T1_FSM::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recurs
 }
 
 void GW_T1_FSM::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
-    gw::list_indexed_files(out, *fpe, {".pfb$", ".pfa$", ".afm$"});
+    if (!gw::font_policy().lists_an_outline_once()) {
+        gw::list_indexed_files(out, *fpe, {".pfb$", ".pfa$", ".afm$"});
+        return;
+    }
+    GW_FSPEC_LIST all;
+    gw::list_indexed_files(all, *fpe, {".pfb$", ".pfa$", ".afm$"});
+    append_each_once(out, all);
 }
 
 void GW_T1_FSM::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) {
@@ -142,10 +160,10 @@ void GW_T1_FSM::install_font(GWFont* font, GW_FPE* fpe) {
     gw::FontInstallation installation(*font, *fpe);
     if (!installation.can_begin() || prefix_is_taken(*font, *fpe)) return;
     installation.make_afm_dir();
-    if (!installation.copy_files<GW_T1_BUF_FILE>() || !installation.enter_in_index() ||
-        !installation.put_all_in_place()) {
-        return;
-    }
+    const bool copied = gw::font_policy().copies_outlines_exactly()
+                            ? installation.copy_files<GW_BUF_FILE>()
+                            : installation.copy_files<GW_T1_BUF_FILE>();
+    if (!copied || !installation.enter_in_index() || !installation.put_all_in_place()) return;
     installation.keep();
     note_outcome(true);
 }

@@ -11,6 +11,7 @@
 #include <cstring>
 #include <vector>
 
+#include "core/font_policy.h"
 #include "core/gw_reg_exp.h"
 #include "core/replace_file.h"
 
@@ -43,6 +44,16 @@ bool can_be_removed(const GW_FILE_SPEC& spec) {
 bool report_staying(const GW_FILE_SPEC& spec, int reason) {
     std::fprintf(stderr, "glyphward: %s: %s; the font stays\n", spec.get_path(), std::strerror(reason));
     return false;
+}
+
+bool is_latin1(std::string_view font_name) {
+    return font_name.ends_with("-iso8859-1");
+}
+
+/// Strikes the file out of the index, as many of its lines as stand for the font; 0 when nothing was done.
+int strike_out(GW_FONTDIR_FILE& index, const char* file_name, const GWFont& font) {
+    const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
+    return all ? index.delete_font_file_lines(file_name) : index.delete_font_file_line(file_name);
 }
 
 std::string line_text(GWFont& font, const std::string& file_name) {
@@ -104,7 +115,7 @@ bool remove_files_and_entry(const GWFont& font) {
         GW_FONTDIR_FILE index(spec->get_dir(), FILE_TYPE_REGULAR);
         const std::optional<std::string> before = struck_out ? std::nullopt : read_file(index.get_path());
         if (!struck_out) {
-            struck_out = index.delete_font_file_line(spec->get_name()) != 0;
+            struck_out = strike_out(index, spec->get_name(), font) != 0;
             const int reason = errno;
             if (!struck_out && index.get_font_name(spec->get_name())) return report_staying(index, reason);
         }
@@ -137,7 +148,10 @@ std::unordered_map<std::string, std::string> font_names_by_file(GW_FPE& fpe) {
     fpe.get_fontdir_file().get_entries(entries);
     std::unordered_map<std::string, std::string> names;
     for (GW_FONTDIR_FILE::Entry& entry : entries) {
-        names.try_emplace(std::move(entry.file_name), std::move(entry.font_name));
+        const auto [known, is_first] = names.try_emplace(std::move(entry.file_name), entry.font_name);
+        const bool fits_better =
+            font_policy().lists_an_outline_once() && is_latin1(entry.font_name) && !is_latin1(known->second);
+        if (!is_first && fits_better) known->second = std::move(entry.font_name);
     }
     return names;
 }

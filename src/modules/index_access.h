@@ -38,15 +38,17 @@ bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);
 const GW_FILE_SPEC* first_file(const GWFont& font);
 
 /// Strikes the font out of the index of its files' directory (one line, found by the first file that the
-/// index knows) and removes its files. False when the font stays as it was, because its files or its line
-/// cannot be removed: that is said in one line on standard error.
+/// index knows; all lines of that file for an outline that is listed once) and removes its files. False when
+/// the font stays as it was, because its files or its line cannot be removed: that is said in one line on
+/// standard error.
 [[nodiscard]] bool remove_files_and_entry(const GWFont& font);
 
 /// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
 /// grouped by pattern, in index order within a group.
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns);
 
-/// The font name of each file that the element's index lists; the first entry of a file counts.
+/// The font name of each file that the element's index lists; the first entry of a file counts. Where an
+/// outline is listed once, its entry for ISO 8859-1 goes before that: every locale can draw it.
 std::unordered_map<std::string, std::string> font_names_by_file(GW_FPE& fpe);
 
 /// Appends the font names of the indexed files `files`, in their order; a file without an entry has none.

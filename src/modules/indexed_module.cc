@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "core/font_policy.h"
 #include "core/gw_buf_file.h"
 #include "modules/font_installation.h"
 #include "modules/index_access.h"
@@ -31,18 +32,30 @@ void run_and_report(const char* format, const char* argument) {
 }  // namespace
 
 IndexedModule::IndexedModule(int type, std::initializer_list<Extension> extensions,
-                             std::pair<const char*, const char*> suffix_patterns, const char* scratch)
+                             std::pair<const char*, const char*> suffix_patterns, const char* scratch,
+                             const std::optional<GzippedForm>& gzipped)
     : GW_FSM_BASE(type),
       file_names(TABLE_TOKENS, TABLE_CHARS, EXT_UNKNOWN),
+      file_names_with_gzipped(TABLE_TOKENS, TABLE_CHARS, EXT_UNKNOWN),
       suffixes(suffix_patterns),
       first_suffix(suffix_patterns.first),
       second_suffix(suffix_patterns.second),
-      scratch_dir(scratch) {
-    for (const auto& [id, extension] : extensions) file_names.add_token(id, extension);
+      scratch_dir(scratch),
+      gzipped_form(gzipped) {
+    for (const auto& [id, extension] : extensions) {
+        file_names.add_token(id, extension);
+        file_names_with_gzipped.add_token(id, extension);
+    }
+    if (gzipped) file_names_with_gzipped.add_token(gzipped->extension.first, gzipped->extension.second);
+}
+
+bool IndexedModule::takes_gzipped() const {
+    return gzipped_form && font_policy().takes_gzipped_bitmaps();
 }
 
 bool IndexedModule::takes(const char* file_name) {
-    return first_suffix.string_match(file_name) != 0 || second_suffix.string_match(file_name) != 0;
+    return first_suffix.string_match(file_name) != 0 || second_suffix.string_match(file_name) != 0 ||
+           (takes_gzipped() && GW_REG_EXP(gzipped_form->suffix).string_match(file_name) != 0);
 }
 
 std::string IndexedModule::visible_name(const GW_FILE_SPEC& spec, const GW_FPE& fpe) const {
@@ -71,11 +84,12 @@ int IndexedModule::mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* fil
 }
 
 void IndexedModule::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) {
-    dir->get_file_spec_list(out, recursive, &file_names);
+    dir->get_file_spec_list(out, recursive, takes_gzipped() ? &file_names_with_gzipped : &file_names);
 }
 
 void IndexedModule::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
     list_indexed_files(out, *fpe, {suffixes.first, suffixes.second});
+    if (takes_gzipped()) list_indexed_files(out, *fpe, {gzipped_form->suffix});
 }
 
 void IndexedModule::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) {

@@ -7,6 +7,7 @@
 
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "core/gw_reg_exp.h"
@@ -45,8 +46,15 @@ class IndexedModule : public GW_FSM_BASE {
     static int mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files);
 
   protected:
+    /// A form of the files that the module takes only where the font policy has gzipped bitmaps.
+    struct GzippedForm {
+        Extension extension;
+        const char* suffix;
+    };
+
     IndexedModule(int type, std::initializer_list<Extension> extensions,
-                  std::pair<const char*, const char*> suffixes, const char* scratch_dir);
+                  std::pair<const char*, const char*> suffixes, const char* scratch_dir,
+                  const std::optional<GzippedForm>& gzipped = std::nullopt);
 
     /// Whether an index entry of that file is a font of this module.
     [[nodiscard]] virtual bool takes(const char* file_name);
@@ -57,12 +65,15 @@ class IndexedModule : public GW_FSM_BASE {
     void append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_FONTDIR_FILE& index,
                               const GW_FSPEC_LIST* files);
     [[nodiscard]] bool make_scratch_index(const GW_FSPEC_LIST& files) const;
+    [[nodiscard]] bool takes_gzipped() const;
 
     GW_TOKEN_TABLE file_names;
+    GW_TOKEN_TABLE file_names_with_gzipped;
     std::pair<const char*, const char*> suffixes;
     GW_REG_EXP first_suffix;
     GW_REG_EXP second_suffix;
     const char* scratch_dir;
+    std::optional<GzippedForm> gzipped_form;
 };
 
 }  // namespace gw

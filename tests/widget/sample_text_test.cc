@@ -7,11 +7,13 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/attrdlg.h"
 #include "app/gw_gui_util.h"
 #include "app/rc_sample_text.h"
+#include "support/under_policy.h"
 
 #include "widget/dialogs_test_support.h"
 
@@ -116,6 +118,7 @@ TEST_F(Sample, ManyFontsInTurnKeepTheWindowAsItIs) {
 }
 
 TEST_F(Sample, AFontThatNoFontSetCanBeMadeOfLeavesTheFieldEmpty) {
+    const UnderPolicy plain(false);
     const int position = symbol_position();
     ASSERT_GT(position, 0);
     select(wi_hrn_list, {outline_position()});
@@ -383,6 +386,7 @@ TEST_P(InLocale, ALatinFontIsDrawnAndASymbolFontIsNot) {
         {
             ::setenv("LC_ALL", GetParam(), 1);
             start_at_home();
+            gw::set_font_policy(gw::FontPolicy(false));
             select(wi_hrn_list, {outline_position()});
             pump();
             const bool drawn = shown_text(wi_installed_sample_textfield) == DEFAULT_TEXT &&
@@ -391,6 +395,29 @@ TEST_P(InLocale, ALatinFontIsDrawnAndASymbolFontIsNot) {
             pump();
             const bool empty = shown_text(wi_installed_sample_textfield).empty();
             std::_Exit(drawn ? empty ? 0 : 3 : 2);
+        },
+        testing::ExitedWithCode(0), "");
+}
+
+TEST_P(InLocale, FontsOfEveryCharsetOfOneByteAreDrawnWithThemselvesWhereThePolicyHasIt) {
+    testing::FLAGS_gtest_death_test_style = "threadsafe";
+    EXPECT_EXIT(
+        {
+            ::setenv("LC_ALL", GetParam(), 1);
+            start_at_home();
+            gw::set_font_policy(gw::FontPolicy(true));
+            int charset = 0;
+            for (const auto& [registry, encoding] :
+                 {std::pair("adobe", "fontspecific"), {"koi8", "r"}, {"iso10646", "1"}, {"iso8859", "1"}}) {
+                ++charset;
+                select(wi_hrn_list, {position_where([&](const GWHRNElement& elem) {
+                           return has_charset(elem, registry, encoding);
+                       })});
+                pump();
+                if (shown_text(wi_installed_sample_textfield) != DEFAULT_TEXT) std::_Exit(charset);
+                if (ink(wi_installed_sample_textfield) < 100) std::_Exit(10 + charset);
+            }
+            std::_Exit(0);
         },
         testing::ExitedWithCode(0), "");
 }

@@ -26,6 +26,7 @@
 #include "app/program_objects.h"
 #include "app/propsdlg.h"
 #include "app/sample_text_cb.h"
+#include "core/font_policy.h"
 #include "support/temp_dir.h"
 #include "widget/widget_test_support.h"
 
@@ -236,6 +237,12 @@ TEST(StartupTest, TheResourcesHaveTheirDefaults) {
     EXPECT_STREQ(Gw_resrc.locale_sample_text, "");
 }
 
+TEST(StartupTest, TheInstallationsResourceFileAsksForTheFontsOfToday) {
+    start();
+    EXPECT_NE(Gw_modern_resrc.modern_fonts, False);
+    EXPECT_TRUE(gw::font_policy().copies_outlines_exactly());
+}
+
 TEST(FontNoiseTest, OnlyWhatIsAboutFontsIsKeptFromTheTerminal) {
     EXPECT_TRUE(gw::is_font_noise("Cannot convert string \"-*-x-*\" to type FontStruct"));
     EXPECT_TRUE(gw::is_font_noise("Cannot convert string \"x:\" to type FontSet"));
@@ -310,6 +317,35 @@ TEST_F(OwnProcessDeathTest, TheToolkitsOptionsSetTheResources) {
             say_resources_and_exit();
         },
         ExitedWithCode(0), Eq("fontsets 1, printers 0, codeset 3, text \"\"\n"));
+}
+
+[[noreturn]] void say_policy_and_exit() {
+    std::fprintf(stderr, "modern %d, outlines %d\n", Gw_modern_resrc.modern_fonts != False,
+                 gw::font_policy().copies_outlines_exactly());
+    std::_Exit(0);
+}
+
+TEST_F(OwnProcessDeathTest, TheFontsOfTodayAreOffWithoutTheResourceAndByIt) {
+    EXPECT_EXIT(
+        {
+            ::setenv("XFILESEARCHPATH", "/nowhere/%N", 1);
+            start_program();
+            say_policy_and_exit();
+        },
+        ExitedWithCode(0), Eq("modern 0, outlines 0\n"));
+    EXPECT_EXIT(
+        {
+            start_program({"-xrm", "Glyphward*gw_modern_fonts: False"});
+            say_policy_and_exit();
+        },
+        ExitedWithCode(0), Eq("modern 0, outlines 0\n"));
+    EXPECT_EXIT(
+        {
+            ::setenv("XFILESEARCHPATH", "/nowhere/%N", 1);
+            start_program({"-xrm", "*Gw_Modern_Fonts: on"});
+            say_policy_and_exit();
+        },
+        ExitedWithCode(0), Eq("modern 1, outlines 1\n"));
 }
 
 TEST_F(OwnProcessDeathTest, AResourceFileOfTheUsersTakesThePlaceOfTheBuiltInList) {

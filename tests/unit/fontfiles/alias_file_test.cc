@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "support/temp_dir.h"
+#include "support/under_policy.h"
 
 namespace {
 
@@ -49,6 +50,39 @@ class AliasFile : public testing::Test {
     GW_ALIAS_FILE aliases() const { return {dir.c_str(), 0}; }
     TempDir dir;
 };
+
+TEST_F(AliasFile, ACommentIsAnAliasUnlessThePolicyKnowsComments) {
+    const std::string long_comment = "! " + std::string(600, 'x') + " -y\n";
+    dir.write("fonts.alias", "!! made by hand\n" + long_comment + " \t! so -x\n!fixed -y\nfixed -misc\n");
+    for (const bool modern : {false, true}) {
+        const gw::test::UnderPolicy policy(modern);
+        GW_STRING_LIST names;
+        const gw::ElementsOwner names_owner(names);
+        GW_STRING_LIST fonts;
+        const gw::ElementsOwner fonts_owner(fonts);
+        EXPECT_EQ(aliases().get_alias_font_name_list(names, fonts), 1);
+        GW_STRING_LIST aliases_alone;
+        const gw::ElementsOwner aliases_owner(aliases_alone);
+        EXPECT_EQ(aliases().get_alias_list(aliases_alone), 1);
+        EXPECT_EQ(aliases_alone.get_count(), names.get_count());
+        const auto by_alias = aliases().get_font_name("!fixed");
+        const auto by_font = aliases().get_alias_name("-y");
+        if (modern) {
+            ASSERT_EQ(names.get_count(), 1);
+            EXPECT_STREQ(names.get_elem_at_pos(1)->get_str(), "fixed");
+            EXPECT_STREQ(fonts.get_elem_at_pos(1)->get_str(), "-misc");
+            EXPECT_EQ(by_alias, nullptr);
+            EXPECT_EQ(by_font, nullptr);
+        } else {
+            ASSERT_EQ(names.get_count(), 6) << "the long line comes in two pieces";
+            EXPECT_STREQ(names.get_elem_at_pos(1)->get_str(), "!!");
+            EXPECT_STREQ(fonts.get_elem_at_pos(1)->get_str(), "made by hand");
+            ASSERT_NE(by_alias, nullptr);
+            EXPECT_STREQ(by_alias->get_str(), "-y");
+            EXPECT_NE(by_font, nullptr);
+        }
+    }
+}
 
 TEST_F(AliasFile, ListsAliasesAndFontNamesAtEqualPositions) {
     dir.write("fonts.alias", std::string("fixed ") + FIXED + "\nx\n\n6x13 -six\n");

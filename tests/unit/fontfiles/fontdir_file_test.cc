@@ -198,6 +198,18 @@ TEST_F(FontdirFile, DeletesTheFirstEntryOfAFileAndOnlyThat) {
     EXPECT_EQ(bytes(), "2\nb.pfb -b\na.pfb -two\n");
 }
 
+TEST_F(FontdirFile, DeletesAllEntriesOfAFileAndCountsThemOff) {
+    set("12\na.pfb -one\na.pfb -two\nb.pfb -b\naa.pfb -aa\na.pfb -three\n");
+    EXPECT_EQ(index().delete_font_file_lines("a.pfb"), 1);
+    EXPECT_EQ(bytes(), "9\nb.pfb -b\naa.pfb -aa\n");
+    EXPECT_EQ(index().delete_font_file_lines("a.pfb"), 0);
+    EXPECT_EQ(bytes(), "9\nb.pfb -b\naa.pfb -aa\n");
+    set("2\na.pfb -one\na.pfb -two");
+    EXPECT_EQ(index().delete_font_file_lines("a.pfb"), 1);
+    EXPECT_EQ(bytes(), "0\n");
+    EXPECT_EQ(GW_FONTDIR_FILE("/nonexistent/", 0).delete_font_file_lines("a.pfb"), 0);
+}
+
 TEST_F(FontdirFile, DeleteLineLeavesTheCountAlone) {
     set(index_of(3, 3));
     EXPECT_EQ(index().delete_line(2), 1);
