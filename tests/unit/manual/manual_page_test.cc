@@ -167,6 +167,7 @@ TEST(ManualPageTest, HasItsSectionsInOrder) {
                                                "SAMPLE TEXT",
                                                "FONT PATH",
                                                "FONTSETS",
+                                               "FONTS OF TODAY",
                                                "FONTS OF A PRINTER",
                                                "KEYBOARD",
                                                "OPTIONS",
