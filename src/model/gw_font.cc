@@ -14,6 +14,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/font_policy.h"
 #include "core/text.h"
 #include "fontfiles/gw_fontdir_file.h"
 #include "fontpath/gw_fpe.h"
@@ -267,10 +268,16 @@ std::string GWFont::get_hrn_name() {
         name = xlfd_name + ' ' + tag;
     } else {
         const NamePieces pieces = name_pieces();
-        name = pieces.family + pieces.weight + pieces.add_style + pieces.slant + tag;
+        name = pieces.family + pieces.weight + pieces.add_style + pieces.slant + listed_charset() + tag;
     }
     if (read_only) set_read_only_str(name);
     return name;
+}
+
+std::string GWFont::listed_charset() {
+    const bool is_latin1 =
+        gw::lower_case(fields[CHARSET_REGISTRY]) == "iso8859" && fields[CHARSET_ENCODING] == "1";
+    return gw::font_policy().names_charsets() && !is_latin1 ? get_charset_hrn_name() : "";
 }
 
 std::string GWFont::get_cli_hrn_name() {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "core/gw_list.h"
+#include "support/under_policy.h"
 #include "unit/model/model_test_support.h"
 
 namespace {
@@ -226,6 +227,26 @@ TEST_F(FontName, IsMadeOfTheWordsOfTheFields) {
     };
     for (const NameCase& c : cases) {
         EXPECT_EQ(make_font(c.xlfd, GWFont::TYPE1_FONT)->get_hrn_name(), c.shown) << c.xlfd;
+    }
+}
+
+TEST(ListedName, HasTheCharsetWhereThePolicyNamesIt) {
+    const struct {
+        const char* charset;
+        const char* modern;
+    } cases[] = {{"iso8859-1", "Fixed Medium [Bitmap]"},
+                 {"ISO8859-1", "Fixed Medium [Bitmap]"},
+                 {"iso8859-5", "Fixed Medium ISO-Latin/Cyrillic [Bitmap]"},
+                 {"koi8-r", "Fixed Medium koi8-r [Bitmap]"},
+                 {"iso10646-1", "Fixed Medium iso10646-1 [Bitmap]"}};
+    for (const auto& c : cases) {
+        const std::string xlfd = std::string("-misc-fixed-medium-r-normal--13-120-75-75-c-80-") + c.charset;
+        for (const bool modern : {false, true}) {
+            const gw::test::UnderPolicy policy(modern);
+            EXPECT_EQ(make_font(xlfd, GWFont::BITMAP_FONT)->get_hrn_name(),
+                      modern ? c.modern : "Fixed Medium [Bitmap]")
+                << c.charset;
+        }
     }
 }
 
