@@ -19,7 +19,8 @@ Builds and runs the tests; missing packages are installed first. The last line i
                      ("Suite.Test") contains it; in the release build if --config does not say otherwise
   --config CONFIG    only this build: release or asan (may be repeated)
   --user USER        only as root or only as user (may be repeated); unless root starts it, user is the default, and root
-                     has no power over the files of others, so that some tests of root fail
+                     has no power over the files of others, so that some tests of root fail; tests of the Debian package
+                     are root's, in the release build, and are skipped unless root starts this
   --jobs N           so many at a time (default: one per processor)
   --list             what there is to run
   --help             this
@@ -64,7 +65,7 @@ done
 [[ $jobs =~ ^[1-9][0-9]*$ ]] || fail '--jobs wants a number.'
 
 # Seconds that one run of a test program may take.
-declare -A limit=([check]=120 [unit]=180 [widget]=300 [end_to_end]=600)
+declare -A limit=([check]=120 [unit]=180 [widget]=300 [end_to_end]=600 [package]=300)
 # What a test program finds in its sandbox.
 declare -A furniture=([unit]='--stage --x --small-disk' [widget]='--stage --x' [end_to_end]='--stage --x --wm --small-disk')
 test_logs=$LOGS/tests
@@ -75,11 +76,21 @@ for config in "${configs[@]}"; do
     step "Staging ($config)" 'See scripts/packages for the font packages.' scripts/stage --preset "$config"
 done
 
+# Tests that were left out because of who started this.
+left_out=0
+
 # Runs to do, one per line: config, user, kind, name, path, and which of its tests.
 runs=()
 add_run() {
-    local user
+    local user count
+    if [ "$2" = package ] && [ "$(id -u)" -ne 0 ]; then
+        count=$("$4" --gtest_list_tests "--gtest_filter=$5" | grep -c '^ ' || true)
+        say "Skipped: the $count tests of $3, which install packages on a throw-away machine; only the superuser can make one."
+        left_out=$((left_out + count))
+        return
+    fi
     for user in "${users[@]}"; do
+        [ "$2" != package ] || [ "$user" = root ] || continue  # an ordinary user installs no packages
         runs+=("$1 $user $2 $3 $4 $5")
     done
 }
@@ -112,15 +123,24 @@ for config in "${configs[@]}"; do
         if filter=$(filter_of "$kind" "$name" "$path"); then
             add_run "$config" "$kind" "$name" "$path" "$filter"
         fi
-    done < <(for kind in end_to_end widget unit; do grep "^$kind " "build/$config/tests/suites.txt" || true; done)
+    done < <(for kind in end_to_end package widget unit; do grep "^$kind " "build/$config/tests/suites.txt" || true; done)
 done
 if filter_of check check - >/dev/null; then
     runs+=("tree any check check - *")
 fi
-[ ${#runs[@]} -gt 0 ] || fail "No test is called so: ${names[*]}" 'See ./test.sh --list.'
+[ ${#runs[@]} -gt 0 ] || [ "$left_out" -gt 0 ] || fail "No test is called so: ${names[*]}" 'See ./test.sh --list.'
+if [ ${#runs[@]} -eq 0 ]; then
+    say "0 passed, 0 failed, $left_out skipped"
+    exit 0
+fi
 if [ -n "$list" ]; then
     printf '%s\n' "${runs[@]}" | awk '{ print $4 " (" $1 ", " $2 ")" }'
     exit 0
+fi
+
+if printf '%s\n' "${runs[@]}" | grep -q '^[^ ]* [^ ]* package '; then
+    rm -f build/release/*.deb
+    step 'Packaging' 'The log says what is missing.' cmake --build --preset release --target package
 fi
 
 # sanitizer_options OUT: a report goes to a file there, also that of a program which a test has started.
@@ -135,6 +155,11 @@ start() {
     local config=$1 user=$2 kind=$3 path=$5 filter=$6 out=$7
     if [ "$kind" = check ]; then
         timeout --foreground -k 10 "${limit[check]}" scripts/check
+        return
+    fi
+    if [ "$kind" = package ]; then
+        timeout --foreground -k 10 "${limit[$kind]}" scripts/fresh-root --out "$out" -- \
+            "$path" --gtest_color=no "--gtest_filter=$filter"
         return
     fi
     sanitizer_options "$out"
@@ -223,6 +248,7 @@ if [ "$files" -ne "${#runs[@]}" ]; then
     say "$((${#runs[@]} - files)) runs left no counts."
     failed=$((failed + ${#runs[@]} - files))
 fi
+skipped=$((skipped + left_out))
 say "${#runs[@]} runs in $((SECONDS - begin)) s"
 if [ "$skipped" -gt 0 ]; then
     say "$passed passed, $failed failed, $skipped skipped"

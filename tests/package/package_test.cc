@@ -1,0 +1,401 @@
+// SPDX-License-Identifier: MIT
+//
+// The Debian package, and cmake --install, on a machine that is thrown away (scripts/fresh-root): what an
+// installation makes, what it refuses, and what is left of it. Every test begins and ends on a machine that
+// has never had the program.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/host_paths.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using gw::test::TempDir;
+using testing::Contains;
+using testing::Eq;
+using testing::HasSubstr;
+using testing::Not;
+using testing::UnorderedElementsAre;
+
+const std::string INSTALLATION = gw::INSTALLATION_ROOT;
+const std::string CONFIG = INSTALLATION + gw::INSTALLATION_CONFIG;
+const std::string LINKS = std::string(gw::SYSTEM_FONT_DIR) + '/';
+const std::string HOST_FONTS = "/usr/share/fonts/X11/";
+const std::string ALLOW = "/etc/vantor/allow-glyphward";
+const std::string PROGRAM = INSTALLATION + "/bin/glyphward";
+const std::string SETUP = INSTALLATION + "/bin/glyphward-setup";
+constexpr const char* OWN_CONFIG = "XDISPLAY.0.fontpath:\t/opt/fonts/\n";
+
+struct Outcome {
+    int status = -1;  ///< the exit status; -1 when there was none
+    std::string text;
+};
+
+/// Runs a command of the shell; its output and its complaints together.
+Outcome run(const std::string& command) {
+    FILE* pipe = ::popen(("{ " + command + "\n} 2>&1 </dev/null").c_str(), "r");
+    if (pipe == nullptr) return {};
+    Outcome outcome;
+    std::array<char, 4096> piece{};
+    while (const std::size_t size = std::fread(piece.data(), 1, piece.size(), pipe)) {
+        outcome.text.append(piece.data(), size);
+    }
+    const int status = ::pclose(pipe);
+    if (WIFEXITED(status)) outcome.status = WEXITSTATUS(status);
+    return outcome;
+}
+
+/// Whether the command succeeds; its output is the message of the assertion.
+testing::AssertionResult succeeds(const std::string& command) {
+    const Outcome outcome = run(command);
+    if (outcome.status == 0) return testing::AssertionSuccess();
+    return testing::AssertionFailure() << command << " gave " << outcome.status << ":\n" << outcome.text;
+}
+
+void write(const std::string& path, const std::string& bytes) {
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << bytes;
+}
+
+std::string read(const std::string& path) {
+    return TempDir::read_bytes(path);
+}
+
+bool is_there(const std::string& path) {
+    return fs::exists(fs::symlink_status(path));
+}
+
+/// Everything below the directories that is not a directory, but for what other packages keep up to date and
+/// dpkg's own books.
+std::set<std::string> files_below(const std::string& directories) {
+    std::set<std::string> files;
+    std::istringstream lines(
+        run("find " + directories +
+            " ! -type d ! -path '/var/cache/*' ! -path '/var/lib/dpkg/*' ! -path '/var/log/*'"
+            " ! -name mimeinfo.cache ! -name icon-theme.cache ! -path /etc/mailcap")
+            .text);
+    for (std::string line; std::getline(lines, line);) files.insert(line);
+    return files;
+}
+
+/// The directories below /usr/vantor too.
+std::set<std::string> all_of_installation() {
+    std::set<std::string> paths;
+    if (!fs::exists(INSTALLATION)) return paths;
+    for (const auto& entry : fs::recursive_directory_iterator(INSTALLATION)) paths.insert(entry.path());
+    return paths;
+}
+
+/// The one package of the build, for whatever kind of machine this is.
+std::string package_file() {
+    for (const auto& entry : fs::directory_iterator(GLYPHWARD_BUILD)) {
+        const std::string name = entry.path().filename();
+        if (name.starts_with("glyphward_" GLYPHWARD_VERSION "_") && name.ends_with(".deb"))
+            return entry.path();
+    }
+    return GLYPHWARD_BUILD "/glyphward_" GLYPHWARD_VERSION "_?.deb";
+}
+std::string install_command() {
+    return "dpkg --force-unsafe-io -i " + package_file();
+}
+std::string font_path_of(const std::vector<std::string>& names) {
+    std::string path;
+    for (const std::string& name : names) path += (path.empty() ? "" : ",") + LINKS + name + '/';
+    return "XDISPLAY.0.fontpath:\t" + path + '\n';
+}
+const std::vector<std::string> ALL_NAMES{"misc", "75dpi", "100dpi", "Type1"};
+
+class Package : public testing::Test {
+  protected:
+    static void SetUpTestSuite() {
+        // Nobody looks for words in the manual of a machine that is thrown away.
+        fs::remove("/var/lib/man-db/auto-update");
+    }
+    ~Package() override {
+        run("dpkg --force-unsafe-io -P glyphward test-fonts");
+        for (const std::string& path :
+             {INSTALLATION, std::string("/etc/vantor"), std::string("/var/lib/glyphward")}) {
+            fs::remove_all(path);
+        }
+        for (const std::string& name : hidden_) run("mv " + kept_.file(name) + ' ' + HOST_FONTS + name);
+    }
+    /// Takes a directory of the host's fonts away until the end of the test.
+    void hide_host_fonts(const std::string& name) {
+        ASSERT_TRUE(succeeds("mv " + HOST_FONTS + name + ' ' + kept_.file(name)));
+        hidden_.push_back(name);
+    }
+    /// Makes a package that has a directory of fonts, as Debian's font packages have.
+    std::string font_package(const std::string& name) {
+        const TempDir& dir = kept_;
+        dir.write(
+            "test-fonts/DEBIAN/control",
+            "Package: test-fonts\nVersion: 1\nArchitecture: all\nMaintainer: Nobody <nobody@test.invalid>\n"
+            "Description: fonts that come and go\n");
+        dir.write("test-fonts" + HOST_FONTS + name + "/fonts.dir", "0\n");
+        EXPECT_TRUE(succeeds("dpkg-deb --root-owner-group -b " + dir.file("test-fonts") + ' ' +
+                             dir.file("test-fonts.deb")));
+        return dir.file("test-fonts.deb");
+    }
+
+  private:
+    TempDir kept_;
+    std::vector<std::string> hidden_;
+};
+
+TEST_F(Package, PassesLintian) {
+    const Outcome lintian = run("lintian --allow-root --fail-on error,warning " + package_file());
+    EXPECT_EQ(lintian.status, 0);
+    EXPECT_EQ(lintian.text, "");
+}
+
+TEST_F(Package, BringsWhatADesktopWants) {
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_TRUE(succeeds("desktop-file-validate /usr/share/applications/glyphward.desktop"));
+    EXPECT_TRUE(succeeds(
+        "appstreamcli validate --no-net /usr/share/metainfo/local.glyphward.glyphward.metainfo.xml"));
+    EXPECT_TRUE(fs::exists("/usr/share/icons/hicolor/scalable/apps/glyphward.svg"));
+    for (const unsigned size : {16U, 32U, 48U, 64U, 128U}) {
+        const std::string directory = std::to_string(size) + 'x' + std::to_string(size);
+        const std::string png = read("/usr/share/icons/hicolor/" + directory + "/apps/glyphward.png");
+        ASSERT_GT(png.size(), 24U) << directory;
+        // Width and height are the first fields of the first chunk, the least significant byte last.
+        EXPECT_EQ(static_cast<unsigned char>(png[19]), size);
+        EXPECT_EQ(static_cast<unsigned char>(png[23]), size);
+    }
+}
+
+TEST_F(Package, LinksTheHostsFontsAndWritesTheFontPath) {
+    ASSERT_TRUE(succeeds(install_command()));
+    for (const std::string& name : ALL_NAMES) EXPECT_EQ(fs::read_symlink(LINKS + name), HOST_FONTS + name);
+    EXPECT_EQ(read(CONFIG), font_path_of(ALL_NAMES));
+    EXPECT_EQ(fs::canonical("/usr/bin/glyphward"), PROGRAM);
+    EXPECT_EQ(fs::canonical(gw::XSET), "/usr/bin/xset");
+    EXPECT_TRUE(fs::exists(INSTALLATION + "/lib/app-defaults/Glyphward"));
+    EXPECT_TRUE(fs::exists(INSTALLATION + "/lib/locale/C/LC_MESSAGES/glyphward.cat"));
+    for (const char* file : {"copyright", "changelog.gz"}) {
+        EXPECT_TRUE(fs::exists(std::string("/usr/share/doc/glyphward/") + file)) << file;
+    }
+}
+
+TEST_F(Package, PutsTheSessionsFilesWhereSessionsLook) {
+    const bool has_session = fs::exists(GLYPHWARD_TREE "/data/session/60glyphward-session");
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_EQ(fs::exists("/etc/X11/Xsession.d/60glyphward-session"), has_session);
+    EXPECT_EQ(fs::exists("/etc/xdg/autostart/glyphward-session.desktop"), has_session);
+    const std::string conffiles = run("dpkg-query -W -f '${Conffiles}' glyphward").text;
+    EXPECT_EQ(conffiles.find("/etc/X11/Xsession.d/60glyphward-session") != std::string::npos, has_session);
+}
+
+TEST_F(Package, RunsForAnOrdinaryUser) {
+    ASSERT_TRUE(succeeds(install_command()));
+    // The server takes the font path of the installation, the list has fonts, and one of them draws a sample.
+    EXPECT_TRUE(succeeds(GLYPHWARD_TREE "/scripts/inside log_in " GLYPHWARD_TREE "/scripts/show"));
+    const Outcome page = run("setpriv --reuid glyph --regid glyph --clear-groups man glyphward");
+    EXPECT_EQ(page.status, 0);
+    EXPECT_THAT(page.text, HasSubstr("list, preview, install and delete X core fonts"));
+}
+
+TEST_F(Package, LeavesNothingBehindWhenPurged) {
+    const std::set<std::string> before = files_below("/usr /etc /var");
+    ASSERT_THAT(before, Contains("/usr/bin/xset"));
+    ASSERT_TRUE(succeeds(install_command()));
+    ASSERT_THAT(files_below("/usr /etc /var"), Not(Eq(before)));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    EXPECT_EQ(files_below("/usr /etc /var"), before);
+    EXPECT_FALSE(fs::exists(INSTALLATION));
+    EXPECT_FALSE(fs::exists("/var/lib/glyphward"));
+}
+
+TEST_F(Package, RemovalKeepsFontsAndConfiguration) {
+    ASSERT_TRUE(succeeds(install_command()));
+    const std::string own_font = LINKS + "own/own.pcf";
+    const std::vector<std::string> kept{own_font, "/etc/vantor/glyphwd_fonts/a.pfa",
+                                        "/etc/vantor/server/etc/VTconfig", "/home/glyph/.VTfontpath",
+                                        "/home/glyph/glyphwd_fonts/b.pfa"};
+    for (const std::string& file : kept) write(file, "kept");
+    const std::set<std::string> fonts_before = files_below(HOST_FONTS);
+    write(CONFIG, OWN_CONFIG);
+
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -r glyphward"));
+    for (const std::string& file : kept) EXPECT_EQ(read(file), "kept") << file;
+    EXPECT_EQ(read(CONFIG), OWN_CONFIG);
+    EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(own_font, CONFIG));
+
+    // Whoever comes back finds it all.
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_EQ(read(CONFIG), OWN_CONFIG);
+
+    write(CONFIG + ".bak", OWN_CONFIG);
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    for (const std::string& file : kept) EXPECT_EQ(read(file), "kept") << file;
+    EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(own_font));
+    EXPECT_EQ(files_below(HOST_FONTS), fonts_before);
+}
+
+TEST_F(Package, AnUpgradeKeepsAChangedFontPath) {
+    ASSERT_TRUE(succeeds(install_command()));
+    write(CONFIG, OWN_CONFIG);
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_EQ(read(CONFIG), OWN_CONFIG);
+    EXPECT_TRUE(fs::is_symlink(LINKS + "misc"));
+}
+
+class ForeignConfig : public Package, public testing::WithParamInterface<std::string> {};
+
+TEST_P(ForeignConfig, IsLeftAlone) {
+    write(CONFIG, GetParam());
+    const Outcome installation = run(install_command());
+    EXPECT_EQ(installation.status, 0);
+    EXPECT_EQ(read(CONFIG), GetParam());
+    // What cannot be right is told.
+    if (GetParam() == OWN_CONFIG) {
+        EXPECT_THAT(installation.text, Not(HasSubstr(CONFIG)));
+    } else {
+        EXPECT_THAT(installation.text,
+                    HasSubstr(CONFIG + (GetParam().empty() ? " is empty" : " is no configuration")));
+    }
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    EXPECT_EQ(read(CONFIG), GetParam());
+    EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(CONFIG));
+}
+INSTANTIATE_TEST_SUITE_P(Package, ForeignConfig,
+                         testing::Values(OWN_CONFIG, "", "no attribute\n", std::string("a.b:\tc\0\n", 8)));
+
+TEST_F(Package, FontPackagesComeAndGo) {
+    hide_host_fonts("75dpi");
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_FALSE(is_there(LINKS + "75dpi"));
+    EXPECT_EQ(read(CONFIG), font_path_of({"misc", "100dpi", "Type1"}));
+
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -i " + font_package("75dpi")));
+    EXPECT_EQ(fs::read_symlink(LINKS + "75dpi"), HOST_FONTS + "75dpi");
+    EXPECT_EQ(read(CONFIG), font_path_of(ALL_NAMES));
+
+    // A font path that somebody has changed stays, and so does a directory that is not ours.
+    write(CONFIG, OWN_CONFIG);
+    write(LINKS + "own/fonts.dir", "0\n");
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P test-fonts"));
+    EXPECT_FALSE(is_there(LINKS + "75dpi"));
+    EXPECT_EQ(read(CONFIG), OWN_CONFIG);
+    EXPECT_TRUE(fs::exists(LINKS + "own/fonts.dir"));
+}
+
+TEST_F(Package, AMachineWithoutFontsGetsItsFontPathLater) {
+    for (const std::string& name : ALL_NAMES) hide_host_fonts(name);
+    const Outcome installation = run(install_command());
+    EXPECT_EQ(installation.status, 0) << installation.text;
+    EXPECT_THAT(installation.text, HasSubstr("install font packages"));
+    EXPECT_FALSE(is_there(CONFIG));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -i " + font_package("Type1")));
+    EXPECT_EQ(read(CONFIG), font_path_of({"Type1"}));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P test-fonts"));
+    EXPECT_FALSE(is_there(CONFIG));
+}
+
+TEST_F(Package, OwnDirectoriesAndLinksOfTheSameNameStay) {
+    write(LINKS + "misc/fonts.dir", "0\n");
+    fs::create_symlink("/opt/fonts", LINKS + "75dpi");
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_FALSE(fs::is_symlink(LINKS + "misc"));
+    EXPECT_EQ(fs::read_symlink(LINKS + "75dpi"), "/opt/fonts");
+    // A link that leads nowhere is no font directory.
+    EXPECT_EQ(read(CONFIG), font_path_of({"misc", "100dpi", "Type1"}));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(LINKS + "misc/fonts.dir", LINKS + "75dpi"));
+}
+
+class ForeignInstallation : public Package {
+  protected:
+    ForeignInstallation() {
+        write(PROGRAM, "foreign");
+        write(INSTALLATION + "/lib/other", "other");
+        write(CONFIG, OWN_CONFIG);
+        before = all_of_installation();
+    }
+    void expect_untouched() const {
+        EXPECT_EQ(all_of_installation(), before);
+        EXPECT_EQ(read(PROGRAM), "foreign");
+        EXPECT_FALSE(is_there("/usr/bin/glyphward"));
+    }
+    /// Starts the installation at a terminal, where the person types the answer.
+    static Outcome install_at_terminal(const std::string& answer) {
+        return run("echo " + answer + " | script -qec 'env -u DEBIAN_FRONTEND " + install_command() +
+                   "' /dev/null");
+    }
+    std::set<std::string> before;
+};
+
+TEST_F(ForeignInstallation, IsRefused) {
+    const Outcome installation = run(install_command());
+    EXPECT_NE(installation.status, 0);
+    EXPECT_THAT(installation.text, HasSubstr("/usr/vantor holds files that are not Glyph Warden's"));
+    EXPECT_THAT(installation.text, HasSubstr("    bin/glyphward\n"));
+    EXPECT_THAT(installation.text, HasSubstr(ALLOW));
+    expect_untouched();
+    EXPECT_NE(run("dpkg-query -W -f '${db:Status-Status}' glyphward").text, "installed");
+}
+
+TEST_F(ForeignInstallation, IsInstalledOverWhenTheAdministratorAllowsIt) {
+    write(ALLOW, "");
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_NE(read(PROGRAM), "foreign");
+    EXPECT_EQ(read(CONFIG), OWN_CONFIG);
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(INSTALLATION + "/lib/other", CONFIG));
+}
+
+TEST_F(ForeignInstallation, IsAskedAboutAtATerminal) {
+    const Outcome refused = install_at_terminal("n");
+    EXPECT_THAT(refused.text, HasSubstr("Install over them all the same? [y/N]"));
+    EXPECT_NE(refused.status, 0);
+    expect_untouched();
+    const Outcome agreed = install_at_terminal("y");
+    EXPECT_EQ(agreed.status, 0) << agreed.text;
+    EXPECT_NE(read(PROGRAM), "foreign");
+}
+
+constexpr const char* CMAKE_INSTALL = "cmake --install " GLYPHWARD_BUILD " --prefix /usr";
+
+TEST_F(ForeignInstallation, IsRefusedByCMakeUnlessItIsToldTo) {
+    const Outcome refused = run(CMAKE_INSTALL);
+    EXPECT_NE(refused.status, 0);
+    EXPECT_THAT(refused.text, HasSubstr("GLYPHWARD_REPLACE=1"));
+    expect_untouched();
+    ASSERT_TRUE(succeeds(std::string("GLYPHWARD_REPLACE=1 ") + CMAKE_INSTALL));
+    EXPECT_NE(read(PROGRAM), "foreign");
+    EXPECT_EQ(read(CONFIG), OWN_CONFIG);
+    // Now it is our own.
+    EXPECT_TRUE(succeeds(CMAKE_INSTALL));
+    run("xargs -d '\\n' rm -f <" GLYPHWARD_BUILD "/install_manifest.txt");
+}
+
+TEST_F(Package, CMakeInstallsTheSame) {
+    ASSERT_TRUE(succeeds(install_command()));
+    std::set<std::string> packaged = files_below("/usr/vantor");
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    const std::set<std::string> before = files_below("/usr /etc /var");
+
+    ASSERT_TRUE(succeeds(CMAKE_INSTALL));
+    ASSERT_TRUE(succeeds(SETUP));
+    EXPECT_EQ(files_below("/usr/vantor"), packaged);
+    EXPECT_EQ(read(CONFIG), font_path_of(ALL_NAMES));
+    EXPECT_EQ(fs::canonical("/usr/bin/glyphward"), PROGRAM);
+
+    ASSERT_TRUE(succeeds(SETUP + " purge"));
+    ASSERT_TRUE(succeeds("xargs -d '\\n' rm -f <" GLYPHWARD_BUILD "/install_manifest.txt"));
+    EXPECT_EQ(files_below("/usr /etc /var"), before);
+}
+
+}  // namespace
