@@ -76,6 +76,28 @@ std::vector<std::string> lines_of(const std::string& path) {
     return lines;
 }
 
+// The first blank line of a font path file ends the append section; each further one starts a group that goes
+// in front of the groups before it.
+void read_sections(const std::string& path, GW_LIST<GW_STRING>& append_list,
+                   GW_LIST<GW_STRING>& prepend_list) {
+    bool in_append_section = true;
+    int position = 0;
+    for (const std::string& line : lines_of(path)) {
+        const std::size_t start = line.find_first_not_of(" \t");
+        if (start == std::string::npos) {
+            in_append_section = false;
+            position = 0;
+            continue;
+        }
+        auto* element = new GW_STRING(line.substr(start).c_str());
+        if (in_append_section) {
+            append_list.append(element);
+        } else {
+            prepend_list.insert_after_pos(position++, element);
+        }
+    }
+}
+
 }  // namespace
 
 void gw::set_font_path_display(Display* display) {
@@ -86,8 +108,11 @@ Display* gw::font_path_display() {
     return session_display;
 }
 
-GWFontPath::GWFontPath(const char* root_dir)
-    : effective_uid(::geteuid()), root(root_dir), installation_config(root + gw::INSTALLATION_CONFIG) {
+GWFontPath::GWFontPath(const char* root_dir, Scratch scratch_file)
+    : scratch(scratch_file),
+      effective_uid(::geteuid()),
+      root(root_dir),
+      installation_config(root + gw::INSTALLATION_CONFIG) {
     gw::read_config_font_path(installation_config, list(INSTALLATION_FP), gw::DEFAULT_FONT_PATH);
     if (is_main_installation() && !read_host_and_locale()) return;
     load_session();
@@ -146,10 +171,17 @@ void GWFontPath::load_session() {
     if (path != nullptr) XFreeFontPath(path);
 }
 
-// Each line goes through the shell, so that it may name "$HOME/fonts". The first blank line ends the append
-// section; each further one starts a group that goes in front of the groups before it.
-void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) {
+// Each line goes through the shell, so that it may name "$HOME/fonts".
+void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) const {
     if (!gw::file_exists(path)) return;
+    if (scratch == Scratch::UNNAMED) {
+        const gw::UnnamedScratchFile file;
+        if (const std::string expanded = file.path(); !expanded.empty()) {
+            gw::run_shell(EXPAND_LINES, {path, expanded});
+            read_sections(expanded, append_list, prepend_list);
+            return;
+        }
+    }
     gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
     if (!gw::create_scratch_file(gw::SCRATCH_FONT_PATH)) {
         std::fprintf(stderr, "glyphward: %s belongs to someone else; %s is not read\n", gw::SCRATCH_FONT_PATH,
@@ -157,23 +189,7 @@ void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_lis
         return;
     }
     gw::run_shell(EXPAND_LINES, {path, gw::SCRATCH_FONT_PATH});
-
-    bool in_append_section = true;
-    int position = 0;
-    for (const std::string& line : lines_of(gw::SCRATCH_FONT_PATH)) {
-        const std::size_t start = line.find_first_not_of(" \t");
-        if (start == std::string::npos) {
-            in_append_section = false;
-            position = 0;
-            continue;
-        }
-        auto* element = new GW_STRING(line.substr(start).c_str());
-        if (in_append_section) {
-            append_list.append(element);
-        } else {
-            prepend_list.insert_after_pos(position++, element);
-        }
-    }
+    read_sections(gw::SCRATCH_FONT_PATH, append_list, prepend_list);
     gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
 }
 

@@ -32,9 +32,13 @@ class GWFontPath {
     };
     static constexpr int TYPE_COUNT = 9;
 
+    /// Where the shell puts an expanded font path file for the reader: under the fixed name in the directory
+    /// for scratch files, which one process at a time can have, or in memory of this process's own.
+    enum class Scratch { NAMED, UNNAMED };
+
     /// Reads everything that belongs to the installation below `root`, without a trailing slash. The server's
     /// path is read only when a display has been given to `gw::set_font_path_display`.
-    explicit GWFontPath(const char* root);
+    explicit GWFontPath(const char* root, Scratch scratch = Scratch::NAMED);
     ~GWFontPath();
     GWFontPath(const GWFontPath&) = delete;
     GWFontPath& operator=(const GWFontPath&) = delete;
@@ -65,7 +69,7 @@ class GWFontPath {
 
     bool read_host_and_locale();
     void _set_all_fpe_list();
-    static void _read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list);
+    void _read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) const;
     static int _write_to_vtfontpath(const std::string& path, const List& append_list,
                                     const List& prepend_list);
     int write_user_file(const List& append_list, const List& prepend_list) const;
@@ -94,6 +98,7 @@ class GWFontPath {
     [[nodiscard]] int _user_vtfontpath_writeable() const;
 
     std::array<List, TYPE_COUNT> lists;
+    Scratch scratch;
     uid_t effective_uid;
     std::string root;
     std::string installation_config;

@@ -2,6 +2,7 @@
 #include "platform/scratch.h"
 
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,6 +16,17 @@ bool create_scratch_file(const char* path) {
     if (fd < 0) return false;
     ::close(fd);
     return true;
+}
+
+// Without MFD_CLOEXEC: the commands are to find it open.
+UnnamedScratchFile::UnnamedScratchFile() : fd_(::memfd_create("glyphward", 0)) {}
+
+UnnamedScratchFile::~UnnamedScratchFile() {
+    if (fd_ >= 0) ::close(fd_);
+}
+
+std::string UnnamedScratchFile::path() const {
+    return fd_ < 0 ? std::string() : "/proc/self/fd/" + std::to_string(fd_);
 }
 
 bool is_foreign_dir(const char* dir) {

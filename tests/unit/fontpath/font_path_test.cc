@@ -124,6 +124,27 @@ TEST_F(FontPath, AScratchFileThatIsALinkIsNotWrittenThrough) {
 }
 
 // A refusal returns at once; only what gets past it composes the list anew.
+// Whoever holds the fixed name, and whatever stands there, is not in the way and keeps it.
+TEST_F(FontPath, AnUnnamedScratchFileNeedsNoFixedName) {
+    if (is_root()) GTEST_SKIP() << "the superuser reads no such file";
+    home.write(".VTfontpath", "$HOME/a b/\n\n/p/\n");
+    const auto read = [] { return GWFontPath("/usr/vantor", GWFontPath::Scratch::UNNAMED); };
+    const auto expect_all_of_it = [&] {
+        auto store = read();
+        EXPECT_EQ(elements(store, GWFontPath::USER_APPEND_FP), Texts{home.path() + "a b/"});
+        EXPECT_EQ(elements(store, GWFontPath::USER_PREPEND_FP), Texts{"/p/"});
+    };
+    expect_all_of_it();
+    EXPECT_FALSE(std::filesystem::exists("/tmp/.VTfontpath"));
+    write("/tmp/.VTfontpath", "/of another process/\n");
+    expect_all_of_it();
+    EXPECT_EQ(TempDir::read_bytes("/tmp/.VTfontpath"), "/of another process/\n");
+    std::filesystem::remove("/tmp/.VTfontpath");
+    std::filesystem::create_directory("/tmp/.VTfontpath");
+    expect_all_of_it();
+    std::filesystem::remove("/tmp/.VTfontpath");
+}
+
 TEST_F(FontPath, ARefusedChangeDoesNotComposeThePath) {
     if (is_root()) GTEST_SKIP() << "the superuser's path is always composed";
     ::unsetenv("HOME");
