@@ -1,0 +1,320 @@
+// SPDX-License-Identifier: MIT
+//
+// Which font path a session should have. The X server is played: it refuses a whole path for one element, as
+// the real one does.
+#include "session_path.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <set>
+#include <string>
+
+#include "support/temp_dir.h"
+
+namespace {
+
+using namespace gw::session;
+using gw::test::TempDir;
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+bool is_root() {
+    return ::geteuid() == 0;
+}
+
+class SessionPathTest : public testing::Test {
+  protected:
+    /// A directory that a server would take, ending in "/".
+    [[nodiscard]] std::string font_dir(const std::string& name) const {
+        dir.write(name + "/fonts.dir", "0\n");
+        return dir.file(name) + '/';
+    }
+    [[nodiscard]] std::string missing() const { return dir.file("missing/"); }
+    [[nodiscard]] std::string config(const std::string& bytes) const {
+        dir.write("root/server/etc/VTconfig", bytes);
+        return dir.file("root");
+    }
+
+    const TempDir dir;
+};
+
+// --- what an element is
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(SessionPathTest, ASlashAtTheEndMakesNoOtherDirectory) {
+    EXPECT_EQ(identity("/a"), identity("/a/"));
+    EXPECT_EQ(identity("/a"), identity("/a//"));
+    EXPECT_EQ(identity("/a/:unscaled"), identity("/a:unscaled"));
+    EXPECT_NE(identity("/a/"), identity("/a/:unscaled"));
+    EXPECT_NE(identity("/a/"), identity("/a/b/"));
+    EXPECT_NE(identity("/a"), identity("/A"));
+    EXPECT_EQ(identity("/"), "/");
+    EXPECT_NE(identity("tcp/host:7100"), identity("tcp/host:7101"));
+    EXPECT_EQ(identity("built-ins"), "built-ins");
+}
+
+TEST_F(SessionPathTest, AFontDirectoryIsUsableWhateverItsName) {
+    for (const char* name : {"plain", "with blanks", "a,b", "it's $HOME"}) {
+        EXPECT_EQ(judge(font_dir(name)).condition, Condition::USABLE) << name;
+        EXPECT_EQ(judge(dir.file(name)).why, "") << name;
+    }
+    EXPECT_EQ(judge(font_dir("plain") + ":unscaled").condition, Condition::USABLE);
+}
+
+TEST_F(SessionPathTest, WhatIsNoFontDirectoryIsGone) {
+    EXPECT_EQ(judge(missing()).condition, Condition::GONE);
+    EXPECT_EQ(judge(missing()).why, "no such directory");
+    EXPECT_EQ(judge(dir.write("file", "x")).why, "not a directory");
+    EXPECT_EQ(judge(dir.file("file/below")).why, "no such directory");
+    EXPECT_EQ(judge(dir.make_dir("empty")).condition, Condition::GONE);
+    EXPECT_EQ(judge(dir.make_dir("empty")).why, "no fonts.dir in it");
+    std::filesystem::create_symlink(dir.file("nowhere"), dir.file("dangling"));
+    EXPECT_EQ(judge(dir.file("dangling")).why, "no such directory");
+}
+
+TEST_F(SessionPathTest, TheProtocolHasRoomFor255Bytes) {
+    const std::string parent = font_dir(std::string(100, 'a'));
+    std::string element = parent + std::string(255 - parent.size(), '/');
+    EXPECT_EQ(judge(element).condition, Condition::USABLE);
+    element += '/';
+    EXPECT_EQ(judge(element).condition, Condition::GONE);
+    EXPECT_EQ(judge(element).why, "longer than the 255 bytes that the X protocol allows");
+    EXPECT_EQ(judge(std::string(256, 'x')).condition, Condition::GONE) << "font servers too";
+}
+
+TEST_F(SessionPathTest, WhatIsClosedMayBeOpenToTheServer) {
+    if (is_root()) GTEST_SKIP() << "nothing is closed to the superuser";
+    const std::string closed = font_dir("closed");
+    ::chmod(closed.c_str(), 0);
+    EXPECT_EQ(judge(closed).condition, Condition::UNREADABLE);
+    EXPECT_EQ(judge(closed).why, "cannot be read");
+    EXPECT_EQ(judge(closed + "below/").condition, Condition::UNREADABLE);
+    EXPECT_NE(judge(closed + "below/").why, "");
+    const std::string index = font_dir("index");
+    ::chmod((index + "fonts.dir").c_str(), 0);
+    EXPECT_EQ(judge(index).condition, Condition::UNREADABLE);
+    EXPECT_EQ(judge(index).why, "its fonts.dir cannot be read");
+}
+
+TEST_F(SessionPathTest, OnlyTheServerKnowsOtherElements) {
+    for (const char* element : {"built-ins", "tcp/nowhere:7100", "unix/:7100", "relative/dir/"})
+        EXPECT_EQ(judge(element).condition, Condition::USABLE) << element;
+}
+
+// --- the plan
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(SessionPathTest, ConfiguredElementsGoInFrontOfTheServers) {
+    const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c");
+    const Plan plan = make_plan({b, a}, {c, "built-ins"}, true);
+    EXPECT_THAT(plan.path, ElementsAre(b, a, c, "built-ins"));
+    EXPECT_EQ(plan.configured, 2U);
+    EXPECT_THAT(plan.skipped, IsEmpty());
+    EXPECT_THAT(plan.dropped, IsEmpty());
+}
+
+TEST_F(SessionPathTest, EachElementComesOnceAsItIsConfigured) {
+    const std::string a = font_dir("a"), b = font_dir("b");
+    const std::string bare_a = dir.file("a");
+    const Plan plan = make_plan({a, b, bare_a, a}, {"built-ins", bare_a, "built-ins", b}, true);
+    EXPECT_THAT(plan.path, ElementsAre(a, b, "built-ins"));
+    EXPECT_THAT(plan.skipped, IsEmpty());
+    EXPECT_THAT(plan.dropped, IsEmpty());
+}
+
+TEST_F(SessionPathTest, AttributesMakeAnotherElement) {
+    const std::string a = font_dir("a");
+    EXPECT_THAT(make_plan({a}, {a + ":unscaled"}, true).path, ElementsAre(a, a + ":unscaled"));
+}
+
+TEST_F(SessionPathTest, APlanThatIsCarriedOutStaysTheSame) {
+    const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c");
+    const Elements configured = {b, missing(), a};
+    const Plan first = make_plan(configured, {a, c, "built-ins"}, true);
+    const Plan second = make_plan(configured, first.path, true);
+    EXPECT_EQ(second.path, first.path);
+}
+
+TEST_F(SessionPathTest, AConfiguredDirectoryThatIsGoneIsSkipped) {
+    const std::string a = font_dir("a");
+    const Plan plan = make_plan({missing(), a}, {"built-ins"}, true);
+    EXPECT_THAT(plan.path, ElementsAre(a, "built-ins"));
+    EXPECT_EQ(plan.configured, 1U);
+    EXPECT_THAT(plan.skipped, ElementsAre(Remark{missing(), "no such directory"}));
+}
+
+TEST_F(SessionPathTest, WhatTheServerHasAndIsGoneIsDropped) {
+    const std::string a = font_dir("a");
+    const Plan plan = make_plan({a}, {missing(), "built-ins"}, true);
+    EXPECT_THAT(plan.path, ElementsAre(a, "built-ins"));
+    EXPECT_THAT(plan.dropped, ElementsAre(Remark{missing(), "no such directory"}));
+}
+
+TEST_F(SessionPathTest, WhatIsGoneIsSaidOnce) {
+    const Plan plan = make_plan({missing(), missing()}, {missing(), "built-ins"}, true);
+    EXPECT_THAT(plan.path, ElementsAre("built-ins"));
+    EXPECT_EQ(plan.skipped.size(), 1U);
+    EXPECT_THAT(plan.dropped, IsEmpty());
+}
+
+TEST_F(SessionPathTest, ADistantServersDirectoriesAreItsOwnAffair) {
+    const std::string a = font_dir("a");
+    const Plan plan = make_plan({a}, {missing(), "built-ins"}, false);
+    EXPECT_THAT(plan.path, ElementsAre(a, missing(), "built-ins"));
+    EXPECT_THAT(plan.dropped, IsEmpty());
+}
+
+TEST_F(SessionPathTest, AClosedDirectoryStaysWhereTheServerHasIt) {
+    if (is_root()) GTEST_SKIP() << "nothing is closed to the superuser";
+    const std::string a = font_dir("a"), closed = font_dir("closed");
+    ::chmod(closed.c_str(), 0);
+    const Plan had = make_plan({closed, a}, {closed, "built-ins"}, true);
+    EXPECT_THAT(had.path, ElementsAre(a, closed, "built-ins"));
+    EXPECT_THAT(had.skipped, IsEmpty());
+    const Plan had_not = make_plan({closed, a}, {"built-ins"}, true);
+    EXPECT_THAT(had_not.path, ElementsAre(a, "built-ins"));
+    EXPECT_THAT(had_not.skipped, ElementsAre(Remark{closed, "cannot be read"}));
+}
+
+TEST_F(SessionPathTest, EveryConfiguredElementHasItsReason) {
+    const std::string a = font_dir("a");
+    EXPECT_THAT(reasons_to_skip({a, missing(), dir.file("a"), "tcp/host:7100"}),
+                ElementsAre("", "no such directory", "named before", ""));
+}
+
+// --- a server
+// ---------------------------------------------------------------------------------------------------------
+
+class PlayedServer {
+  public:
+    PlayedServer(Elements path, std::set<std::string> impossible)
+        : path_(std::move(path)), impossible_(std::move(impossible)) {}
+
+    bool set(const Elements& path) {
+        ++requests_;
+        EXPECT_FALSE(path.empty()) << "an empty path is the default one";
+        if (std::any_of(path.begin(), path.end(), [&](const auto& e) { return impossible_.contains(e); }))
+            return false;
+        path_ = path;
+        history_.push_back(path);
+        return true;
+    }
+    Outcome put(const Elements& wanted) {
+        return gw::session::put(wanted, path_, [this](const Elements& path) { return set(path); });
+    }
+    [[nodiscard]] const Elements& path() const { return path_; }
+    [[nodiscard]] const std::vector<Elements>& history() const { return history_; }
+    [[nodiscard]] int requests() const { return requests_; }
+
+  private:
+    Elements path_;
+    std::set<std::string> impossible_;
+    std::vector<Elements> history_;
+    int requests_ = 0;
+};
+
+TEST(PutTest, APathThatIsTakenCostsOneRequest) {
+    PlayedServer server({"built-ins"}, {});
+    const Outcome outcome = server.put({"/a/", "built-ins"});
+    EXPECT_EQ(server.requests(), 1);
+    EXPECT_THAT(server.path(), ElementsAre("/a/", "built-ins"));
+    EXPECT_EQ(outcome.path, server.path());
+    EXPECT_THAT(outcome.refused, IsEmpty());
+}
+
+// That is how the server comes to reread its directories.
+TEST(PutTest, ThePathThatIsThereIsSetAgain) {
+    PlayedServer server({"/a/", "built-ins"}, {});
+    EXPECT_THAT(server.put({"/a/", "built-ins"}).path, ElementsAre("/a/", "built-ins"));
+    EXPECT_EQ(server.requests(), 1);
+}
+
+TEST(PutTest, WhatIsRefusedTakesNothingElseWithIt) {
+    PlayedServer server({"/had/", "built-ins"}, {"tcp/away:7100", "/strange/"});
+    const Outcome outcome =
+        server.put({"/a/", "tcp/away:7100", "/b/", "/strange/", "/c/", "/had/", "built-ins"});
+    EXPECT_THAT(server.path(), ElementsAre("/a/", "/b/", "/c/", "/had/", "built-ins"));
+    EXPECT_EQ(outcome.path, server.path());
+    EXPECT_THAT(outcome.refused, ElementsAre("tcp/away:7100", "/strange/"));
+}
+
+// A program that asks for a font meanwhile finds it.
+TEST(PutTest, WhatTheServerHadStaysAllTheTime) {
+    PlayedServer server({"/had", "built-ins"}, {"tcp/away:7100"});
+    EXPECT_THAT(server.put({"tcp/away:7100", "/a/", "/had/", "built-ins"}).refused,
+                ElementsAre("tcp/away:7100"));
+    ASSERT_FALSE(server.history().empty());
+    for (const Elements& path : server.history()) {
+        EXPECT_THAT(path, testing::Contains("/had/"));
+        EXPECT_THAT(path, testing::Contains("built-ins"));
+    }
+}
+
+TEST(PutTest, AnElementThatDiedOnTheServerIsFoundToo) {
+    PlayedServer server({"/dead/", "built-ins"}, {"/dead/"});
+    const Outcome outcome = server.put({"/a/", "/dead/", "built-ins"});
+    EXPECT_THAT(server.path(), ElementsAre("/a/", "built-ins"));
+    EXPECT_THAT(outcome.refused, ElementsAre("/dead/"));
+}
+
+TEST(PutTest, AServerThatTakesNothingKeepsWhatItHas) {
+    PlayedServer server({"built-ins"}, {"/a/", "/b/"});
+    const Outcome outcome = server.put({"/a/", "/b/"});
+    EXPECT_THAT(server.path(), ElementsAre("built-ins"));
+    EXPECT_THAT(outcome.path, IsEmpty());
+    EXPECT_THAT(outcome.refused, ElementsAre("/a/", "/b/"));
+}
+
+TEST(PutTest, AnEmptyPathIsNotSet) {
+    PlayedServer server({"built-ins"}, {});
+    EXPECT_THAT(server.put({}).path, IsEmpty());
+    EXPECT_EQ(server.requests(), 0);
+}
+
+// --- the configuration
+// ---------------------------------------------------------------------------------------------------------
+
+TEST_F(SessionPathTest, TheConfigurationIsTheEffectiveFontPath) {
+    const Configuration read =
+        read_configuration(config("XDISPLAY.0.fontpath:\t/a/,/with blank/,tcp/h:7100\n"));
+    EXPECT_THAT(read.elements, ElementsAre("/a/", "/with blank/", "tcp/h:7100"));
+    EXPECT_THAT(read.unread, IsEmpty());
+}
+
+TEST_F(SessionPathTest, ADatabaseThatIsNoneIsReportedAndLeftAlone) {
+    for (const std::string& bytes : {std::string("this is no database\n"), std::string("a: b\n\0", 6)}) {
+        const std::string root = config(bytes);
+        const Configuration read = read_configuration(root);
+        EXPECT_THAT(read.elements, IsEmpty());
+        EXPECT_THAT(read.unread, ElementsAre(Remark{root + "/server/etc/VTconfig",
+                                                    "not a configuration database; it is not used"}));
+        EXPECT_EQ(dir.read("root/server/etc/VTconfig"), bytes);
+    }
+}
+
+TEST_F(SessionPathTest, ADatabaseThatIsClosedIsReported) {
+    if (is_root()) GTEST_SKIP() << "nothing is closed to the superuser";
+    const std::string root = config("XDISPLAY.0.fontpath:\t/a/\n");
+    ::chmod((root + "/server/etc/VTconfig").c_str(), 0);
+    EXPECT_THAT(read_configuration(root).unread,
+                ElementsAre(Remark{root + "/server/etc/VTconfig", "cannot be read; it is not used"}));
+}
+
+TEST_F(SessionPathTest, NoDatabaseIsNothingToReport) {
+    const Configuration none = read_configuration(dir.file("no root"));
+    EXPECT_THAT(none.elements, IsEmpty());
+    EXPECT_THAT(none.unread, IsEmpty());
+    EXPECT_THAT(read_configuration(config("")).unread, IsEmpty());
+}
+
+TEST(PrintableTest, ALineStaysALine) {
+    EXPECT_EQ(printable("/a b/c,d/\xC3\xA4"), "/a b/c,d/\xC3\xA4");
+    EXPECT_EQ(printable("/a\nb\t\x1B[31m\x7F"), "/a?b??[31m?");
+}
+
+}  // namespace
