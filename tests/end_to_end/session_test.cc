@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <memory>
 #include <optional>
 #include <sstream>
 #include <string>
@@ -44,6 +45,14 @@ Texts lines_of(const std::string& text) {
     return lines;
 }
 
+/// Variables; an empty value takes one away.
+using Environment = std::map<std::string, std::optional<std::string>>;
+
+void replace_all(std::string& text, const std::string& old, const std::string& replacement) {
+    for (std::size_t at = 0; (at = text.find(old, at)) != std::string::npos; at += replacement.size())
+        text.replace(at, old.size(), replacement);
+}
+
 struct Ended {
     std::optional<int> status;  // nothing when a signal ended it
     std::string output;
@@ -68,16 +77,12 @@ class SessionTest : public testing::Test {
     }
     ~SessionTest() override {
         if (is_root()) std::ofstream(CONFIG) << config_before_;
-        // The server takes no directory whose index the test has spoilt, not even to be rid of it.
-        desktop_.set_font_path({"built-ins"});
         desktop_.set_font_path(path_before_);
         EXPECT_EQ(server_path(), path_before_);
     }
 
-    /// Runs a line of the shell in the test's home; an empty value takes a variable away.
-    [[nodiscard]] Ended shell(
-        const std::string& command,
-        const std::map<std::string, std::optional<std::string>>& environment = {}) const {
+    /// Runs a line of the shell in the test's home.
+    [[nodiscard]] Ended shell(const std::string& command, const Environment& environment = {}) const {
         std::string line = "HOME=" + gw::shell_quoted(home_dir()) + "; export HOME; ";
         for (const auto& [name, value] : environment)
             line += value ? name + '=' + gw::shell_quoted(*value) + "; export " + name + "; "
@@ -87,11 +92,20 @@ class SessionTest : public testing::Test {
         return {WIFEXITED(status) ? std::optional(WEXITSTATUS(status)) : std::nullopt,
                 scratch_.read("output"), scratch_.read("errors")};
     }
-    [[nodiscard]] Ended run(const std::string& options = "",
-                            const std::map<std::string, std::optional<std::string>>& environment = {}) const {
+    [[nodiscard]] Ended run(const std::string& options = "", const Environment& environment = {}) const {
         return shell(std::string(PROGRAM) + ' ' + options, environment);
     }
 
+    /// Starts a session with the login script: its input is to be read by the session.
+    [[nodiscard]] Ended log_in(const std::string& script = LOGIN_SCRIPT,
+                               const Environment& environment = {}) const {
+        return shell("echo input | sh -eu -c '. " + script + "; cat; echo session'", environment);
+    }
+    [[nodiscard]] std::string executable(const std::string& name, const std::string& command) const {
+        std::string path = scratch_.write(name, "#!/bin/sh\n" + command + '\n');
+        std::filesystem::permissions(path, std::filesystem::perms::owner_all);
+        return path;
+    }
     /// Puts directories in front of the installation's on the configured font path: the superuser in its
     /// database, an ordinary user in the own file.
     void configure(const Texts& elements) const {
@@ -389,38 +403,36 @@ TEST_F(SessionTest, ItRunsWithoutStandardDescriptors) {
 TEST_F(SessionTest, TheLoginScriptSetsThePathAndTheSessionGoesOn) {
     const std::string dir = font_dir("fonts");
     configure({dir});
-    // A session's own input is not the program's to read.
-    const Ended login =
-        shell("echo input | sh -eu -c '. " + std::string(LOGIN_SCRIPT) + "; cat; echo session'");
+    const Ended login = log_in();
     EXPECT_EQ(login.status, 0);
     EXPECT_EQ(login.output, "input\nsession\n");
     EXPECT_EQ(login.errors, "");
     EXPECT_EQ(server_path(), Texts{dir} + installation_ + Texts{"built-ins"});
 }
 
-TEST_F(SessionTest, TheSessionGoesOnWhateverHappensToTheLoginScript) {
-    const std::string script = TempDir::read_bytes(LOGIN_SCRIPT);
-    const auto with_program = [&](const std::string& program) {
-        std::string changed = script;
-        for (std::size_t at; (at = changed.find(PROGRAM)) != std::string::npos;)
-            changed.replace(at, std::string(PROGRAM).size(), program);
-        if (const std::size_t at = changed.find(" 10 "); at != std::string::npos)
-            changed.replace(at, 4, " 0.1 ");
-        return scratch_.write("login", changed);
+TEST_F(SessionTest, WithoutADisplayTheSessionGoesOn) {
+    const Ended login = log_in(LOGIN_SCRIPT, {{"DISPLAY", std::nullopt}});
+    EXPECT_EQ(login.status, 0);
+    EXPECT_EQ(login.output, "input\nsession\n");
+    EXPECT_EQ(login.errors, std::string(SAYS) + "cannot open display: DISPLAY is not set\n");
+}
+
+TEST_F(SessionTest, TheSessionGoesOnWhateverBecomesOfTheProgram) {
+    const std::string programs[] = {
+        scratch_.file("missing"),
+        executable("fails", "exit 1"),
+        executable("crashes", "kill -SEGV $$"),
+        executable("hangs", "exec sleep 1000"),
+        executable("reads", "exec cat >/dev/null"),
     };
-    const std::string hangs = scratch_.write("hangs", "#!/bin/sh\nexec sleep 1000\n");
-    std::filesystem::permissions(hangs, std::filesystem::perms::owner_all);
-    for (const std::string& program : {std::string("/bin/false"), hangs, scratch_.file("missing")}) {
-        const Ended login = shell("sh -eu -c '. " + with_program(program) + "; echo session'");
+    for (const std::string& program : programs) {
+        std::string script = TempDir::read_bytes(LOGIN_SCRIPT);
+        replace_all(script, PROGRAM, program);
+        replace_all(script, " 10 ", " 1 ");
+        const Ended login = log_in(scratch_.write("login", script));
         EXPECT_EQ(login.status, 0) << program;
-        EXPECT_EQ(login.output, "session\n") << program;
-        EXPECT_EQ(login.errors, "") << program;
+        EXPECT_EQ(login.output, "input\nsession\n") << program;
     }
-    const Ended without_display =
-        shell("sh -eu -c '. " + std::string(LOGIN_SCRIPT) + "; echo session'", {{"DISPLAY", std::nullopt}});
-    EXPECT_EQ(without_display.status, 0);
-    EXPECT_EQ(without_display.output, "session\n");
-    EXPECT_THAT(without_display.errors, HasSubstr("DISPLAY is not set"));
 }
 
 TEST_F(SessionTest, TheAutostartEntryRunsTheProgram) {
