@@ -52,7 +52,7 @@ if [ -n "$fonts" ]; then
 fi
 
 "$TREE/scripts/setup"
-build release glyphward catalogues
+build release glyphward makepsres catalogues
 step 'Staging' 'See scripts/packages for the font packages.' "$TREE/scripts/stage" --preset release
 
 options=("$user" --preset release --stage --wm --out "$BUILD/out/run")
