@@ -34,6 +34,7 @@
 #include "core/font_policy.h"
 #include "core/gw_misc.h"
 #include "platform/host_paths.h"
+#include "platform/shell_command.h"
 
 #include "fontpath/session_display.h"
 
@@ -124,6 +125,7 @@ void begin_program() {
 void set_env() {
     ::setenv("NLSPATH", gw::DEFAULT_NLSPATH, 0);
     ::setenv("XFILESEARCHPATH", gw::DEFAULT_XFILESEARCHPATH, 0);
+    gw::add_command_dir(gw::INSTALLATION_BIN);
 }
 
 void init_gui(int* argc, char** argv) {

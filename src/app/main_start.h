@@ -15,7 +15,8 @@ void begin_program();
 /// Locale, environment, catalogue, display and resources; ends with the start-up notice on the screen.
 void init_gui(int* argc, char** argv);
 
-/// Gives NLSPATH and XFILESEARCHPATH their defaults where the environment has none.
+/// Gives NLSPATH and XFILESEARCHPATH their defaults where the environment has none, and puts the
+/// installation's commands on PATH.
 void set_env();
 
 namespace gw {

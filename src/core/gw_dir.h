@@ -45,8 +45,8 @@ class GW_DIR {
                                     const GW_TOKEN_TABLE* table) const;
 
     /// Has the PostScript resource file "glyphwd.upr" of this directory built anew in `work_dir`, or in the
-    /// directory itself when `work_dir` is null; `rescan_all` non-zero reads the resource files found there
-    /// too. Returns 1; a missing tool leaves the directory without a resource file.
+    /// directory itself when `work_dir` is null; `rescan_all` non-zero goes through the directories below and
+    /// the resource files there too. Returns 1; a missing tool leaves the directory without a resource file.
     int make_upr_file(int rescan_all, const char* work_dir) const;
 
   protected:

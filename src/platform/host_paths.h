@@ -8,6 +8,7 @@ namespace gw {
 // The installation.
 inline constexpr const char* INSTALLATION_ROOT = "/usr/vantor";
 inline constexpr const char* SYSTEM_FONT_DIR = "/usr/vantor/lib/X11/fonts";
+inline constexpr const char* INSTALLATION_BIN = "/usr/vantor/bin";  ///< of the commands that it brings
 inline constexpr const char* MANUAL_DIR = "/usr/vantor/share/man";  ///< of the program's own manual page
 inline constexpr const char* XSET = "/usr/vantor/bin/xset";
 inline constexpr const char* INSTALLATION_CONFIG = "/server/etc/VTconfig";  ///< below the installation root

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/shell_command.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdlib>
 
@@ -11,6 +13,24 @@ namespace {
 bool is_plain(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') ||
            std::string_view("_./+,:@%=-").find(c) != std::string_view::npos;
+}
+
+std::string default_command_path() {
+    std::string path(::confstr(_CS_PATH, nullptr, 0), '\0');
+    ::confstr(_CS_PATH, path.data(), path.size());
+    while (path.ends_with('\0')) path.pop_back();
+    return path;
+}
+
+bool names_dir(std::string_view path, std::string_view dir) {
+    for (;;) {
+        std::string_view element = path.substr(0, path.find(':'));
+        const std::size_t length = element.size();
+        while (element.size() > 1 && element.ends_with('/')) element.remove_suffix(1);
+        if (element == dir) return true;
+        if (length == path.size()) return false;
+        path.remove_prefix(length + 1);
+    }
 }
 
 }  // namespace
@@ -39,6 +59,14 @@ std::string shell_text(std::string_view format, std::initializer_list<std::strin
         text += shell_quoted(next != arguments.end() ? *next++ : std::string_view());
         format.remove_prefix(place + 2);
     }
+}
+
+void add_command_dir(std::string_view dir) {
+    const char* set = std::getenv("PATH");
+    std::string path = set != nullptr && *set != '\0' ? set : default_command_path();
+    if (names_dir(path, dir)) return;
+    (path += ':') += dir;
+    ::setenv("PATH", path.c_str(), 1);
 }
 
 int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments) {

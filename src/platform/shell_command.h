@@ -20,6 +20,10 @@ namespace gw {
 [[nodiscard]] std::string shell_text(std::string_view format,
                                      std::initializer_list<std::string_view> arguments);
 
+/// Has the shell look for commands in the directory too, behind all others of PATH, unless PATH names it
+/// already. A PATH that is unset or empty becomes the system's default one first.
+void add_command_dir(std::string_view dir);
+
 /// Runs `shell_text(format, arguments)` through `system` and returns its result: -1 when no shell could be
 /// started, else the wait status of the command.
 int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments = {});

@@ -9,7 +9,9 @@
 #include <fstream>
 
 #include "end_to_end/bitmap_fonts.h"
+#include "end_to_end/outline_font.h"
 #include "end_to_end/waiting.h"
+#include "support/strict_upr.h"
 
 #include "end_to_end/main_window.h"
 
@@ -64,6 +66,33 @@ TEST_F(Delete, DeletesTheSelectedFont) {
     // The next font has taken its line.
     EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
     desktop.picture("deleted");
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
+TEST_F(Delete, TheResourceFileNoLongerNamesADeletedFont) {
+    const OutlineFont deleted{"Aabenraa"};
+    const OutlineFont kept{"Aachen"};
+    const TempDir outlines;
+    for (const OutlineFont& font : {deleted, kept}) font.write_to(outlines.path());
+    outlines.write("fonts.dir", "2\n" + deleted.index_line() + kept.index_line());
+    outlines.write("glyphwd.upr", "PS-Resources-1.0\nFontOutline\n.\nFontOutline\n" +
+                                      deleted.postscript_name() + '=' + deleted.file_name() + "\n.\n");
+    list_fonts_of(outlines.path());
+    start();
+    ASSERT_NE(ask([&] { main->click_line(0); }), 0U);
+    ASSERT_TRUE(confirm());
+    EXPECT_TRUE(lists(outlines.path(), "1\n"));
+    const auto files = [&](const char* section) {
+        return gw::test::StrictUpr(outlines.read("glyphwd.upr")).files(section);
+    };
+    ASSERT_TRUE(wait_until([&] {
+        return outlines.exists("glyphwd.upr") &&
+               outlines.read("glyphwd.upr").find(deleted.postscript_name()) == std::string::npos;
+    }));
+    using Files = std::map<std::string, std::string>;
+    EXPECT_EQ(files("FontOutline"), (Files{{kept.postscript_name(), outlines.file(kept.file_name())}}));
+    EXPECT_EQ(files("FontAFM"), (Files{{kept.postscript_name(), outlines.file(kept.metrics_file_name())}}));
     EXPECT_EQ(leave(), 0);
     EXPECT_EQ(program->errors(), "");
 }

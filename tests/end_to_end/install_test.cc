@@ -10,8 +10,10 @@
 #include <fstream>
 
 #include "end_to_end/bitmap_fonts.h"
+#include "end_to_end/outline_font.h"
 #include "end_to_end/waiting.h"
 #include "support/small_disk.h"
+#include "support/strict_upr.h"
 
 #include "end_to_end/install_dialog.h"
 
@@ -19,6 +21,7 @@ namespace {
 
 using namespace gw::e2e;
 using gw::test::SmallDisk;
+using gw::test::StrictUpr;
 using gw::test::TempDir;
 
 constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
@@ -115,6 +118,34 @@ TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
     EXPECT_TRUE(wait_until([&] { return desktop.has_font(ABYSSINIA.xlfd()); }));
     desktop.click_middle(main->list_title);
     EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(1); }));
+}
+
+// The sandbox's PATH does not lead to the tool that makes the file.
+TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
+    using Files = std::map<std::string, std::string>;
+    const OutlineFont font{"Aardwolf"};
+    font.write_to(source.path());
+    open_on_source();
+    ASSERT_TRUE(sample_of_line(0));
+    desktop.picture("install-preview-outline");
+    const StrictUpr staged(TempDir::read_bytes(std::string(STAGING) + "glyphwd.upr"));
+    EXPECT_EQ(staged.files("FontOutline"),
+              (Files{{font.postscript_name(), std::string(STAGING) + "link/" + font.file_name()}}));
+    ASSERT_TRUE(install());
+    const std::string outline = default_destination() + font.file_name();
+    const std::string resources = default_destination() + "glyphwd.upr";
+    ASSERT_TRUE(wait_until([&] { return std::filesystem::exists(outline); }));
+    ASSERT_TRUE(hint_comes_and_goes());
+    if (is_root()) {  // whose directory is shown to the server by hand
+        EXPECT_EQ(leave(), 0);
+        EXPECT_FALSE(std::filesystem::exists(resources));
+    } else {
+        ASSERT_TRUE(wait_until([&] { return std::filesystem::exists(resources); }));
+        const StrictUpr written(TempDir::read_bytes(resources));
+        EXPECT_EQ(written.files("FontOutline"), (Files{{font.postscript_name(), outline}}));
+        EXPECT_EQ(leave(), 0);
+    }
+    EXPECT_EQ(program->errors(), "");
 }
 
 // Menu by mnemonics; in the dialog the keyboard begins at the source's button and in the chooser at the

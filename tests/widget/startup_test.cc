@@ -46,11 +46,25 @@ using testing::StartsWith;
 
 class SetEnvTest : public testing::Test {
   protected:
+    SetEnvTest() : path_(std::getenv("PATH")) {}
     ~SetEnvTest() override {
+        ::setenv("PATH", path_.c_str(), 1);
         ::unsetenv("NLSPATH");
         ::unsetenv("XFILESEARCHPATH");
     }
+
+  private:
+    std::string path_;
 };
+
+TEST_F(SetEnvTest, CommandsOfTheInstallationAreFoundLast) {
+    ::setenv("PATH", "/usr/bin:/bin", 1);
+    set_env();
+    EXPECT_STREQ(std::getenv("PATH"), "/usr/bin:/bin:/usr/vantor/bin");
+    ::setenv("PATH", "/usr/vantor/bin:/usr/bin:/bin", 1);
+    set_env();
+    EXPECT_STREQ(std::getenv("PATH"), "/usr/vantor/bin:/usr/bin:/bin") << "the user has it elsewhere";
+}
 
 TEST_F(SetEnvTest, GivesTheSearchPathsTheirDefaults) {
     ::unsetenv("NLSPATH");

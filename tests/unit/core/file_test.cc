@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <map>
 #include <set>
 #include <string>
 
@@ -13,6 +14,8 @@
 #include "core/gw_fspec_list.h"
 #include "core/gw_reg_exp.h"
 #include "core/gw_token_table.h"
+#include "support/own_commands.h"
+#include "support/strict_upr.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -226,6 +229,34 @@ TEST(Dir, RebuildingTheResourceFileRemovesTheOldOneEvenWithoutATool) {
     EXPECT_EQ(GW_DIR(strange.c_str()).make_upr_file(0, nullptr), 1);
     EXPECT_NE(TempDir::read_bytes(strange + "glyphwd.upr"), "old");
     EXPECT_FALSE(std::filesystem::exists(strange + "glyphwd.upr~"));
+    EXPECT_FALSE(dir.exists("broken"));
+}
+
+TEST(Dir, RebuildingTheResourceFileNamesTheFontsThatAreThere) {
+    using Files = std::map<std::string, std::string>;
+    const gw::test::OwnCommands with_tool;
+    const TempDir dir;
+    const std::string strange = dir.make_dir("it's $(touch broken)");
+    const std::string work = dir.make_dir("work");
+    const auto font = [&](const std::string& file, const std::string& name) {
+        return dir.write("it's $(touch broken)/" + file, "%!\n/FontName /" + name + " def\n");
+    };
+    const auto fonts_in = [](const std::string& directory) {
+        return gw::test::StrictUpr(TempDir::read_bytes(directory + "glyphwd.upr")).files("FontOutline");
+    };
+    Files fonts = {{"A", font("a.pfa", "A")}, {"B", font("b.pfb", "B")}};
+    font("sub/c.pfa", "C");
+    dir.write("it's $(touch broken)/glyphwd.upr", "old");
+    EXPECT_EQ(GW_DIR(strange.c_str()).make_upr_file(0, nullptr), 1);
+    EXPECT_EQ(fonts_in(strange), fonts);
+    std::filesystem::remove(fonts.at("A"));
+    fonts.erase("A");
+    EXPECT_EQ(GW_DIR(strange.c_str()).make_upr_file(0, work.c_str()), 1);
+    EXPECT_EQ(fonts_in(work), fonts) << "of the directory, in the other one";
+    EXPECT_EQ(fonts_in(strange).size(), 2U) << "which stays as it is";
+    EXPECT_EQ(GW_DIR(strange.c_str()).make_upr_file(1, nullptr), 1);
+    EXPECT_EQ(fonts_in(strange), (Files{{"B", strange + "b.pfb"}, {"C", strange + "sub/c.pfa"}}))
+        << "a full rescan goes below";
     EXPECT_FALSE(dir.exists("broken"));
 }
 

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 
 #include "platform/pattern.h"
@@ -39,6 +40,60 @@ TEST(RunShell, GivesStrangeNamesToTheCommandUnharmed) {
 
 TEST(RunShell, GivesTheCommandsStatus) {
     EXPECT_NE(gw::run_shell("exit 3"), 0);
+}
+
+class CommandDir : public testing::Test {
+  protected:
+    CommandDir() : before_(std::getenv("PATH")) {}
+    ~CommandDir() override { ::setenv("PATH", before_.c_str(), 1); }
+
+  private:
+    std::string before_;
+};
+
+TEST_F(CommandDir, IsTheLastOfThePath) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"/usr/bin:/bin", "/usr/bin:/bin:/own/bin"},
+        {"/own/bin2", "/own/bin2:/own/bin"},
+        {"/usr/own/bin", "/usr/own/bin:/own/bin"},
+        {"/usr/bin:", "/usr/bin::/own/bin"},
+        // It is there already.
+        {"/own/bin", "/own/bin"},
+        {"/own/bin:/usr/bin", "/own/bin:/usr/bin"},
+        {"/usr/bin:/own/bin/", "/usr/bin:/own/bin/"},
+    };
+    for (const auto& [before, after] : cases) {
+        ::setenv("PATH", before, 1);
+        for (int time = 1; time <= 2; ++time) {
+            gw::add_command_dir("/own/bin");
+            EXPECT_STREQ(std::getenv("PATH"), after) << time;
+        }
+    }
+}
+
+TEST_F(CommandDir, StandsBehindTheSystemsOwnWhenThereIsNoPath) {
+    ::unsetenv("PATH");
+    gw::add_command_dir("/own/bin");
+    const std::string unset = std::getenv("PATH");
+    EXPECT_NE(unset.find("/bin:"), std::string::npos) << unset;
+    EXPECT_TRUE(unset.ends_with(":/own/bin")) << unset;
+    EXPECT_EQ(unset.find("::"), std::string::npos) << "the current directory is not meant";
+    ::setenv("PATH", "", 1);
+    gw::add_command_dir("/own/bin");
+    EXPECT_EQ(std::getenv("PATH"), unset);
+}
+
+TEST_F(CommandDir, IsWhereTheShellFindsItsCommands) {
+    const TempDir dir;
+    const std::string bin = dir.make_dir("own bin");
+    dir.write("own bin/gw-own-command", "#!/bin/sh\nexit 0\n");
+    std::filesystem::permissions(bin + "gw-own-command", std::filesystem::perms(0755));
+    dir.write("own bin/true", "#!/bin/sh\nexit 1\n");
+    std::filesystem::permissions(bin + "true", std::filesystem::perms(0755));
+    EXPECT_NE(gw::run_shell("gw-own-command 2> %s", {dir.file("err")}), 0);
+    gw::add_command_dir(bin);
+    EXPECT_EQ(gw::run_shell("gw-own-command"), 0);
+    EXPECT_EQ(gw::run_shell("env true"), 0) << "the system's own go before it";
 }
 
 TEST(Pattern, ReportsWhereItMatches) {

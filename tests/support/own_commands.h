@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+//
+// The installation's own commands on PATH for the length of a test, as the running program has them.
+#pragma once
+
+#include <cstdlib>
+#include <string>
+
+#include "platform/host_paths.h"
+#include "platform/shell_command.h"
+
+namespace gw::test {
+
+class OwnCommands {
+  public:
+    OwnCommands() : before_(std::getenv("PATH")) { add_command_dir(INSTALLATION_BIN); }
+    ~OwnCommands() { ::setenv("PATH", before_.c_str(), 1); }
+    OwnCommands(const OwnCommands&) = delete;
+    OwnCommands& operator=(const OwnCommands&) = delete;
+
+  private:
+    std::string before_;
+};
+
+}  // namespace gw::test
