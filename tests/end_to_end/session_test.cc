@@ -93,7 +93,7 @@ class SessionTest : public testing::Test {
                 scratch_.read("output"), scratch_.read("errors")};
     }
     [[nodiscard]] Ended run(const std::string& options = "", const Environment& environment = {}) const {
-        return shell(std::string(PROGRAM) + ' ' + options, environment);
+        return shell("timeout 20 " + std::string(PROGRAM) + ' ' + options, environment);
     }
 
     /// Starts a session with the login script: its input is to be read by the session.

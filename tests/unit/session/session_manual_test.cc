@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <regex>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -46,10 +45,15 @@ Rendered render() {
 
 /// The texts between quotes in a source that can reach the user: sentences, options and names of variables.
 std::vector<std::string> texts_of(const std::string& source) {
-    static const std::regex literal(R"re((include )?"((?:[^"\\]|\\.)*)")re");
     std::vector<std::string> texts;
-    for (std::sregex_iterator at(source.begin(), source.end(), literal), end; at != end; ++at) {
-        if (!(*at)[1].matched) texts.push_back((*at)[2]);
+    std::istringstream in(source);
+    for (std::string line; std::getline(in, line);) {
+        if (line.starts_with("#include")) continue;
+        for (std::size_t at = line.find('"'); at != std::string::npos; at = line.find('"', at + 1)) {
+            const std::size_t start = ++at;
+            while (at < line.size() && line[at] != '"') at += line[at] == '\\' ? 2U : 1U;
+            texts.push_back(line.substr(start, at - start));
+        }
     }
     return texts;
 }
