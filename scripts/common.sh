@@ -17,6 +17,12 @@ fail() {
     exit 1
 }
 
+# check_port TEXT: fails when it is no number of a port.
+check_port() {
+    [[ $1 =~ ^[0-9]{1,5}$ && 10#$1 -le 65535 ]] ||
+        fail "\"$1\" is no port." 'Give --port a number from 0 to 65535; 0 stands for a port that is free.'
+}
+
 # end_jobs: ends what was started in the background under job control, with everything that it has started.
 end_jobs() {
     local pid
