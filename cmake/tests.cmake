@@ -1,4 +1,4 @@
-# glyphward_test(NAME KIND unit|widget|end_to_end|package SOURCES ... [LIBRARIES ...])
+# glyphward_test(NAME KIND unit|widget|end_to_end|package|web SOURCES ... [LIBRARIES ...])
 #
 # One GoogleTest executable. Its line "kind name path" in tests/suites.txt is what test.sh reads: the tests touch fixed paths and
 # an X server, so they run in the sandbox and not from the build directory.
