@@ -38,7 +38,7 @@ ProgramTest::~ProgramTest() {
 
 void ProgramTest::start(const std::map<std::string, std::optional<std::string>>& environment) {
     auto all = environment;
-    all.insert({"HOME", home.path().substr(0, home.path().size() - 1)});
+    all.insert({"HOME", home_path().substr(0, home_path().size() - 1)});
     program = std::make_unique<Program>(all);
     main = std::make_unique<MainWindow>(desktop);
     ASSERT_TRUE(main->is_there()) << program->errors();
@@ -100,14 +100,14 @@ bool ProgramTest::hint_comes_and_goes() {
 }
 
 std::string ProgramTest::default_destination() const {
-    return (is_root() ? ROOTS_DESTINATION : home.file("glyphwd_fonts")) + '/';
+    return (is_root() ? ROOTS_DESTINATION : home_path() + "glyphwd_fonts") + '/';
 }
 
 void ProgramTest::list_fonts_of(const std::string& dir) {
     own_elements_.push_back(dir);
     if (!is_root()) {
         // What stands behind a blank line goes in front of the installation's.
-        std::ofstream file(home.file(".VTfontpath"));
+        std::ofstream file(home_path() + ".VTfontpath");
         file << '\n';
         for (const std::string& element : own_elements_) file << element << '\n';
         return;

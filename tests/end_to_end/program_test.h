@@ -30,6 +30,8 @@ class ProgramTest : public testing::Test {
     ProgramTest();
     ~ProgramTest() override;
 
+    /// The home directory of the program's user, ending in "/": one of the test's own.
+    [[nodiscard]] virtual std::string home_path() const { return home.path(); }
     /// Starts the program in the test's home and waits for its main window to have the keyboard.
     void start(const std::map<std::string, std::optional<std::string>>& environment = {});
     /// Leaves by the menu; the exit status.

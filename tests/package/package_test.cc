@@ -207,6 +207,35 @@ TEST_F(Package, RunsForAnOrdinaryUser) {
     EXPECT_THAT(page.text, HasSubstr("list, preview, install and delete X core fonts"));
 }
 
+/// One session of the ordinary user's, who finds at home what the last one has left there.
+std::string session(const char* name) {
+    return std::string(GLYPHWARD_TREE "/scripts/inside log_in " GLYPHWARD_SESSIONS
+                                      " --gtest_color=no "
+                                      "--gtest_filter=") +
+           name;
+}
+
+TEST_F(Package, ServesAUserFromTheFirstLoginToItsRemoval) {
+    const std::set<std::string> before = files_below("/usr /etc /var");
+    ASSERT_TRUE(succeeds(install_command()));
+    ASSERT_TRUE(succeeds(session("Session.OfTheFirstDayInstallsFonts")));
+    EXPECT_EQ(read("/home/glyph/.VTfontpath"), "/home/glyph/glyphwd_fonts/\n");
+    ASSERT_TRUE(succeeds(session("Session.OfTheSecondDayHasThemFromTheStartAndDeletesThem")));
+    EXPECT_EQ(read("/home/glyph/glyphwd_fonts/fonts.dir"), "0\n");
+
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -r glyphward"));
+    std::set<std::string> with_configuration = before;
+    with_configuration.insert({CONFIG, "/var/lib/glyphward/VTconfig",
+                               "/etc/X11/Xsession.d/60glyphward-session",
+                               "/etc/xdg/autostart/glyphward-session.desktop"});
+    EXPECT_EQ(files_below("/usr /etc /var"), with_configuration);
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    EXPECT_EQ(files_below("/usr /etc /var"), before);
+    EXPECT_TRUE(fs::exists("/home/glyph/.VTfontpath")) << "what is the user's stays";
+    fs::remove_all("/home/glyph/glyphwd_fonts");
+    fs::remove("/home/glyph/.VTfontpath");
+}
+
 TEST_F(Package, LeavesNothingBehindWhenPurged) {
     const std::set<std::string> before = files_below("/usr /etc /var");
     ASSERT_THAT(before, Contains("/usr/bin/xset"));

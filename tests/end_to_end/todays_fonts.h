@@ -1,0 +1,42 @@
+// SPDX-License-Identifier: MIT
+//
+// Fonts as Debian ships them, a ".pfb" and a ".pcf.gz", and what their user does with them: shared by the
+// tests of the staged installation and of the installed package. To be included last.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "end_to_end/program_test.h"
+
+#include "end_to_end/install_dialog.h"
+
+namespace gw::e2e {
+
+class TodaysFontsTest : public ProgramTest {
+  protected:
+    static constexpr const char* OUTLINE_FILE = "aardwolf.pfb";
+    // Their lines stand before those of all other fonts, the outline's on top.
+    static constexpr int OUTLINE_LINE = 0;
+    static constexpr int BITMAP_LINE = 1;
+
+    /// The fonts are in `source` then; their files have the names `OUTLINE_FILE` and `bitmap_file`.
+    void write_fonts();
+    void open_on_source();
+    bool dialog_sample_of_line(int line);
+    bool main_sample_of_line(int line);
+    /// Has the font of that line deleted, through the question.
+    void delete_line(int line);
+    /// The bytes of a file in the directory where fonts go.
+    [[nodiscard]] std::string installed(const std::string& name) const;
+    [[nodiscard]] bool arrives(const std::string& name) const;
+    /// Whether the server has both fonts.
+    [[nodiscard]] bool server_has_outline() const;
+    [[nodiscard]] bool server_has_bitmap() const;
+
+    gw::test::TempDir source;
+    std::string bitmap_file;
+    std::unique_ptr<InstallDialog> dialog;
+};
+
+}  // namespace gw::e2e

@@ -1,0 +1,63 @@
+// SPDX-License-Identifier: MIT
+//
+// An ordinary user's days with the installed package, one session each. Not a suite of its own: the package's
+// test has each of them run in a session of the user's, in this order.
+#include <cstdlib>
+
+#include "end_to_end/waiting.h"
+
+#include "end_to_end/todays_fonts.h"
+
+namespace {
+
+using namespace gw::e2e;
+
+class Session : public TodaysFontsTest {
+  protected:
+    void SetUp() override {
+        ASSERT_FALSE(is_root());
+        // The server of a machine begins with its own font path, whatever was on it in the last session.
+        ASSERT_EQ(std::system("xset fp default"), 0);
+        EXPECT_FALSE(server_has_outline());
+        EXPECT_FALSE(server_has_bitmap());
+        // What the starting session does with each of its scripts.
+        ASSERT_EQ(std::system("set -e; . /etc/X11/Xsession.d/60glyphward-session"), 0);
+        write_fonts();
+    }
+    [[nodiscard]] std::string home_path() const override { return "/home/glyph/"; }
+};
+
+TEST_F(Session, OfTheFirstDayInstallsFonts) {
+    start();
+    open_on_source();
+    ASSERT_TRUE(dialog_sample_of_line(OUTLINE_LINE));
+    dialog->click_line(BITMAP_LINE, "Shift_L");
+    ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));
+    for (const std::string& name : {std::string(OUTLINE_FILE), bitmap_file}) {
+        ASSERT_TRUE(arrives(name)) << program->errors();
+        EXPECT_EQ(installed(name), source.read(name));
+    }
+    EXPECT_TRUE(wait_until([&] { return server_has_outline() && server_has_bitmap(); }));
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
+TEST_F(Session, OfTheSecondDayHasThemFromTheStartAndDeletesThem) {
+    EXPECT_TRUE(server_has_outline()) << "before the program starts";
+    EXPECT_TRUE(server_has_bitmap());
+    start();
+    ASSERT_TRUE(main_sample_of_line(OUTLINE_LINE));
+    desktop.picture("package-outline");
+    ASSERT_TRUE(main_sample_of_line(BITMAP_LINE));
+    desktop.picture("package-bitmap");
+    delete_line(BITMAP_LINE);
+    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir").starts_with("1\n"); }));
+    delete_line(OUTLINE_LINE);
+    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir") == "0\n"; }));
+    EXPECT_EQ(installed(OUTLINE_FILE), "");
+    EXPECT_EQ(installed(bitmap_file), "");
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
+}  // namespace
