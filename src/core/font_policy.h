@@ -22,7 +22,8 @@ class FontPolicy {
     [[nodiscard]] constexpr bool lists_an_outline_once() const { return modern_; }
     /// Lines of an alias file that begin with "!" are comments.
     [[nodiscard]] constexpr bool knows_alias_comments() const { return modern_; }
-    /// The names in lists have the charset, unless that is ISO 8859-1: bitmap faces come in up to forty.
+    /// The names of bitmap fonts in lists have the charset, unless that is ISO 8859-1: one face may come in
+    /// forty.
     [[nodiscard]] constexpr bool names_charsets() const { return modern_; }
     /// A sample for which the locale has no font set is drawn with the font itself.
     [[nodiscard]] constexpr bool draws_with_the_font_itself() const { return modern_; }

@@ -277,7 +277,8 @@ std::string GWFont::get_hrn_name() {
 std::string GWFont::listed_charset() {
     const bool is_latin1 =
         gw::lower_case(fields[CHARSET_REGISTRY]) == "iso8859" && fields[CHARSET_ENCODING] == "1";
-    return gw::font_policy().names_charsets() && !is_latin1 ? get_charset_hrn_name() : "";
+    if (font_type != BITMAP_FONT || is_latin1 || !gw::font_policy().names_charsets()) return "";
+    return get_charset_hrn_name();
 }
 
 std::string GWFont::get_cli_hrn_name() {

@@ -82,7 +82,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
     void set_preset_hrn_name(const char* name);
     /// The name shown in lists ("Helvetica Bold Oblique [Type-1]", with "[Read Only]" at column 46). Where
-    /// the font policy has it, a charset other than ISO 8859-1 stands before the bracket.
+    /// the font policy has it, a bitmap font's charset stands before the bracket unless it is ISO 8859-1.
     std::string get_hrn_name();
     /// The name in brackets with foundry and charset ("[Adobe Times Bold Italic ISO-Latin-1 Type-1]").
     std::string get_cli_hrn_name();

@@ -246,6 +246,8 @@ TEST(ListedName, HasTheCharsetWhereThePolicyNamesIt) {
             EXPECT_EQ(make_font(xlfd, GWFont::BITMAP_FONT)->get_hrn_name(),
                       modern ? c.modern : "Fixed Medium [Bitmap]")
                 << c.charset;
+            EXPECT_EQ(make_font(xlfd, GWFont::TYPE1_FONT)->get_hrn_name(), "Fixed Medium [Type-1]")
+                << "an outline has one entry";
         }
     }
 }
