@@ -132,7 +132,7 @@ class Fontsets : public Dialogs {
         start_with(
             "Glyphward*gw_fontset_support: True\n"
             "Glyphward*gw_locale_sample_text: Aa \xe3\x81\x82\xe6\xbc\xa2\xe5\xad\x97\n",
-            {{"VANTORHOME", "/usr/vantor"}, {"LANG", "ja_JP.UTF-8"}, {"LC_ALL", "ja_JP.UTF-8"}});
+            {{"VANTORHOME", "/usr/vantor"}, {"LANG", "ja_JP.UTF-8"}, {"LC_MESSAGES", "C"}});
         return open_by_menu("o", "f", TITLE);
     }
     [[nodiscard]] int ink_of(Window dialog, const char* part) const {

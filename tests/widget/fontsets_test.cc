@@ -51,7 +51,7 @@ class FontsetsTest : public testing::Test {
   protected:
     static void SetUpTestSuite() {
         ::setenv("LANG", LOCALE, 1);
-        ::setenv("LC_ALL", LOCALE, 1);
+        ::setenv("LC_MESSAGES", "C", 1);
         ::setenv("VANTORHOME", root().c_str(), 1);
         root().write(FILE_NAME, TWO_SETS);
         gw::test::home();

@@ -1,0 +1,183 @@
+// SPDX-License-Identifier: MIT
+//
+// The installed catalogues: every locale of a language has them, in its own character set and under every
+// name that the machine has for it.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <iconv.h>
+#include <langinfo.h>
+#include <nl_types.h>
+
+#include <algorithm>
+#include <clocale>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "platform/shell_command.h"
+#include "support/temp_dir.h"
+#include "translations.h"
+
+namespace {
+
+using namespace gw::catalogue;
+using gw::test::TempDir;
+using testing::IsEmpty;
+
+constexpr const char* LOCALES = "/usr/vantor/lib/locale/";
+constexpr const char* NOT_THERE = "not in the catalogue";
+
+class Catalogue {
+  public:
+    explicit Catalogue(const std::string& locale)
+        : descriptor_(::catopen((LOCALES + locale + "/LC_MESSAGES/glyphward.cat").c_str(), 0)) {}
+    ~Catalogue() {
+        if (is_open()) ::catclose(descriptor_);
+    }
+    Catalogue(const Catalogue&) = delete;
+    Catalogue& operator=(const Catalogue&) = delete;
+
+    [[nodiscard]] bool is_open() const { return descriptor_ != reinterpret_cast<nl_catd>(-1); }
+    [[nodiscard]] std::string text(const Entry& entry) const {
+        return ::catgets(descriptor_, entry.set, entry.number, NOT_THERE);
+    }
+
+  private:
+    nl_catd descriptor_;
+};
+
+/// UTF-8 in another character set; empty when that is impossible.
+std::string converted(std::string_view text, const std::string& charset) {
+    const iconv_t descriptor = ::iconv_open(charset.c_str(), "UTF-8");
+    std::string in(text);
+    std::string result(4 * in.size() + 16, '\0');
+    char* from = in.data();
+    char* to = result.data();
+    std::size_t from_left = in.size();
+    std::size_t to_left = result.size();
+    const bool done = ::iconv(descriptor, &from, &from_left, &to, &to_left) == 0;
+    ::iconv_close(descriptor);
+    return done ? result.substr(0, result.size() - to_left) : "";
+}
+
+Texts texts_of(const std::string& language) {
+    for (const Language& candidate : languages()) {
+        if (candidate.name == language) return candidate.texts;
+    }
+    return english();
+}
+
+/// A line of data/locales.txt.
+struct Line {
+    std::string language;
+    std::string charset;
+    std::vector<std::string> locales;
+};
+
+std::vector<Line> lines() {
+    std::vector<Line> result;
+    std::istringstream in(TempDir::read_bytes(GLYPHWARD_TREE "/data/locales.txt"));
+    for (std::string text; std::getline(in, text);) {
+        if (text.empty() || text[0] == '#') continue;
+        std::istringstream words(text);
+        Line line;
+        words >> line.language >> line.charset;
+        for (std::string locale; words >> locale;) line.locales.push_back(locale);
+        result.push_back(line);
+    }
+    return result;
+}
+
+TEST(InstalledCataloguesTest, HoldEveryTextInTheCharacterSetOfTheLocale) {
+    ASSERT_EQ(lines().size(), 14U);
+    for (const Line& line : lines()) {
+        const Catalogue catalogue(line.locales.front());
+        ASSERT_TRUE(catalogue.is_open()) << line.locales.front();
+        for (const Entry& entry : texts_of(line.language)) {
+            EXPECT_EQ(catalogue.text(entry), converted(entry.text, line.charset))
+                << line.language << ", set " << entry.set << ", number " << entry.number;
+        }
+    }
+}
+
+/// The word of the menu entry that is another in each language.
+const Entry& delete_entry(const Texts& texts) {
+    return *std::find_if(texts.begin(), texts.end(),
+                         [](const Entry& entry) { return entry.set == 1 && entry.number == 7; });
+}
+
+/// What is wrong with the catalogue of a locale of the machine; empty when nothing is.
+std::string complaint_about(const std::string& locale, const std::string& language) {
+    if (std::setlocale(LC_ALL, locale.c_str()) == nullptr) return locale + ": the machine does not have it";
+    const std::string charset = ::nl_langinfo(CODESET);
+    std::setlocale(LC_ALL, "C");
+    const Catalogue catalogue(locale);
+    if (!catalogue.is_open()) return locale + ": no catalogue";
+    const Texts texts = texts_of(language);
+    const Entry& entry = delete_entry(texts);
+    if (catalogue.text(entry) != converted(entry.text, charset))
+        return locale + ": \"" + catalogue.text(entry) + "\" instead of the " + language + " text in " +
+               charset;
+    const bool has_class_file = std::filesystem::exists(LOCALES + locale + "/app-defaults/Glyphward");
+    if (has_class_file != (language != "english")) return locale + ": class file";
+    return "";
+}
+
+TEST(InstalledCataloguesTest, AreThereForEveryLocaleOfTheList) {
+    std::size_t count = 0;
+    for (const Line& line : lines()) {
+        for (const std::string& locale : line.locales) {
+            EXPECT_EQ(complaint_about(locale, line.language), "");
+            ++count;
+        }
+    }
+    EXPECT_GT(count, 100U);
+}
+
+/// The language of a locale's name, or nothing.
+std::string language_of(const std::string& locale) {
+    static const std::pair<const char*, const char*> STARTS[] = {
+        {"de_", "german"},      {"fr_", "french"},       {"es_", "spanish"},    {"ja_", "japanese"},
+        {"en_", "english"},     {"german", "german"},    {"deutsch", "german"}, {"french", "french"},
+        {"spanish", "spanish"}, {"japanese", "japanese"}};
+    for (const auto& [start, language] : STARTS) {
+        if (locale.starts_with(start)) return language;
+    }
+    return "";
+}
+
+TEST(InstalledCataloguesTest, AreThereForEveryNameThatTheMachineHas) {
+    const TempDir dir;
+    ASSERT_EQ(gw::run_shell("locale -a > %s", {dir.file("names")}), 0);
+    std::istringstream in(dir.read("names"));
+    std::size_t count = 0;
+    for (std::string locale; std::getline(in, locale);) {
+        const std::string language = language_of(locale);
+        if (language.empty()) continue;
+        EXPECT_EQ(complaint_about(locale, language), "");
+        ++count;
+    }
+    EXPECT_GT(count, 100U);
+}
+
+// Their spellings differ from one program that sets LANG to the next.
+TEST(InstalledCataloguesTest, AreThereUnderOtherSpellings) {
+    for (const char* locale :
+         {"de_DE.utf8", "de_CH.UTF8", "de_DE.iso88591", "de_AT.ISO-8859-15@euro", "fr_CA.ISO8859-1",
+          "es_MX.utf8", "es_CU.UTF-8", "ja_JP.eucjp", "ja_JP.eucJP", "ja_JP"})
+        EXPECT_EQ(complaint_about(locale, language_of(locale)), "");
+}
+
+TEST(InstalledCataloguesTest, AreOneFileForALanguageAndCharacterSet) {
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(LOCALES)) {
+        const std::filesystem::path file = entry.path() / "LC_MESSAGES" / "glyphward.cat";
+        EXPECT_TRUE(!std::filesystem::is_symlink(file) || std::filesystem::read_symlink(file).is_relative());
+        if (std::filesystem::is_regular_file(std::filesystem::symlink_status(file))) files.push_back(file);
+    }
+    EXPECT_EQ(files.size(), lines().size() + 1) << "and that of the C locale";
+}
+
+}  // namespace
