@@ -1,9 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
 // All dialogs alike: their widgets stand under their names, every button does something or is insensitive,
-// and what the user reads is on the screen and not cut off. Built once for each locale that is looked at.
+// and what the user reads is on the screen and not cut off. Linked once for each locale that is looked at.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <langinfo.h>
 
 #include <clocale>
 #include <cstdlib>
@@ -17,6 +19,7 @@
 #include "app/conflictdlg.h"
 #include "app/delwarningdlg.h"
 #include "app/dirdlg.h"
+#include "app/fontsetsdlg.h"
 #include "app/fpinfodlg.h"
 #include "app/gw_gui_util.h"
 #include "app/helpdlg.h"
@@ -30,7 +33,10 @@
 #include "app/rmediadlg.h"
 #include "app/warningdlg.h"
 #include "app/workingdlg.h"
+#include "support/charset.h"
+#include "translations.h"
 #include "widget/dialogs_test_support.h"
+#include "widget/layout_locale.h"
 
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
@@ -189,6 +195,14 @@ std::vector<Dialog> dialogs() {
          {}},
         {"fp_info_dlg", &wi_fp_info_dlg, start_fp_info_dlg, {}},
         {"help_dlg", &wi_help_dlg, start_help_dlg, {"text", "ok_button"}, {"ok_button"}},
+        {"fontsets_dlg",
+         &wi_fontsets_dlg,
+         start_fontsets_dlg,
+         {"choose_label", "set_button_form", "separator", "sample_label", "sample_text", "separator1",
+          "list_label", "members_key", "members_label", "scrolledlist", "button_form", "msg_label"}},
+        {"delete_set_dlg", &wi_delete_set_dlg, [] { XtManageChild(wi_delete_set_dlg); }, {"list_label"}},
+        {"new_set_dlg", &wi_new_set_dlg, [] { XtManageChild(wi_new_set_dlg); }, {"name_label"}},
+        {"sample_text_dlg", &wi_sample_text_dlg, [] { XtManageChild(wi_sample_text_dlg); }, {}},
         {"pr_install_dlg", &wi_pr_install_dlg, [] { XtManageChild(wi_pr_install_dlg); }, {}},
         {"pr_delete_dlg", &wi_pr_delete_dlg, [] { XtManageChild(wi_pr_delete_dlg); }, {}},
         {"pr_modify_fp_dlg",
@@ -249,9 +263,13 @@ int ring_of(Widget w) {
 class Layout : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        ::setenv("LC_ALL", TEST_LOCALE, 1);
-        start_at_home();
-        ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), TEST_LOCALE);
+        ::setenv("LC_ALL", LAYOUT_LOCALE, 1);
+        ::setenv("LANG", LAYOUT_LOCALE, 1);
+        ::setenv("VANTORHOME", "/usr/vantor", 1);
+        home();
+        start_program(
+            {"-xrm", "Glyphward*gw_fontset_support: True", "-xrm", "Glyphward*gw_printer_support: True"});
+        ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), LAYOUT_LOCALE);
     }
     static void each_dialog(const std::function<void(const Dialog&, Widget)>& look) {
         for (const Dialog& dialog : dialogs()) {
@@ -272,6 +290,77 @@ class Layout : public testing::Test {
         }
     }
 };
+
+/// The language's text in the place of `message`, in UTF-8.
+std::string translation(gw::Message message) {
+    const gw::MessageEntry& wanted = gw::message_table()[static_cast<std::size_t>(message)];
+    for (const gw::catalogue::Language& language : gw::catalogue::languages()) {
+        if (language.name != LAYOUT_LANGUAGE) continue;
+        for (const gw::catalogue::Entry& entry : language.texts) {
+            if (entry.set == wanted.set && entry.number == wanted.number) return std::string(entry.text);
+        }
+    }
+    return wanted.text;
+}
+
+TEST_F(Layout, TheTextsAreThoseOfTheLanguage) {
+    const std::string charset = ::nl_langinfo(CODESET);
+    for (const gw::Message message :
+         {gw::Message::DELETE_BUTTON, gw::Message::SELECT_ALL, gw::Message::FP_INFO}) {
+        const std::string expected = gw::test::converted(translation(message), charset);
+        EXPECT_FALSE(expected.empty());
+        EXPECT_EQ(gw::text_of(message), expected);
+    }
+    EXPECT_EQ(gw::label_of(find(wi_mainwindow, "_command_form._delete_button")),
+              gw::text_of(gw::Message::DELETE_BUTTON));
+}
+
+/// The left half of what the status line shows of a text, pixel by pixel.
+std::vector<unsigned long> left_half(const std::string& utf8) {
+    Widget line = wi_main_window_status_label;
+    gw::set_label(line, gw::test::converted(utf8, ::nl_langinfo(CODESET)));
+    pump();
+    XtWidgetGeometry preferred = {};
+    XtQueryGeometry(line, nullptr, &preferred);
+    XImage* image = XGetImage(display, XtWindow(line), 0, 0, preferred.width / 2U,
+                              static_cast<unsigned>(box_of(line).height), AllPlanes, ZPixmap);
+    std::vector<unsigned long> pixels;
+    for (int y = 0; y < image->height; ++y) {
+        for (int x = 0; x < image->width; ++x) pixels.push_back(XGetPixel(image, x, y));
+    }
+    XDestroyImage(image);
+    return pixels;
+}
+
+// Letters of the same first byte. As bytes they would begin alike, as boxes or as nothing they would be
+// alike.
+TEST_F(Layout, LettersOfTheLanguageAreDrawn) {
+    ASSERT_TRUE(pump_until([] { return is_viewable(wi_mainwindow); }));
+    const std::string_view language = LAYOUT_LANGUAGE;
+    const bool is_japanese = language == "japanese";
+    const bool is_ascii = language == "C";
+    const auto one = left_half(is_japanese ? "\xe3\x81\x82" : is_ascii ? "a" : "\xc3\xb6");
+    const auto other = left_half(is_japanese ? "\xe3\x81\x84" : is_ascii ? "b" : "\xc3\xbc");
+    EXPECT_GT(one.size(), 20U);
+    EXPECT_NE(one, other);
+    gw::set_label(wi_main_window_status_label, " ");
+}
+
+TEST_F(Layout, NoTextOfTheMainWindowIsCutOff) {
+    each_part(wi_mainwindow, [](Widget part) {
+        if (!has_text(part) || is_scrolled(part, wi_mainwindow)) return;
+        XtWidgetGeometry preferred = {};
+        XtQueryGeometry(part, nullptr, &preferred);
+        EXPECT_GE(box_of(part).width + ring_of(part), preferred.width)
+            << XtName(part) << ": " << gw::label_of(part);
+        EXPECT_GE(box_of(part).height + ring_of(part), preferred.height)
+            << XtName(part) << ": " << gw::label_of(part);
+        const Box box = box_of(part);
+        const Box around = box_of(XtParent(part));
+        EXPECT_LE(box.x + box.width, around.width) << XtName(part);
+        EXPECT_LE(box.y + box.height, around.height) << XtName(part);
+    });
+}
 
 TEST_F(Layout, EveryWidgetStandsUnderItsName) {
     each_dialog([](const Dialog& dialog, Widget w) {

@@ -5,7 +5,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <iconv.h>
 #include <langinfo.h>
 #include <nl_types.h>
 
@@ -17,14 +16,15 @@
 #include <vector>
 
 #include "platform/shell_command.h"
+#include "support/charset.h"
 #include "support/temp_dir.h"
 #include "translations.h"
 
 namespace {
 
 using namespace gw::catalogue;
+using gw::test::converted;
 using gw::test::TempDir;
-using testing::IsEmpty;
 
 constexpr const char* LOCALES = "/usr/vantor/lib/locale/";
 constexpr const char* NOT_THERE = "not in the catalogue";
@@ -47,20 +47,6 @@ class Catalogue {
   private:
     nl_catd descriptor_;
 };
-
-/// UTF-8 in another character set; empty when that is impossible.
-std::string converted(std::string_view text, const std::string& charset) {
-    const iconv_t descriptor = ::iconv_open(charset.c_str(), "UTF-8");
-    std::string in(text);
-    std::string result(4 * in.size() + 16, '\0');
-    char* from = in.data();
-    char* to = result.data();
-    std::size_t from_left = in.size();
-    std::size_t to_left = result.size();
-    const bool done = ::iconv(descriptor, &from, &from_left, &to, &to_left) == 0;
-    ::iconv_close(descriptor);
-    return done ? result.substr(0, result.size() - to_left) : "";
-}
 
 Texts texts_of(const std::string& language) {
     for (const Language& candidate : languages()) {
