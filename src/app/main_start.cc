@@ -82,8 +82,14 @@ void read_resources() {
     gw::set_font_policy(gw::FontPolicy(Gw_modern_resrc.modern_fonts != False));
 }
 
+// Who sets a locale that the machine does not have is told so by every program; here all is English then.
+bool is_locale_noise(std::string_view warning) {
+    return warning.find("locale not supported by C library") != std::string_view::npos;
+}
+
 void quiet_about_fonts(String warning) {
-    if (!gw::is_font_noise(warning)) std::fprintf(stderr, "glyphward: %s\n", warning);
+    if (!gw::is_font_noise(warning) && !is_locale_noise(warning))
+        std::fprintf(stderr, "glyphward: %s\n", warning);
 }
 
 // Nothing can be saved and nothing shown once the display is gone; exit handlers would only talk to it.
@@ -134,8 +140,8 @@ void init_gui(int* argc, char** argv) {
     set_env();
     gw::open_catalogue();
     XSetIOErrorHandler(display_lost);
+    XtSetWarningHandler(quiet_about_fonts);
     wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
-    XtAppSetWarningHandler(app, quiet_about_fonts);
     read_resources();
     display = XtDisplay(wi_toplevel);
     screen = XtScreen(wi_toplevel);

@@ -44,6 +44,23 @@ bool is_viewable(Display* display, Window window) {
            attributes.c_class == InputOutput;
 }
 
+struct TextListDeleter {
+    void operator()(char** list) const { XFreeStringList(list); }
+};
+
+/// The title of a window in UTF-8, whatever it is kept in; empty when it has none.
+std::string title_of(Display* display, Window window) {
+    XTextProperty property = {};
+    if (XGetWMName(display, window, &property) == 0) return "";
+    const std::unique_ptr<unsigned char, XFreeDeleter> bytes(property.value);
+    char** list = nullptr;
+    int count = 0;
+    if (Xutf8TextPropertyToTextList(display, &property, &list, &count) < Success || list == nullptr)
+        return "";
+    const std::unique_ptr<char*, TextListDeleter> owned(list);
+    return count > 0 ? list[0] : "";
+}
+
 }  // namespace
 
 Desktop::Desktop(const char* display_name) : display_(XOpenDisplay(display_name)) {
@@ -57,10 +74,7 @@ Desktop::~Desktop() {
 
 Window Desktop::find_titled(Window below, const std::string& title) const {
     for (const Window child : children_of(display_, below)) {
-        char* name = nullptr;
-        XFetchName(display_, child, &name);
-        const std::unique_ptr<char, XFreeDeleter> owned(name);
-        if (name != nullptr && title == name && is_viewable(display_, child)) return child;
+        if (title == title_of(display_, child) && is_viewable(display_, child)) return child;
         if (const Window found = find_titled(child, title); found != 0) return found;
     }
     return 0;

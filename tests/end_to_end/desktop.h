@@ -31,7 +31,7 @@ class Desktop {
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
-    /// The visible window with exactly that title; 0 when there is none (yet).
+    /// The visible window with exactly that title, in UTF-8; 0 when there is none (yet).
     [[nodiscard]] Window window_titled(const std::string& title) const;
     [[nodiscard]] bool is_visible(const std::string& title) const { return window_titled(title) != 0; }
     /// The visible window somewhere inside `window` that has this name; 0 when there is none (yet).
