@@ -169,6 +169,7 @@ TEST(ManualPageTest, HasItsSectionsInOrder) {
                                                "FONTSETS",
                                                "FONTS OF TODAY",
                                                "FONTS OF A PRINTER",
+                                               "LANGUAGES",
                                                "KEYBOARD",
                                                "OPTIONS",
                                                "RESOURCES",
