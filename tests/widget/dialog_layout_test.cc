@@ -40,6 +40,7 @@
 
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
+#include <Xm/MessageB.h>
 #include <Xm/PushB.h>
 #include <Xm/PushBG.h>
 #include <Xm/ScrolledW.h>
@@ -332,6 +333,18 @@ std::vector<unsigned long> left_half(const std::string& utf8) {
     return pixels;
 }
 
+/// Those that show texts of the language in fonts which resources give them.
+std::vector<Widget> parts_with_own_fonts() {
+    return {find(wi_mainwindow, "_fontlist_label"), find(wi_conflict_dlg, "_conflicts_list"),
+            find(wi_props_dlg, "sample_textField"), part_of(wi_init_dlg, XmDIALOG_MESSAGE_LABEL)};
+}
+
+void draw_status_in_fonts_of(Widget part) {
+    XmRenderTable fonts = nullptr;
+    XtVaGetValues(part, XmNrenderTable, &fonts, nullptr);
+    XtVaSetValues(wi_main_window_status_label, XmNrenderTable, fonts, nullptr);
+}
+
 // Letters of the same first byte. As bytes they would begin alike, as boxes or as nothing they would be
 // alike.
 TEST_F(Layout, LettersOfTheLanguageAreDrawn) {
@@ -339,10 +352,15 @@ TEST_F(Layout, LettersOfTheLanguageAreDrawn) {
     const std::string_view language = LAYOUT_LANGUAGE;
     const bool is_japanese = language == "japanese";
     const bool is_ascii = language == "C";
-    const auto one = left_half(is_japanese ? "\xe3\x81\x82" : is_ascii ? "a" : "\xc3\xb6");
-    const auto other = left_half(is_japanese ? "\xe3\x81\x84" : is_ascii ? "b" : "\xc3\xbc");
-    EXPECT_GT(one.size(), 20U);
-    EXPECT_NE(one, other);
+    for (Widget part : parts_with_own_fonts()) {
+        ASSERT_NE(part, nullptr);
+        draw_status_in_fonts_of(part);
+        const auto one = left_half(is_japanese ? "\xe3\x81\x82" : is_ascii ? "a" : "\xc3\xb6");
+        const auto other = left_half(is_japanese ? "\xe3\x81\x84" : is_ascii ? "b" : "\xc3\xbc");
+        EXPECT_GT(one.size(), 20U) << XtName(part);
+        EXPECT_NE(one, other) << XtName(part);
+    }
+    draw_status_in_fonts_of(find(wi_mainwindow, "_fontlist_label"));
     gw::set_label(wi_main_window_status_label, " ");
 }
 
