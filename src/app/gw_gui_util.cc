@@ -292,6 +292,16 @@ const Attach& Attach::columns(int left, int right) const {
     return *this;
 }
 
+int natural_height(Widget w) {
+    XtWidgetGeometry natural = {};
+    XtQueryGeometry(w, nullptr, &natural);
+    return natural.height;
+}
+
+int centring_offset(Widget low, Widget tall) {
+    return std::max((natural_height(tall) - natural_height(low)) / 2, 0);
+}
+
 namespace {
 
 /// A dialog whose size a resource gives has it, and its shell not yet: left alone, the shell would make the

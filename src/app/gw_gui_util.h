@@ -143,6 +143,12 @@ class Attach {
     Widget w_;
 };
 
+/// The height in pixels that the widget would have by itself.
+int natural_height(Widget w);
+/// By how many pixels `low`, side by side with `tall`, is to be shifted so that their middles are at one
+/// height; 0 where `low` is the taller one.
+int centring_offset(Widget low, Widget tall);
+
 // --- what all dialogs do alike
 // -------------------------------------------------------------------------------------------------
 

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/printerdlg.h"
 
+#include <algorithm>
 #include <string>
+#include <vector>
 
 #include "app/attrdlg.h"
 #include "app/dirdlg.h"
@@ -88,25 +90,17 @@ class Rows {
 
     /// Puts the widget at the left of a new row.
     Widget start(Widget w) {
+        above_ = tallest();
+        row_ = {w};
         Attach(w).left_form(GAP);
-        if (first_ != nullptr) {
-            Attach(w).below(first_, GAP);
-        } else {
-            Attach(w).top_form(GAP);
-        }
-        above_ = first_;
-        first_ = last_ = w;
+        arrange();
         return w;
     }
-    /// Puts the widget to the right of the last one. The tallest of a row is what the next stands below.
+    /// Puts the widget to the right of the last one.
     Widget beside(Widget w) {
-        Attach(w).right_of(last_, GAP);
-        if (above_ != nullptr) {
-            Attach(w).below(above_, GAP);
-        } else {
-            Attach(w).top_form(GAP);
-        }
-        first_ = last_ = w;
+        Attach(w).right_of(row_.back(), GAP);
+        row_.push_back(w);
+        arrange();
         return w;
     }
     Widget label(const char* name, Message text) { return start(gw::label(dialog_, name, text)); }
@@ -134,13 +128,29 @@ class Rows {
         return w;
     }
     /// The last row: what is in it stands at the bottom of the dialog.
-    void end() const { Attach(last_).bottom_form(GAP); }
+    void end() const { Attach(row_.back()).bottom_form(GAP); }
 
   private:
+    /// What the next row stands below.
+    [[nodiscard]] Widget tallest() const {
+        const auto lower = [](Widget a, Widget b) { return gw::natural_height(a) < gw::natural_height(b); };
+        const auto found = std::max_element(row_.begin(), row_.end(), lower);
+        return found != row_.end() ? *found : nullptr;
+    }
+    /// The middles of all that is in a row are at one height.
+    void arrange() const {
+        for (Widget w : row_) {
+            const int offset = GAP + gw::centring_offset(w, tallest());
+            if (above_ != nullptr) {
+                Attach(w).below(above_, offset);
+            } else {
+                Attach(w).top_form(offset);
+            }
+        }
+    }
     Widget dialog_;
     Widget above_ = nullptr;
-    Widget first_ = nullptr;
-    Widget last_ = nullptr;
+    std::vector<Widget> row_;
 };
 
 /// A row of buttons of equal width; returns them in order.

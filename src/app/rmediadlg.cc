@@ -98,7 +98,6 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
     Widget menu = create_option_menu(wi_rmedia_dlg);
     Attach(menu).top_form(GAP).left_form(GAP);
     Widget check = gw::push_button(wi_rmedia_dlg, "check_button", Message::RMEDIA_CHECK);
-    Attach(check).top_form(GAP + 5).right_of(menu, 2 * GAP).right_form(2 * GAP);
     XtAddCallback(check, XmNactivateCallback, check_cb, nullptr);
     Widget line = gw::separator(wi_rmedia_dlg, "separator");
     Attach(line).below(menu, GAP).sides(0);
@@ -110,6 +109,11 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
     Attach(message).below(help, 0).sides(GAP).bottom_form(0);
     XtVaSetValues(wi_rmedia_dlg, XmNdefaultButton, check, XmNcancelButton, close, XmNinitialFocus, check,
                   nullptr);
+    // Now, because the ring around a default button makes it higher.
+    Attach(check)
+        .top_form(GAP + gw::centring_offset(check, menu))
+        .right_of(menu, 2 * GAP)
+        .right_form(2 * GAP);
     gw::on_close_box(wi_rmedia_dlg, close_cb);
     return wi_rmedia_dlg;
 }
