@@ -21,6 +21,7 @@
 #include "app/helpdlg.h"
 #include "app/initdlg.h"
 #include "app/installdlg.h"
+#include "app/interface_font.h"
 #include "app/modifyfpdlg.h"
 #include "app/preconflictdlg.h"
 #include "app/printerdlg.h"
@@ -43,7 +44,8 @@ namespace gw {
 // A font that the server does not have is replaced by the toolkit, and a character that the selected font
 // lacks is left out: neither is news for the terminal.
 bool is_font_noise(std::string_view warning) {
-    for (const std::string_view noise : {"to type Font", "Missing charsets", "not supported in font"}) {
+    for (const std::string_view noise :
+         {"to type Font", "Missing charsets", "not supported in font", "Cannot load font", "No font found"}) {
         if (warning.find(noise) != std::string_view::npos) return true;
     }
     return false;
@@ -140,8 +142,10 @@ void init_gui(int* argc, char** argv) {
     set_env();
     gw::open_catalogue();
     XSetIOErrorHandler(display_lost);
+    // The shell is made with fonts already, and its application context with it.
     XtSetWarningHandler(quiet_about_fonts);
     wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
+    gw::prepare_interface_font(wi_toplevel);
     read_resources();
     display = XtDisplay(wi_toplevel);
     screen = XtScreen(wi_toplevel);

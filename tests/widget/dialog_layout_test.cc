@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// All dialogs alike: their widgets stand under their names, every button does something or is insensitive,
-// and what the user reads is on the screen and not cut off. Linked once for each locale that is looked at.
+// All windows alike: their widgets stand under their names, every button does something or is insensitive,
+// and what the user reads is on the screen and not cut off. Linked once for each place that is looked at.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -33,10 +33,13 @@
 #include "app/rmediadlg.h"
 #include "app/warningdlg.h"
 #include "app/workingdlg.h"
+#include "platform/host_paths.h"
 #include "support/charset.h"
 #include "translations.h"
 #include "widget/dialogs_test_support.h"
-#include "widget/layout_locale.h"
+#include "widget/layout_place.h"
+
+#include "support/own_server.h"
 
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
@@ -49,8 +52,12 @@ namespace {
 
 using namespace gw::test;
 
-constexpr int SCREEN_WIDTH = 1024;
-constexpr int SCREEN_HEIGHT = 768;
+// A screen of its own for fine dots; the sandbox's is coarse.
+constexpr int FINE_WIDTH = 2560;
+constexpr int FINE_HEIGHT = 1920;
+
+/// What the suite is built for: a locale, and how fine the server's screen is (0: the sandbox's), and what a
+/// desktop says of the fonts on it (0: nothing).
 
 /// Conflicts to show, of either kind.
 class Conflicts {
@@ -211,6 +218,15 @@ std::vector<Dialog> dialogs() {
          [] { XtManageChild(wi_pr_modify_fp_dlg); },
          {},
          {"cancel_button"}},
+        {"fontsets_dlg",
+         &wi_fontsets_dlg,
+         start_fontsets_dlg,
+         {"choose_label", "set_button_form.delete_set_button", "set_button_form.new_set_button",
+          "set_button_form.sample_text_button", "list_label", "members_label", "scrolledlist", "sample_label",
+          "sample_text", "button_form.ok_button", "msg_label"}},
+        {"new_set_dlg", &wi_new_set_dlg, [] { XtManageChild(wi_new_set_dlg); }, {}},
+        {"delete_set_dlg", &wi_delete_set_dlg, [] { XtManageChild(wi_delete_set_dlg); }, {}},
+        {"sample_text_dlg", &wi_sample_text_dlg, [] { XtManageChild(wi_sample_text_dlg); }, {}},
     };
 }
 
@@ -264,13 +280,27 @@ int ring_of(Widget w) {
 class Layout : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        ::setenv("LC_ALL", LAYOUT_LOCALE, 1);
-        ::setenv("LANG", LAYOUT_LOCALE, 1);
-        ::setenv("VANTORHOME", "/usr/vantor", 1);
+        for (const char* name : {"LC_ALL", "LANG"}) ::setenv(name, LAYOUT_LOCALE, 1);
+        ::setenv("VANTORHOME", gw::INSTALLATION_ROOT, 1);
         home();
-        start_program(
-            {"-xrm", "Glyphward*gw_fontset_support: True", "-xrm", "Glyphward*gw_printer_support: True"});
+        if (LAYOUT_SERVER_DPI != 0) static const OwnServer server(FINE_WIDTH, FINE_HEIGHT, LAYOUT_SERVER_DPI);
+        std::vector<std::string> arguments;
+        for (const char* support : {"fontset", "printer"}) {
+            arguments.insert(arguments.end(),
+                             {"-xrm", std::string("Glyphward*gw_") + support + "_support: True"});
+        }
+        if (LAYOUT_XFT_DPI != 0)
+            arguments.insert(arguments.end(), {"-xrm", "Xft.dpi: " + std::to_string(LAYOUT_XFT_DPI)});
+        start_program(arguments);
         ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), LAYOUT_LOCALE);
+    }
+    /// The main window, then the dialogs.
+    static void each_window(const std::function<void(Widget)>& look) {
+        {
+            SCOPED_TRACE("mainWindow");
+            look(wi_mainwindow);
+        }
+        each_dialog([&](const Dialog&, Widget w) { look(w); });
     }
     static void each_dialog(const std::function<void(const Dialog&, Widget)>& look) {
         for (const Dialog& dialog : dialogs()) {
@@ -401,17 +431,19 @@ TEST_F(Layout, EveryButtonDoesSomethingOrIsInsensitive) {
 TEST_F(Layout, EveryDialogStandsInTheMiddleOfTheScreen) {
     each_dialog([](const Dialog&, Widget w) {
         const Box box = box_of(XtParent(w));
+        const int width = WidthOfScreen(screen);
+        const int height = HeightOfScreen(screen);
         EXPECT_GE(box.x, 0);
         EXPECT_GE(box.y, 0);
-        EXPECT_LE(box.x + box.width, SCREEN_WIDTH);
-        EXPECT_LE(box.y + box.height, SCREEN_HEIGHT);
-        EXPECT_NEAR(box.x, (SCREEN_WIDTH - box.width) / 2, 1);
-        EXPECT_NEAR(box.y, (SCREEN_HEIGHT - box.height) / 2, 1);
+        EXPECT_LE(box.x + box.width, width);
+        EXPECT_LE(box.y + box.height, height);
+        EXPECT_NEAR(box.x, (width - box.width) / 2, 1);
+        EXPECT_NEAR(box.y, (height - box.height) / 2, 1);
     });
 }
 
 TEST_F(Layout, NoTextIsCutOff) {
-    each_dialog([](const Dialog&, Widget w) {
+    each_window([](Widget w) {
         each_part(w, [&](Widget part) {
             if (!has_text(part) || is_scrolled(part, w)) return;
             XtWidgetGeometry preferred = {};
@@ -426,7 +458,7 @@ TEST_F(Layout, NoTextIsCutOff) {
 }
 
 TEST_F(Layout, EveryPartIsInsideOfWhatHoldsIt) {
-    each_dialog([](const Dialog&, Widget w) {
+    each_window([](Widget w) {
         each_part(w, [&](Widget part) {
             if (is_scrolled(part, w)) return;
             const Box box = box_of(part);
@@ -437,6 +469,35 @@ TEST_F(Layout, EveryPartIsInsideOfWhatHoldsIt) {
             EXPECT_LE(box.y + box.height, around.height) << XtName(part);
         });
     });
+}
+
+double middle_of(Widget w) {
+    const Box box = box_of(w);
+    return box.y + box.height / 2.0;
+}
+
+TEST_F(Layout, ControlsOfARowHaveTheirMiddlesAtOneHeight) {
+    const std::vector<std::vector<const char*>> rows = {
+        {"install_dlg", "_install_to_label", "install_dir_dlg_button"},
+        {"rmedia_dlg", "media_option_menu", "check_button"},
+        {"pr_install_dlg", "media_label", "other_media_dlg_button", "from_dir_dlg_button"},
+        {"pr_install_dlg", "for_label", "for_menu"},
+        {"pr_install_dlg", "install_to_label", "to_dir_dlg_button"},
+        {"pr_delete_dlg", "for_label", "for_menu"},
+        {"pr_delete_dlg", "size_label", "size_menu"},
+        {"pr_modify_fp_dlg", "printer_label", "printer_menu"},
+        {"pr_modify_fp_dlg", "new_fp_label", "new_fp_textfield", "dir_dlg_button"},
+    };
+    std::set<const std::vector<const char*>*> seen;
+    each_dialog([&](const Dialog& dialog, Widget w) {
+        for (const std::vector<const char*>& row : rows) {
+            if (row[0] != std::string(dialog.name)) continue;
+            seen.insert(&row);
+            for (std::size_t i = 2; i < row.size(); ++i)
+                EXPECT_NEAR(middle_of(find(w, row[i])), middle_of(find(w, row[1])), 2) << row[i];
+        }
+    });
+    EXPECT_EQ(seen.size(), rows.size());
 }
 
 }  // namespace

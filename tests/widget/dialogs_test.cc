@@ -224,7 +224,7 @@ TEST_F(Attributes, TheDialogKeepsItsSizeFromFontToFont) {
     EXPECT_TRUE(keeps_size()) << "an alias";
     clear_attributes();
     EXPECT_TRUE(keeps_size()) << "no values";
-    const gw::Ref<GWFont> named_long(make_bitmap(std::string(90, 'f'), "120"));
+    const gw::Ref<GWFont> named_long(make_bitmap(std::string(90, 'm'), "120"));
     show_font_attributes(named_long.get(), nullptr);
     EXPECT_FALSE(keeps_size()) << "a long name is readable";
     note_size();

@@ -574,9 +574,9 @@ void resize(int width, int height) {
 }
 
 TEST_F(MainWindowTest, FitsTheScreenAndIsInOrder) {
-    EXPECT_EQ(width_of(wi_mainwindow), 650);
+    EXPECT_EQ(width_of(wi_mainwindow), gw::test::in_pixels(92, XmHORIZONTAL));
     EXPECT_LE(height_of(wi_mainwindow), 700);
-    EXPECT_EQ(height_of(wi_installed_sample_textfield), 60);
+    EXPECT_EQ(height_of(wi_installed_sample_textfield), gw::test::in_pixels(10, XmVERTICAL));
     expect_tidy();
     const char* const DOWN[] = {"menuBar",           "_fontlist_label", "_hrn_list",     "_sample_textfield",
                                 "_size_option_menu", "_disk_space_val", "_command_form", "_status_message"};
@@ -594,11 +594,11 @@ TEST_F(MainWindowTest, OnlyTheListGrowsWithTheWindow) {
     const int list_height = height_of(wi_hrn_list);
     resize(width + 200, height + 120);
     EXPECT_EQ(height_of(wi_hrn_list), list_height + 120);
-    EXPECT_EQ(height_of(wi_installed_sample_textfield), 60);
+    EXPECT_EQ(height_of(wi_installed_sample_textfield), gw::test::in_pixels(10, XmVERTICAL));
     expect_tidy();
     resize(width - 100, height - 150);
     EXPECT_EQ(height_of(wi_hrn_list), list_height - 150);
-    EXPECT_EQ(height_of(wi_installed_sample_textfield), 60);
+    EXPECT_EQ(height_of(wi_installed_sample_textfield), gw::test::in_pixels(10, XmVERTICAL));
     expect_tidy();
     resize(width, height);
     EXPECT_EQ(height_of(wi_hrn_list), list_height);

@@ -116,8 +116,8 @@ TEST_F(Progress, HasTheSizeOfItsResourcesEachTime) {
         Dimension width = 0;
         Dimension height = 0;
         XtVaGetValues(wi_progress_dlg, XmNwidth, &width, XmNheight, &height, nullptr);
-        EXPECT_EQ(width, 370) << text;
-        EXPECT_EQ(height, 110) << text;
+        EXPECT_EQ(width, gw::test::in_pixels(47, XmHORIZONTAL)) << text;
+        EXPECT_EQ(height, gw::test::in_pixels(16, XmVERTICAL)) << text;
         stop_progress_dlg();
         pump();
     }

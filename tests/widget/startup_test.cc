@@ -18,8 +18,10 @@
 #include <vector>
 
 #include "app/attrdlg.h"
+#include "app/dirdlg.h"
 #include "app/glyphwardapp.h"
 #include "app/gw_gui_util.h"
+#include "app/helpdlg.h"
 #include "app/initdlg.h"
 #include "app/main_start.h"
 #include "app/messages.h"
@@ -32,11 +34,14 @@
 
 // X headers come last.
 #include <Xm/DialogS.h>
+#include <Xm/FileSB.h>
 #include <Xm/MessageB.h>
+#include <Xm/TextF.h>
 
 namespace {
 
 using gw::test::start_program;
+using testing::AnyOfArray;
 using testing::Eq;
 using testing::ExitedWithCode;
 using testing::StartsWith;
@@ -389,6 +394,25 @@ TEST_F(OwnProcessDeathTest, WithoutAResourceFileTheBuiltInListHolds) {
         ExitedWithCode(0), Eq("E 60\n"));
 }
 
+/// The name of the first font of a widget.
+std::string font_of(Widget w) {
+    XmRenderTable table = nullptr;
+    XtVaGetValues(w, XmNrenderTable, &table, nullptr);
+    XmStringTag* tags = nullptr;
+    const int count = XmRenderTableGetTags(table, &tags);
+    if (count == 0) return "none";
+    XmRendition rendition = XmRenderTableGetRendition(table, tags[0]);
+    String name = nullptr;
+    Arg args[1];
+    XtSetArg(args[0], XmNfontName, &name);
+    XmRenditionRetrieve(rendition, args, 1);
+    const std::string copy = name;
+    XmRenditionFree(rendition);
+    const gw::XtOwned<XmStringTag> owned(tags);
+    for (int i = 0; i < count; ++i) const gw::XtOwned<char> tag(tags[i]);
+    return copy;
+}
+
 // Each locale has its own fonts, encodings and warnings; none of that is for the terminal.
 TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
     for (const char* locale : {"C", "C.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8", "de_DE", "ja_JP.eucjp"}) {
@@ -405,6 +429,86 @@ TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
             ExitedWithCode(0), Eq("Glyph Warden\n"))
             << locale;
     }
+}
+
+// Scalable fonts are opened while the shell is made, which is before there is anything to be quiet about in
+// other ways; and widgets cannot be made of a table without a font.
+TEST_F(OwnProcessDeathTest, WithoutScalableFontsItQuietlyTakesTheServersFont) {
+    const gw::test::TempDir dir;
+    dir.write("fonts.conf", "<fontconfig><dir>" + dir.path() + "none</dir></fontconfig>");
+    EXPECT_EXIT(
+        {
+            ::setenv("FONTCONFIG_FILE", dir.file("fonts.conf").c_str(), 1);
+            start_program();
+            start_help_dlg();
+            Widget title = gw::test::find(wi_toplevel, "_fontlist_label");
+            std::fprintf(stderr, "%s, %s, %d, %d\n", font_of(title).c_str(), font_of(wi_text).c_str(),
+                         gw::test::in_pixels(1, XmHORIZONTAL), gw::test::in_pixels(1, XmVERTICAL));
+            exit_btn_cb(nullptr, nullptr, nullptr);
+        },
+        ExitedWithCode(0), Eq("fixed, fixed, 7, 7\n"));
+}
+
+// 10 points are 13 pixels at 96 dots per inch, and a digit is a little more than half as wide as that.
+TEST_F(OwnProcessDeathTest, TheInterfaceFollowsTheDesktopsResolution) {
+    const std::vector<std::vector<std::string>> readings = {
+        {"Sans, 92 units of 8\n", "Sans, 92 units of 9\n"},
+        {"Sans, 92 units of 16\n", "Sans, 92 units of 17\n"}};
+    for (const std::size_t scale : {1U, 2U}) {
+        EXPECT_EXIT(
+            {
+                start_program({"-xrm", "Xft.dpi: " + std::to_string(96 * scale)});
+                Dimension width = 0;
+                XtVaGetValues(wi_mainwindow, XmNwidth, &width, nullptr);
+                const int columns = width / gw::test::in_pixels(1, XmHORIZONTAL);
+                std::fprintf(stderr, "%s, %d units of %d\n",
+                             font_of(gw::test::find(wi_toplevel, "_fontlist_label")).c_str(), columns,
+                             gw::test::in_pixels(1, XmHORIZONTAL));
+                exit_btn_cb(nullptr, nullptr, nullptr);
+            },
+            ExitedWithCode(0), AnyOfArray(readings[scale - 1]));
+    }
+}
+
+// The toolkit takes what it draws in a scalable font for UTF-8, and drops the rest of what a text field is
+// given.
+TEST_F(OwnProcessDeathTest, TextsStayWholeInEveryEncoding) {
+    struct Encoding {
+        const char* locale;
+        const char* text;
+        const char* label_font;
+    };
+    for (const Encoding& encoding :
+         {Encoding{"C", "a\xc3\xa9z", "Sans"}, Encoding{"C.UTF-8", "a\xc3\xa9z", "Sans"},
+          Encoding{"de_DE.UTF-8", "a\xc3\xa9z", "Sans"}, Encoding{"de_DE", "a\xe9z", "fixed"},
+          Encoding{"ja_JP.eucjp", "\xb4\xc1", "fixed"}}) {
+        EXPECT_EXIT(
+            {
+                ::setenv("LANG", encoding.locale, 1);
+                ::unsetenv("LC_ALL");
+                start_program();
+                Widget field = gw::test::part_of(wi_dir_dlg, XmDIALOG_TEXT);
+                XmTextFieldSetString(field, gw::name_arg(encoding.text));
+                std::fprintf(stderr, "%s %s\n",
+                             font_of(gw::test::find(wi_toplevel, "_fontlist_label")).c_str(),
+                             gw::field_text(field).c_str());
+                exit_btn_cb(nullptr, nullptr, nullptr);
+            },
+            ExitedWithCode(0), Eq(std::string(encoding.label_font) + ' ' + encoding.text + '\n'))
+            << encoding.locale;
+    }
+}
+
+// What a resource says about one widget goes over the table that all inherit.
+TEST_F(OwnProcessDeathTest, AFontListGoesOverTheInterfacesFont) {
+    EXPECT_EXIT(
+        {
+            start_program({"-xrm", "Glyphward*_fontlist_label.fontList: 9x15"});
+            std::fprintf(stderr, "%s, %s\n", font_of(gw::test::find(wi_toplevel, "_fontlist_label")).c_str(),
+                         font_of(gw::test::find(wi_toplevel, "_disk_space_label")).c_str());
+            exit_btn_cb(nullptr, nullptr, nullptr);
+        },
+        ExitedWithCode(0), Eq("9x15, Sans\n"));
 }
 
 // A window manager that thinks before it puts a window on the screen.
@@ -434,9 +538,11 @@ int pixels_drawn(Widget widget) {
     XGetWindowAttributes(display, XtWindow(widget), &attributes);
     XImage* image = XGetImage(display, XtWindow(widget), 0, 0, static_cast<unsigned>(attributes.width),
                               static_cast<unsigned>(attributes.height), AllPlanes, ZPixmap);
+    Pixel ink = 0;
+    XtVaGetValues(widget, XmNforeground, &ink, nullptr);
     int count = 0;
     for (int y = 0; y < image->height; ++y) {
-        for (int x = 0; x < image->width; ++x) count += XGetPixel(image, x, y) == BlackPixelOfScreen(screen);
+        for (int x = 0; x < image->width; ++x) count += XGetPixel(image, x, y) == ink;
     }
     XDestroyImage(image);
     return count;

@@ -18,6 +18,7 @@
 #include <Xm/List.h>
 #include <Xm/MessageB.h>
 #include <Xm/Protocols.h>
+#include <Xm/Screen.h>
 #include <Xm/TextF.h>
 
 namespace {
@@ -147,6 +148,13 @@ std::string chosen(Widget option_menu) {
     Widget entry = nullptr;
     XtVaGetValues(option_menu, XmNmenuHistory, &entry, nullptr);
     return entry != nullptr ? label_of(entry) : "";
+}
+
+int in_pixels(int font_units, unsigned char orientation) {
+    int unit = 0;
+    XtVaGetValues(XmGetXmScreen(screen),
+                  orientation == XmHORIZONTAL ? XmNhorizontalFontUnit : XmNverticalFontUnit, &unit, nullptr);
+    return font_units * unit;
 }
 
 void close_box(Widget widget) {

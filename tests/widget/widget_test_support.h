@@ -44,6 +44,9 @@ bool choose(Widget option_menu, const std::string& text);
 std::vector<std::string> choices(Widget pulldown);
 std::string chosen(Widget option_menu);
 
+/// How many pixels a size in font units is, along an orientation (XmHORIZONTAL, XmVERTICAL).
+int in_pixels(int font_units, unsigned char orientation);
+
 /// The window manager's close box of the window of `widget`.
 void close_box(Widget widget);
 /// The key of that name ("Escape") goes down and up in the window of `widget`, which is on the screen.
