@@ -31,6 +31,7 @@
 #include "app/rmediadlg.h"
 #include "app/sample_text_cb.h"
 #include "app/warningdlg.h"
+#include "app/window_icon.h"
 #include "app/workingdlg.h"
 #include "core/font_policy.h"
 #include "core/gw_misc.h"
@@ -165,6 +166,7 @@ void build_program() {
     if (uid == 0) user_is_root = 1;
     stop_init_dlg();
     XtRealizeWidget(wi_toplevel);
+    gw::set_window_icon(wi_toplevel);
     gw::name_windows(wi_toplevel);
 }
 

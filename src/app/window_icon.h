@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+//
+// The icon of the main window. Dialogs are transient for it and have no entry of their own in a window
+// manager's lists.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+// X headers come last.
+#include <Xm/Xm.h>
+
+namespace gw {
+
+/// A square image: `size` times `size` pixels 0xAARRGGBB, row by row from the top.
+struct IconImage {
+    unsigned size;
+    const std::uint32_t* pixels;
+};
+
+/// All sizes, ascending. Made from data/icon when the program is built.
+std::vector<IconImage> icon_images();
+
+/// Gives the realized `shell` the icon in both forms: the property _NET_WM_ICON in all sizes, and the pixmap
+/// and mask of WM_HINTS, which mwm shows. The pixmap is for screens with true colours; others go without.
+void set_window_icon(Widget shell);
+
+}  // namespace gw
