@@ -330,6 +330,8 @@ void create_lower_part(Widget dialog, Widget font_list) {
     Attach(_dest_label).sides(GAP).above(line, GAP);
     Widget directory = gw::push_button(dialog, "install_dir_dlg_button", Message::DESTINATION_DIRECTORY);
     XtAddCallback(directory, XmNactivateCallback, install_dir_dlg_cb, nullptr);
+    // By Tab, between the sample and the buttons, and not behind these.
+    XtVaSetValues(directory, XmNnavigationType, XmTAB_GROUP, nullptr);
     Widget to = gw::label(dialog, "_install_to_label", Message::INSTALL_TO);
     Attach(to).left_form(GAP).above(_dest_label, GAP + gw::centring_offset(to, directory));
     Attach(directory).right_of(to, 2 * GAP).above(_dest_label, GAP);

@@ -214,6 +214,13 @@ void Desktop::click_middle(Window window) const {
     click(window, place.width / 2, place.height / 2);
 }
 
+void Desktop::park_pointer() const {
+    const int screen = DefaultScreen(display_);
+    XTestFakeMotionEvent(display_, screen, DisplayWidth(display_, screen) - 1,
+                         DisplayHeight(display_, screen) - 1, CurrentTime);
+    XSync(display_, False);
+}
+
 // The middle button takes the slider to where it is pressed; an arrow stands at each end.
 void Desktop::scroll_to_start(Window scroll_bar) const {
     const Rectangle place = place_of(scroll_bar);

@@ -56,6 +56,8 @@ class Desktop {
     /// meanwhile ("Control_L"), or null.
     void click(Window window, int x, int y, const char* modifier = nullptr, unsigned button = Button1) const;
     void click_middle(Window window) const;
+    /// Takes the pointer out of the way, to a corner of the screen.
+    void park_pointer() const;
     /// Scrolls to the beginning (end) of what the upright scroll bar moves.
     void scroll_to_start(Window scroll_bar) const;
     void scroll_to_end(Window scroll_bar) const;

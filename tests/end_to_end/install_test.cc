@@ -24,6 +24,8 @@ using gw::test::SmallDisk;
 using gw::test::StrictUpr;
 using gw::test::TempDir;
 
+constexpr const char* ATTRIBUTES = "Glyph Warden - Font Attributes";
+constexpr const char* HELP = "Glyph Warden - Help";
 constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
 constexpr const char* PROGRESS = "Font Installation Progress Dialog";
@@ -149,35 +151,100 @@ TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
 }
 
 // Menu by mnemonics; in the dialog the keyboard begins at the source's button and in the chooser at the
-// selection.
-TEST_F(Install, ByKeyboardOnly) {
-    AARDVARKS.write_to(source.path());
-    start();
-    open_dialog();
-    desktop.key("space");
-    ASSERT_TRUE(wait_until([&] {
-        const Window chooser = desktop.window_titled(DirectoryChooser::SOURCE_TITLE);
-        return chooser != 0 && desktop.has_keyboard(chooser);
-    }));
-    desktop.key("Tab");  // the buttons
-    desktop.key("Tab");  // the filter
-    desktop.key("Control_L", "slash");
-    desktop.type(source.path() + '*');
-    desktop.key("Return");
-    desktop.key("Tab");  // the list, which begins with the directory itself
-    desktop.key("space");
-    desktop.key("Tab");  // the selection
-    desktop.key("Return");
-    ASSERT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
-    ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
-    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(dialog->window); }));
-    desktop.key("Tab");
-    ASSERT_TRUE(until([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+// selection. The pointer is out of all windows.
+class InstallByKeyboard : public Install {
+  protected:
+    InstallByKeyboard() { AARDVARKS.write_to(source.path()); }
+    void start_without_mouse() {
+        start();
+        desktop.park_pointer();
+    }
+    void open_dialog_by_keys() {
+        ASSERT_TRUE(
+            until([&] { return has_keyboard(InstallDialog::TITLE); }, [&] { main->choose("f", "i"); }));
+        dialog = std::make_unique<InstallDialog>(desktop);
+        ASSERT_TRUE(dialog->is_there());
+    }
+    void list_source_by_keys() {
+        desktop.key("space");
+        ASSERT_TRUE(wait_until([&] { return has_keyboard(DirectoryChooser::SOURCE_TITLE); }));
+        desktop.key("Tab");  // the buttons
+        desktop.key("Tab");  // the filter
+        desktop.key("Control_L", "slash");
+        desktop.type(source.path() + '*');
+        desktop.key("Return");
+        desktop.key("Tab");  // the list, which begins with the directory itself
+        desktop.key("space");
+        desktop.key("Tab");  // the selection
+        desktop.key("Return");
+        ASSERT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
+        ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
+        ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(dialog->window); }));
+        desktop.key("Tab");  // the list of fonts
+        ASSERT_TRUE(until([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+    }
+    void escape_from(const char* title) {
+        EXPECT_TRUE(wait_until([&] { return has_keyboard(title); })) << title;
+        desktop.key("Escape");
+        EXPECT_TRUE(desktop.disappears(title)) << title;
+    }
+    [[nodiscard]] bool has_keyboard(const char* title) const {
+        const Window window = desktop.window_titled(title);
+        return window != 0 && desktop.has_keyboard(window);
+    }
+};
+
+TEST_F(InstallByKeyboard, AFontIsInstalled) {
+    start_without_mouse();
+    open_dialog_by_keys();
+    list_source_by_keys();
     desktop.key("Return");
     EXPECT_TRUE(desktop.disappears(InstallDialog::TITLE)) << "Return is Install";
     EXPECT_TRUE(arrives(AARDVARKS));
     EXPECT_TRUE(hint_comes_and_goes());
     EXPECT_EQ(leave(), 0);
+}
+
+TEST_F(InstallByKeyboard, AttributesAreShownFromTheMainWindowAndFromTheDialog) {
+    start_without_mouse();
+    ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+    ASSERT_TRUE(until([&] { return desktop.is_visible(ATTRIBUTES); }, [&] { main->choose("f", "a"); }));
+    escape_from(ATTRIBUTES);
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+
+    open_dialog_by_keys();
+    list_source_by_keys();
+    desktop.key("Tab");  // the sample
+    desktop.key("Tab");  // the destination
+    desktop.key("Tab");  // the buttons, of which Install is first
+    desktop.key("Right");
+    desktop.key("Right");
+    desktop.key("space");
+    ASSERT_TRUE(desktop.appears(ATTRIBUTES));
+    desktop.picture("attributes-by-keyboard");
+    escape_from(ATTRIBUTES);
+    escape_from(InstallDialog::TITLE);
+    EXPECT_EQ(leave(), 0);
+    EXPECT_FALSE(is_installed(AARDVARKS));
+}
+
+TEST_F(InstallByKeyboard, TheMainWindowHasKeysOfItsOwn) {
+    start_without_mouse();
+    ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+    desktop.key("Control_L", "t");
+    ASSERT_TRUE(desktop.appears(ATTRIBUTES));
+    escape_from(ATTRIBUTES);
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+    desktop.key("Control_L", "i");
+    ASSERT_TRUE(desktop.appears(InstallDialog::TITLE));
+    escape_from(InstallDialog::TITLE);
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+    desktop.key("F1");
+    ASSERT_TRUE(desktop.appears(HELP));
+    ASSERT_TRUE(leave_window(HELP, Leaving::CLOSE_BOX, nullptr));
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+    desktop.key("Control_L", "q");
+    EXPECT_EQ(program->wait_for_exit(20), 0);
 }
 
 class InstallWithConflict : public Install {

@@ -4,6 +4,7 @@
 #include "end_to_end/program_test.h"
 
 #include <filesystem>
+#include <functional>
 
 #include "end_to_end/bitmap_fonts.h"
 #include "end_to_end/waiting.h"
@@ -54,9 +55,8 @@ class Media : public ProgramTest {
     }
     [[nodiscard]] bool warns() const { return desktop.windows_titled(MEDIA).size() == 2; }
     void click(const char* button) const { desktop.click_middle(desktop.part_named(media, button)); }
-    /// Takes the entry below the floppy's, which the menu opens over.
-    void choose_cdrom() {
-        constexpr int ENTRY_HEIGHT = 20;
+    /// Repeats what takes the entry below the floppy's until the menu shows another choice.
+    void choose_cdrom_by(const std::function<void(Window menu, int x, int y)>& action) {
         const Window menu = desktop.part_named(media, "media_option_menu");
         ASSERT_NE(menu, 0U);
         const Rectangle place = desktop.place_of(menu);
@@ -66,11 +66,25 @@ class Media : public ProgramTest {
         const Rectangle name = {place.x + x - 10, place.y + y - 6, 30, 12};
         const auto floppy = desktop.settled_pixels(name);
         ASSERT_TRUE(until([&] { return !desktop.has_menu() && desktop.pixels(name) != floppy; },
-                          [&] {
-                              desktop.dismiss_menu();
-                              desktop.click(menu, x, y);
-                              if (desktop.menu_appears()) desktop.click(menu, x, y + ENTRY_HEIGHT);
-                          }));
+                          [&] { action(menu, x, y); }));
+    }
+    /// The menu opens over its own entry.
+    void choose_cdrom() {
+        constexpr int ENTRY_HEIGHT = 20;
+        choose_cdrom_by([this](Window menu, int x, int y) {
+            desktop.dismiss_menu();
+            desktop.click(menu, x, y);
+            if (desktop.menu_appears()) desktop.click(menu, x, y + ENTRY_HEIGHT);
+        });
+    }
+    /// Keys that come in the moment in which the menu opens are for nobody: then they are pressed again.
+    void choose_cdrom_by_keys() {
+        choose_cdrom_by([this](Window, int, int) {
+            if (!desktop.has_menu()) desktop.key("space");
+            if (!desktop.menu_appears()) return;
+            desktop.key("Down");
+            desktop.key("Return");
+        });
     }
     /// Presses Check until there is a warning, leaves that, and is at the media dialog again.
     void expect_warning(const char* picture) {
@@ -123,6 +137,27 @@ TEST_F(ServedMedia, ADiscsFontsAreShownAndInstalled) {
     EXPECT_TRUE(hint_comes_and_goes());
     EXPECT_EQ(leave(), 0);
     EXPECT_FALSE(is_on_font_path(CDROM_STAGING));
+}
+
+// Wherever the pointer is, the keys are for the menu that is open.
+TEST_F(ServedMedia, TheMediumIsChosenByKeyboard) {
+    open_media();
+    desktop.park_pointer();
+    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(media); }));
+    desktop.key("Left");  // the menu, from Check
+    choose_cdrom_by_keys();
+    desktop.key("Right");
+    desktop.key("space");
+    ASSERT_TRUE(wait_until([&] { return warns(); }));
+    desktop.picture("no-disc-by-keyboard");
+    desktop.key("Return");
+    ASSERT_TRUE(wait_until([&] { return !warns() && desktop.has_keyboard(media); }));
+
+    AARDVARKS.write_to(CDROM);
+    desktop.key("Return");
+    EXPECT_TRUE(wait_until([&] { return is_on_font_path(CDROM_STAGING); })) << "Return is Check";
+    desktop.key("Escape");
+    EXPECT_TRUE(desktop.disappears(MEDIA));
 }
 
 TEST_F(ServedMedia, AFloppyIsListedOnceItIsInserted) {

@@ -41,12 +41,18 @@
 
 #include "support/own_server.h"
 
+#include <Xm/CascadeB.h>
+#include <Xm/CascadeBG.h>
 #include <Xm/Label.h>
 #include <Xm/LabelG.h>
+#include <Xm/List.h>
 #include <Xm/MessageB.h>
 #include <Xm/PushB.h>
 #include <Xm/PushBG.h>
 #include <Xm/ScrolledW.h>
+#include <Xm/Text.h>
+#include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
 
 namespace {
 
@@ -55,9 +61,6 @@ using namespace gw::test;
 // A screen of its own for fine dots; the sandbox's is coarse.
 constexpr int FINE_WIDTH = 2560;
 constexpr int FINE_HEIGHT = 1920;
-
-/// What the suite is built for: a locale, and how fine the server's screen is (0: the sandbox's), and what a
-/// desktop says of the fonts on it (0: nothing).
 
 /// Conflicts to show, of either kind.
 class Conflicts {
@@ -498,6 +501,48 @@ TEST_F(Layout, ControlsOfARowHaveTheirMiddlesAtOneHeight) {
         }
     });
     EXPECT_EQ(seen.size(), rows.size());
+}
+
+/// What the user does something with: it is to be reached without a mouse.
+bool is_control(Widget w) {
+    if (XmIsLabel(w) || XmIsLabelGadget(w)) {
+        return is_button(w) || XmIsToggleButton(w) || XmIsCascadeButtonGadget(w);
+    }
+    return XmIsList(w) || XmIsText(w) || XmIsTextField(w);
+}
+
+/// Where the keyboard is after Tab, and after the arrow keys between one Tab and the next, until it has been
+/// everywhere.
+std::set<Widget> reached_by_keyboard(Widget window) {
+    std::set<Widget> reached;
+    std::set<Widget> tabs;
+    Widget at = XmGetTabGroup(window) != nullptr ? XmGetFocusWidget(window) : nullptr;
+    while (at != nullptr && tabs.insert(at).second) {
+        for (std::set<Widget> group; at != nullptr && group.insert(at).second;
+             at = XmGetFocusWidget(window)) {
+            reached.insert(at);
+            XmProcessTraversal(at, XmTRAVERSE_NEXT);
+        }
+        XmProcessTraversal(at, XmTRAVERSE_NEXT_TAB_GROUP);
+        at = XmGetFocusWidget(window);
+    }
+    return reached;
+}
+
+TEST_F(Layout, EveryControlIsReachedByTheKeyboard) {
+    each_window([](Widget w) {
+        XmProcessTraversal(w, XmTRAVERSE_CURRENT);
+        const std::set<Widget> reached = reached_by_keyboard(w);
+        each_part(w, [&](Widget part) {
+            if (XmIsCascadeButton(part)) {
+                KeySym mnemonic = NoSymbol;
+                XtVaGetValues(part, XmNmnemonic, &mnemonic, nullptr);
+                EXPECT_NE(mnemonic, static_cast<KeySym>(NoSymbol)) << "of a menu: " << XtName(part);
+            }
+            if (!is_control(part) || !XtIsSensitive(part)) return;
+            EXPECT_TRUE(reached.contains(part)) << XtName(XtParent(part)) << '.' << XtName(part);
+        });
+    });
 }
 
 }  // namespace
