@@ -69,7 +69,7 @@ bool suits_locale(const char* resource) {
 /// to be made of them would have no font either.
 void rename_renditions(Display* d) {
     XrmDatabase resources = XrmGetDatabase(d);
-    for (const std::string rendition : {"gw_interface", "gw_monospace"}) {
+    for (const std::string rendition : {"gw_interface", "gw_monospace", "gw_notice", "gw_sample"}) {
         const std::string prefix = "Glyphward*" + rendition + '.';
         XrmPutStringResource(&resources, (prefix + XmNfontType).c_str(), "FONT_IS_FONT");
         XrmPutStringResource(&resources, (prefix + XmNfontName).c_str(), "fixed");

@@ -436,17 +436,22 @@ TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
 TEST_F(OwnProcessDeathTest, WithoutScalableFontsItQuietlyTakesTheServersFont) {
     const gw::test::TempDir dir;
     dir.write("fonts.conf", "<fontconfig><dir>" + dir.path() + "none</dir></fontconfig>");
-    EXPECT_EXIT(
-        {
-            ::setenv("FONTCONFIG_FILE", dir.file("fonts.conf").c_str(), 1);
-            start_program();
-            start_help_dlg();
-            Widget title = gw::test::find(wi_toplevel, "_fontlist_label");
-            std::fprintf(stderr, "%s, %s, %d, %d\n", font_of(title).c_str(), font_of(wi_text).c_str(),
-                         gw::test::in_pixels(1, XmHORIZONTAL), gw::test::in_pixels(1, XmVERTICAL));
-            exit_btn_cb(nullptr, nullptr, nullptr);
-        },
-        ExitedWithCode(0), Eq("fixed, fixed, 7, 7\n"));
+    for (const char* locale : {"C", "de_DE.UTF-8"}) {
+        EXPECT_EXIT(
+            {
+                ::setenv("LANG", locale, 1);
+                ::unsetenv("LC_ALL");
+                ::setenv("FONTCONFIG_FILE", dir.file("fonts.conf").c_str(), 1);
+                start_program();
+                start_help_dlg();
+                Widget title = gw::test::find(wi_toplevel, "_fontlist_label");
+                std::fprintf(stderr, "%s, %s, %d, %d\n", font_of(title).c_str(), font_of(wi_text).c_str(),
+                             gw::test::in_pixels(1, XmHORIZONTAL), gw::test::in_pixels(1, XmVERTICAL));
+                exit_btn_cb(nullptr, nullptr, nullptr);
+            },
+            ExitedWithCode(0), Eq("fixed, fixed, 7, 7\n"))
+            << locale;
+    }
 }
 
 // 10 points are 13 pixels at 96 dots per inch, and a digit is a little more than half as wide as that.
@@ -480,8 +485,9 @@ TEST_F(OwnProcessDeathTest, TextsStayWholeInEveryEncoding) {
     };
     for (const Encoding& encoding :
          {Encoding{"C", "a\xc3\xa9z", "Sans"}, Encoding{"C.UTF-8", "a\xc3\xa9z", "Sans"},
-          Encoding{"de_DE.UTF-8", "a\xc3\xa9z", "Sans"}, Encoding{"de_DE", "a\xe9z", "fixed"},
-          Encoding{"ja_JP.eucjp", "\xb4\xc1", "fixed"}}) {
+          Encoding{"de_DE.UTF-8", "a\xc3\xa9z", "Sans"},
+          Encoding{"de_DE", "a\xe9z", "-*-fixed-medium-r-normal--14-*"},
+          Encoding{"ja_JP.eucjp", "\xb4\xc1", "-*-fixed-medium-r-normal--14-*"}}) {
         EXPECT_EXIT(
             {
                 ::setenv("LANG", encoding.locale, 1);
