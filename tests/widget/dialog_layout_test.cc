@@ -37,7 +37,7 @@
 #include "support/charset.h"
 #include "translations.h"
 #include "widget/dialogs_test_support.h"
-#include "widget/layout_place.h"
+#include "widget/layout_suite.h"
 
 #include "support/own_server.h"
 
@@ -206,14 +206,6 @@ std::vector<Dialog> dialogs() {
          {}},
         {"fp_info_dlg", &wi_fp_info_dlg, start_fp_info_dlg, {}},
         {"help_dlg", &wi_help_dlg, start_help_dlg, {"text", "ok_button"}, {"ok_button"}},
-        {"fontsets_dlg",
-         &wi_fontsets_dlg,
-         start_fontsets_dlg,
-         {"choose_label", "set_button_form", "separator", "sample_label", "sample_text", "separator1",
-          "list_label", "members_key", "members_label", "scrolledlist", "button_form", "msg_label"}},
-        {"delete_set_dlg", &wi_delete_set_dlg, [] { XtManageChild(wi_delete_set_dlg); }, {"list_label"}},
-        {"new_set_dlg", &wi_new_set_dlg, [] { XtManageChild(wi_new_set_dlg); }, {"name_label"}},
-        {"sample_text_dlg", &wi_sample_text_dlg, [] { XtManageChild(wi_sample_text_dlg); }, {}},
         {"pr_install_dlg", &wi_pr_install_dlg, [] { XtManageChild(wi_pr_install_dlg); }, {}},
         {"pr_delete_dlg", &wi_pr_delete_dlg, [] { XtManageChild(wi_pr_delete_dlg); }, {}},
         {"pr_modify_fp_dlg",
@@ -283,19 +275,19 @@ int ring_of(Widget w) {
 class Layout : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        for (const char* name : {"LC_ALL", "LANG"}) ::setenv(name, LAYOUT_LOCALE, 1);
+        for (const char* name : {"LC_ALL", "LANG"}) ::setenv(name, SUITE.locale, 1);
         ::setenv("VANTORHOME", gw::INSTALLATION_ROOT, 1);
         home();
-        if (LAYOUT_SERVER_DPI != 0) static const OwnServer server(FINE_WIDTH, FINE_HEIGHT, LAYOUT_SERVER_DPI);
+        if (SUITE.server_dpi != 0) static const OwnServer server(FINE_WIDTH, FINE_HEIGHT, SUITE.server_dpi);
         std::vector<std::string> arguments;
         for (const char* support : {"fontset", "printer"}) {
             arguments.insert(arguments.end(),
                              {"-xrm", std::string("Glyphward*gw_") + support + "_support: True"});
         }
-        if (LAYOUT_XFT_DPI != 0)
-            arguments.insert(arguments.end(), {"-xrm", "Xft.dpi: " + std::to_string(LAYOUT_XFT_DPI)});
+        if (SUITE.xft_dpi != 0)
+            arguments.insert(arguments.end(), {"-xrm", "Xft.dpi: " + std::to_string(SUITE.xft_dpi)});
         start_program(arguments);
-        ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), LAYOUT_LOCALE);
+        ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), SUITE.locale);
     }
     /// The main window, then the dialogs.
     static void each_window(const std::function<void(Widget)>& look) {
@@ -329,7 +321,7 @@ class Layout : public testing::Test {
 std::string translation(gw::Message message) {
     const gw::MessageEntry& wanted = gw::message_table()[static_cast<std::size_t>(message)];
     for (const gw::catalogue::Language& language : gw::catalogue::languages()) {
-        if (language.name != LAYOUT_LANGUAGE) continue;
+        if (language.name != SUITE.language) continue;
         for (const gw::catalogue::Entry& entry : language.texts) {
             if (entry.set == wanted.set && entry.number == wanted.number) return std::string(entry.text);
         }
@@ -382,7 +374,7 @@ void draw_status_in_fonts_of(Widget part) {
 // alike.
 TEST_F(Layout, LettersOfTheLanguageAreDrawn) {
     ASSERT_TRUE(pump_until([] { return is_viewable(wi_mainwindow); }));
-    const std::string_view language = LAYOUT_LANGUAGE;
+    const std::string_view language = SUITE.language;
     const bool is_japanese = language == "japanese";
     const bool is_ascii = language == "C";
     for (Widget part : parts_with_own_fonts()) {
@@ -395,22 +387,6 @@ TEST_F(Layout, LettersOfTheLanguageAreDrawn) {
     }
     draw_status_in_fonts_of(find(wi_mainwindow, "_fontlist_label"));
     gw::set_label(wi_main_window_status_label, " ");
-}
-
-TEST_F(Layout, NoTextOfTheMainWindowIsCutOff) {
-    each_part(wi_mainwindow, [](Widget part) {
-        if (!has_text(part) || is_scrolled(part, wi_mainwindow)) return;
-        XtWidgetGeometry preferred = {};
-        XtQueryGeometry(part, nullptr, &preferred);
-        EXPECT_GE(box_of(part).width + ring_of(part), preferred.width)
-            << XtName(part) << ": " << gw::label_of(part);
-        EXPECT_GE(box_of(part).height + ring_of(part), preferred.height)
-            << XtName(part) << ": " << gw::label_of(part);
-        const Box box = box_of(part);
-        const Box around = box_of(XtParent(part));
-        EXPECT_LE(box.x + box.width, around.width) << XtName(part);
-        EXPECT_LE(box.y + box.height, around.height) << XtName(part);
-    });
 }
 
 TEST_F(Layout, EveryWidgetStandsUnderItsName) {
