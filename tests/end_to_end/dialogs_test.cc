@@ -24,12 +24,6 @@ class Dialogs : public ProgramTest {
         environment["XENVIRONMENT"] = home.write("resources", resources);
         start(environment);
     }
-    Window open_by_menu(const char* menu_key, const char* entry_key, const char* title) {
-        return opens(title, [&] {
-            main->take_keyboard();
-            main->choose(menu_key, entry_key);
-        });
-    }
     void click(Window dialog, const char* part) const {
         const Window window = desktop.part_named(dialog, part);
         ASSERT_NE(window, 0U) << part;

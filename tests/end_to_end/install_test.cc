@@ -38,12 +38,7 @@ const BitmapFont ACROPOLIS{"Acropolis"};
 class Install : public ProgramTest {
   protected:
     void open_dialog() {
-        ASSERT_NE(opens(InstallDialog::TITLE,
-                        [&] {
-                            main->take_keyboard();
-                            main->choose("f", "i");
-                        }),
-                  0U);
+        ASSERT_NE(open_by_menu("f", "i", InstallDialog::TITLE), 0U);
         dialog = std::make_unique<InstallDialog>(desktop);
         ASSERT_TRUE(dialog->is_there());
     }

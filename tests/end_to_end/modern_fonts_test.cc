@@ -26,14 +26,7 @@ class TodaysFonts : public TodaysFontsTest {
 TEST_F(TodaysFonts, AreInstalledByteForByteDrawnAndDeleted) {
     start();
     open_on_source();
-    ASSERT_TRUE(dialog_sample_of_line(OUTLINE_LINE)) << "the outline, before it is installed";
-    dialog->click_line(BITMAP_LINE, "Shift_L");
-    ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));
-    for (const std::string& name : {std::string(OUTLINE_FILE), bitmap_file}) {
-        ASSERT_TRUE(arrives(name)) << program->errors();
-        EXPECT_EQ(installed(name), source.read(name));
-    }
-    EXPECT_TRUE(wait_until([&] { return server_has_outline() && server_has_bitmap(); }));
+    install_both();
     EXPECT_TRUE(main_sample_of_line(OUTLINE_LINE));
     EXPECT_EQ(leave(), 0);
 
@@ -42,12 +35,7 @@ TEST_F(TodaysFonts, AreInstalledByteForByteDrawnAndDeleted) {
     desktop.picture("modern-outline");
     EXPECT_TRUE(main_sample_of_line(BITMAP_LINE));
     desktop.picture("modern-bitmap");
-    delete_line(BITMAP_LINE);
-    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir").starts_with("1\n"); }));
-    delete_line(OUTLINE_LINE);
-    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir") == "0\n"; }));
-    EXPECT_EQ(installed(OUTLINE_FILE), "");
-    EXPECT_EQ(installed(bitmap_file), "");
+    delete_both();
     EXPECT_EQ(leave(), 0);
 }
 

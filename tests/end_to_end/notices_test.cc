@@ -10,20 +10,12 @@ using namespace gw::e2e;
 constexpr const char* ABOUT = "About Glyph Warden";
 constexpr const char* HELP = "Glyph Warden - Help";
 
-class Notice : public ProgramTest {
-  protected:
-    Window open_by_menu(const char* entry_key, const char* title) {
-        return opens(title, [&] {
-            main->take_keyboard();
-            main->choose("h", entry_key);
-        });
-    }
-};
+using Notice = ProgramTest;
 
 TEST_F(Notice, TheAboutBoxGoesByEscapeAndCloseBox) {
     start();
     for (const Leaving way : {Leaving::ESCAPE, Leaving::CLOSE_BOX}) {
-        ASSERT_NE(open_by_menu("a", ABOUT), 0U);
+        ASSERT_NE(open_by_menu("h", "a", ABOUT), 0U);
         desktop.picture("about");
         EXPECT_TRUE(leave_window(ABOUT, way, nullptr));
     }
@@ -34,7 +26,7 @@ TEST_F(Notice, TheAboutBoxGoesByEscapeAndCloseBox) {
 TEST_F(Notice, TheHelpWindowGoesByItsCloseBoxAndComesAgain) {
     start();
     for (int time = 0; time < 2; ++time) {
-        const Window help = open_by_menu("h", HELP);
+        const Window help = open_by_menu("h", "h", HELP);
         ASSERT_NE(help, 0U);
         desktop.picture("help");
         EXPECT_TRUE(leave_window(HELP, Leaving::CLOSE_BOX, nullptr));

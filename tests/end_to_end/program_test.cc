@@ -70,6 +70,13 @@ Window ProgramTest::opens(const char* title, const std::function<void()>& action
     return is_ready ? desktop.window_titled(title) : 0;
 }
 
+Window ProgramTest::open_by_menu(const char* menu_key, const char* entry_key, const char* title) {
+    return opens(title, [&] {
+        main->take_keyboard();
+        main->choose(menu_key, entry_key);
+    });
+}
+
 bool ProgramTest::press(const char* title, const char* button) {
     return until([&] { return !desktop.is_visible(title); },
                  [&] {

@@ -38,6 +38,8 @@ class ProgramTest : public testing::Test {
     std::optional<int> leave();
     /// Waits for the window; 0 when it does not come with the keyboard, which it is given if need be.
     Window opens(const char* title, const std::function<void()>& action);
+    /// The same by a menu of the main window and its entry, both by their mnemonics.
+    Window open_by_menu(const char* menu_key, const char* entry_key, const char* title);
     /// Where fonts go unless the user says otherwise, ending in "/".
     [[nodiscard]] std::string default_destination() const;
     /// Leaves a window in one of the ways, until it has gone.

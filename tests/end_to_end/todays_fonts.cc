@@ -37,19 +37,31 @@ void TodaysFontsTest::write_fonts() {
 }
 
 void TodaysFontsTest::open_on_source() {
-    ASSERT_NE(opens(InstallDialog::TITLE,
-                    [&] {
-                        main->take_keyboard();
-                        main->choose("f", "i");
-                    }),
-              0U);
+    ASSERT_NE(open_by_menu("f", "i", InstallDialog::TITLE), 0U);
     dialog = std::make_unique<InstallDialog>(desktop);
     ASSERT_TRUE(dialog->is_there());
     ASSERT_TRUE(dialog->list_fonts_of(source.path()));
 }
 
-bool TodaysFontsTest::dialog_sample_of_line(int line) {
-    return until([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(line); });
+void TodaysFontsTest::install_both() {
+    ASSERT_TRUE(until([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(OUTLINE_LINE); }))
+        << "the outline, before it is installed";
+    dialog->click_line(BITMAP_LINE, "Shift_L");
+    ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));
+    for (const std::string& name : {std::string(OUTLINE_FILE), bitmap_file}) {
+        ASSERT_TRUE(arrives(name)) << program->errors();
+        EXPECT_EQ(installed(name), source.read(name));
+    }
+    EXPECT_TRUE(wait_until([&] { return server_has_outline() && server_has_bitmap(); }));
+}
+
+void TodaysFontsTest::delete_both() {
+    delete_line(BITMAP_LINE);
+    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir").starts_with("1\n"); }));
+    delete_line(OUTLINE_LINE);
+    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir") == "0\n"; }));
+    EXPECT_EQ(installed(OUTLINE_FILE), "");
+    EXPECT_EQ(installed(bitmap_file), "");
 }
 
 bool TodaysFontsTest::main_sample_of_line(int line) {

@@ -23,10 +23,12 @@ class TodaysFontsTest : public ProgramTest {
     /// The fonts are in `source` then; their files have the names `OUTLINE_FILE` and `bitmap_file`.
     void write_fonts();
     void open_on_source();
-    bool dialog_sample_of_line(int line);
+    /// Selects both in the dialog, after a look at the outline's sample, and has them installed, byte for
+    /// byte.
+    void install_both();
     bool main_sample_of_line(int line);
-    /// Has the font of that line deleted, through the question.
-    void delete_line(int line);
+    /// Has both deleted from the main window's list; nothing of them is left.
+    void delete_both();
     /// The bytes of a file in the directory where fonts go.
     [[nodiscard]] std::string installed(const std::string& name) const;
     [[nodiscard]] bool arrives(const std::string& name) const;
@@ -37,6 +39,9 @@ class TodaysFontsTest : public ProgramTest {
     gw::test::TempDir source;
     std::string bitmap_file;
     std::unique_ptr<InstallDialog> dialog;
+
+  private:
+    void delete_line(int line);
 };
 
 }  // namespace gw::e2e

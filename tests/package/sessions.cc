@@ -30,14 +30,7 @@ class Session : public TodaysFontsTest {
 TEST_F(Session, OfTheFirstDayInstallsFonts) {
     start();
     open_on_source();
-    ASSERT_TRUE(dialog_sample_of_line(OUTLINE_LINE));
-    dialog->click_line(BITMAP_LINE, "Shift_L");
-    ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));
-    for (const std::string& name : {std::string(OUTLINE_FILE), bitmap_file}) {
-        ASSERT_TRUE(arrives(name)) << program->errors();
-        EXPECT_EQ(installed(name), source.read(name));
-    }
-    EXPECT_TRUE(wait_until([&] { return server_has_outline() && server_has_bitmap(); }));
+    install_both();
     EXPECT_EQ(leave(), 0);
     EXPECT_EQ(program->errors(), "");
 }
@@ -50,12 +43,7 @@ TEST_F(Session, OfTheSecondDayHasThemFromTheStartAndDeletesThem) {
     desktop.picture("package-outline");
     ASSERT_TRUE(main_sample_of_line(BITMAP_LINE));
     desktop.picture("package-bitmap");
-    delete_line(BITMAP_LINE);
-    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir").starts_with("1\n"); }));
-    delete_line(OUTLINE_LINE);
-    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir") == "0\n"; }));
-    EXPECT_EQ(installed(OUTLINE_FILE), "");
-    EXPECT_EQ(installed(bitmap_file), "");
+    delete_both();
     EXPECT_EQ(leave(), 0);
     EXPECT_EQ(program->errors(), "");
 }
