@@ -2,7 +2,7 @@
 # SPDX-License-Identifier: MIT
 #
 # Sets the machine up, builds, and runs every test in sandboxes: each test executable once per build (release, sanitized) and per
-# user (when the superuser starts it: superuser and ordinary user), one run per processor at a time. Shows one line per run, the output of what failed, and closes with the counts.
+# user (when the superuser starts it: superuser and ordinary user), one run more at a time than there are processors. Shows one line per run, the output of what failed, and closes with the counts.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 . "$(dirname "$0")/scripts/common.sh"
@@ -21,7 +21,7 @@ Builds and runs the tests; missing packages are installed first. The last line i
   --user USER        only as root or only as user (may be repeated); unless root starts it, user is the default, and root
                      has no power over the files of others, so that some tests of root fail; tests of the Debian package
                      are root's, in the release build, and are skipped unless root starts this
-  --jobs N           so many at a time (default: one per processor)
+  --jobs N           so many at a time (default: one more than there are processors)
   --list             what there is to run
   --help             this
 
@@ -33,7 +33,7 @@ END
 
 configs=()
 users=()
-jobs=$(nproc)
+jobs=$(($(nproc) + 1))  # most tests wait for windows most of the time
 list=
 names=()
 while [ $# -gt 0 ]; do
