@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 #
 # Sets the machine up, builds, and runs every test in sandboxes: each test executable once per build (release, sanitized) and per
-# user (when the superuser starts it: superuser and ordinary user), one run more at a time than there are processors. Shows one line per run, the output of what failed, and closes with the counts.
+# user (when the superuser starts it: superuser and ordinary user), one run more at a time than there are processors. Shows one line
+# per run, the output of what failed, and closes with the counts.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 . "$(dirname "$0")/scripts/common.sh"
