@@ -42,8 +42,7 @@ std::string sample_text_of_dialog;
 /// The fonts offered for fontsets, ascending.
 GW_SORTED_LIST<GWFont> xlfd_font_list(0);
 
-// --- the file
-// --------------------------------------------------------------------------------------------------------------
+// --- the file ----------------------------------------------------------------
 
 /// The directory of the locale's fontset file; empty when there can be none.
 std::string fontset_directory() {
@@ -59,8 +58,7 @@ std::string fontset_directory() {
     return "";
 }
 
-// --- the list of fonts
-// -----------------------------------------------------------------------------------------------------
+// --- the list of fonts -------------------------------------------------------
 
 bool is_offered(GWFont& font) {
     const std::string charset = font.get_charset_hrn_name();
@@ -81,8 +79,7 @@ void collect_fonts() {
     }
 }
 
-// --- the sample
-// ------------------------------------------------------------------------------------------------------------
+// --- the sample --------------------------------------------------------------
 
 void sample_edited_cb(Widget field, XtPointer, XtPointer call_data) {
     const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
@@ -90,8 +87,7 @@ void sample_edited_cb(Widget field, XtPointer, XtPointer call_data) {
     if (change != nullptr && change->event != nullptr) sample_text_of_dialog = gw::field_text(field);
 }
 
-// --- callbacks
-// -------------------------------------------------------------------------------------------------------------
+// --- callbacks ---------------------------------------------------------------
 
 void make_current(GWFontSet* set) {
     select_scrolled_list(wi_fontsets_dlg_scrolledlist, set);
@@ -184,8 +180,7 @@ void sample_text_dlg_cb(Widget, XtPointer, XtPointer) {
     XtManageChild(wi_sample_text_dlg);
 }
 
-// --- creation
-// --------------------------------------------------------------------------------------------------------------
+// --- creation ----------------------------------------------------------------
 
 Widget create_choice(Widget dialog) {
     Widget label = gw::label(dialog, "choose_label", Message::CHOOSE_FONTSET);
@@ -249,8 +244,7 @@ void create_list_and_sample(Widget dialog, Widget above, Widget below) {
 
 }  // namespace
 
-// --- what the dialogs show
-// -------------------------------------------------------------------------------------------------
+// --- what the dialogs show ---------------------------------------------------
 
 void set_fontsetsdlg_cb_struct() {
     fontsetdlg_cb.current = {};

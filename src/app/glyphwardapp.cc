@@ -51,8 +51,7 @@ gw::OptionMenu size_option_menu, res_option_menu;
 sample_text_cb_struct installed_sample;
 constexpr XtCallbackProc SHOW_SAMPLE = gw::thunk<sample_text_cb_struct, hrn_list_sample_cb>;
 
-// --- menus
-// -------------------------------------------------------------------------------------------------------------------
+// --- menus -------------------------------------------------------------------
 
 struct MenuEntry {
     Widget* handle;
@@ -128,8 +127,7 @@ Widget create_menu_bar(Widget main_window) {
     return menu_bar;
 }
 
-// --- work area
-// -----------------------------------------------------------------------------------------------------------------
+// --- work area ---------------------------------------------------------------
 
 // The list takes what height there is; sample and menus keep to the bottom.
 void create_font_list(Widget parent) {
@@ -183,8 +181,7 @@ Widget create_work_area(Widget main_window) {
     return form;
 }
 
-// --- selection
-// -----------------------------------------------------------------------------------------------------------------
+// --- selection ---------------------------------------------------------------
 
 void clear_status_label_cb(Widget, XtPointer, XtPointer) {
     update_label(wi_main_window_status_label, " ", nullptr);
@@ -238,8 +235,7 @@ void attr_dlg_cb(Widget, XtPointer, XtPointer) {
     if (font) show_font_attributes(font.get(), nullptr);
 }
 
-// --- other callbacks
-// -----------------------------------------------------------------------------------------------------------
+// --- other callbacks ---------------------------------------------------------
 
 /// What an ordinary user gets instead of the font path dialog; made on first use and kept.
 Widget root_only_dialog() {

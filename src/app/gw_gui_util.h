@@ -17,8 +17,7 @@
 
 namespace gw {
 
-// --- handles
-// -----------------------------------------------------------------------------------------------------------------
+// --- handles -----------------------------------------------------------------
 
 struct XmStringDeleter {
     void operator()(XmString s) const;
@@ -47,8 +46,7 @@ inline char* name_arg(const char* name) {
     return const_cast<char*>(name);
 }
 
-// --- reading widgets
-// ---------------------------------------------------------------------------------------------------------
+// --- reading widgets ---------------------------------------------------------
 
 /// The text of a string, with its newlines and tabs.
 std::string text_of(XmString string);
@@ -58,8 +56,7 @@ std::string field_text(Widget text_field);
 std::vector<int> selected_positions(Widget list);
 int selected_count(Widget list);
 
-// --- builders: each creates one managed widget under that name
-// -----------------------------------------------------------------
+// --- builders: each creates one managed widget under that name ---------------
 
 Widget form(Widget parent, const char* name);
 /// A dialog: a form in a shell of its own, unmanaged, centred when it appears.
@@ -107,8 +104,7 @@ OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_nam
 /// A push button in a pulldown, under `name`, showing `text`.
 Widget menu_button(Widget pulldown, const char* name, const std::string& text);
 
-// --- attachments
-// ---------------------------------------------------------------------------------------------------------------
+// --- attachments -------------------------------------------------------------
 
 /// Attaches a child of a form, side by side: `Attach(w).top_form(5).left_to(label, 5)`.
 class Attach {
@@ -149,8 +145,7 @@ int natural_height(Widget w);
 /// height; 0 where `low` is the taller one.
 int centring_offset(Widget low, Widget tall);
 
-// --- what all dialogs do alike
-// -------------------------------------------------------------------------------------------------
+// --- what all dialogs do alike -----------------------------------------------
 
 /// Calls `Function(client data as Record*)`, the casts between the toolkit's pointers and ours being made
 /// here alone.

@@ -59,8 +59,7 @@ void show_kilobytes(int blocks, Message unit) {
     gw::set_label(_avail_space_val, std::to_string(blocks) + gw::text_of(unit));
 }
 
-// --- destination
-// -----------------------------------------------------------------------------------------------------------
+// --- destination -------------------------------------------------------------
 
 /// Where the default destination is. The superuser's is the host's own directory.
 std::string find_home_dir() {
@@ -98,8 +97,7 @@ bool destination_is_ready() {
     return false;
 }
 
-// --- source
-// ----------------------------------------------------------------------------------------------------------------
+// --- source ------------------------------------------------------------------
 
 /// Nothing is selected in a list that has just been filled.
 void show_no_selection() {
@@ -144,8 +142,7 @@ void install_dir_dlg_cb(Widget, XtPointer, XtPointer) {
     popup_dir_dlg(install_dir_specified_cb, gw::text_of(Message::CHOOSE_DESTINATION_TITLE));
 }
 
-// --- selection
-// -------------------------------------------------------------------------------------------------------------
+// --- selection ---------------------------------------------------------------
 
 void calc_disk_space_cb(Widget list, XtPointer, XtPointer) {
     req_disk_space = 0;
@@ -175,8 +172,7 @@ void attr_dlg_cb(Widget, XtPointer, XtPointer) {
     gw::show_source_attributes(_hrn_list);
 }
 
-// --- installation
-// ----------------------------------------------------------------------------------------------------------
+// --- installation ------------------------------------------------------------
 
 void close_dialog() {
     popdown_rmedia_dlg();
@@ -252,8 +248,7 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
     close_dialog();
 }
 
-// --- creation
-// --------------------------------------------------------------------------------------------------------------
+// --- creation ----------------------------------------------------------------
 
 Widget create_media_choice(Widget dialog) {
     Widget form = gw::form(dialog, "MediaChoiceTemplate");

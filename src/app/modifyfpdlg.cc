@@ -55,8 +55,7 @@ Widget _move_up_button, _move_down_button, _delete_button, _add_new_button;
 Widget _new_fp_textfield, _dir_dlg_button;
 Widget _ok_button, _apply_button, _reset_button, _msg_label;
 
-// --- sets
-// ------------------------------------------------------------------------------------------------------------------
+// --- sets --------------------------------------------------------------------
 
 std::string without_trailing_slash(std::string root) {
     while (root.size() > 1 && root.ends_with('/')) root.pop_back();
@@ -83,8 +82,7 @@ void set_current_fpe_list(EditSet& set) {
     gw::set_label(_msg_label, writeable ? "" : gw::text_of(Message::FP_READ_ONLY));
 }
 
-// --- the list
-// --------------------------------------------------------------------------------------------------------------
+// --- the list ----------------------------------------------------------------
 
 void display_fpe_list() {
     displayed = current->elements;
@@ -140,8 +138,7 @@ void init_widget_activation() {
         false);
 }
 
-// --- callbacks
-// -------------------------------------------------------------------------------------------------------------
+// --- callbacks ---------------------------------------------------------------
 
 void reset_cb(Widget, XtPointer, XtPointer) {
     display_fpe_list();
@@ -256,8 +253,7 @@ void begin_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     init_widget_activation();
 }
 
-// --- creation
-// --------------------------------------------------------------------------------------------------------------
+// --- creation ----------------------------------------------------------------
 
 std::string node_name() {
     struct utsname host {};

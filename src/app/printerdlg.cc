@@ -39,8 +39,7 @@ Widget wi_pr_install_dlg_fontlist_label, wi_pr_install_dlg_scrolledlist, wi_pr_i
 gw::OptionMenu wi_pr_install_dlg_for_menu;
 Widget wi_pr_delete_dlg_scrolledlist = nullptr;
 
-// --- callbacks
-// -------------------------------------------------------------------------------------------------------------
+// --- callbacks ---------------------------------------------------------------
 
 void set_message(const char* text) {
     gw::set_label(wi_pr_install_dlg_msg_label, text);
@@ -80,8 +79,7 @@ void attr_dlg_cb(Widget, XtPointer list, XtPointer) {
     gw::show_source_attributes(static_cast<Widget>(list));
 }
 
-// --- parts
-// -----------------------------------------------------------------------------------------------------------------
+// --- parts -------------------------------------------------------------------
 
 /// Rows of a dialog, each below the one before.
 class Rows {
@@ -162,8 +160,7 @@ std::vector<Widget> button_row(Rows& rows, Widget dialog, const std::vector<gw::
 
 }  // namespace
 
-// --- what they show
-// --------------------------------------------------------------------------------------------------------
+// --- what they show ----------------------------------------------------------
 
 void update_wi_pr_install_dlg_for_menu() {
     GW_FSPEC_LIST printers;
@@ -218,8 +215,7 @@ Boolean font_lookup_work_proc(XtPointer driver) {
 
 }  // namespace printerdlg
 
-// --- the dialogs
-// -----------------------------------------------------------------------------------------------------------
+// --- the dialogs -------------------------------------------------------------
 
 Widget create_pr_install_dlg(const char* name, Widget parent) {
     Widget dialog = wi_pr_install_dlg = gw::form_dialog(parent, name, Message::PR_INSTALL_TITLE);

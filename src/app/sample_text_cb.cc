@@ -42,8 +42,7 @@ constexpr const char* OUTLINE_SIZE_WITHOUT_MENU = "240";
 
 XErrorHandler default_error_handler = nullptr;
 
-// --- font sets
-// ---------------------------------------------------------------------------------------------------------------
+// --- font sets ---------------------------------------------------------------
 
 struct FontSetCloser {
     void operator()(XFontSet set) const { XFreeFontSet(display, set); }
@@ -194,8 +193,7 @@ void display_text_in_xlfd(Widget field, const std::string xlfd, const std::strin
     }
 }
 
-// --- the selected entry
-// --------------------------------------------------------------------------------------------------------
+// --- the selected entry ------------------------------------------------------
 
 bool is_outline(const GWHRNElement& elem) {
     const GWFont* font = elem.get_representative();
@@ -228,8 +226,7 @@ void make_menus_insensitive(const sample_text_cb_struct& record) {
     }
 }
 
-// --- the option menus
-// ----------------------------------------------------------------------------------------------------------
+// --- the option menus --------------------------------------------------------
 
 using ButtonCallback = void (*)(Widget, XtPointer, XtPointer);
 

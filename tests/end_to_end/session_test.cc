@@ -397,8 +397,7 @@ TEST_F(SessionTest, ItRunsWithoutStandardDescriptors) {
     EXPECT_EQ(server_path(), Texts{dir} + installation_ + Texts{"built-ins"});
 }
 
-// --- at login
-// ---------------------------------------------------------------------------------------------------------
+// --- at login ----------------------------------------------------------------
 
 TEST_F(SessionTest, TheLoginScriptSetsThePathAndTheSessionGoesOn) {
     const std::string dir = font_dir("fonts");

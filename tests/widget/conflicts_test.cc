@@ -74,8 +74,7 @@ class Conflicts : public WorkTest {
     }
 };
 
-// --- the summary
-// -----------------------------------------------------------------------------------------------------------------
+// --- the summary -------------------------------------------------------------
 
 TEST_F(Conflicts, SumUp) {
     constexpr const char* SOME_INSTALLED =
@@ -174,8 +173,7 @@ TEST_F(Conflicts, OfNothingAreNotShown) {
     EXPECT_FALSE(is_managed(wi_conflict_dlg));
 }
 
-// --- the resolution
-// --------------------------------------------------------------------------------------------------------------
+// --- the resolution ----------------------------------------------------------
 
 TEST_F(Conflicts, HaveTheirTexts) {
     const struct {
@@ -347,8 +345,7 @@ TEST_F(Conflicts, ComeBackToTheSummaryUndecided) {
     }
 }
 
-// --- with fonts
-// ---------------------------------------------------------------------------------------------------------------------
+// --- with fonts --------------------------------------------------------------
 
 class FontConflicts : public Conflicts {
   protected:

@@ -279,8 +279,7 @@ TEST_F(Deletion, OfASystemFontIsNotForAUser) {
     EXPECT_EQ(label(wi_preconflict_dlg, "conflict_label"), "Deletions needing confirmation: 0 *");
 }
 
-// --- one work at a time
-// ----------------------------------------------------------------------------------------------------
+// --- one work at a time ------------------------------------------------------
 
 TEST_F(Deletion, KeepsOtherWorkOutToTheLastFont) {
     make_fonts();
@@ -308,8 +307,7 @@ TEST_F(Deletion, KeepsOtherWorkOutToTheLastFont) {
     EXPECT_TRUE(is_sensitive(wi_mainwindow, "_install_dlg_button"));
 }
 
-// --- leaving in the middle
-// -----------------------------------------------------------------------------------------------------------
+// --- leaving in the middle ---------------------------------------------------
 
 class Leaving : public Deletion {
   protected:

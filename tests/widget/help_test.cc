@@ -144,8 +144,7 @@ TEST_F(Help, ShowsItsLinesToTheirEnds) {
     for (std::string line; std::getline(lines, line);) EXPECT_LE(line.size(), 72U) << line;
 }
 
-// --- made anew, in other circumstances
-// -----------------------------------------------------------------------------------
+// --- made anew, in other circumstances ---------------------------------------
 
 /// A second help dialog; the program's own is put back at the end.
 class AnotherHelp : public testing::Test {
@@ -275,8 +274,7 @@ TEST_F(OthersScratchFilesDeathTest, AreNeitherShownNorTouched) {
     }
 }
 
-// --- the reader
-// ---------------------------------------------------------------------------------------------------
+// --- the reader --------------------------------------------------------------
 
 class ReadFromFile : public testing::Test {
   protected:

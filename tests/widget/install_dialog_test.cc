@@ -147,8 +147,7 @@ TEST_F(InstallDialog, BeginsWithNothingToInstall) {
     EXPECT_EQ(policy, XmEXTENDED_SELECT);
 }
 
-// --- destination
-// -----------------------------------------------------------------------------------------------------------
+// --- destination -------------------------------------------------------------
 
 TEST_F(InstallDialog, OfAUserInstallsBelowTheHomeDirectory) {
     const ActingAs user(ORDINARY_UID);
@@ -267,8 +266,7 @@ TEST_F(InstallDialog, IsTheChoosersOfBothDirectories) {
     EXPECT_EQ(destination(), "Destination : " + fonts_.path());
 }
 
-// --- source
-// ----------------------------------------------------------------------------------------------------------------
+// --- source ------------------------------------------------------------------
 
 TEST_F(InstallDialog, ListsADirectoryWhenItsTurnComes) {
     fonts_.add("b.pcf", face("beta"));
@@ -430,8 +428,7 @@ TEST_F(InstallDialog, EjectsTheMediumAndForgetsWhereTheFontsAreFrom) {
     EXPECT_FALSE(is_managed(wi_rmedia_dlg));
 }
 
-// --- selection
-// -------------------------------------------------------------------------------------------------------------
+// --- selection ---------------------------------------------------------------
 
 TEST_F(InstallDialog, AddsUpTheSpaceOfTheSelection) {
     fonts_.add("a.pcf", face("alpha"), 40);

@@ -308,8 +308,7 @@ TEST_F(Install, OfASizeOfAFaceThatIsThereAddsNoName) {
     EXPECT_TRUE(home().exists("glyphwd_fonts/alpha14.pcf"));
 }
 
-// --- one work at a time
-// ----------------------------------------------------------------------------------------------------
+// --- one work at a time ------------------------------------------------------
 
 TEST_F(Install, WaitsForTheLookup) {
     FontDirectory other;

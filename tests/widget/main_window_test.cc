@@ -127,8 +127,7 @@ class MainWindowTest : public testing::Test {
     bool remade_ = false;
 };
 
-// --- the tree
-// ------------------------------------------------------------------------------------------------------
+// --- the tree ----------------------------------------------------------------
 
 struct Row {
     const char* path;  ///< below the window; the last name is the widget's
@@ -285,8 +284,7 @@ TEST_F(MainWindowTest, EachResourceBringsItsOwn) {
     EXPECT_TRUE(XtIsManaged(find(wi_mainwindow, "_printer_cascade")));
 }
 
-// --- the list
-// ------------------------------------------------------------------------------------------------------
+// --- the list ----------------------------------------------------------------
 
 TEST_F(MainWindowTest, ListsTheFontsAndBehindThemTheAliases) {
     std::vector<std::string> expected;
@@ -335,8 +333,7 @@ TEST_F(MainWindowTest, NothingIsInstalled) {
     EXPECT_EQ(is_attr_dlg_displayed(), 0);
 }
 
-// --- what may be used
-// ----------------------------------------------------------------------------------------------
+// --- what may be used --------------------------------------------------------
 
 TEST(SelectionRightsTest, DeleteNeedsASelectionAndAttributesExactlyOne) {
     struct Case {
@@ -436,8 +433,7 @@ TEST_F(MainWindowTest, AnOrdinaryUserIsToldThatOnlyRootCanModifyTheFontPath) {
     EXPECT_FALSE(XtIsManaged(dialog));
 }
 
-// --- disk space
-// ----------------------------------------------------------------------------------------------------
+// --- disk space --------------------------------------------------------------
 
 TEST_F(MainWindowTest, TheDiskSpaceOfTheSelectionIsSummed) {
     EXPECT_GT(the_installed_hrn_list.get_disk_space(1), 0U);
@@ -467,8 +463,7 @@ TEST_F(MainWindowTest, AliasesTakeNoSpace) {
     EXPECT_EQ(disk_space(), kilobytes({1})) << "in ascending order, whatever was selected first";
 }
 
-// --- attributes
-// ----------------------------------------------------------------------------------------------------
+// --- attributes --------------------------------------------------------------
 
 TEST_F(MainWindowTest, AttributesShowsTheSelectedFont) {
     for (const char* control : {"_fonts_pulldown._attributes_dlg_button", "_attributes_button1"}) {
@@ -501,8 +496,7 @@ TEST_F(MainWindowTest, AttributesTakesAnAliasForTheNext) {
     EXPECT_EQ(is_attr_dlg_displayed(), 0);
 }
 
-// --- the status line
-// -----------------------------------------------------------------------------------------------
+// --- the status line ---------------------------------------------------------
 
 TEST_F(MainWindowTest, EverySelectionClearsTheStatusLine) {
     update_label(wi_main_window_status_label, "3 fonts installed", nullptr);
@@ -511,8 +505,7 @@ TEST_F(MainWindowTest, EverySelectionClearsTheStatusLine) {
     EXPECT_EQ(gw::label_of(wi_main_window_status_label), " ");
 }
 
-// --- layout
-// --------------------------------------------------------------------------------------------------------
+// --- layout ------------------------------------------------------------------
 
 int width_of(Widget widget) {
     Dimension width = 0;

@@ -130,8 +130,7 @@ TEST_F(Media, HelpDoesNothing) {
     EXPECT_THAT(told, IsEmpty());
 }
 
-// --- Check
-// ---------------------------------------------------------------------------------------------------------------
+// --- Check -------------------------------------------------------------------
 
 TEST_F(Media, WithoutTheServiceNeitherCanBeChecked) {
     const TempDir dir;
@@ -219,8 +218,7 @@ TEST_F(ServedMedia, ReturnIsCheck) {
     EXPECT_TRUE(is_open());
 }
 
-// --- Eject and Close
-// -----------------------------------------------------------------------------------------------------
+// --- Eject and Close ---------------------------------------------------------
 
 TEST_F(Media, EjectEjectsTheChosenMediumTellsAndCloses) {
     ASSERT_TRUE(click("eject_button"));

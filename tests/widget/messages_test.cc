@@ -45,8 +45,7 @@ bool is_there(Widget dialog, unsigned char part) {
     return w != nullptr && XtIsManaged(w);
 }
 
-// --- progress
-// ------------------------------------------------------------------------------------------------------------
+// --- progress ----------------------------------------------------------------
 
 class Progress : public testing::Test {
   protected:
@@ -195,8 +194,7 @@ TEST_F(Progress, StaysUntilTheWorkIsDone) {
     EXPECT_TRUE(is_viewable(wi_progress_dlg));
 }
 
-// --- working
-// -------------------------------------------------------------------------------------------------------------
+// --- working -----------------------------------------------------------------
 
 class Working : public testing::Test {
   protected:
@@ -252,8 +250,7 @@ TEST_F(Working, CannotBeClosedByTheUser) {
     }
 }
 
-// --- about, warning, font-path information: a text and one button
-// --------------------------------------------------------------
+// --- about, warning, font-path information: a text and one button ------------
 
 void show_warning() {
     start_warning_dlg("Glyph Warden - Warning", "Cannot update font path, permission denied");
@@ -375,8 +372,7 @@ TEST(FontPathInformation, SaysWhatToDoNextAndCanBeTakenAway) {
     EXPECT_FALSE(XtIsManaged(wi_fp_info_dlg));
 }
 
-// --- the question before a deletion
-// --------------------------------------------------------------------------------------
+// --- the question before a deletion ------------------------------------------
 
 class DeletionQuestion : public testing::Test {
   protected:

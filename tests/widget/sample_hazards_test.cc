@@ -111,8 +111,7 @@ std::string some_font_file() {
     return {};
 }
 
-// --- the server
-// --------------------------------------------------------------------------------------------------------------
+// --- the server --------------------------------------------------------------
 
 TEST_F(Hazards, AFontThatTheServerListsAndCannotOpenLeavesTheFieldEmpty) {
     const std::string whole = TempDir::read_bytes(some_font_file());
@@ -171,8 +170,7 @@ TEST_F(Hazards, OtherErrorsGoToTheHandlerBefore) {
     init_sample_text_cb_module();
 }
 
-// --- names
-// -------------------------------------------------------------------------------------------------------------------
+// --- names -------------------------------------------------------------------
 
 TEST_F(Hazards, ACommaIsPartOfTheName) {
     const ServedDirectory served;
@@ -204,8 +202,7 @@ TEST_F(Hazards, ANameThatIsNoneLeavesTheFieldEmpty) {
     EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
 }
 
-// --- events that are served in between
-// ---------------------------------------------------------------------------------------------------------------
+// --- events that are served in between ---------------------------------------
 
 /// Does something in the midst of whatever serves events next.
 class Meanwhile {
@@ -310,8 +307,7 @@ TEST_F(Hazards, ATimerThatIsDueDoesNotHoldUpTheEvents) {
     if (!rung) XtRemoveTimeOut(timer);
 }
 
-// --- sizes
-// -------------------------------------------------------------------------------------------------------------------
+// --- sizes -------------------------------------------------------------------
 
 /// The main window's list with other names in it.
 class OtherNames {
@@ -394,8 +390,7 @@ TEST_F(Hazards, APositionWithoutAnEntryShowsNothing) {
     EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
 }
 
-// --- locales
-// -----------------------------------------------------------------------------------------------------------------------
+// --- locales -----------------------------------------------------------------
 
 class TextInLocale : public testing::TestWithParam<const char*> {};
 

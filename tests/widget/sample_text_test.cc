@@ -243,8 +243,7 @@ TEST_F(Sample, TheListShowsFontsAndThenAliases) {
     EXPECT_EQ(shown.back(), the_alias_list.get_elem_at_pos(the_alias_count)->get_hrn_name());
 }
 
-// --- the kept text
-// ---------------------------------------------------------------------------------------------------------------
+// --- the kept text -----------------------------------------------------------
 
 class KeptText : public testing::Test {
   protected:
@@ -374,8 +373,7 @@ TEST(PointSizes, AreConvertedByADigit) {
     EXPECT_EQ(convert_to_decipoint(""), "0");
 }
 
-// --- locales
-// -----------------------------------------------------------------------------------------------------------------------
+// --- locales -----------------------------------------------------------------
 
 // A process of its own for each: the locale is chosen once, at start-up.
 class InLocale : public testing::TestWithParam<const char*> {};

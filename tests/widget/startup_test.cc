@@ -46,8 +46,7 @@ using testing::Eq;
 using testing::ExitedWithCode;
 using testing::StartsWith;
 
-// --- the environment
-// -----------------------------------------------------------------------------------------------
+// --- the environment ---------------------------------------------------------
 
 class SetEnvTest : public testing::Test {
   protected:
@@ -99,8 +98,7 @@ TEST_F(SetEnvTest, EachOfThemAlone) {
     EXPECT_THAT(std::getenv("XFILESEARCHPATH"), StartsWith("/usr/dt/app-defaults/"));
 }
 
-// --- one start
-// -----------------------------------------------------------------------------------------------------
+// --- one start ---------------------------------------------------------------
 
 /// What can only be seen while the program starts.
 struct Start {
@@ -305,8 +303,7 @@ TEST(UtilityTest, ATitleIsSetInTheLocalesEncoding) {
     EXPECT_EQ(gw::test::title_of(wi_props_dlg), "Glyph Warden - Set Sample Text");
 }
 
-// --- other starts, and ends
-// ----------------------------------------------------------------------------------------
+// --- other starts, and ends --------------------------------------------------
 
 class OwnProcessTest : public testing::Test {
   protected:

@@ -312,8 +312,7 @@ TEST_F(Drivers, AMountedMediumIsStagedByItsOwnPath) {
     std::filesystem::remove_all("/floppy/floppy0");
 }
 
-// --- the session
-// -----------------------------------------------------------------------------------------------------------------
+// --- the session -------------------------------------------------------------
 
 /// A driver whose preview directory a test chooses.
 class PreviewDriver : public GWDriverBase {

@@ -87,8 +87,7 @@ class FontsetFile : public testing::Test {
     TempDir dir;
 };
 
-// --- reading
-// ---------------------------------------------------------------------------------------------------------
+// --- reading -----------------------------------------------------------------
 
 TEST_F(FontsetFile, ReadsWhatLinesSay) {
     const std::string too_long(5000, 'x');
@@ -165,8 +164,7 @@ TEST_F(FontsetFile, FindsTheFirstOfAName) {
     EXPECT_EQ(file->get_fontset(""), nullptr);
 }
 
-// --- appending
-// ---------------------------------------------------------------------------------------------------------
+// --- appending ---------------------------------------------------------------
 
 TEST_F(FontsetFile, WritesADefinitionAsItReadsIt) {
     const auto file = opened();
@@ -213,8 +211,7 @@ TEST_F(FontsetFile, ADefinitionCutInTheMiddleStaysApartFromANewOne) {
     EXPECT_THAT(reread(), ElementsAre(Definition{"-a", {"-f1"}}, Definition{"-b", {"-f2"}}));
 }
 
-// --- deleting
-// ---------------------------------------------------------------------------------------------------------
+// --- deleting ----------------------------------------------------------------
 
 TEST_F(FontsetFile, DeletesEachOfSeveralAndNothingElse) {
     const std::vector<Definition> all = {
@@ -297,8 +294,7 @@ TEST_F(FontsetFile, AFontsetOutlivesTheFileForWhoHoldsIt) {
     EXPECT_EQ(own->owners(), 1);
 }
 
-// --- the working copy
-// ---------------------------------------------------------------------------------------------------------
+// --- the working copy --------------------------------------------------------
 
 TEST_F(FontsetFile, TheWorkingCopyIsReadableForAllAndGoesWithTheFile) {
     const mode_t before = ::umask(077);
@@ -374,8 +370,7 @@ TEST_F(FontsetFile, AFileInTheScratchDirectoryIsNoWorkingCopy) {
     EXPECT_EQ(working_copy(), bytes + text_of({"-b", {KANJI}}));
 }
 
-// --- writing back
-// ---------------------------------------------------------------------------------------------------------
+// --- writing back ------------------------------------------------------------
 
 TEST_F(FontsetFile, SyncKeepsOwnerAndMode) {
     const std::string path = dir.write("Vantor.fs", "! c\n");

@@ -23,8 +23,7 @@ namespace {
 
 using namespace gw::test;
 
-// --- reading
-// -----------------------------------------------------------------------------------------------------------------
+// --- reading -----------------------------------------------------------------
 
 TEST_F(FontPath, ReadsTheInstallationsPath) {
     EXPECT_EQ(elements(*own_store("/a/,/b c/,tcp/server:7100"), 0),
@@ -188,8 +187,7 @@ TEST_F(FontPath, TheLocalesFileIsReadAndComposedInOrder) {
     std::filesystem::remove(file);
 }
 
-// --- refusals
-// ----------------------------------------------------------------------------------------------------------------
+// --- refusals ----------------------------------------------------------------
 
 TEST_F(FontPath, RefusesWhatNobodyMayChange) {
     const auto store = main_store();
@@ -243,8 +241,7 @@ TEST_F(FontPath, WithoutADisplayTheSessionIsRefused) {
     EXPECT_TRUE(elements(*store, GWFontPath::SESSION_FP).empty());
 }
 
-// --- the configuration, as the superuser
-// -----------------------------------------------------------------------------------------
+// --- the configuration, as the superuser -------------------------------------
 
 class ConfiguredFontPath : public FontPath {
   protected:
@@ -365,8 +362,7 @@ TEST_F(ConfiguredFontPath, SettingTheHostsPathChangesTheInstallationsList) {
     EXPECT_TRUE(elements(*store, GWFontPath::HOST_FP).empty());
 }
 
-// --- the session
-// -----------------------------------------------------------------------------------------------------------------
+// --- the session -------------------------------------------------------------
 
 class SessionFontPath : public FontPath {
   protected:

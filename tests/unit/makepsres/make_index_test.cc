@@ -32,8 +32,7 @@ using Files = std::map<std::string, std::string>;
 
 constexpr const char* TOOL = "/bin/makepsres";  // below the installation root
 
-// --- the command line
-// -------------------------------------------------------------------------------------------------------
+// --- the command line --------------------------------------------------------
 
 TEST(CommandLine, KnowsItsOptions) {
     using gw::psres::CommandLine;
@@ -83,8 +82,7 @@ TEST(AbsolutePath, KeepsWhatALinkMayChange) {
     EXPECT_EQ(absolute_path("b", "/"), "/b");
 }
 
-// --- what is found
-// -----------------------------------------------------------------------------------------------------------
+// --- what is found -----------------------------------------------------------
 
 TEST_F(IndexTest, AFontDirectoryWithMetricsBesideAndBelow) {
     fonts.write("sample.pfa", outline("Sample-Roman"));
@@ -270,8 +268,7 @@ TEST_F(IndexTest, AThousandFonts) {
     EXPECT_EQ(written(), first) << "the same fonts, the same bytes";
 }
 
-// --- directories that are not there, and the current one
-// ---------------------------------------------------------------------
+// --- directories that are not there, and the current one ---------------------
 
 TEST_F(IndexTest, AMissingDirectoryFailsAfterTheOthers) {
     fonts.write("a.pfa", outline("A"));
@@ -315,8 +312,7 @@ TEST_F(FromTheCurrentDirectory, ItIsTheDefaultOfBoth) {
     EXPECT_EQ(out.str() + err.str(), "");
 }
 
-// --- the file in its place
-// ---------------------------------------------------------------------------------------------------
+// --- the file in its place ---------------------------------------------------
 
 TEST_F(IndexTest, OnlyAPlainFileIsReplaced) {
     fonts.write("a.pfa", outline("A"));
@@ -394,8 +390,7 @@ TEST_F(IndexTest, AReaderSeesTheOldFileOrTheNewOne) {
     EXPECT_EQ(read().files("FontOutline").size(), 101U);
 }
 
-// --- other readers, the real thing
-// ------------------------------------------------------------------------------------------
+// --- other readers, the real thing -------------------------------------------
 
 class OpenUpr : public GW_UPR_FILE {
   public:

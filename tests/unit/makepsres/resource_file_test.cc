@@ -20,8 +20,7 @@ using gw::psres::ResourceSet;
 using gw::test::StrictUpr;
 using testing::ElementsAre;
 
-// --- writing
-// ------------------------------------------------------------------------------------------------------------
+// --- writing -----------------------------------------------------------------
 
 TEST(ResourceSet, NothingIsAValidFileWithoutSections) {
     EXPECT_EQ(ResourceSet().text("/fonts", false), "PS-Resources-1.0\n.\n");
@@ -103,8 +102,7 @@ TEST(WrittenLine, HoldsADirectoryThatFits) {
     EXPECT_EQ(read.files("FontAFM").at("a"), longest + "d/a.afm");
 }
 
-// --- reading
-// ------------------------------------------------------------------------------------------------------------
+// --- reading -----------------------------------------------------------------
 
 TEST(ParseResourceFile, ReadsThePublishedForm) {
     const auto file = parse_resource_file(

@@ -73,8 +73,7 @@ testing::AssertionResult names(const std::string& text) {
     return testing::AssertionFailure() << "the page does not have: " << text;
 }
 
-// --- the sources
-// ---------------------------------------------------------------------------------------------------------
+// --- the sources -------------------------------------------------------------
 
 /// The string literal, of one or more pieces, whose first quote is the first at or behind `place`.
 std::string literal_at(std::string_view source, std::size_t place) {
@@ -126,8 +125,7 @@ std::vector<std::string> fixed_parts(std::string_view message) {
     }
 }
 
-// --- tests
-// ---------------------------------------------------------------------------------------------------------
+// --- tests -------------------------------------------------------------------
 
 TEST(ManualPageTest, IsInstalledAsItIs) {
     const std::string installed = TempDir::read_bytes(std::string(gw::MANUAL_DIR) + "/man1/glyphward.1");

@@ -260,8 +260,7 @@ TEST_F(Indexed, ListsTheInstallationsOwnFonts) {
     }
 }
 
-// --- the module list
-// -------------------------------------------------------------------------------------------------------------
+// --- the module list ---------------------------------------------------------
 
 class ModuleList : public testing::Test {
   protected:

@@ -221,8 +221,7 @@ TEST_F(Type1, InstalledFontsAreNamedByTheIndexAndNotRead) {
     EXPECT_EQ(file_names(*fonts.get_elem_at_pos(1)), Texts{"b.pfb"});
 }
 
-// --- the copy
-// ------------------------------------------------------------------------------------------------------------------
+// --- the copy ----------------------------------------------------------------
 
 class Type1Copy : public testing::Test {
   protected:
@@ -274,8 +273,7 @@ TEST_F(Type1Copy, HasStandardPermissionsAndIsNotMadeOntoItself) {
     EXPECT_EQ(GW_T1_BUF_FILE("missing.pfa", "/nonexistent", 0).copy(&same), 1);
 }
 
-// --- installing and deleting
-// -----------------------------------------------------------------------------------------------------
+// --- installing and deleting -------------------------------------------------
 
 TEST_F(Type1, InstallingWritesTheIndexAndCopiesAllFilesFlat) {
     const std::string target = dir.make_dir("to");
@@ -376,8 +374,7 @@ TEST_F(Type1, AFontWithoutFilesDeletesNothing) {
     EXPECT_EQ(dir.read("glyphwd.upr"), "old");
 }
 
-// --- the real thing
-// --------------------------------------------------------------------------------------------------------------
+// --- the real thing ----------------------------------------------------------
 
 TEST_F(Type1, ListsTheInstallationsOwnFonts) {
     const std::string type1 = std::string(gw::SYSTEM_FONT_DIR) + "/Type1/";

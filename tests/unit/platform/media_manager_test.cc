@@ -43,7 +43,7 @@ int check_all() {
     return media_manager_check(nullptr);
 }
 
-// --- Without a service ---
+// --- Without a service -------------------------------------------------------
 
 TEST(MediaManager, WithoutABusNothingRuns) {
     const TempDir dir;
@@ -106,7 +106,7 @@ TEST(MediaManager, AskingStartsTheService) {
     EXPECT_EQ(media_manager_check(nullptr), 1);
 }
 
-// --- With one ---
+// --- With one ----------------------------------------------------------------
 
 class MediaManagerWithService : public ::testing::Test {
   protected:
@@ -203,7 +203,7 @@ TEST_F(MediaManagerWithService, AServiceThatNeverAnswersIsNotWaitedForLong) {
     expect_no_in_time(check_all);
 }
 
-// --- With something else behind the bus's address ---
+// --- With something else behind the bus's address ----------------------------
 
 // Takes one connection, says its text and then nothing.
 class Speaker {

@@ -43,8 +43,7 @@ class SessionPathTest : public testing::Test {
     const TempDir dir;
 };
 
-// --- what an element is
-// ---------------------------------------------------------------------------------------------------------
+// --- what an element is ------------------------------------------------------
 
 TEST_F(SessionPathTest, ASlashAtTheEndMakesNoOtherDirectory) {
     EXPECT_EQ(identity("/a"), identity("/a/"));
@@ -106,8 +105,7 @@ TEST_F(SessionPathTest, OnlyTheServerKnowsOtherElements) {
         EXPECT_EQ(judge(element).condition, Condition::USABLE) << element;
 }
 
-// --- the plan
-// ---------------------------------------------------------------------------------------------------------
+// --- the plan ----------------------------------------------------------------
 
 TEST_F(SessionPathTest, ConfiguredElementsGoInFrontOfTheServers) {
     const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c");
@@ -187,8 +185,7 @@ TEST_F(SessionPathTest, EveryConfiguredElementHasItsReason) {
                 ElementsAre("", "no such directory", "named before", ""));
 }
 
-// --- a server
-// ---------------------------------------------------------------------------------------------------------
+// --- a server ----------------------------------------------------------------
 
 class PlayedServer {
   public:
@@ -276,8 +273,7 @@ TEST(PutTest, AnEmptyPathIsNotSet) {
     EXPECT_EQ(server.requests(), 0);
 }
 
-// --- the configuration
-// ---------------------------------------------------------------------------------------------------------
+// --- the configuration -------------------------------------------------------
 
 TEST_F(SessionPathTest, TheConfigurationIsTheEffectiveFontPath) {
     const Configuration read =
