@@ -47,7 +47,7 @@ void print(const Image& image, int number) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::printf("#include \"app/window_icon.h\"\n\nnamespace {\n\n");
+    std::printf("#include \"app/start/window_icon.h\"\n\nnamespace {\n\n");
     std::vector<Image> images;
     for (int i = 1; i < argc; ++i) {
         images.push_back(read(argv[i]));

@@ -25,7 +25,7 @@ using Texts = std::vector<Entry>;
 inline Texts defaults() {
     return {
 #define MSG(set, number, name, text) {set, number, text},
-#include "app/messages.def"
+#include "app/kit/messages.def"
 #undef MSG
     };
 }

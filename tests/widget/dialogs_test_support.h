@@ -9,9 +9,9 @@
 #include <string>
 #include <vector>
 
-#include "app/glyphwardapp.h"
-#include "app/program_objects.h"
-#include "app/sample_text_cb.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/program_objects.h"
+#include "app/samples/sample_text_cb.h"
 #include "support/temp_dir.h"
 #include "widget/widget_test_support.h"
 

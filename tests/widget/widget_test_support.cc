@@ -7,10 +7,10 @@
 #include <chrono>
 #include <cstdlib>
 
-#include "app/gw_gui_util.h"
-#include "app/main_start.h"
-#include "app/program_objects.h"
-#include "app/sample_text_cb.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/program/program_objects.h"
+#include "app/samples/sample_text_cb.h"
+#include "app/start/main_start.h"
 
 // X headers come last.
 #include <X11/Shell.h>

@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-#include "app/program_objects.h"
+#include "app/program/program_objects.h"
 #include "support/temp_dir.h"
 #include "widget/dialogs_test_support.h"
 

@@ -200,9 +200,9 @@ TEST(ManualPageTest, GivesTheFormatterNothingToWarnAbout) {
 
 TEST(ManualPageTest, NamesEveryApplicationResource) {
     std::vector<std::string> found =
-        literals_behind(GLYPHWARD_TREE "/src/app/main_start.cc", "name_arg(\"gw_");
+        literals_behind(GLYPHWARD_TREE "/src/app/start/main_start.cc", "name_arg(\"gw_");
     const std::vector<std::string> classes =
-        literals_behind(GLYPHWARD_TREE "/src/app/main_start.cc", "name_arg(\"Gw_");
+        literals_behind(GLYPHWARD_TREE "/src/app/start/main_start.cc", "name_arg(\"Gw_");
     EXPECT_GE(found.size(), 4U);
     EXPECT_EQ(found.size(), classes.size());
     found.insert(found.end(), classes.begin(), classes.end());

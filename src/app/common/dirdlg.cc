@@ -1,0 +1,171 @@
+// SPDX-License-Identifier: MIT
+#include "app/common/dirdlg.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "app/kit/gw_gui_util.h"
+
+#include <Xm/FileSB.h>
+#include <Xm/List.h>
+
+Widget wi_dir_dlg = nullptr;
+Widget wi_dir_list = nullptr;
+
+namespace {
+
+using gw::Message;
+
+constexpr Dimension LEAST_WIDTH = 400;
+constexpr Dimension MOST_WIDTH = 600;
+
+void (*_dir_cb)(const char*) = nullptr;
+
+/// The list's entries for a directory itself and for the one above it are "DIR/." and "DIR/..": they lead to
+/// places with names of their own, which are to stand in font paths.
+std::string by_its_own_name(std::string directory) {
+    if (directory.ends_with("/.")) directory.pop_back();
+    if (!directory.ends_with("/..")) return directory;
+    std::error_code gone;
+    const std::filesystem::path real = std::filesystem::canonical(directory, gone);
+    return gone ? directory : real.string();
+}
+
+/// The one directory that is selected in the list; empty otherwise.
+std::string selected_directory() {
+    XmStringTable items = nullptr;
+    int count = 0;
+    XtVaGetValues(wi_dir_list, XmNselectedItems, &items, XmNselectedItemCount, &count, nullptr);
+    return count == 1 ? by_its_own_name(gw::text_of(items[0])) : std::string();
+}
+
+std::string shown_directory() {
+    XmString directory = nullptr;
+    XtVaGetValues(wi_dir_dlg, XmNdirectory, &directory, nullptr);
+    const gw::XmText owned(directory);
+    return gw::text_of(directory);
+}
+
+/// The directory, or the nearest one above it that is still there, ending in "/".
+std::string existing(std::filesystem::path directory) {
+    std::error_code gone;
+    while (!std::filesystem::is_directory(directory, gone) && directory.has_relative_path()) {
+        directory = directory.parent_path();
+    }
+    return (directory / "").string();
+}
+
+void cancel_cb(Widget, XtPointer, XtPointer) {
+    popdown_dir_dlg();
+}
+
+// A directory that is typed in without being selected in the list is not taken.
+void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
+    const std::string directory = selected_directory();
+    auto* const cb = _dir_cb;
+    cancel_cb(w, client_data, call_data);
+    if (!directory.empty() && cb != nullptr) cb(directory.c_str());
+}
+
+/// A directory itself, the one above it, and the directories in it by name; the first two alone when it
+/// cannot be read.
+std::vector<std::string> directories_in(const std::string& directory) {
+    std::vector<std::string> names;
+    std::error_code unreadable;
+    for (std::filesystem::directory_iterator entry(directory, unreadable), end; entry != end;
+         entry.increment(unreadable)) {
+        std::error_code gone;
+        if (entry->is_directory(gone)) names.push_back(entry->path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    names.insert(names.begin(), {".", ".."});
+    return names;
+}
+
+/// The toolkit's own search does not read a directory again that it has read before.
+void search_cb(Widget dialog, XtPointer call_data) {
+    const auto* search = static_cast<XmFileSelectionBoxCallbackStruct*>(call_data);
+    const std::string directory = gw::text_of(search->dir);
+    std::error_code gone;
+    if (!std::filesystem::is_directory(directory, gone)) {
+        XtVaSetValues(dialog, XmNdirectoryValid, False, nullptr);
+        return;
+    }
+    // A list keeps what was selected in it, also when that is no longer there.
+    if (Widget list = XmFileSelectionBoxGetChild(dialog, XmDIALOG_DIR_LIST); list != nullptr) {
+        XmListDeselectAllItems(list);
+    }
+    std::vector<gw::XmText> owners;
+    std::vector<XmString> items;
+    for (const std::string& name : directories_in(directory)) {
+        owners.push_back(gw::xm_text(directory + name));
+        items.push_back(owners.back().get());
+    }
+    XtVaSetValues(dialog, XmNdirListItems, items.data(), XmNdirListItemCount, static_cast<int>(items.size()),
+                  XmNdirectoryValid, True, XmNlistUpdated, True, nullptr);
+}
+
+/// What is in the directory now: directories come and go.
+void list_again() {
+    const gw::XmText everything = gw::xm_text(existing(shown_directory()) + '*');
+    XmFileSelectionDoSearch(wi_dir_dlg, everything.get());
+}
+
+void show_directories_only() {
+    XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_LIST));
+    XtUnmanageChild(XtParent(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_LIST)));
+    XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_LIST_LABEL));
+    XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_HELP_BUTTON));
+}
+
+/// The dialog stays as wide as it begins, or as a resource makes it: with each long name it would grow, out
+/// of the screen in the end. The list can be scrolled instead.
+void fix_size() {
+    Dimension width = 0;
+    Dimension height = 0;
+    XtVaGetValues(wi_dir_dlg, XmNwidth, &width, XmNheight, &height, nullptr);
+    XtWidgetGeometry natural = {};
+    XtQueryGeometry(wi_dir_dlg, nullptr, &natural);
+    if (width == 0) width = std::clamp(natural.width, LEAST_WIDTH, MOST_WIDTH);
+    if (height == 0) height = natural.height;
+    XtVaSetValues(wi_dir_dlg, XmNwidth, width, XmNheight, height, XmNresizePolicy, XmRESIZE_NONE, nullptr);
+}
+
+}  // namespace
+
+Widget create_dir_dlg(const char* name, Widget parent) {
+    const gw::XmText subdirectories = gw::xm_text(gw::text_of(Message::SUBDIRECTORIES));
+    const gw::XmText selected = gw::xm_text(gw::text_of(Message::SELECTED_DIRECTORY));
+    Arg args[6];
+    XtSetArg(args[0], XmNfileTypeMask, XmFILE_DIRECTORY);
+    XtSetArg(args[1], XmNdirListLabelString, subdirectories.get());
+    XtSetArg(args[2], XmNselectionLabelString, selected.get());
+    XtSetArg(args[3], XmNautoUnmanage, False);
+    XtSetArg(args[4], XmNdefaultPosition, False);
+    XtSetArg(args[5], XmNdirSearchProc, search_cb);
+    wi_dir_dlg = XmCreateFileSelectionDialog(parent, gw::name_arg(name), args, 6);
+    wi_dir_list = XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_DIR_LIST);
+    set_window_title(wi_dir_dlg, gw::text_of(Message::DIR_TITLE));
+    show_directories_only();
+    XtAddCallback(wi_dir_dlg, XmNokCallback, ok_cb, nullptr);
+    XtAddCallback(wi_dir_dlg, XmNcancelCallback, cancel_cb, nullptr);
+    fix_size();
+    gw::add_map_callbacks(wi_dir_dlg);
+    gw::on_close_box(wi_dir_dlg, cancel_cb);
+    return wi_dir_dlg;
+}
+
+void popup_dir_dlg(void (*cb)(const char*), const char* title) {
+    if (title != nullptr) set_window_title(wi_dir_dlg, title);
+    list_again();
+    XtManageChild(wi_dir_dlg);
+    _dir_cb = cb;
+}
+
+void popdown_dir_dlg() {
+    _dir_cb = nullptr;
+    XtUnmanageChild(wi_dir_dlg);
+}

@@ -1,0 +1,302 @@
+// SPDX-License-Identifier: MIT
+#include "app/conflicts/conflictdlg.h"
+
+#include <algorithm>
+#include <vector>
+
+#include "app/conflicts/conflict_lists.h"
+#include "app/conflicts/preconflictdlg.h"
+#include "app/font_path/fpinfodlg.h"
+#include "app/installing/installdlg.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/program_objects.h"
+#include "app/samples/sample_text_cb.h"
+#include "model/hrn_words.h"
+
+#include <Xm/Form.h>
+#include <Xm/List.h>
+#include <Xm/RowColumn.h>
+
+Widget wi_conflict_dlg = nullptr;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+
+constexpr int GAP = 8;
+constexpr int VISIBLE_CONFLICTS = 8;
+constexpr int DETAIL_LINES = 8;
+constexpr std::size_t LINE_LENGTH = 60;  // characters of a line with its resolution
+
+enum Resolution : int { UNDECIDED = 1, KEEP_AS_IS = 2, FORCE = 3, READ_ONLY = 4 };
+
+Widget wi_conflicts_list = nullptr;
+Widget wi_keep_button, wi_not_keep_button, wi_ok_button;
+Widget wi_conflict_detail_label = nullptr;
+
+gw::ConflictView shown;
+unsigned success_count = 0;
+GWConflict::TYPE conflict_type = GWConflict::INSTALL;
+std::vector<Resolution> res_list;  // by list position - 1
+
+bool installs() {
+    return conflict_type == GWConflict::INSTALL;
+}
+
+/// The conflict at the 1-based position; null when there is none.
+GWConflict* conflict_at(int position) {
+    return shown.list() != nullptr ? shown.list()->get_elem_at_pos(position) : nullptr;
+}
+
+/// The position that is selected; 0 when there is none.
+int selected_position() {
+    const std::vector<int> positions = gw::selected_positions(wi_conflicts_list);
+    return positions.empty() ? 0 : positions.front();
+}
+
+std::string resolution_word(Resolution resolution) {
+    switch (resolution) {
+        case KEEP_AS_IS:
+            return gw::text_of(installs() ? Message::KEEP_OLD : Message::KEEP);
+        case FORCE:
+            return gw::text_of(installs() ? Message::INSTALL_NEW : Message::DELETE);
+        default:
+            return "";
+    }
+}
+
+std::string detail_of(const GWConflict& conflict) {
+    std::string text;
+    if (conflict.is_conflict(GWConflict::SAME_NAME) != 0) {
+        if (installs()) text += gw::text_of(Message::EXISTS_ALREADY);
+        text += conflict.get_conflict_dir_name();
+    }
+    if (conflict.is_conflict(GWConflict::READ_ONLY) != 0) text += gw::text_of(Message::IS_READ_ONLY);
+    if (conflict.is_conflict(GWConflict::SYSTEM_FONT) != 0) text += gw::text_of(Message::IS_SYSTEM_FONT);
+    if (conflict.is_conflict(GWConflict::PACKAGE) != 0) text += gw::text_of(Message::IS_IN_PACKAGE);
+    if (conflict.is_conflict(GWConflict::ALIAS) != 0) text += gw::text_of(Message::IS_ALIAS);
+    return text;
+}
+
+/// The label keeps the height of eight lines, and grows in width only.
+void show_detail(const std::string& text) {
+    gw::set_label(wi_conflict_detail_label, text);
+    XtWidgetGeometry preferred = {};
+    XtQueryGeometry(wi_conflict_detail_label, nullptr, &preferred);
+    Dimension width = 0;
+    XtVaGetValues(wi_conflict_detail_label, XmNwidth, &width, nullptr);
+    if (preferred.width > width) XtVaSetValues(wi_conflict_detail_label, XmNwidth, preferred.width, nullptr);
+}
+
+void activate_resolutions(bool on) {
+    for (Widget w : {wi_keep_button, wi_not_keep_button}) activate(w, on ? 1 : 0);
+}
+
+void list_cb(Widget, XtPointer, XtPointer call_data) {
+    const auto* event = static_cast<XmListCallbackStruct*>(call_data);
+    const int position = event != nullptr ? event->item_position : selected_position();
+    const GWConflict* conflict = conflict_at(position);
+    if (conflict == nullptr) return;
+    activate_resolutions(res_list[static_cast<std::size_t>(position) - 1] != READ_ONLY);
+    show_detail(detail_of(*conflict));
+}
+
+void resolve_selected(Resolution resolution) {
+    const int position = selected_position();
+    if (conflict_at(position) == nullptr) return;
+    res_list[static_cast<std::size_t>(position) - 1] = resolution;
+    const gw::XmText entry = gw::xm_text(get_conflict_list_entry(static_cast<unsigned>(position)));
+    XmString item = entry.get();
+    // Motif loses the list's selection when a selected item is replaced.
+    XmListDeselectPos(wi_conflicts_list, position);
+    XmListReplaceItemsPos(wi_conflicts_list, &item, 1, position);
+    XmListSelectPos(wi_conflicts_list, position, False);
+    if (std::find(res_list.begin(), res_list.end(), UNDECIDED) == res_list.end()) activate(wi_ok_button, 1);
+}
+
+void keep_cb(Widget, XtPointer, XtPointer) {
+    resolve_selected(KEEP_AS_IS);
+}
+
+void not_keep_cb(Widget, XtPointer, XtPointer) {
+    resolve_selected(FORCE);
+}
+
+/// The element holds the font that was installed by force: it may have left the list meanwhile, because its
+/// fonts were deleted, and it may have come under another name.
+void list_in_order(GWHRNElement* elem, const std::string& name_before) {
+    const gw::Ref<GWHRNElement> owner(elem);
+    const bool is_listed = std::find(the_installed_hrn_list.begin(), the_installed_hrn_list.end(), elem) !=
+                           the_installed_hrn_list.end();
+    if (is_listed && name_before == elem->get_name()) return;
+    the_installed_hrn_list.delete_hrn_elem(elem);
+    if (elem->get_representative() != nullptr) the_installed_hrn_list.insert(elem);
+}
+
+void force(GWConflict& conflict) {
+    if (!installs()) {
+        conflict.delete_force(the_fsm_list);
+        return;
+    }
+    GWHRNElement* other = conflict.get_other_element();
+    const std::string name = other != nullptr ? other->get_name() : "";
+    conflict.install_force(the_fsm_list);
+    if (other != nullptr) list_in_order(other, name);
+}
+
+void carry_out() {
+    std::string destination;
+    int position = 0;
+    for (GWConflict* conflict : *shown.list()) {
+        if (res_list[static_cast<std::size_t>(position++)] != FORCE) continue;
+        force(*conflict);
+        ++success_count;
+        if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
+    }
+    the_installed_hrn_count = the_installed_hrn_list.get_count();
+    if (installs() && !destination.empty()) show_installation_to_server(destination.c_str());
+    if (!installs()) the_font_path->rehash_session_fp();
+}
+
+void ok_cb(Widget, XtPointer, XtPointer) {
+    if (shown.list() == nullptr) return;
+    carry_out();
+    update_label(
+        wi_main_window_status_label,
+        gw::count_text(success_count, installs() ? Message::FONTS_INSTALLED : Message::FONTS_DELETED).c_str(),
+        nullptr);
+    update_wi_installed_hrn_list();
+    forget_selection();
+    stop_conflict_dlg();
+    if (uid == 0) start_fp_info_dlg();
+}
+
+void cancel_cb(Widget, XtPointer, XtPointer) {
+    GW_LIST<GWConflict>* list = shown.list();
+    stop_conflict_dlg();
+    if (list != nullptr) start_preconflict_dlg(success_count, list);
+}
+
+void help_dlg_cb(Widget, XtPointer, XtPointer) {}
+
+void create_list(Widget dialog) {
+    Widget title = gw::label(dialog, "list_label", Message::CONFLICT_LIST);
+    Attach(title).top_form(GAP).sides(GAP);
+    wi_conflicts_list = gw::scrolled_list(dialog, "_conflicts_list");
+    XtVaSetValues(wi_conflicts_list, XmNselectionPolicy, XmSINGLE_SELECT, XmNvisibleItemCount,
+                  VISIBLE_CONFLICTS, nullptr);
+    gw::set_list_columns(wi_conflicts_list, LINE_LENGTH);
+    // The title has its words where the lines have theirs.
+    XmFontList fonts = nullptr;
+    XtVaGetValues(wi_conflicts_list, XmNfontList, &fonts, nullptr);
+    XtVaSetValues(title, XmNfontList, fonts, nullptr);
+    Attach(XtParent(wi_conflicts_list)).below(title, 2).sides(GAP);
+    XtAddCallback(wi_conflicts_list, XmNsingleSelectionCallback, list_cb, nullptr);
+}
+
+/// Lines without a character have no height.
+std::string eight_lines() {
+    std::string lines = "n";
+    for (int i = 1; i < DETAIL_LINES; ++i) lines += "\nn";
+    return lines;
+}
+
+Widget create_resolutions(Widget dialog, Widget above) {
+    Widget title = gw::label(dialog, "resolve_label", Message::CHOOSE_RESOLUTION);
+    Attach(title).below(above, GAP + 8).left_form(GAP);
+    Arg args[2];
+    XtSetArg(args[0], XmNorientation, XmHORIZONTAL);
+    XtSetArg(args[1], XmNpacking, XmPACK_COLUMN);
+    Widget row = XmCreateWorkArea(dialog, gw::name_arg("button_rowcol"), args, 2);
+    XtManageChild(row);
+    Attach(row).below(above, GAP).right_of(title, GAP);
+    wi_keep_button = gw::push_button(row, "keep_button", Message::CONFLICT_KEEP);
+    wi_not_keep_button = gw::push_button(row, "not_keep_button", Message::CONFLICT_NOT_KEEP);
+    XtAddCallback(wi_keep_button, XmNactivateCallback, keep_cb, nullptr);
+    XtAddCallback(wi_not_keep_button, XmNactivateCallback, not_keep_cb, nullptr);
+    return row;
+}
+
+/// Tied to what is above and below the row, the buttons keep one height under any label.
+void create_buttons(Widget dialog, Widget above) {
+    Widget message = gw::label(dialog, "msg_label", " ");
+    Attach(message).sides(GAP).bottom_form(0);
+    const auto button = [=](const char* name, Message text, int left, int right, XtCallbackProc callback) {
+        Widget w = gw::push_button(dialog, name, text);
+        Attach(w).below(above, GAP).above(message, 0).columns(left, right);
+        XtAddCallback(w, XmNactivateCallback, callback, nullptr);
+        return w;
+    };
+    wi_ok_button = button("ok_button", Message::CONFLICT_FINISH, 4, 34, ok_cb);
+    Widget cancel = button("cancel_button", Message::CONFLICT_CANCEL, 39, 64, cancel_cb);
+    button("help_dlg_button", Message::CONFLICT_HELP, 69, 94, help_dlg_cb);
+    XtVaSetValues(dialog, XmNdefaultButton, wi_ok_button, XmNcancelButton, cancel, XmNinitialFocus,
+                  XtParent(wi_conflicts_list), nullptr);
+}
+
+}  // namespace
+
+Widget create_conflict_dlg(const char* name, Widget parent) {
+    wi_conflict_dlg = gw::form_dialog(parent, name, Message::CONFLICT_TITLE);
+    create_list(wi_conflict_dlg);
+    Widget resolutions = create_resolutions(wi_conflict_dlg, XtParent(wi_conflicts_list));
+    wi_conflict_detail_label = gw::label(wi_conflict_dlg, "conflict_detail_label", eight_lines());
+    XtVaSetValues(wi_conflict_detail_label, XmNrecomputeSize, False, nullptr);
+    Attach(wi_conflict_detail_label).below(resolutions, GAP).sides(GAP);
+    Widget line = gw::separator(wi_conflict_dlg, "separator");
+    Attach(line).below(wi_conflict_detail_label, GAP).sides(0);
+    create_buttons(wi_conflict_dlg, line);
+    // What a long text makes of it stays: the window must not jump from font to font.
+    XtVaSetValues(wi_conflict_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
+    gw::on_close_box(wi_conflict_dlg, cancel_cb);
+    return wi_conflict_dlg;
+}
+
+void start_conflict_dlg(unsigned success, GW_LIST<GWConflict>* list) {
+    if (list->is_empty()) return;
+    shown.show(list);
+    success_count = success;
+    conflict_type = (*list->begin())->get_type();
+    res_list.clear();
+    for (const GWConflict* conflict : *list) {
+        const bool read_only = conflict->is_conflict(GWConflict::READ_ONLY) != 0;
+        res_list.push_back(read_only ? READ_ONLY : UNDECIDED);
+        if (!read_only) activate(wi_ok_button, 0);
+    }
+    gw::set_label(wi_ok_button,
+                  gw::text_of(installs() ? Message::FINISH_INSTALLATION : Message::FINISH_DELETION));
+    gw::set_label(wi_keep_button, gw::text_of(installs() ? Message::KEEP_OLD : Message::KEEP));
+    gw::set_label(wi_not_keep_button, gw::text_of(installs() ? Message::INSTALL_NEW : Message::DELETE));
+    show_detail(std::string(DETAIL_LINES, '\n'));
+    update_wi_conflict_list();
+    activate_resolutions(false);
+    XtManageChild(wi_conflict_dlg);
+}
+
+void stop_conflict_dlg() {
+    res_list.clear();
+    shown.let_go();
+    XtUnmanageChild(wi_conflict_dlg);
+}
+
+void update_wi_conflict_list() {
+    XmListDeleteAllItems(wi_conflicts_list);
+    std::vector<gw::XmText> texts;
+    std::vector<XmString> items;
+    for (unsigned position = 1; position <= res_list.size(); ++position) {
+        texts.push_back(gw::xm_text(get_conflict_list_entry(position)));
+        items.push_back(texts.back().get());
+    }
+    if (!items.empty())
+        XmListAddItemsUnselected(wi_conflicts_list, items.data(), static_cast<int>(items.size()), 1);
+}
+
+std::string get_conflict_list_entry(unsigned position) {
+    const GWConflict* conflict = conflict_at(static_cast<int>(position));
+    if (conflict == nullptr) return "";
+    std::string entry = conflict->get_name();
+    gw::append_at_column(entry, resolution_word(res_list[position - 1]));
+    return entry;
+}

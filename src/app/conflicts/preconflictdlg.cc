@@ -1,0 +1,138 @@
+// SPDX-License-Identifier: MIT
+#include "app/conflicts/preconflictdlg.h"
+
+#include <string>
+
+#include "app/conflicts/conflict_lists.h"
+#include "app/conflicts/conflictdlg.h"
+#include "app/font_path/fpinfodlg.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/program_objects.h"
+#include "app/samples/sample_text_cb.h"
+
+#include <Xm/Form.h>
+
+Widget wi_preconflict_dlg = nullptr;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+
+constexpr int GAP = 10;
+
+Widget wi_success_label, wi_read_only_label, wi_conflict_label, wi_detail_label;
+Widget wi_ok_button, wi_resolve_button;
+
+gw::ConflictView shown;
+unsigned success_count = 0;
+unsigned read_only_conflict_count = 0;
+unsigned other_conflict_count = 0;
+
+/// The texts of one of the two operations.
+struct Texts {
+    Message success, read_only, conflicts, some, none, status;
+};
+constexpr Texts INSTALL_TEXTS = {Message::INSTALLED_COUNT,        Message::NOT_OVERWRITTEN_COUNT,
+                                 Message::INSTALL_CONFLICT_COUNT, Message::INSTALL_CONFLICTS,
+                                 Message::NO_INSTALL_CONFLICTS,   Message::FONTS_INSTALLED};
+constexpr Texts DELETE_TEXTS = {Message::DELETED_COUNT,         Message::NOT_DELETED_COUNT,
+                                Message::DELETE_CONFLICT_COUNT, Message::DELETE_CONFLICTS,
+                                Message::NO_DELETE_CONFLICTS,   Message::FONTS_DELETED};
+const Texts* texts = &INSTALL_TEXTS;
+
+void count_conflicts() {
+    read_only_conflict_count = 0;
+    other_conflict_count = 0;
+    for (const GWConflict* conflict : *shown.list())
+        ++(conflict->is_conflict(GWConflict::READ_ONLY) != 0 ? read_only_conflict_count
+                                                             : other_conflict_count);
+}
+
+// The asterisks tie the count and the text about it together.
+void show_counts() {
+    const std::string others = std::to_string(other_conflict_count);
+    gw::set_label(wi_success_label, gw::text_of(texts->success) + std::to_string(success_count));
+    gw::set_label(wi_read_only_label,
+                  gw::text_of(texts->read_only) + std::to_string(read_only_conflict_count));
+    gw::set_label(wi_conflict_label, gw::text_of(texts->conflicts) + others + " *");
+    gw::set_label(wi_detail_label, other_conflict_count > 0 ? "* " + others + gw::text_of(texts->some)
+                                                            : gw::text_of(texts->none));
+}
+
+void ok_cb(Widget, XtPointer, XtPointer) {
+    stop_preconflict_dlg();
+    if (uid == 0) start_fp_info_dlg();
+}
+
+void resolve_cb(Widget, XtPointer, XtPointer) {
+    GW_LIST<GWConflict>* list = shown.list();
+    stop_preconflict_dlg();
+    if (list != nullptr) start_conflict_dlg(success_count, list);
+}
+
+void help_dlg_cb(Widget, XtPointer, XtPointer) {}
+
+/// A button of the row between `above` and `below`: tied to both, it keeps the row's height under any label.
+Widget button(const char* name, Message text, Widget above, Widget below, int column,
+              XtCallbackProc callback) {
+    Widget w = gw::push_button(wi_preconflict_dlg, name, text);
+    Attach(w).below(above, GAP).above(below, 0).columns(column * 33 + 4, column * 33 + 30);
+    XtAddCallback(w, XmNactivateCallback, callback, nullptr);
+    return w;
+}
+
+/// An empty label below `above`; a text of some width, so that the dialog does not begin too narrow.
+Widget text_line(const char* name, Widget above, int offset) {
+    Widget w = gw::label(wi_preconflict_dlg, name, " ");
+    Attach(w).sides(GAP);
+    if (above != nullptr) {
+        Attach(w).below(above, offset);
+    } else {
+        Attach(w).top_form(offset);
+    }
+    return w;
+}
+
+}  // namespace
+
+Widget create_preconflict_dlg(const char* name, Widget parent) {
+    wi_preconflict_dlg = gw::form_dialog(parent, name, Message::PRECONFLICT_TITLE);
+    wi_success_label = text_line("success_label", nullptr, GAP);
+    wi_read_only_label = text_line("read_only_label", wi_success_label, 2);
+    wi_conflict_label = text_line("conflict_label", wi_read_only_label, 2);
+    wi_detail_label = text_line("detail_label", wi_conflict_label, 2 * GAP);
+    Widget line = gw::separator(wi_preconflict_dlg, "separator");
+    Attach(line).below(wi_detail_label, GAP).sides(0);
+
+    Widget message = gw::label(wi_preconflict_dlg, "msg_label", " ");
+    Attach(message).sides(GAP).bottom_form(0);
+    wi_ok_button = button("ok_button", Message::PRECONFLICT_OK, line, message, 0, ok_cb);
+    wi_resolve_button = button("resolve_button", Message::REVIEW, line, message, 1, resolve_cb);
+    button("help_dlg_button", Message::PRECONFLICT_HELP, line, message, 2, help_dlg_cb);
+    // Ok changes nothing: it is what leaving the window by any road means.
+    XtVaSetValues(wi_preconflict_dlg, XmNdefaultButton, wi_ok_button, XmNcancelButton, wi_ok_button,
+                  XmNinitialFocus, wi_ok_button, nullptr);
+    gw::on_close_box(wi_preconflict_dlg, ok_cb);
+    return wi_preconflict_dlg;
+}
+
+void start_preconflict_dlg(unsigned success, GW_LIST<GWConflict>* list) {
+    if (list->is_empty()) return;
+    shown.show(list);
+    success_count = success;
+    texts = (*list->begin())->get_type() == GWConflict::INSTALL ? &INSTALL_TEXTS : &DELETE_TEXTS;
+    count_conflicts();
+    const bool undecided = other_conflict_count > 0;
+    gw::set_label(wi_ok_button, gw::text_of(undecided ? Message::LEAVE_ORIGINALS : Message::PRECONFLICT_OK));
+    gw::set_label(wi_resolve_button, gw::text_of(undecided ? Message::CHOOSE : Message::REVIEW));
+    show_counts();
+    XtManageChild(wi_preconflict_dlg);
+}
+
+void stop_preconflict_dlg() {
+    update_label(wi_main_window_status_label, gw::count_text(success_count, texts->status).c_str(), nullptr);
+    shown.let_go();
+    XtUnmanageChild(wi_preconflict_dlg);
+}

@@ -1,0 +1,86 @@
+// SPDX-License-Identifier: MIT
+#include "app/deleting/deletion.h"
+
+#include <vector>
+
+#include "app/common/progressdlg.h"
+#include "app/conflicts/conflict_lists.h"
+#include "app/conflicts/preconflictdlg.h"
+#include "app/deleting/delwarningdlg.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/program_objects.h"
+#include "app/program/work_record.h"
+#include "app/samples/attrdlg.h"
+#include "app/samples/sample_text_cb.h"
+
+#include <Xm/List.h>
+
+namespace {
+
+using gw::Message;
+
+/// Deletes the font at that position, or records why not. An alias is never deleted.
+void delete_entry(int position, WorkRecord& work) {
+    if (position > the_installed_hrn_count) {
+        GWAlias* alias = the_alias_list.get_elem_at_pos(position - the_installed_hrn_count);
+        if (alias != nullptr) {
+            the_conflict_list.append(
+                new GWConflict(GWConflict::DELETE, nullptr, alias, nullptr, nullptr, nullptr));
+        }
+        return;
+    }
+    if (the_installed_hrn_list.delete_at_pos(static_cast<unsigned>(position), the_fsm_list,
+                                             the_conflict_list) != GWHRNElement::DONE)
+        return;
+    --the_installed_hrn_count;
+    XmListDeletePos(wi_hrn_list, position);
+    update_progress_dlg(++work.done);
+}
+
+void finish_deletion(int deleted) {
+    show_main_samples_last();
+    stop_progress_dlg();
+    permit_other_work();
+    if (deleted > 0) the_font_path->rehash_session_fp();
+    if (!the_conflict_list.is_empty())
+        start_preconflict_dlg(static_cast<unsigned>(deleted), &the_conflict_list);
+    update_label(wi_main_window_status_label,
+                 gw::count_text(static_cast<unsigned>(deleted), Message::FONTS_DELETED).c_str(), nullptr);
+}
+
+void start_deletion(std::vector<int> positions) {
+    const int count = static_cast<int>(positions.size());
+    the_wp_cl_data = {std::move(positions), 0, 0};
+    forbid_other_work();
+    forget_selection();
+    start_progress_dlg(0, count, gw::text_of(Message::DELETE_PROGRESS_TITLE),
+                       gw::text_of(Message::DELETE_PROGRESS));
+    // Last, because drawing the progress dialog would run it.
+    XtAppAddWorkProc(app, delete_work_proc, &the_wp_cl_data);
+}
+
+}  // namespace
+
+void delete_btn_cb(Widget, XtPointer, XtPointer) {
+    start_del_warning_dlg(delete_confirmed_cb);
+}
+
+void delete_confirmed_cb(char confirmed) {
+    if (confirmed == 0 || the_wp_cl_data.is_in_progress()) return;
+    clear_attributes();
+    std::vector<int> positions = gw::selected_positions(wi_hrn_list);
+    if (!positions.empty()) start_deletion(std::move(positions));
+    activate_selection_controls(0);
+}
+
+// Every deletion so far has moved what follows up by one.
+Boolean delete_work_proc(XtPointer data) {
+    auto* work = static_cast<WorkRecord*>(data);
+    if (work->index == 0) gw::clear_conflict_list();
+    delete_entry(work->positions[work->index] - work->done, *work);
+    ++work->index;
+    if (work->is_in_progress()) return False;
+    finish_deletion(work->done);
+    return True;
+}

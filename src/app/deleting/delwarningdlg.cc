@@ -1,0 +1,51 @@
+// SPDX-License-Identifier: MIT
+#include "app/deleting/delwarningdlg.h"
+
+#include <utility>
+
+#include "app/kit/gw_gui_util.h"
+
+#include <Xm/MessageB.h>
+
+Widget wi_del_warning_dlg = nullptr;
+
+namespace {
+
+using gw::Message;
+
+void (*_warn_cb)(char) = nullptr;
+
+void answer(char confirmed) {
+    auto* const cb = std::exchange(_warn_cb, nullptr);
+    XtUnmanageChild(wi_del_warning_dlg);
+    if (cb != nullptr) cb(confirmed);
+}
+
+void ok_cb(Widget, XtPointer, XtPointer) {
+    answer(1);
+}
+
+void cancel_cb(Widget, XtPointer, XtPointer) {
+    answer(0);
+}
+
+}  // namespace
+
+Widget create_del_warning_dlg(const char* name, Widget parent) {
+    wi_del_warning_dlg =
+        gw::message_dialog(parent, name, XmDIALOG_WARNING, gw::text_of(Message::DEL_WARNING_TITLE),
+                           gw::text_of(Message::DEL_WARNING), {XmDIALOG_HELP_BUTTON});
+    const gw::XmText ok = gw::xm_text(gw::text_of(Message::DEL_WARNING_DELETE));
+    // Return alone must not delete anything.
+    XtVaSetValues(wi_del_warning_dlg, XmNokLabelString, ok.get(), XmNdefaultButtonType,
+                  XmDIALOG_CANCEL_BUTTON, nullptr);
+    XtAddCallback(wi_del_warning_dlg, XmNokCallback, ok_cb, nullptr);
+    XtAddCallback(wi_del_warning_dlg, XmNcancelCallback, cancel_cb, nullptr);
+    gw::on_close_box(wi_del_warning_dlg, cancel_cb);
+    return wi_del_warning_dlg;
+}
+
+void start_del_warning_dlg(void (*cb)(char)) {
+    _warn_cb = cb;
+    XtManageChild(wi_del_warning_dlg);
+}

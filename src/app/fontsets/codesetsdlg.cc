@@ -1,0 +1,102 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/fontsets/codesets.h"
+#include "app/fontsets/fontsetsdlg.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/program/program_objects.h"
+
+#include <Xm/Form.h>
+#include <Xm/TextF.h>
+
+Widget wi_sample_text_dlg = nullptr;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+using namespace fontsetsdlg;
+
+constexpr int GAP = 8;
+constexpr short TEXT_COLUMNS = 45;
+constexpr int MOST_CODESETS = 10;  // that the dialog has room for
+
+std::vector<Widget> wi_sample_text_dlg_cs_text;  // by codeset
+
+// A field drops the characters that its font lacks: what it shows of a part stands for the whole.
+std::vector<std::string> kept_parts;
+std::vector<std::string> shown_of_them;
+
+std::string part(std::size_t codeset) {
+    std::string text = gw::field_text(wi_sample_text_dlg_cs_text[codeset]);
+    return text == shown_of_them[codeset] ? kept_parts[codeset] : text;
+}
+
+void apply_cb(Widget, XtPointer, XtPointer) {
+    std::string text;
+    for (std::size_t codeset = 0; codeset < wi_sample_text_dlg_cs_text.size(); ++codeset)
+        text += part(codeset);
+    set_sample(text);
+}
+
+void cancel_cb(Widget, XtPointer, XtPointer) {
+    XtUnmanageChild(wi_sample_text_dlg);
+}
+
+void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
+    apply_cb(w, client_data, call_data);
+    XtUnmanageChild(wi_sample_text_dlg);
+}
+
+void reset_cb(Widget, XtPointer, XtPointer) {
+    set_wi_sample_text_dlg(fontsetdlg_cb.locale_sample_text.c_str());
+    set_sample(fontsetdlg_cb.locale_sample_text);
+}
+
+}  // namespace
+
+Widget create_sample_text_dlg(const char* name, Widget parent) {
+    wi_sample_text_dlg = gw::form_dialog(parent, name, Message::CODESETS_TITLE);
+    const int count = std::clamp(Gw_resrc.codeset_num, 1, MOST_CODESETS);
+    Widget above = nullptr;
+    for (int codeset = 0; codeset < count; ++codeset) {
+        Widget label = gw::label(wi_sample_text_dlg, "codeset_label",
+                                 gw::text_of(Message::CODESET, static_cast<unsigned>(codeset)));
+        Widget field = gw::text_field(wi_sample_text_dlg, "codeset_text");
+        XtVaSetValues(field, XmNcolumns, TEXT_COLUMNS, nullptr);
+        Attach(label).left_form(GAP);
+        Attach(field).right_of(label, GAP).right_form(GAP);
+        if (above == nullptr) {
+            Attach(label).top_form(GAP + 6);
+            Attach(field).top_form(GAP);
+        } else {
+            Attach(label).below(above, GAP + 6);
+            Attach(field).below(above, GAP);
+        }
+        above = field;
+        wi_sample_text_dlg_cs_text.push_back(field);
+    }
+    const std::vector<Widget> buttons =
+        gw::button_row(wi_sample_text_dlg, above,
+                       {{"ok_button", Message::CODESETS_OK, ok_cb},
+                        {"apply_button", Message::CODESETS_APPLY, apply_cb},
+                        {"reset_button", Message::CODESETS_RESET, reset_cb},
+                        {"cancel_button", Message::CODESETS_CANCEL, cancel_cb},
+                        {"help_button", Message::CODESETS_HELP, nullptr}});
+    XtVaSetValues(wi_sample_text_dlg, XmNdefaultButton, buttons[0], XmNcancelButton, buttons[3],
+                  XmNinitialFocus, wi_sample_text_dlg_cs_text.front(), nullptr);
+    gw::on_close_box(wi_sample_text_dlg, cancel_cb);
+    return wi_sample_text_dlg;
+}
+
+void set_wi_sample_text_dlg(const char* text) {
+    kept_parts = gw::split_by_codeset(text, static_cast<unsigned>(wi_sample_text_dlg_cs_text.size()));
+    shown_of_them.clear();
+    for (std::size_t codeset = 0; codeset < wi_sample_text_dlg_cs_text.size(); ++codeset) {
+        Widget field = wi_sample_text_dlg_cs_text[codeset];
+        XmTextFieldSetString(field, gw::name_arg(kept_parts[codeset].c_str()));
+        shown_of_them.push_back(gw::field_text(field));
+    }
+}

@@ -1,0 +1,427 @@
+// SPDX-License-Identifier: MIT
+#include "app/fontsets/fontsetsdlg.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "app/kit/busy_windows.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/program/program_objects.h"
+#include "app/samples/sample_text_cb.h"
+#include "fontfiles/gw_fontset.h"
+#include "model/gw_font.h"
+#include "platform/host_paths.h"
+
+#include <Xm/Form.h>
+#include <Xm/List.h>
+#include <Xm/RowColumn.h>
+#include <Xm/TextF.h>
+
+Widget wi_fontsets_dlg = nullptr;
+fontsetdlg_cb_struct fontsetdlg_cb;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+using namespace fontsetsdlg;
+
+constexpr int GAP = 8;
+constexpr int VISIBLE_FONTS = 10;
+constexpr Dimension SAMPLE_HEIGHT = 60;
+constexpr std::size_t DIRECTORY_LIMIT = 68;  // bytes of the fontset file's directory and its end
+
+gw::OptionMenu wi_fontsets_dlg_choose_menu;
+Widget wi_fontsets_dlg_scrolledlist, wi_fontsets_dlg_sample_text, wi_fontsets_dlg_msg_label;
+
+std::vector<std::string> listed_names;  // the XLFD names in the list
+std::string sample_text_of_dialog;
+
+/// The fonts offered for fontsets, ascending.
+GW_SORTED_LIST<GWFont> xlfd_font_list(0);
+
+// --- the file ----------------------------------------------------------------
+
+/// The directory of the locale's fontset file; empty when there can be none.
+std::string fontset_directory() {
+    const char* home = std::getenv("VANTORHOME");
+    if (home == nullptr) std::puts("ERROR: VANTORHOME dose not set");
+    const char* locale = std::getenv("LANG");
+    if (locale == nullptr) std::puts("ERROR: LANG dose not set");
+    if (home == nullptr || locale == nullptr) return "";
+    std::string directory = std::string(home) + gw::LOCALE_FONT_PATH_DIR + locale + gw::FONTSET_DIR;
+    if (directory.size() < DIRECTORY_LIMIT) return directory;
+    std::fprintf(stderr, "glyphward: %s: this name is too long for a directory of fontsets\n",
+                 directory.c_str());
+    return "";
+}
+
+// --- the list of fonts -------------------------------------------------------
+
+bool is_offered(GWFont& font) {
+    const std::string charset = font.get_charset_hrn_name();
+    return charset.starts_with(" Roman") || charset.starts_with(" Kanji");
+}
+
+void collect_fonts() {
+    xlfd_font_list.clear();
+    for (const GWHRNElement* elem : the_installed_hrn_list) {
+        const GWFont* first = elem->get_representative();
+        if (first == nullptr || first->get_type() != GWFont::BITMAP_FONT) continue;
+        for (const GWHRNElement::PointSize& size : elem->get_slots()) {
+            for (const std::string& resolution : size.resolutions) {
+                GWFont* font = elem->get_font(size.point_size.c_str(), resolution.c_str());
+                if (font != nullptr && is_offered(*font)) xlfd_font_list.insert(font);
+            }
+        }
+    }
+}
+
+// --- the sample --------------------------------------------------------------
+
+void sample_edited_cb(Widget field, XtPointer, XtPointer call_data) {
+    const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
+    // A change without an event is the program's own.
+    if (change != nullptr && change->event != nullptr) sample_text_of_dialog = gw::field_text(field);
+}
+
+// --- callbacks ---------------------------------------------------------------
+
+void make_current(GWFontSet* set) {
+    select_scrolled_list(wi_fontsets_dlg_scrolledlist, set);
+    set_message(" ");
+    display_sample_text(set);
+    fontsetdlg_cb.current = set;
+}
+
+void fontsets_button_cb(Widget button, XtPointer, XtPointer) {
+    const Operation operation;
+    if (!operation.is_first() || !fontsetdlg_cb.file) return;
+    const std::string name = gw::label_of(button);
+    const gw::BusyWindows busy;
+    set_message(gw::text_of(Message::LOOKING_FOR_FONTSET));
+    process_xt_events();
+    if (GWFontSet* set = fontsetdlg_cb.file->get_fontset(name.c_str()); set != nullptr) {
+        make_current(set);
+    } else {
+        set_message(name + gw::text_of(Message::FONTSET_NOT_FOUND));
+    }
+}
+
+/// The current fontset gets `xlfd` as its font of that character set; in the file it moves to the end.
+void update_current(const std::string& xlfd) {
+    GWFontSet* set = fontsetdlg_cb.current.get();
+    // One without a name cannot stand in the file.
+    const bool is_listed = fontsetdlg_cb.file && fontsetdlg_cb.file->delete_fontset(set) != 0;
+    set->update_base_font(xlfd.c_str());
+    if (is_listed) fontsetdlg_cb.file->append_fontset(set);
+}
+
+void update_base_names_cb(Widget list, XtPointer, XtPointer call_data) {
+    const Operation operation;
+    if (!operation.is_first() || !fontsetdlg_cb.current) return;
+    const auto* event = static_cast<XmListCallbackStruct*>(call_data);
+    const auto position = static_cast<std::size_t>(event->item_position);
+    if (position < 1 || position > listed_names.size()) return;
+    const std::string name = listed_names[position - 1];
+    const gw::BusyWindows busy;
+    set_message(gw::text_of(Message::LOOKING_FOR_MEMBER));
+    process_xt_events();
+    update_current(name);
+    select_scrolled_list(list, fontsetdlg_cb.current.get());
+    set_message(" ");
+    display_sample_text(fontsetdlg_cb.current.get());
+}
+
+void apply_fontset_cb(Widget, XtPointer, XtPointer) {
+    const Operation operation;
+    if (!operation.is_first()) return;
+    if (user_is_root == 0) return set_message(gw::text_of(Message::FONTSETS_ROOT_ONLY));
+    if (!fontsetdlg_cb.file) return;
+    const gw::BusyWindows busy;
+    set_message(gw::text_of(Message::UPDATING_FONTSETS));
+    process_xt_events();
+    fontsetdlg_cb.file->sync();
+    set_message(" ");
+}
+
+void cancel_cb(Widget, XtPointer, XtPointer) {
+    XtUnmanageChild(wi_fontsets_dlg);
+}
+
+void ok_fontset_cb(Widget w, XtPointer client_data, XtPointer call_data) {
+    apply_fontset_cb(w, client_data, call_data);
+    if (user_is_root != 0) cancel_cb(w, client_data, call_data);
+}
+
+void reset_fontset_cb(Widget, XtPointer, XtPointer) {
+    const Operation operation;
+    if (!operation.is_first()) return;
+    fontsetdlg_cb = {};
+    set_fontsetsdlg_cb_struct();
+    init_wi_installed_fontsets_choose_menu();
+    init_wi_fontsets_dlg_scrolledlist();
+    init_wi_fontsets_dlg_sample_text();
+    init_wi_delete_set_dlg_scrolledlist();
+}
+
+void delete_set_dlg_cb(Widget, XtPointer, XtPointer) {
+    XtManageChild(wi_delete_set_dlg);
+}
+
+void new_set_dlg_cb(Widget, XtPointer, XtPointer) {
+    XtManageChild(wi_new_set_dlg);
+}
+
+void sample_text_dlg_cb(Widget, XtPointer, XtPointer) {
+    set_wi_sample_text_dlg(sample().c_str());
+    XtManageChild(wi_sample_text_dlg);
+}
+
+// --- creation ----------------------------------------------------------------
+
+Widget create_choice(Widget dialog) {
+    Widget label = gw::label(dialog, "choose_label", Message::CHOOSE_FONTSET);
+    Attach(label).top_form(GAP + 6).left_form(GAP);
+    wi_fontsets_dlg_choose_menu = gw::option_menu(dialog, "choose_menu", "choose_pulldown", " ");
+    Attach(wi_fontsets_dlg_choose_menu.menu).top_form(GAP).right_of(label, GAP);
+
+    Widget row = gw::form(dialog, "set_button_form");
+    Attach(row).below(label, 2 * GAP).sides(0);
+    gw::fill_with_buttons(row, {{"delete_set_button", Message::DELETE_SET, delete_set_dlg_cb},
+                                {"new_set_button", Message::NEW_SET, new_set_dlg_cb},
+                                {"sample_text_button", Message::FONTSET_SAMPLE, sample_text_dlg_cb}});
+    Widget line = gw::separator(dialog, "separator");
+    Attach(line).below(row, GAP).sides(0);
+    return line;
+}
+
+Widget create_buttons(Widget dialog) {
+    wi_fontsets_dlg_msg_label = gw::label(dialog, "msg_label", " ");
+    Attach(wi_fontsets_dlg_msg_label).sides(GAP).bottom_form(2);
+    Widget form = gw::form(dialog, "button_form");
+    Attach(form).sides(0).above(wi_fontsets_dlg_msg_label, GAP);
+    const std::vector<Widget> buttons =
+        gw::fill_with_buttons(form, {{"ok_button", Message::FONTSETS_OK, ok_fontset_cb},
+                                     {"apply_button", Message::FONTSETS_APPLY, apply_fontset_cb},
+                                     {"reset_button", Message::FONTSETS_RESET, reset_fontset_cb},
+                                     {"cancel_button", Message::FONTSETS_CANCEL, cancel_cb},
+                                     {"help_button", Message::FONTSETS_HELP, nullptr}});
+    XtVaSetValues(dialog, XmNcancelButton, buttons[3], nullptr);
+    return form;
+}
+
+void create_list_and_sample(Widget dialog, Widget above, Widget below) {
+    Widget line = gw::separator(dialog, "separator1");
+    Attach(line).sides(0).above(below, GAP);
+    wi_fontsets_dlg_sample_text = gw::text_field(dialog, "sample_text");
+    XtVaSetValues(wi_fontsets_dlg_sample_text, XmNheight, SAMPLE_HEIGHT, nullptr);
+    Attach(wi_fontsets_dlg_sample_text).sides(GAP).above(line, GAP);
+    XtAddCallback(wi_fontsets_dlg_sample_text, XmNvalueChangedCallback, sample_edited_cb, nullptr);
+    Widget sample_label = gw::label(dialog, "sample_label", Message::FONTSET_SAMPLE_LABEL);
+    Attach(sample_label).left_form(GAP).above(wi_fontsets_dlg_sample_text, 2);
+
+    Widget title = gw::label(dialog, "list_label", Message::AVAILABLE_FONTS);
+    Attach(title).below(above, GAP).left_form(GAP);
+    // A bar in the colours of a selected line explains what those are.
+    Widget key = gw::label(dialog, "members_key", "      ");
+    Widget members = gw::label(dialog, "members_label", Message::FONTSET_MEMBERS);
+    Pixel background = 0;
+    XtVaGetValues(members, XmNforeground, &background, nullptr);
+    XtVaSetValues(key, XmNbackground, background, nullptr);
+    Attach(members).below(above, GAP).right_form(GAP);
+    Attach(key).below(above, GAP).left_of(members, GAP);
+
+    wi_fontsets_dlg_scrolledlist = gw::scrolled_list(dialog, "scrolledlist");
+    XtVaSetValues(wi_fontsets_dlg_scrolledlist, XmNselectionPolicy, XmMULTIPLE_SELECT, XmNvisibleItemCount,
+                  VISIBLE_FONTS, nullptr);
+    gw::set_list_columns(wi_fontsets_dlg_scrolledlist, 75);
+    Attach(XtParent(wi_fontsets_dlg_scrolledlist)).below(title, 2).sides(GAP).above(sample_label, GAP);
+    XtAddCallback(wi_fontsets_dlg_scrolledlist, XmNmultipleSelectionCallback, update_base_names_cb, nullptr);
+}
+
+}  // namespace
+
+// --- what the dialogs show ---------------------------------------------------
+
+void set_fontsetsdlg_cb_struct() {
+    fontsetdlg_cb.current = {};
+    const std::string directory = fontset_directory();
+    if (!directory.empty()) {
+        fontsetdlg_cb.file = std::make_unique<GW_FONTSET_FILE>(directory.c_str(), gw::FONTSET_FILE_NAME,
+                                                               gw::FILE_TYPE_REGULAR);
+    }
+    fontsetdlg_cb.locale_sample_text =
+        Gw_resrc.locale_sample_text != nullptr ? Gw_resrc.locale_sample_text : "";
+}
+
+void init_wi_installed_fontsets_choose_menu() {
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(wi_fontsets_dlg_choose_menu.pulldown, XmNchildren, &children, XmNnumChildren, &count,
+                  nullptr);
+    const std::vector<Widget> old(children, children + count);
+    if (fontsetdlg_cb.file) {
+        for (const GWFontSet* set : fontsetdlg_cb.file->get_fontsets()) add_to_menu(set->get_name());
+    }
+    // The menu shows one of its buttons: the new ones are there before the old ones go.
+    for (Widget button : old) {
+        XtUnmanageChild(button);
+        gw::BusyWindows::destroy(button);
+    }
+    make_first_current();
+    show_menu_if_filled();
+}
+
+void init_wi_fontsets_dlg_scrolledlist() {
+    collect_fonts();
+    XmListDeleteAllItems(wi_fontsets_dlg_scrolledlist);
+    listed_names.clear();
+    std::vector<gw::XmText> texts;
+    std::vector<XmString> items;
+    for (GWFont* font : xlfd_font_list) {
+        listed_names.emplace_back(font->get_xlfd_name());
+        texts.push_back(gw::xm_text(listed_names.back()));
+        items.push_back(texts.back().get());
+    }
+    // The fonts belong to the installed list, which may be filled anew.
+    xlfd_font_list.clear();
+    if (!items.empty())
+        XmListAddItemsUnselected(wi_fontsets_dlg_scrolledlist, items.data(), static_cast<int>(items.size()),
+                                 1);
+}
+
+void init_wi_fontsets_dlg_sample_text() {
+    set_sample(fontsetdlg_cb.locale_sample_text);
+    if (fontsetdlg_cb.file && !fontsetdlg_cb.file->get_fontsets().is_empty()) {
+        make_current(*fontsetdlg_cb.file->get_fontsets().begin());
+    } else {
+        set_message(gw::text_of(Message::NO_FONTSET));
+    }
+}
+
+void select_scrolled_list(Widget list, const GWFontSet* set) {
+    XmListDeselectAllItems(list);
+    int topmost = 0;
+    for (GWFont* font : set->get_fonts()) {
+        const auto name =
+            std::find(listed_names.begin(), listed_names.end(), std::string(font->get_xlfd_name()));
+        if (name == listed_names.end()) continue;
+        const int position = static_cast<int>(name - listed_names.begin()) + 1;
+        XmListSelectPos(list, position, False);
+        topmost = topmost == 0 ? position : std::min(topmost, position);
+    }
+    if (set->get_fonts().is_empty()) topmost = static_cast<int>(listed_names.size());
+    if (topmost > 0) XmListSetPos(list, topmost);
+}
+
+void display_sample_text(const GWFontSet* set) {
+    if (set == nullptr) return;
+    const char* names = set->get_base_names();
+    const bool shown = names != nullptr &&
+                       display_text_in_fontset(wi_fontsets_dlg_sample_text, names, sample().c_str()) != 0;
+    set_message(shown ? " " : gw::text_of(Message::FONTS_NOT_FOUND));
+}
+
+namespace fontsetsdlg {
+
+void set_message(const std::string& text) {
+    gw::set_label(wi_fontsets_dlg_msg_label, text);
+}
+
+const std::string& sample() {
+    return sample_text_of_dialog;
+}
+
+void set_sample(const std::string& text) {
+    sample_text_of_dialog = text;
+    XmTextFieldSetString(wi_fontsets_dlg_sample_text, gw::name_arg(text.c_str()));
+}
+
+namespace {
+
+/// The buttons of the menu that are there to stay.
+std::vector<Widget> menu_buttons() {
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(wi_fontsets_dlg_choose_menu.pulldown, XmNchildren, &children, XmNnumChildren, &count,
+                  nullptr);
+    std::vector<Widget> buttons(children, children + count);
+    std::erase_if(buttons, [](Widget button) { return !XtIsManaged(button); });
+    return buttons;
+}
+
+}  // namespace
+
+void add_to_menu(const char* name) {
+    Widget button = gw::menu_button(wi_fontsets_dlg_choose_menu.pulldown, "fontsets_button", name);
+    XtAddCallback(button, XmNactivateCallback, fontsets_button_cb, nullptr);
+}
+
+bool menu_has(const std::string& name) {
+    const std::vector<Widget> buttons = menu_buttons();
+    return std::any_of(buttons.begin(), buttons.end(),
+                       [&](Widget button) { return gw::label_of(button) == name; });
+}
+
+void remove_from_menu(const std::string& name) {
+    for (Widget button : menu_buttons()) {
+        if (gw::label_of(button) != name) continue;
+        XtUnmanageChild(button);
+        gw::BusyWindows::destroy(button);
+    }
+}
+
+void show_menu_if_filled() {
+    const std::vector<Widget> buttons = menu_buttons();
+    if (buttons.empty()) {
+        XtUnmanageChild(wi_fontsets_dlg_choose_menu.menu);
+        return;
+    }
+    const char* name = fontsetdlg_cb.current ? fontsetdlg_cb.current->get_name() : "";
+    const auto shown = std::find_if(buttons.begin(), buttons.end(),
+                                    [name](Widget button) { return gw::label_of(button) == name; });
+    XtVaSetValues(wi_fontsets_dlg_choose_menu.menu, XmNmenuHistory,
+                  shown != buttons.end() ? *shown : buttons.front(), nullptr);
+    XtManageChild(wi_fontsets_dlg_choose_menu.menu);
+}
+
+void make_first_current() {
+    const bool has_some = fontsetdlg_cb.file && !fontsetdlg_cb.file->get_fontsets().is_empty();
+    fontsetdlg_cb.current = has_some ? *fontsetdlg_cb.file->get_fontsets().begin() : new GWFontSet("");
+}
+
+void show_current() {
+    select_scrolled_list(wi_fontsets_dlg_scrolledlist, fontsetdlg_cb.current.get());
+    if (*fontsetdlg_cb.current->get_name() == '\0') {
+        set_message(gw::text_of(Message::NO_FONTSET));
+    } else {
+        display_sample_text(fontsetdlg_cb.current.get());
+    }
+}
+
+}  // namespace fontsetsdlg
+
+Widget create_fontsets_dlg(const char* name, Widget parent) {
+    wi_fontsets_dlg = gw::form_dialog(parent, name, Message::FONTSETS_TITLE);
+    Widget line = create_choice(wi_fontsets_dlg);
+    create_list_and_sample(wi_fontsets_dlg, line, create_buttons(wi_fontsets_dlg));
+    XtVaSetValues(wi_fontsets_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
+    gw::on_close_box(wi_fontsets_dlg, cancel_cb);
+    create_delete_set_dlg("delete_set_dlg", parent);
+    create_new_set_dlg("new_set_dlg", parent);
+    create_sample_text_dlg("sample_text_dlg", parent);
+
+    set_fontsetsdlg_cb_struct();
+    init_wi_installed_fontsets_choose_menu();
+    init_wi_fontsets_dlg_scrolledlist();
+    init_wi_fontsets_dlg_sample_text();
+    init_wi_delete_set_dlg_scrolledlist();
+    return wi_fontsets_dlg;
+}
+
+void start_fontsets_dlg() {
+    XtManageChild(wi_fontsets_dlg);
+}

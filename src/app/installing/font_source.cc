@@ -1,0 +1,136 @@
+// SPDX-License-Identifier: MIT
+#include "app/installing/font_source.h"
+
+#include <utility>
+#include <vector>
+
+#include "app/installing/rmediadlg.h"
+#include "app/kit/busy_windows.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/program/program_objects.h"
+#include "app/samples/attrdlg.h"
+
+#include <Xm/List.h>
+
+GWHRNList current_hrn_list(0);
+unsigned current_hrn_count = 0;
+GWDriverBase* current_driver = nullptr;
+std::unique_ptr<GWDirDriver> current_dir_driver;
+std::string current_dir;
+int install_from = FROM_DIRECTORY;
+
+namespace gw {
+
+namespace {
+
+// The lookup that is still to come; 0 when there is none.
+XtWorkProcId pending_lookup = 0;
+// Serving events on the way, a lookup may be overtaken by the next choice of a source. Until the newest is
+// done, the lists that show the fonts are not those of the source.
+unsigned newest_lookup = 0;
+unsigned finished_lookup = 0;
+
+std::vector<void (*)()>& listeners() {
+    static std::vector<void (*)()> all;
+    return all;
+}
+
+void tell_listeners() {
+    for (auto* changed : listeners()) changed();
+}
+
+void start_lookup(XtWorkProc lookup) {
+    if (pending_lookup != 0) XtRemoveWorkProc(pending_lookup);
+    ++newest_lookup;
+    pending_lookup = XtAppAddWorkProc(app, lookup, current_driver);
+}
+
+}  // namespace
+
+void use_directory(const char* dir, XtWorkProc lookup) {
+    stop_source_preview();
+    current_dir_driver = std::make_unique<GWDirDriver>(dir);
+    current_driver = current_dir_driver.get();
+    current_dir = dir;
+    install_from = FROM_DIRECTORY;
+    start_lookup(lookup);
+}
+
+void use_medium(int choice, XtWorkProc lookup) {
+    const bool floppy = choice == FLOPPY_MEDIUM;
+    current_hrn_list.clear();
+    current_hrn_count = 0;
+    stop_source_preview();
+    current_driver = floppy ? &the_floppy_driver : &the_cdrom_driver;
+    install_from = floppy ? FROM_FLOPPY : FROM_CDROM;
+    start_lookup(lookup);
+    tell_listeners();
+}
+
+bool is_lookup_pending() {
+    return finished_lookup != newest_lookup;
+}
+
+void look_fonts_up(GWDriverBase* driver) {
+    pending_lookup = 0;
+    const unsigned number = newest_lookup;
+    const BusyWindows busy;
+    if (number != newest_lookup) return;
+    current_hrn_list.clear();
+    driver->get_hrn_list(current_hrn_list);
+    current_hrn_count = static_cast<unsigned>(current_hrn_list.get_count());
+    if (current_hrn_count != 0) driver->start_preview();
+    tell_listeners();
+    finished_lookup = number;
+}
+
+void stop_source_preview() {
+    if (current_driver != nullptr) current_driver->stop_preview();
+}
+
+void on_source_change(void (*changed)()) {
+    listeners().push_back(changed);
+}
+
+std::string source_label() {
+    const std::string from = text_of(Message::FONTS_FROM);
+    if (install_from == FROM_DIRECTORY) return from + current_dir;
+    return from + text_of(install_from == FROM_FLOPPY ? Message::FROM_FLOPPY : Message::FROM_CDROM);
+}
+
+const char* source_location() {
+    return install_from == FROM_DIRECTORY ? current_dir.c_str() : " ";
+}
+
+void select_all_of_source(Widget list) {
+    XmListDeselectAllItems(list);
+    int count = 0;
+    XtVaGetValues(list, XmNitemCount, &count, nullptr);
+    std::vector<XmText> names;
+    std::vector<XmString> items;
+    for (int position = 1; position <= count; ++position) {
+        const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(position);
+        if (elem == nullptr) break;
+        names.push_back(xm_text(elem->get_name()));
+        items.push_back(names.back().get());
+    }
+    XtVaSetValues(list, XmNselectedItems, items.data(), XmNselectedItemCount, static_cast<int>(items.size()),
+                  nullptr);
+}
+
+// The position is compared with the length of the main window's list, not of this one.
+void show_source_attributes(Widget list) {
+    const std::vector<int> positions = selected_positions(list);
+    if (positions.empty() || positions.front() >= the_installed_hrn_count) return;
+    const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(positions.front());
+    if (elem == nullptr) return;
+    unsigned count = 0;
+    const std::vector<std::string> sizes = elem->get_point_sizes(count);
+    if (sizes.empty()) return;
+    const std::vector<std::string> resolutions = elem->get_res(sizes.front().c_str(), count);
+    const Ref<GWFont> font(
+        elem->get_font(sizes.front().c_str(), resolutions.empty() ? "" : resolutions.front().c_str()));
+    if (font) show_font_attributes(font.get(), source_location());
+}
+
+}  // namespace gw

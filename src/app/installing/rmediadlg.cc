@@ -1,0 +1,133 @@
+// SPDX-License-Identifier: MIT
+#include "app/installing/rmediadlg.h"
+
+#include <unistd.h>
+
+#include "app/common/warningdlg.h"
+#include "app/kit/gw_gui_util.h"
+#include "platform/host_paths.h"
+#include "platform/media_manager.h"
+#include "platform/shell_command.h"
+
+#include <Xm/Form.h>
+#include <Xm/RowColumn.h>
+
+Widget wi_rmedia_dlg = nullptr;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+
+constexpr int GAP = 10;
+
+int current_choice = FLOPPY_MEDIUM;  // the option menu's first entry
+void (*_rmedia_cb)(int) = nullptr;
+
+void tell_caller(int choice) {
+    if (_rmedia_cb != nullptr) _rmedia_cb(choice);
+}
+
+void warn(Message message) {
+    start_warning_dlg(gw::text_of(Message::RMEDIA_TITLE), gw::text_of(message));
+}
+
+void cdrom_selected_cb(Widget, XtPointer, XtPointer) {
+    current_choice = CDROM_MEDIUM;
+}
+
+void floppy_selected_cb(Widget, XtPointer, XtPointer) {
+    current_choice = FLOPPY_MEDIUM;
+}
+
+void check_cdrom() {
+    if (media_manager_running() == 0) return warn(Message::CDROM_UNSERVED);
+    if (::access(gw::CDROM_MEDIUM_DIR, F_OK) != 0) return warn(Message::CDROM_MISSING);
+    tell_caller(CDROM_MEDIUM);
+}
+
+void check_floppy() {
+    if (media_manager_running() == 0) return warn(Message::FLOPPY_UNSERVED);
+    if (media_manager_check(nullptr) == 0) return warn(Message::FLOPPY_MISSING);
+    tell_caller(FLOPPY_MEDIUM);
+}
+
+void check_cb(Widget, XtPointer, XtPointer) {
+    if (current_choice == CDROM_MEDIUM) return check_cdrom();
+    if (current_choice == FLOPPY_MEDIUM) return check_floppy();
+    tell_caller(current_choice);
+}
+
+void eject_cb(Widget, XtPointer, XtPointer) {
+    gw::run_shell("/bin/eject -f %s", {current_choice == CDROM_MEDIUM ? "cdrom" : "floppy"});
+    tell_caller(NO_MEDIUM);
+    popdown_rmedia_dlg();
+}
+
+void close_cb(Widget, XtPointer, XtPointer) {
+    popdown_rmedia_dlg();
+}
+
+Widget create_option_menu(Widget parent) {
+    Widget pulldown = XmCreatePulldownMenu(parent, gw::name_arg("pulldown_menu"), nullptr, 0);
+    Widget floppy = gw::menu_button(pulldown, "floppy_button", gw::text_of(Message::RMEDIA_FLOPPY));
+    XtAddCallback(floppy, XmNactivateCallback, floppy_selected_cb, nullptr);
+    Widget cdrom = gw::menu_button(pulldown, "cdrom_button", gw::text_of(Message::RMEDIA_CDROM));
+    XtAddCallback(cdrom, XmNactivateCallback, cdrom_selected_cb, nullptr);
+
+    const gw::XmText label = gw::xm_text(gw::text_of(Message::CHECK_FONTS_FROM));
+    Arg args[2];
+    XtSetArg(args[0], XmNsubMenuId, pulldown);
+    XtSetArg(args[1], XmNlabelString, label.get());
+    Widget menu = XmCreateOptionMenu(parent, gw::name_arg("media_option_menu"), args, 2);
+    XtManageChild(menu);
+    return menu;
+}
+
+Widget button(const char* name, Message text, Widget above, int column, XtCallbackProc callback) {
+    Widget w = gw::push_button(wi_rmedia_dlg, name, text);
+    Attach(w).below(above, GAP).columns(column * 33 + 3, column * 33 + 30);
+    if (callback != nullptr) XtAddCallback(w, XmNactivateCallback, callback, nullptr);
+    return w;
+}
+
+}  // namespace
+
+Widget create_rmedia_dlg(const char* name, Widget parent) {
+    wi_rmedia_dlg = gw::form_dialog(parent, name, Message::RMEDIA_TITLE);
+    Widget menu = create_option_menu(wi_rmedia_dlg);
+    Attach(menu).top_form(GAP).left_form(GAP);
+    Widget check = gw::push_button(wi_rmedia_dlg, "check_button", Message::RMEDIA_CHECK);
+    XtAddCallback(check, XmNactivateCallback, check_cb, nullptr);
+    Widget line = gw::separator(wi_rmedia_dlg, "separator");
+    Attach(line).below(menu, GAP).sides(0);
+
+    button("eject_button", Message::RMEDIA_EJECT, line, 0, eject_cb);
+    Widget close = button("close_button", Message::RMEDIA_CLOSE, line, 1, close_cb);
+    Widget help = button("help_dlg_button", Message::RMEDIA_HELP, line, 2, nullptr);
+    Widget message = gw::label(wi_rmedia_dlg, "msg_label", " ");
+    Attach(message).below(help, 0).sides(GAP).bottom_form(0);
+    XtVaSetValues(wi_rmedia_dlg, XmNdefaultButton, check, XmNcancelButton, close, XmNinitialFocus, check,
+                  nullptr);
+    // Now, because the ring around a default button makes it higher.
+    Attach(check)
+        .top_form(GAP + gw::centring_offset(check, menu))
+        .right_of(menu, 2 * GAP)
+        .right_form(2 * GAP);
+    gw::on_close_box(wi_rmedia_dlg, close_cb);
+    return wi_rmedia_dlg;
+}
+
+void popup_rmedia_dlg(void (*cb)(int)) {
+    XtManageChild(wi_rmedia_dlg);
+    _rmedia_cb = cb;
+}
+
+void popdown_rmedia_dlg() {
+    _rmedia_cb = nullptr;
+    XtUnmanageChild(wi_rmedia_dlg);
+}
+
+const char* get_current_rmedia_choice() {
+    return current_choice == CDROM_MEDIUM ? "cd_rom" : "floppy";
+}

@@ -1,0 +1,80 @@
+// SPDX-License-Identifier: MIT
+#include "app/kit/messages.h"
+
+#include <nl_types.h>
+
+#include <array>
+#include <cstddef>
+
+namespace {
+
+// NOLINTNEXTLINE(performance-no-int-to-ptr): this is the value that POSIX gives "no catalogue"
+const nl_catd NO_CATALOGUE = reinterpret_cast<nl_catd>(-1);
+
+}  // namespace
+
+nl_catd catd = NO_CATALOGUE;
+
+namespace gw {
+
+namespace {
+
+constexpr std::array TABLE{
+#define MSG(set, number, name, text) MessageEntry{set, number, text},
+#include "app/kit/messages.def"
+#undef MSG
+};
+
+constexpr bool is_ascending() {
+    for (std::size_t i = 1; i < TABLE.size(); ++i) {
+        const MessageEntry& before = TABLE[i - 1];
+        const MessageEntry& entry = TABLE[i];
+        if (entry.set < before.set || (entry.set == before.set && entry.number <= before.number))
+            return false;
+    }
+    return true;
+}
+static_assert(is_ascending(), "sets and numbers ascend, and no pair stands twice");
+
+bool is_open() {
+    return catd != NO_CATALOGUE;
+}
+
+}  // namespace
+
+const char* text_of(Message message) {
+    return text_or(message, TABLE[static_cast<std::size_t>(message)].text);
+}
+
+const char* text_or(Message message, const char* other_default) {
+    const MessageEntry& entry = TABLE[static_cast<std::size_t>(message)];
+    return ::catgets(catd, entry.set, entry.number, other_default);
+}
+
+// Not a printf format: what a translation holds is only data.
+std::string text_of(Message message, unsigned number) {
+    std::string text = text_of(message);
+    const std::size_t place = text.find("%d");
+    if (place != std::string::npos) text.replace(place, 2, std::to_string(number));
+    return text;
+}
+
+std::string count_text(unsigned number, Message message) {
+    return std::to_string(number) + ' ' + text_of(message);
+}
+
+std::span<const MessageEntry> message_table() {
+    return TABLE;
+}
+
+void open_catalogue() {
+    catd = ::catopen("glyphward", NL_CAT_LOCALE);
+}
+
+void close_catalogue() {
+    if (!is_open()) return;
+    ::catclose(catd);
+    catd = NO_CATALOGUE;
+}
+
+}  // namespace gw

@@ -1,0 +1,41 @@
+// SPDX-License-Identifier: MIT
+//
+// The texts for users, looked up in the message catalogue. The table is messages.def.
+#pragma once
+
+#include <span>
+#include <string>
+
+namespace gw {
+
+enum class Message {
+#define MSG(set, number, name, text) name,
+#include "app/kit/messages.def"
+#undef MSG
+};
+
+/// The text in the user's language, or the default where there is no catalogue. Lives as long as the
+/// catalogue is open.
+const char* text_of(Message message);
+/// The same entry of the catalogue with another default.
+const char* text_or(Message message, const char* other_default);
+/// The same with `number` in the place of its "%d".
+std::string text_of(Message message, unsigned number);
+
+/// `number`, a blank, and the text.
+std::string count_text(unsigned number, Message message);
+
+/// One text as the catalogue numbers it.
+struct MessageEntry {
+    int set;
+    int number;
+    const char* text;  ///< the default
+};
+/// All texts, in the order of `Message`.
+std::span<const MessageEntry> message_table();
+
+/// Opens the catalogue for the current locale; without one the defaults stand.
+void open_catalogue();
+void close_catalogue();
+
+}  // namespace gw

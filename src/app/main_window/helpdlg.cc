@@ -1,0 +1,125 @@
+// SPDX-License-Identifier: MIT
+#include "app/main_window/helpdlg.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "app/kit/gw_gui_util.h"
+#include "platform/host_paths.h"
+#include "platform/scratch.h"
+#include "platform/shell_command.h"
+
+#include <Xm/Form.h>
+#include <Xm/Text.h>
+
+Widget wi_help_dlg = nullptr;
+Widget wi_text = nullptr;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+
+constexpr int GAP = 8;
+constexpr const char* TEXT_COLUMNS = "72";  // what the dialog has room for at its usual size
+
+/// A variable of the environment, set or (null) unset until the end of a scope.
+class ScopedVariable {
+  public:
+    ScopedVariable(const char* name, const char* value) : name_(name) {
+        if (const char* old = std::getenv(name); old != nullptr) old_ = old;
+        set(value);
+    }
+    ~ScopedVariable() { set(old_ ? old_->c_str() : nullptr); }
+    ScopedVariable(const ScopedVariable&) = delete;
+    ScopedVariable& operator=(const ScopedVariable&) = delete;
+
+  private:
+    void set(const char* value) const {
+        if (value != nullptr) {
+            ::setenv(name_, value, 1);
+        } else {
+            ::unsetenv(name_);
+        }
+    }
+    const char* name_;
+    std::optional<std::string> old_;
+};
+
+/// Has the manual page written to the scratch file. The text widget shows plain ASCII in every locale, lines
+/// that fit and no overstriking; and the page is found wherever the user's PATH points.
+void run_man() {
+    const char* path = std::getenv("MANPATH");
+    const std::string man_path = std::string(gw::MANUAL_DIR) + ':' + (path != nullptr ? path : "");
+    const ScopedVariable where("MANPATH", man_path.c_str());
+    const ScopedVariable width("MANWIDTH", TEXT_COLUMNS);
+    const ScopedVariable formatting("MAN_KEEP_FORMATTING", nullptr);
+    const ScopedVariable all_categories("LC_ALL", nullptr);
+    const ScopedVariable characters("LC_CTYPE", "C");
+    gw::run_shell("/bin/man glyphward > %s 2> %s", {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS});
+}
+
+/// The manual page, or the text that says that there is none; freed with XtFree.
+gw::XtOwned<char> manual() {
+    char* text = nullptr;
+    for (const char* scratch : {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS}) ::unlink(scratch);
+    // What someone else keeps under these names is neither written to nor shown.
+    if (gw::create_scratch_file(gw::SCRATCH_MANUAL) && gw::create_scratch_file(gw::SCRATCH_MANUAL_ERRORS)) {
+        run_man();
+        read_from_file(gw::SCRATCH_MANUAL, &text);
+    } else {
+        read_from_file("", &text);
+    }
+    gw::run_shell("/bin/rm -f %s %s", {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS});
+    return gw::XtOwned<char>(text);
+}
+
+Widget create_text(Widget parent) {
+    const gw::XtOwned<char> text = manual();
+    Arg args[5];
+    XtSetArg(args[0], XmNeditMode, XmMULTI_LINE_EDIT);
+    XtSetArg(args[1], XmNeditable, False);
+    XtSetArg(args[2], XmNcursorPositionVisible, False);
+    XtSetArg(args[3], XmNvalue, text.get());
+    XtSetArg(args[4], XmNscrollHorizontal, False);
+    Widget w = XmCreateScrolledText(parent, gw::name_arg("text"), args, 5);
+    XtManageChild(w);
+    return w;
+}
+
+}  // namespace
+
+// The button has no callback: the window manager closes the window.
+Widget create_help_dlg(const char* name, Widget parent) {
+    wi_help_dlg = gw::form_dialog(parent, name, Message::HELP_TITLE);
+    Widget ok = gw::push_button(wi_help_dlg, "ok_button", Message::HELP_OK);
+    Attach(ok).bottom_form(GAP).columns(40, 60);
+    wi_text = create_text(wi_help_dlg);
+    Attach(XtParent(wi_text)).top_form(GAP).sides(GAP).above(ok, GAP);
+    XtVaSetValues(wi_help_dlg, XmNinitialFocus, wi_text, nullptr);
+    return wi_help_dlg;
+}
+
+void start_help_dlg() {
+    XtManageChild(wi_help_dlg);
+}
+
+void read_from_file(const char* path, char** text) {
+    struct stat info {};
+    std::string bytes;
+    if (::stat(path, &info) == 0 && S_ISREG(info.st_mode)) {
+        if (const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "r"), std::fclose);
+            file) {
+            bytes.resize(static_cast<std::size_t>(info.st_size));
+            bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
+        }
+    }
+    *text = XtNewString(gw::name_arg(bytes.empty() ? gw::text_of(Message::NO_HELP) : bytes.c_str()));
+}

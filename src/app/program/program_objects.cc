@@ -1,0 +1,49 @@
+// SPDX-License-Identifier: MIT
+//
+// One file, so that the objects are constructed in this order and destroyed in the reverse one.
+#include "app/program/program_objects.h"
+
+#include "app/conflicts/conflict_lists.h"
+
+GW_FSM_LIST the_fsm_list;
+GWHRNList the_installed_hrn_list(0);
+GWInstalledFontsDriver the_installed_fonts_driver;
+GWAliasDriver the_alias_driver;
+GW_SORTED_LIST<GWAlias> the_alias_list(0);
+GW_REM_MEDIA_DRIVER the_cdrom_driver(GW_REM_MEDIA_DRIVER::CDROM);
+GW_REM_MEDIA_DRIVER the_floppy_driver(GW_REM_MEDIA_DRIVER::FLOPPY);
+GW_LIST<GWConflict> the_conflict_list;
+GW_T1_FSM the_t1_fsm;
+GW_PCF_FSM the_pcf_fsm;
+
+GWFontPath* the_font_path = nullptr;
+int the_installed_hrn_count = 0;
+int the_alias_count = 0;
+
+int uid = 0;
+int user_is_root = 0;
+XtAppContext app = nullptr;
+Display* display = nullptr;
+Screen* screen = nullptr;
+Widget wi_toplevel = nullptr;
+Widget wi_init_dlg = nullptr;
+Cursor watch_cursor = 0;
+GwResources Gw_resrc = {};
+GwModernResources Gw_modern_resrc = {};
+
+void fill_program_lists() {
+    the_installed_hrn_list.clear();
+    the_installed_fonts_driver.get_hrn_list(the_installed_hrn_list);
+    the_installed_hrn_count = the_installed_hrn_list.get_count();
+    gw::delete_elements(the_alias_list);
+    the_alias_driver.get_alias_list(the_alias_list);
+    the_alias_count = the_alias_list.get_count();
+}
+
+void release_program_objects() {
+    gw::release_conflicts();
+    gw::delete_elements(the_alias_list);
+    the_installed_hrn_list.clear();
+    delete the_font_path;
+    the_font_path = nullptr;
+}

@@ -1,0 +1,204 @@
+// SPDX-License-Identifier: MIT
+#include "app/samples/attrdlg.h"
+
+#include <string>
+
+#include "app/kit/gw_gui_util.h"
+#include "app/samples/sample_text_cb.h"
+#include "core/text.h"
+#include "model/gw_xlfd_name.h"
+
+#include <Xm/Form.h>
+
+Widget wi_attr_dlg = nullptr;
+int attr_dlg_managed = 0;
+Widget wi_font_hrn_name, wi_font_xlfd_name, wi_font_loc_name;
+Widget wi_foundry_name, wi_charset_name, wi_spacing_name;
+Widget wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name;
+
+namespace {
+
+using gw::Attach;
+using gw::Message;
+
+constexpr int GAP = 8;
+constexpr std::size_t USUAL_NAME = 60;  // characters that the dialog has room for from the beginning
+constexpr int VALUE_COLUMN = 24;        // hundredths of the width that the labels get
+
+void close_cb(Widget, XtPointer, XtPointer) {
+    XtUnmanageChild(wi_attr_dlg);
+    attr_dlg_managed = 0;
+}
+
+void help_cb(Widget, XtPointer, XtPointer) {}
+
+void show_dialog() {
+    if (attr_dlg_managed != 0) return;
+    XtManageChild(wi_attr_dlg);
+    attr_dlg_managed = 1;
+}
+
+void set_value(Widget value, const char* text) {
+    update_label(value, text, nullptr);
+}
+
+/// Puts `row` below `above`, or on top of its form when `above` is null.
+void stack(Widget row, Widget above) {
+    if (above != nullptr) {
+        Attach(row).below(above, GAP);
+    } else {
+        Attach(row).top_form(GAP);
+    }
+}
+
+/// A label, which is returned through `label`, and in the value column beside it its value. Rows are stacked
+/// on labels: an empty value has no height.
+Widget value_row(Widget parent, const char* label_name, Message text, const char* value_name, Widget above,
+                 Widget& label) {
+    label = gw::label(parent, label_name, text);
+    Widget value = gw::label(parent, value_name, std::string(USUAL_NAME, ' '));
+    stack(label, above);
+    stack(value, above);
+    Attach(label).columns(0, VALUE_COLUMN);
+    Attach(value).columns(VALUE_COLUMN, 100);
+    return value;
+}
+
+/// The same with the value in a scrolled window, which is returned through `scroll`: names and paths of any
+/// length can be read.
+Widget scrolled_row(Widget parent, const char* label_name, Message text, const char* value_name,
+                    const char* scroll_name, Widget above, Widget& scroll) {
+    Widget label = gw::label(parent, label_name, text);
+    scroll = gw::scrolled_window(parent, scroll_name);
+    Widget value = gw::label(scroll, value_name, " ");
+    stack(label, above);
+    stack(scroll, above);
+    Attach(label).columns(0, VALUE_COLUMN);
+    Attach(scroll).columns(VALUE_COLUMN, 100);
+    return value;
+}
+
+/// A form as wide as the dialog, with a separator below it; returns the separator.
+Widget section(Widget dialog, const char* name, const char* separator_name, Widget above, Widget& out_form) {
+    out_form = gw::form(dialog, name);
+    Attach(out_form).sides(GAP).below(above, 0);
+    Widget line = gw::separator(dialog, separator_name);
+    Attach(line).sides(0).below(out_form, GAP);
+    return line;
+}
+
+void create_font_section(Widget parent) {
+    Widget name_scroll = nullptr;
+    Widget location_scroll = nullptr;
+    wi_font_xlfd_name = scrolled_row(parent, "xlfd_label", Message::ATTR_XLFD, "xlfd_name",
+                                     "_font_xlfd_scroll", nullptr, name_scroll);
+    wi_font_loc_name = scrolled_row(parent, "loc_label", Message::ATTR_LOCATION, "loc_name",
+                                    "_font_loc_scroll", name_scroll, location_scroll);
+    Attach(location_scroll).bottom_form(0);
+}
+
+void create_foundry_section(Widget parent) {
+    Widget row = nullptr;
+    wi_foundry_name = value_row(parent, "foundry_label", Message::ATTR_FOUNDRY, "foundry_name", nullptr, row);
+    wi_charset_name = value_row(parent, "charset_label", Message::ATTR_CHARSET, "charset_name", row, row);
+    wi_spacing_name = value_row(parent, "spacing_label", Message::ATTR_SPACING, "spacing_name", row, row);
+}
+
+void create_alias_section(Widget parent) {
+    Widget row = nullptr;
+    wi_alias_hrn_name = value_row(parent, "alias_label", Message::ATTR_ALIAS, "alias_name", nullptr, row);
+    set_value(wi_alias_hrn_name, gw::text_of(Message::ATTR_ALIAS_NAME));
+    Widget name_scroll = nullptr;
+    Widget location_scroll = nullptr;
+    wi_alias_xlfd_name = scrolled_row(parent, "xlfd_label", Message::ATTR_ALIAS_XLFD, "xlfd_name",
+                                      "_alias_xlfd_scroll", row, name_scroll);
+    wi_alias_loc_name = scrolled_row(parent, "loc_label", Message::ATTR_ALIAS_LOCATION, "loc_name",
+                                     "_alias_loc_scroll", name_scroll, location_scroll);
+    Attach(location_scroll).bottom_form(0);
+}
+
+void create_buttons(Widget dialog, Widget above) {
+    Widget form = gw::form(dialog, "button_form");
+    Attach(form).sides(0).below(above, GAP);
+    Widget close = gw::push_button(form, "close_button", Message::ATTR_CLOSE);
+    Attach(close).top_form(0).bottom_form(0).columns(20, 40);
+    XtAddCallback(close, XmNactivateCallback, close_cb, nullptr);
+    Widget help = gw::push_button(form, "help_dlg_button", Message::ATTR_HELP);
+    Attach(help).top_form(0).bottom_form(0).columns(60, 80);
+    XtAddCallback(help, XmNactivateCallback, help_cb, nullptr);
+
+    Widget message = gw::label(dialog, "msg_label", " ");
+    Attach(message).sides(GAP).below(form, 0).bottom_form(0);
+    XtVaSetValues(dialog, XmNdefaultButton, close, XmNcancelButton, close, XmNinitialFocus, form, nullptr);
+}
+
+/// The words for the spacing codes; a code of its own stands as it is.
+std::string spacing_word(const char* spacing) {
+    const std::string code = gw::lower_case(spacing);
+    if (code == "m") return gw::text_of(Message::SPACING_MONO);
+    if (code == "p") return gw::text_of(Message::SPACING_PROPORTIONAL);
+    if (code == "c") return gw::text_of(Message::SPACING_CHARCELL);
+    return spacing;
+}
+
+}  // namespace
+
+Widget create_attr_dlg(const char* name, Widget parent) {
+    wi_attr_dlg = gw::form_dialog(parent, name, Message::ATTR_TITLE);
+    // It stays up while fonts are selected: it must not change its size with every name.
+    XtVaSetValues(wi_attr_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
+    Widget font_label = gw::label(wi_attr_dlg, "hrn_label", Message::ATTR_FONT);
+    Attach(font_label).top_form(GAP).left_form(GAP);
+    wi_font_hrn_name = gw::label(wi_attr_dlg, "hrn_name", " ");
+    Attach(wi_font_hrn_name).top_form(GAP).right_of(font_label, GAP).right_form(GAP);
+    Widget line = gw::separator(wi_attr_dlg, "separator1");
+    Attach(line).sides(0).below(font_label, GAP);
+
+    Widget part = nullptr;
+    line = section(wi_attr_dlg, "font_template", "separator2", line, part);
+    create_font_section(part);
+    line = section(wi_attr_dlg, "foundry_template", "separator3", line, part);
+    create_foundry_section(part);
+    line = section(wi_attr_dlg, "alias_template", "separator4", line, part);
+    create_alias_section(part);
+    create_buttons(wi_attr_dlg, line);
+    gw::on_close_box(wi_attr_dlg, close_cb);
+    return wi_attr_dlg;
+}
+
+void show_font_attributes(GWFont* font, const char* location) {
+    show_dialog();
+    const bool postscript = font->get_type() == GWFont::TYPE0_FONT || font->get_type() == GWFont::TYPE3_FONT;
+    const char* name = postscript ? font->get_ps_name() : font->get_xlfd_name();
+    const bool xlfd = !postscript && is_xlfd_name(name) != 0;
+    set_value(wi_font_hrn_name, font->get_hrn_name().c_str());
+    set_value(wi_font_xlfd_name, name);
+    set_value(wi_font_loc_name, location != nullptr ? location : font->get_dir_name());
+    set_value(wi_charset_name, xlfd ? font->get_charset_hrn_name() : nullptr);
+    set_value(wi_foundry_name, xlfd ? font->get_field(GWFont::FOUNDRY) : " ");
+    set_value(wi_spacing_name, xlfd ? spacing_word(font->get_field(GWFont::SPACING)).c_str() : " ");
+    for (Widget value : {wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name}) set_value(value, nullptr);
+}
+
+void show_alias_attributes(const GWAlias* alias) {
+    show_dialog();
+    set_value(wi_alias_hrn_name, alias->get_hrn_name());
+    set_value(wi_alias_xlfd_name, alias->get_alias_name());
+    set_value(wi_alias_loc_name, alias->get_dir_name());
+    set_value(wi_font_hrn_name, alias->get_font_hrn_name());
+    set_value(wi_font_xlfd_name, alias->get_font_name());
+    for (Widget value : {wi_font_loc_name, wi_foundry_name, wi_charset_name, wi_spacing_name})
+        set_value(value, nullptr);
+}
+
+void clear_attributes() {
+    for (Widget value :
+         {wi_font_hrn_name, wi_font_xlfd_name, wi_font_loc_name, wi_foundry_name, wi_charset_name,
+          wi_spacing_name, wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name}) {
+        set_value(value, nullptr);
+    }
+}
+
+int is_attr_dlg_displayed() {
+    return attr_dlg_managed;
+}

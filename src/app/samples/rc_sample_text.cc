@@ -1,0 +1,67 @@
+// SPDX-License-Identifier: MIT
+#include "app/samples/rc_sample_text.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+
+#include "core/gw_file.h"
+#include "core/replace_file.h"
+#include "platform/host_paths.h"
+
+namespace {
+
+constexpr const char* DEFAULT_SAMPLE_TEXT = "Aa Bb Cc Xx Yy Zz 0123456789";
+constexpr std::string_view KEYWORD = "SampleText:";
+constexpr int LONGEST_LINE = 1000;
+
+bool is_superuser() {
+    return ::geteuid() == 0;
+}
+
+/// The user's settings file; nothing without a home directory.
+std::optional<std::string> settings_path() {
+    const char* home = std::getenv("HOME");
+    if (home == nullptr) return std::nullopt;
+    return std::string(home) + gw::USER_SETTINGS_FILE;
+}
+
+}  // namespace
+
+std::string get_rc_sample_text() {
+    const std::optional<std::string> path = settings_path();
+    if (is_superuser() || !path) return DEFAULT_SAMPLE_TEXT;
+    const std::size_t slash = path->rfind('/');
+    GW_FILE file(path->substr(slash + 1).c_str(), path->substr(0, slash + 1).c_str(), gw::FILE_TYPE_REGULAR);
+    if (file.get_file_type_from_stat() != gw::FILE_TYPE_REGULAR || file.open("r") == 0)
+        return DEFAULT_SAMPLE_TEXT;
+
+    char line[LONGEST_LINE + 1];
+    while (file.get_line(line, sizeof line) != nullptr) {
+        std::string_view text(line);
+        const std::size_t keyword = text.find(KEYWORD);
+        if (keyword == std::string_view::npos) continue;
+        text.remove_prefix(keyword + KEYWORD.size());
+        return std::string(text.substr(0, text.find('\n')));
+    }
+    return DEFAULT_SAMPLE_TEXT;
+}
+
+int write_rc_sample_text(const char* text) {
+    if (is_superuser()) return 0;
+    const std::optional<std::string> path = settings_path();
+    if (!path) return 1;
+    return gw::replace_file(*path, std::string(KEYWORD) + text) ? 1 : 0;
+}
+
+std::string convert_to_decipoint(const char* pt) {
+    return std::string(pt) + '0';
+}
+
+std::string convert_to_point(const char* dp) {
+    std::string points(dp);
+    if (!points.empty()) points.pop_back();
+    return points;
+}

@@ -1,0 +1,55 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/fallback_resources.h"
+
+#define LIST_FONT "-*-lucidatypewriter-medium-r-normal-sans-0-140-0-0-m-0-iso8859-1"
+// NOLINTNEXTLINE(bugprone-macro-parentheses): adjacent literals are joined
+#define RES(line) const_cast<char*>("Glyphward*" line)
+
+// Menus, sizes and dialogs are addressed by widget name: the names are an interface.
+String fallback_res[] = {
+    RES("gw_fontset_support: False"),
+    RES("gw_printer_support: False"),
+    RES("menuBar._fonts_cascade.mnemonic: F"),
+    RES("menuBar._options_cascade.mnemonic: O"),
+    RES("menuBar._printer_cascade.mnemonic: P"),
+    RES("menuBar._help_cascade.mnemonic: H"),
+    RES("_fonts_pulldown._delete_button.mnemonic: D"),
+    RES("_fonts_pulldown._install_dlg_button.mnemonic: I"),
+    RES("_fonts_pulldown._attributes_dlg_button.mnemonic: A"),
+    RES("_fonts_pulldown._exit_button.mnemonic: E"),
+    RES("_options_pulldown._modify_fp_dlg_button.mnemonic: M"),
+    RES("_options_pulldown._fontsets_dlg_button.mnemonic: F"),
+    RES("_options_pulldown._properties_dlg_button.mnemonic: S"),
+    RES("_printer_pulldown._pr_install_dlg_button.mnemonic: I"),
+    RES("_printer_pulldown._pr_delete_dlg_button.mnemonic: D"),
+    RES("_printer_pulldown._pr_modify_fp_dlg_button.mnemonic: M"),
+    RES("_help_pulldown._help_dlg_button.mnemonic: H"),
+    RES("_help_pulldown._about_dlg_button.mnemonic: A"),
+    RES("mainWindow.width: 650"),
+    RES("mainWindow*_sample_textfield.height: 60"),
+    RES("mainWindow*_size_option_menu.width: 60"),
+    RES("mainWindow*_size_option_menu.height: 40"),
+    RES("mainWindow*_res_option_menu.width: 60"),
+    RES("mainWindow*_res_option_menu.height: 40"),
+    RES("install_dlg.width: 650"),
+    RES("install_dlg*_sample_textfield.height: 60"),
+    RES("progress_dlg.width: 370"),
+    RES("progress_dlg.height: 110"),
+    RES("help_dlg.width: 500"),
+    RES("help_dlg.height: 400"),
+    RES("attr_dlg*_font_xlfd_scroll.width: 200"),
+    RES("attr_dlg*_font_xlfd_scroll.height: 50"),
+    RES("attr_dlg*_font_loc_scroll.width: 200"),
+    RES("attr_dlg*_font_loc_scroll.height: 50"),
+    RES("attr_dlg*_alias_xlfd_scroll.width: 200"),
+    RES("attr_dlg*_alias_xlfd_scroll.height: 50"),
+    RES("attr_dlg*_alias_loc_scroll.width: 200"),
+    RES("attr_dlg*_alias_loc_scroll.height: 50"),
+    RES("mainWindow*_hrn_list*fontList: " LIST_FONT),
+    RES("install_dlg*_hrn_list*fontList: " LIST_FONT),
+    RES("modify_fp_dlg*_fpe_list*fontList: " LIST_FONT),
+    RES("conflict_dlg*_conflicts_list*fontList: " LIST_FONT),
+    RES("props_dlg*sample_textField*fontList: -*-charter-medium-r-normal--*-180-75-75-p-*-iso8859-1"),
+    RES("init_dlg*fontList: -*-charter-bold-r-normal--*-180-75-75-p-*-iso8859-1"),
+    nullptr,
+};

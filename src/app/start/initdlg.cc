@@ -1,0 +1,29 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/initdlg.h"
+
+#include "app/kit/gw_gui_util.h"
+#include "app/program/program_objects.h"
+#include "app/samples/sample_text_cb.h"
+
+#include <Xm/MessageB.h>
+
+// Only the text shows: no button lets the user close the notice.
+Widget create_init_dlg(const char* name, Widget parent) {
+    wi_init_dlg = gw::message_dialog(parent, name, XmDIALOG_INFORMATION,
+                                     gw::text_of(gw::Message::NOTICE_TITLE), gw::text_of(gw::Message::NOTICE),
+                                     {XmDIALOG_SEPARATOR, XmDIALOG_OK_BUTTON, XmDIALOG_CANCEL_BUTTON,
+                                      XmDIALOG_HELP_BUTTON, XmDIALOG_DEFAULT_BUTTON, XmDIALOG_SYMBOL_LABEL});
+    gw::on_close_box(wi_init_dlg, [](Widget, XtPointer, XtPointer) {});
+    return wi_init_dlg;
+}
+
+void start_init_dlg() {
+    XtManageChild(wi_init_dlg);
+    gw::draw_at_once(wi_init_dlg);
+    set_watch_cursor(wi_init_dlg, 1);
+}
+
+void stop_init_dlg() {
+    set_watch_cursor(wi_init_dlg, 0);
+    XtUnmanageChild(wi_init_dlg);
+}

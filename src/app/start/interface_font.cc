@@ -1,0 +1,109 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/interface_font.h"
+
+#include <langinfo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+#include <string_view>
+
+#include "app/kit/gw_gui_util.h"
+
+#include <X11/Shell.h>
+#include <X11/Xresource.h>
+#include <Xm/Screen.h>
+
+namespace gw {
+
+namespace {
+
+constexpr const char* DIGITS = "0123456789";
+constexpr int DIGIT_COUNT = 10;
+constexpr double UNITS_OF_A_LINE = 2.2;  // as the toolkit has it
+constexpr int LEAST_UNIT = 7;            // with which windows are as large as the built-in sizes make them
+
+const char* const TABLES[] = {XmNlabelRenderTable, XmNbuttonRenderTable, XmNtextRenderTable};
+
+XmRenderTable table_of(Widget shell, const char* resource) {
+    XmRenderTable table = nullptr;
+    XtVaGetValues(shell, resource, &table, nullptr);
+    return table;
+}
+
+bool draws(XmRenderTable table) {
+    const XmText digits = xm_text(DIGITS);
+    return table != nullptr && XmStringWidth(table, digits.get()) > 0;
+}
+
+bool is_scalable(XmRendition rendition) {
+    XmFontType type = XmFONT_IS_FONT;
+    Arg args[1];
+    XtSetArg(args[0], XmNfontType, &type);
+    XmRenditionRetrieve(rendition, args, 1);
+    return type == XmFONT_IS_XFT;
+}
+
+bool has_scalable_font(XmRenderTable table) {
+    XmStringTag* tags = nullptr;
+    const int count = XmRenderTableGetTags(table, &tags);
+    const XtOwned<XmStringTag> owned(tags);
+    bool found = false;
+    for (int i = 0; i < count; ++i) {
+        const XtOwned<char> tag(tags[i]);
+        XmRendition rendition = XmRenderTableGetRendition(table, tag.get());
+        found = found || is_scalable(rendition);
+        XmRenditionFree(rendition);
+    }
+    return found;
+}
+
+/// Whether the toolkit can draw the locale's characters in a scalable font.
+bool suits_locale(const char* resource) {
+    const std::string_view codeset = nl_langinfo(CODESET);
+    constexpr std::string_view ASCII = "ANSI_X3.4-1968";
+    return codeset == "UTF-8" || (codeset == ASCII && resource != std::string_view(XmNtextRenderTable));
+}
+
+/// The renditions of the resource file are for scalable fonts, of which there is none: a table that is still
+/// to be made of them would have no font either.
+void rename_renditions(Display* d) {
+    XrmDatabase resources = XrmGetDatabase(d);
+    for (const std::string rendition : {"gw_interface", "gw_monospace", "gw_notice", "gw_sample"}) {
+        const std::string prefix = "Glyphward*" + rendition + '.';
+        XrmPutStringResource(&resources, (prefix + XmNfontType).c_str(), "FONT_IS_FONT");
+        XrmPutStringResource(&resources, (prefix + XmNfontName).c_str(), "fixed");
+    }
+}
+
+/// Gives `shell` the table of a shell that the program's resources do not reach.
+void use_toolkit_table(Widget shell, const char* resource) {
+    Widget plain =
+        XtAppCreateShell("plain", "Plain", applicationShellWidgetClass, XtDisplayOfObject(shell), nullptr, 0);
+    XtVaSetValues(shell, resource, table_of(plain, resource), nullptr);
+    XtDestroyWidget(plain);
+}
+
+void set_font_units(Widget shell) {
+    XmRenderTable labels = table_of(shell, XmNlabelRenderTable);
+    const XmText digits = xm_text(DIGITS);
+    const int width = XmStringWidth(labels, digits.get()) / DIGIT_COUNT;
+    const int height = static_cast<int>(std::lround(XmStringHeight(labels, digits.get()) / UNITS_OF_A_LINE));
+    XtVaSetValues(XmGetXmScreen(XtScreenOfObject(shell)), XmNhorizontalFontUnit, std::max(width, LEAST_UNIT),
+                  XmNverticalFontUnit, std::max(height, LEAST_UNIT), nullptr);
+}
+
+}  // namespace
+
+void prepare_interface_font(Widget shell) {
+    for (const char* resource : TABLES) {
+        XmRenderTable table = table_of(shell, resource);
+        const bool there = draws(table);
+        if (there && (suits_locale(resource) || !has_scalable_font(table))) continue;
+        if (!there) rename_renditions(XtDisplayOfObject(shell));
+        use_toolkit_table(shell, resource);
+    }
+    set_font_units(shell);
+}
+
+}  // namespace gw

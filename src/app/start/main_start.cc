@@ -1,0 +1,179 @@
+// SPDX-License-Identifier: MIT
+#include "app/start/main_start.h"
+
+#include <unistd.h>
+
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+#include "app/common/dirdlg.h"
+#include "app/common/progressdlg.h"
+#include "app/common/warningdlg.h"
+#include "app/common/workingdlg.h"
+#include "app/conflicts/conflictdlg.h"
+#include "app/conflicts/preconflictdlg.h"
+#include "app/deleting/delwarningdlg.h"
+#include "app/font_path/fpinfodlg.h"
+#include "app/font_path/modifyfpdlg.h"
+#include "app/fontsets/fontsetsdlg.h"
+#include "app/installing/installdlg.h"
+#include "app/installing/rmediadlg.h"
+#include "app/kit/gw_gui_util.h"
+#include "app/main_window/aboutdlg.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/main_window/helpdlg.h"
+#include "app/main_window/propsdlg.h"
+#include "app/printer/printerdlg.h"
+#include "app/program/program_objects.h"
+#include "app/samples/attrdlg.h"
+#include "app/samples/sample_text_cb.h"
+#include "app/start/fallback_resources.h"
+#include "app/start/initdlg.h"
+#include "app/start/interface_font.h"
+#include "app/start/window_icon.h"
+#include "core/font_policy.h"
+#include "core/gw_misc.h"
+#include "platform/host_paths.h"
+#include "platform/shell_command.h"
+
+#include "fontpath/session_display.h"
+
+namespace gw {
+
+// A font that the server does not have is replaced by the toolkit, and a character that the selected font
+// lacks is left out: neither is news for the terminal.
+bool is_font_noise(std::string_view warning) {
+    for (const std::string_view noise :
+         {"to type Font", "Missing charsets", "not supported in font", "Cannot load font", "No font found"}) {
+        if (warning.find(noise) != std::string_view::npos) return true;
+    }
+    return false;
+}
+
+}  // namespace gw
+
+namespace {
+
+// The two flags are declared four bytes wide although each is one: the converter writes the one.
+constexpr Cardinal DECLARED_FLAG_SIZE = 4;
+
+XtResource Gw_resrcs[] = {
+    {gw::name_arg("gw_fontset_support"), gw::name_arg("Gw_Fontset_Support"), gw::name_arg(XmRBoolean),
+     DECLARED_FLAG_SIZE, XtOffsetOf(GwResources, fontset_support), gw::name_arg(XmRString),
+     gw::name_arg("False")},
+    {gw::name_arg("gw_printer_support"), gw::name_arg("Gw_Printer_Support"), gw::name_arg(XmRBoolean),
+     DECLARED_FLAG_SIZE, XtOffsetOf(GwResources, printer_support), gw::name_arg(XmRString),
+     gw::name_arg("False")},
+    {gw::name_arg("gw_codeset_num"), gw::name_arg("Gw_Codeset_Num"), gw::name_arg(XmRInt), sizeof(int),
+     XtOffsetOf(GwResources, codeset_num), gw::name_arg(XmRString), gw::name_arg("3")},
+    {gw::name_arg("gw_locale_sample_text"), gw::name_arg("Gw_Locale_Sample_Text"), gw::name_arg(XmRString),
+     sizeof(String), XtOffsetOf(GwResources, locale_sample_text), gw::name_arg(XmRString), gw::name_arg("")},
+};
+
+XtResource Gw_modern_resrcs[] = {
+    {gw::name_arg("gw_modern_fonts"), gw::name_arg("Gw_Modern_Fonts"), gw::name_arg(XmRBoolean),
+     sizeof(Boolean), XtOffsetOf(GwModernResources, modern_fonts), gw::name_arg(XmRString),
+     gw::name_arg("False")},
+};
+
+void read_resources() {
+    XtGetApplicationResources(wi_toplevel, &Gw_resrc, Gw_resrcs, XtNumber(Gw_resrcs), nullptr, 0);
+    XtGetApplicationResources(wi_toplevel, &Gw_modern_resrc, Gw_modern_resrcs, XtNumber(Gw_modern_resrcs),
+                              nullptr, 0);
+    gw::set_font_policy(gw::FontPolicy(Gw_modern_resrc.modern_fonts != False));
+}
+
+// Who sets a locale that the machine does not have is told so by every program; here all is English then.
+bool is_locale_noise(std::string_view warning) {
+    return warning.find("locale not supported by C library") != std::string_view::npos;
+}
+
+void quiet_about_fonts(String warning) {
+    if (!gw::is_font_noise(warning) && !is_locale_noise(warning))
+        std::fprintf(stderr, "glyphward: %s\n", warning);
+}
+
+// Nothing can be saved and nothing shown once the display is gone; exit handlers would only talk to it.
+int display_lost(Display*) {
+    std::fprintf(stderr, "%s\n", gw::text_of(gw::Message::DISPLAY_LOST));
+    std::_Exit(1);
+}
+
+void create_dialogs() {
+    if (uid == 0) create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
+    create_install_dlg("install_dlg", wi_toplevel);
+    create_rmedia_dlg("rmedia_dlg", wi_toplevel);
+    create_dir_dlg("dir_dlg", wi_toplevel);
+    create_attr_dlg("attr_dlg", wi_toplevel);
+    create_props_dlg("props_dlg", wi_toplevel);
+    create_progress_dlg("progress_dlg", wi_toplevel);
+    create_working_dlg("working_dlg", wi_toplevel);
+    create_del_warning_dlg("del_warning_dlg", wi_toplevel);
+    create_warning_dlg("warning_dlg", wi_toplevel);
+    create_about_dlg("about_dlg", wi_toplevel);
+    create_conflict_dlg("conflict_dlg", wi_toplevel);
+    create_preconflict_dlg("preconflict_dlg", wi_toplevel);
+    create_fp_info_dlg("fp_info_dlg", wi_toplevel);
+    create_help_dlg("help_dlg", wi_toplevel);
+    if (Gw_resrc.fontset_support != False) create_fontsets_dlg("fontsets_dlg", wi_toplevel);
+    create_pr_install_dlg("pr_install_dlg", wi_toplevel);
+    create_pr_delete_dlg("pr_delete_dlg", wi_toplevel);
+    create_pr_modify_fp_dlg("pr_modify_fp_dlg", wi_toplevel);
+}
+
+}  // namespace
+
+void begin_program() {
+    gw_init();
+    uid = static_cast<int>(::geteuid());
+    std::atexit(release_program_objects);
+}
+
+void set_env() {
+    ::setenv("NLSPATH", gw::DEFAULT_NLSPATH, 0);
+    ::setenv("XFILESEARCHPATH", gw::DEFAULT_XFILESEARCHPATH, 0);
+    gw::add_command_dir(gw::INSTALLATION_BIN);
+}
+
+void init_gui(int* argc, char** argv) {
+    std::setlocale(LC_ALL, "");
+    XtSetLanguageProc(nullptr, nullptr, nullptr);
+    set_env();
+    gw::open_catalogue();
+    XSetIOErrorHandler(display_lost);
+    // The shell is made with fonts already, and its application context with it.
+    XtSetWarningHandler(quiet_about_fonts);
+    wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
+    gw::prepare_interface_font(wi_toplevel);
+    read_resources();
+    display = XtDisplay(wi_toplevel);
+    screen = XtScreen(wi_toplevel);
+    gw::set_font_path_display(display);
+    create_init_dlg("init_dlg", wi_toplevel);
+    start_init_dlg();
+    process_xt_events();
+}
+
+void build_program() {
+    the_font_path = new GWFontPath(gw::INSTALLATION_ROOT);
+    the_fsm_list.append(&the_t1_fsm);
+    the_fsm_list.append(&the_pcf_fsm);
+    fill_program_lists();
+    create_font_admin_main_window();
+    create_dialogs();
+    if (uid == 0) user_is_root = 1;
+    stop_init_dlg();
+    XtRealizeWidget(wi_toplevel);
+    gw::set_window_icon(wi_toplevel);
+    gw::name_windows(wi_toplevel);
+}
+
+int gw_main(int argc, char** argv) {
+    begin_program();
+    init_gui(&argc, argv);
+    build_program();
+    XtAppMainLoop(app);
+    return 0;
+}

@@ -1,4 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "app/work_record.h"
-
-WorkRecord the_wp_cl_data;

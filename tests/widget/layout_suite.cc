@@ -1,8 +1,0 @@
-// SPDX-License-Identifier: MIT
-#include "widget/layout_suite.h"
-
-namespace gw::test {
-
-const LayoutSuite SUITE = {TEST_LOCALE, TEST_LANGUAGE, TEST_SERVER_DPI, TEST_XFT_DPI};
-
-}  // namespace gw::test
