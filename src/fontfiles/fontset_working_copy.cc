@@ -30,7 +30,8 @@ void FontsetWorkingCopy::set_bytes(std::string_view new_bytes) {
     in_memory = true;
 }
 
-/// Makes an empty scratch file in the place of one of this user's own, with `errno` set when it cannot.
+/// Makes an empty scratch file, in place of an old one that belongs to this user. Sets `errno` when it
+/// cannot.
 bool FontsetWorkingCopy::make_file() {
     struct stat info {};
     if (::lstat(file.get_path(), &info) == 0) {

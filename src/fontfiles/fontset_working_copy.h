@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// The working copy of a fontset file: its bytes with all changes that are not in the real file yet. They
-// stand in memory, which is what counts, and after every change in a scratch file under a fixed name, for
-// others to see: a full disk or a stranger's file there costs the scratch file and nothing else.
+// The working copy of a fontset file: its bytes, with all changes that are not in the real file yet. The copy
+// in memory is the one that counts. After every change it is also written to a scratch file with a fixed
+// name, where other programs can read it. When the disk is full, or somebody else's file has that name, only
+// the scratch file is lost.
 #pragma once
 
 #include <sys/types.h>
@@ -25,7 +26,7 @@ class FontsetWorkingCopy {
     [[nodiscard]] const std::string& get_bytes() const { return bytes; }
     /// The name of the scratch file, without its directory.
     [[nodiscard]] const char* get_name() const { return file.get_name(); }
-    /// Does without the scratch file from now on.
+    /// Writes no scratch file from now on.
     void keep_in_memory() { in_memory = true; }
     /// Replaces the content, here and in the scratch file. When that file cannot be made, or is not ours,
     /// this is said in one line on standard error, once, and no more is written there.
@@ -39,7 +40,7 @@ class FontsetWorkingCopy {
     GW_BUF_FILE file;
     std::string bytes;
     bool in_memory = false;
-    // The scratch file as it was made last; no inode while there is none.
+    // Identify the scratch file that was made last; the inode is 0 while there is none.
     dev_t device = 0;
     ino_t inode = 0;
 };

@@ -41,7 +41,7 @@ void for_each_line(GW_FILE& file, int buffer_size, std::size_t shortest, Take ta
     while (file.get_line(line, buffer_size) != nullptr) {
         const std::string_view piece(line);
         const bool comment = comment_goes_on || is_comment(piece);
-        comment_goes_on = comment && !piece.ends_with('\n');  // a long one comes in pieces
+        comment_goes_on = comment && !piece.ends_with('\n');  // a long line is read in pieces
         if (comment || piece.size() < shortest) continue;
         std::string alias;
         std::string font_name;

@@ -29,7 +29,7 @@ int parsed_count(std::string_view line) {
     return std::atoi(std::string(line.substr(0, line.find('\n'))).c_str());
 }
 
-/// The bytes with that number for their first line, and room for so many more.
+/// `bytes` with `count` as their first line. Reserves `room` bytes more.
 std::string with_count(std::string_view bytes, int count, std::size_t room = 0) {
     std::string result = std::to_string(count) + '\n';
     result.reserve(result.size() + bytes.size() + room);
@@ -47,7 +47,7 @@ GW_FONTDIR_FILE::GW_FONTDIR_FILE(const char* index_dir, int type)
     : GW_FILE(gw::FONT_INDEX_NAME, index_dir, type) {}
 
 int GW_FONTDIR_FILE::create() {
-    // The X server rejects a directory whose index is empty, as a full disk would leave it.
+    // The X server rejects a directory whose index is an empty file, which is what a full disk would leave.
     if (exist() == 0) (void)gw::replace_file(get_path(), "0\n", INDEX_MODE);
     return 1;
 }
@@ -106,7 +106,7 @@ std::unique_ptr<GW_STRING> GW_FONTDIR_FILE::get_file_name(const char* font_name)
 void GW_FONTDIR_FILE::split_line(const char* line, std::string& file_name, std::string& font_name) {
     std::string_view rest(line);
     rest = rest.substr(0, rest.find('\n'));
-    // Blanks in front of the file name separate nothing.
+    // Blanks in front of the file name are skipped.
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     const std::size_t blank = rest.find(' ');
     file_name = rest.substr(0, blank);
@@ -150,7 +150,8 @@ int GW_FONTDIR_FILE::append(const Lines& lines) {
         old = std::move(*bytes);
     }
     std::string bytes = with_count(old, parsed_count(old) + lines.count, lines.text.size() + 1);
-    // What an earlier writer left without its newline must not swallow the new entry.
+    // Another program may have left the last line without its newline; the new entry must not be joined to
+    // it.
     if (!bytes.ends_with('\n')) bytes += '\n';
     bytes += lines.text;
     return gw::replace_file(get_path(), bytes, INDEX_MODE) ? 1 : 0;

@@ -2,7 +2,7 @@
 //
 // The index "fonts.dir" of a font directory: line 1 is the number of entries, every further line a file name,
 // one blank and a font name (format: fonts.dir, as read by the X server's font library). The X server reads
-// it too, so it is edited with care: the count line always tells the truth, and a rewrite is atomic.
+// it too, so it is edited with care: the number on line 1 is always right, and a rewrite is atomic.
 #pragma once
 
 #include <memory>
@@ -26,23 +26,25 @@ class GW_FONTDIR_FILE : public GW_FILE {
 
     GW_FONTDIR_FILE(const char* dir, int file_type);
 
-    /// As long as one lives, the lines appended to `index` (through that very object) are gathered, and
-    /// nothing else sees them. They are written all at once, in order: a thousand lines cost what one costs.
+    /// While a batch exists, the lines that are appended to `index` (through that same object) are collected,
+    /// and nobody else sees them. They are then written together, in order, so that a thousand lines cost one
+    /// rewrite of the file.
     class Batch {
       public:
         explicit Batch(GW_FONTDIR_FILE& index);
-        /// Writes what is still to be written.
+        /// Writes the lines that are not written yet.
         ~Batch();
         Batch(const Batch&) = delete;
         Batch& operator=(const Batch&) = delete;
-        /// Writes the lines gathered so far; 1, or 0 when they could not be written and are given up.
+        /// Writes the lines collected so far. Returns 1, or 0 when they could not be written; they are
+        /// dropped then.
         int write();
 
       private:
         GW_FONTDIR_FILE& index;
     };
 
-    /// Makes an index of no entries ("0\n") unless there is one; returns 1.
+    /// Makes an index without entries ("0\n") unless there is an index already; returns 1.
     int create();
     /// The number on line 1 (0 when it is not a number), or -1 when the file cannot be opened. The file is
     /// closed again.
@@ -62,17 +64,17 @@ class GW_FONTDIR_FILE : public GW_FILE {
     /// Splits an entry line at the first blank; the font name keeps further blanks and loses its newline.
     static void split_line(const char* line, std::string& file_name, std::string& font_name);
 
-    /// Appends the entry `line` (which brings its newline) and counts it; returns 1 when it is in the index
-    /// or in its batch, 0 when it could not be written.
+    /// Appends the entry `line` (its newline included) and raises the count. Returns 1 when the line is in
+    /// the index or in the current batch, 0 when it could not be written.
     int append_line(const char* line);
     int append_line(const GW_STRING_LIST* lines);
-    /// Undoes `append_line(line)`: removes the last entry that reads so and counts it off. Returns 1, or 0
-    /// when there is none or the file cannot be changed.
+    /// Undoes `append_line(line)`: removes the last entry with this text and lowers the count. Returns 1, or
+    /// 0 when there is none or the file cannot be changed.
     int take_back_line(const char* line);
-    /// Removes the first entry of that file and counts it off; returns 1, or 0 when there is none or the file
-    /// cannot be changed.
+    /// Removes the first entry of that file and lowers the count; returns 1, or 0 when there is none or the
+    /// file cannot be changed.
     int delete_font_file_line(const char* file_name);
-    /// Removes every entry of that file, in one rewrite, and counts them off; returns as the above.
+    /// Removes every entry of that file, in one rewrite, and lowers the count; returns the same.
     int delete_font_file_lines(const char* file_name);
     /// Removes the `n`-th entry line (1 is the first behind the count line), without touching the count.
     /// Returns 0 when the file cannot be changed or has no such line, else 1.

@@ -2,7 +2,7 @@
 //
 // A fontset: a named group of base fonts, one per character set, that a multilingual program opens together.
 //
-// Owner of the base fonts: the fontset, which shares them with whoever else holds one by a `gw::Ref`.
+// The fontset owns its base fonts, together with everybody else who holds a `gw::Ref` to one.
 #pragma once
 
 #include <optional>
@@ -29,14 +29,14 @@ class GWFontSet : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] const GW_LIST<GWFont>& get_fonts() const { return fonts; }
 
     void update_fontset_name(const char* new_name);
-    /// Adds a bitmap font of that XLFD name behind the others.
+    /// Adds a bitmap font of that XLFD name after the others.
     void append_base_font(const char* xlfd);
     /// Gives the first base font of the same character set the new name, in its place; appends a font when
     /// there is none. A character set is the same when "REGISTRY-ENCODING" of the base font occurs anywhere
     /// in `xlfd`, in the same case: "iso8859-1" also in a name of iso8859-15, and the "-" of a base font
     /// whose name has not fourteen fields in every XLFD name.
     void update_base_font(const char* xlfd);
-    /// Makes the joined names again from the font records.
+    /// Joins the names again from the font records.
     void update_base_names();
 
     /// The text of this fontset in a fontset file: one line for the name, one for each base font.

@@ -15,8 +15,8 @@ namespace {
 constexpr std::size_t LONGEST_PIECE = GW_FONTSET_FILE::LINE_BUFFER - 1;
 constexpr std::string_view NAME_LINE_END = "definition,\\";
 
-/// Calls `take(piece)` for each line, its newline included; a longer line than the buffer holds comes in
-/// pieces, as from `get_line`.
+/// Calls `take(piece)` for each line, its newline included. A line that is longer than the buffer is passed
+/// in pieces, as `get_line` would return it.
 template <class Take>
 void for_each_line(std::string_view bytes, Take take) {
     while (!bytes.empty()) {
@@ -28,7 +28,7 @@ void for_each_line(std::string_view bytes, Take take) {
     }
 }
 
-/// What a reader sees of a line: what stands in front of a NUL byte.
+/// The part of a line that readers see: everything before a NUL byte.
 std::string_view text_of(std::string_view line) {
     return line.substr(0, line.find('\0'));
 }
@@ -62,7 +62,7 @@ GW_FONTSET_FILE::GW_FONTSET_FILE(const char* file_dir, const char* file_name, in
     if (found == gw::FILE_TYPE_REGULAR) bytes = gw::read_file(get_path());
     unread = !bytes && exist() != 0;
     if (bytes) read_fontsets(*bytes);
-    // There the scratch file would be this very file.
+    // In that directory the scratch file would be this file itself.
     if (is_in_directory(gw::SCRATCH_ROOT)) work.keep_in_memory();
     work.set_bytes(bytes ? *bytes : std::string());
 }
@@ -100,7 +100,7 @@ int GW_FONTSET_FILE::append_fontset(GWFontSet* fontset) {
     fontsets.append(fontset);
     owned.leave();
     std::string bytes = work.get_bytes();
-    // A last line without its newline would swallow the name.
+    // A last line without a newline would be joined to the name.
     if (!bytes.empty() && !bytes.ends_with('\n')) bytes += '\n';
     work.set_bytes(bytes + fontset->definition());
     return 1;

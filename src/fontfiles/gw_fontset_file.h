@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
 // The fontset file "Vantor.fs" of a locale. Its fontsets are read into a list; every change of the list goes
-// to a working copy, and `sync` puts that in the place of the real file.
+// to a working copy, and `sync` replaces the real file by that copy.
 //
-// Owner of the fontsets in the list: the file object, by a `gw::Ref` each. One that is deleted from the list
-// lives on as long as the file object, so that a caller may delete a fontset, change it and append it again;
-// who wants to keep one longer holds a `gw::Ref` of it.
+// The file object owns the fontsets in the list, through a `gw::Ref` to each. A fontset that is deleted from
+// the list lives as long as the file object, so that a caller may delete it, change it and append it again.
+// Whoever needs it longer holds a `gw::Ref` to it.
 #pragma once
 
 #include <string_view>
@@ -51,5 +51,5 @@ class GW_FONTSET_FILE : public GW_FILE {
     GW_LIST<GWFontSet> fontsets;
     std::vector<gw::Ref<GWFontSet>> deleted;
     gw::FontsetWorkingCopy work;
-    bool unread = false;  // it is there, and what is in it is not known
+    bool unread = false;  // the file exists but could not be read
 };

@@ -9,7 +9,7 @@
 
 #include "core/gw_string_list.h"
 
-/// Cleans a field in place: drops an opening single quote, with its closing partner, and every backslash.
+/// Cleans a field in place: drops an opening single quote together with the closing one, and every backslash.
 /// Returns the field.
 std::string& remove_sp_char(std::string& text);
 

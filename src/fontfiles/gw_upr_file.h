@@ -27,8 +27,7 @@ class GW_UPR_FILE : public GW_FILE {
 
     GW_UPR_FILE(const char* name, const char* dir, int file_type);
 
-    /// The section whose keyword is all that `line` holds before its newline; `NO_SECTION` for any other
-    /// line.
+    /// The section whose keyword is the whole line, without its newline; `NO_SECTION` for any other line.
     int get_line_res_type(const char* line) const;
     /// The context in which the lines behind a section header are read: the section's own number.
     [[nodiscard]] int get_context(int res_type) const;
