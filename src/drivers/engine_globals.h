@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The two objects of the running program that the drivers reach for. The application makes them; tests make
-// their own.
+// The two program-wide objects that the drivers use. The application defines them; each test defines its own.
 #pragma once
 
 class GWFontPath;

@@ -22,7 +22,7 @@ GWDirDriver::GWDirDriver(const char* dir) : user_dir(dir) {}
 
 void GWDirDriver::get_hrn_list(GWHRNList& out) {
     if (!gw::prepare_staging(gw::STAGING_DIR, USER_DIR_LINK, user_dir.c_str())) return;
-    // One that is there already stays.
+    // A link that exists already is left as it is.
     [[maybe_unused]] const int made = ::symlink(gw::SCRATCH_ROOT, below_staging(SCRATCH_LINK).c_str());
     preview_dir = gw::STAGING_DIR;
     gw::stage_fonts(out, the_fsm_list, below_staging(USER_DIR_LINK).c_str(), 0, gw::STAGING_DIR);

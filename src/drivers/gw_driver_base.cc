@@ -32,7 +32,7 @@ int GWDriverBase::set_font_path(const char* dir) {
 }
 
 void GWDriverBase::start_preview() {
-    // The listing has said it already when the directory is not ours.
+    // When the directory is not ours, the listing has reported it already.
     if (!preview_dir || preview_dir->empty() || gw::is_foreign_dir(preview_dir->c_str())) return;
     if (position_in(GWFontPath::SESSION_FP, preview_dir->c_str()) != 0) {
         the_font_path->rehash_session_fp();
@@ -44,8 +44,8 @@ void GWDriverBase::start_preview() {
     the_font_path->insert_after_pos(GWFontPath::SESSION_FP, &element, -1);
 }
 
-// An element that was put on the session's path stands twice in its list. Were one left, the next preview
-// would take the server to have the directory still.
+// An element that was added to the session font path is in its list twice. If one of the two stayed, the next
+// preview would believe that the server still has the directory.
 void GWDriverBase::stop_preview() {
     if (!preview_dir) return;
     for (int position = position_in(GWFontPath::SESSION_FP, preview_dir->c_str()); position != 0;

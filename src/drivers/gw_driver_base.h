@@ -20,10 +20,10 @@ class GWDriverBase {
     /// Adds the fonts of this source to `out`.
     virtual void get_hrn_list(GWHRNList& out) = 0;
     /// Makes sure that `dir` is on the configured and on the session font path. Returns 0 when it was on the
-    /// session's already, else the result of putting it there.
+    /// session font path already, otherwise the result of adding it.
     virtual int set_font_path(const char* dir);
-    /// Puts the preview directory on the session font path; only has the server reread it when it is there
-    /// already. A directory that is a link or belongs to someone else is left alone.
+    /// Puts the preview directory on the session font path. When it is there already, only asks the server to
+    /// read it again. A directory that is a link or belongs to someone else is not used.
     virtual void start_preview();
     /// Takes the preview directory off the session font path.
     virtual void stop_preview();

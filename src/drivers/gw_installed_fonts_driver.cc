@@ -5,7 +5,7 @@
 #include "fontpath/gw_font_path.h"
 #include "modules/gw_fsm_list.h"
 
-// What is listed is what the configuration puts on the path, whatever the session has made of it.
+// Lists the fonts of the configured font path, whatever the session's font path is.
 void GWInstalledFontsDriver::get_hrn_list(GWHRNList& out) {
     unsigned count = 0;
     for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::ALL_FP, count)) {

@@ -20,7 +20,8 @@ constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
 }  // namespace
 
 bool prepare_staging(const char* staging, const std::string& link_name, const char* link_target) {
-    // Made first and looked at then: nobody can come in between.
+    // First make the directory, then check it: the other way round, somebody else could make it after the
+    // check.
     ::mkdir(staging, ANYBODY_BEFORE_UMASK);
     if (refuses_foreign_dir(staging)) return false;
     const std::string link = staging + link_name;
