@@ -50,14 +50,15 @@ void print_all(const Elements& elements) {
     for (const std::string& element : elements) print(element);
 }
 
-/// Whoever starts sessions may have closed the standard descriptors; no file is to be taken for one.
+/// A session may be started with the standard descriptors closed. Without this, a file that is opened later
+/// would become standard input, output or error.
 void open_standard_descriptors() {
     int fd = ::open("/dev/null", O_RDWR);
     while (fd >= 0 && fd <= STDERR_FILENO) fd = ::open("/dev/null", O_RDWR);
     if (fd >= 0) ::close(fd);
 }
 
-/// Without a home directory nothing of an ordinary user's font path is composed.
+/// Without a home directory an ordinary user has no composed font path.
 bool lacks_home() {
     return ::geteuid() != 0 && std::getenv("HOME") == nullptr;
 }
@@ -74,14 +75,15 @@ void report(const Plan& plan) {
     for (const Remark& remark : plan.dropped) complain(remark, "; dropped from the path of the X server");
 }
 
-/// A directory that looked usable and was refused; a font server may always be away.
+/// A directory that looked usable but was refused by the server is a failure. A font server is not: it may be
+/// down.
 bool is_failure(const Plan& plan, const std::string& refused) {
     const auto end = plan.path.begin() + static_cast<std::ptrdiff_t>(plan.configured);
     return refused.starts_with('/') && std::find(plan.path.begin(), end, refused) != end;
 }
 
 int set(const XServer& server, const Plan& plan, const Elements& current) {
-    if (plan.path.empty()) return EXIT_SUCCESS;  // there is nothing usable
+    if (plan.path.empty()) return EXIT_SUCCESS;  // no element is usable
     const Outcome outcome =
         put(plan.path, current, [&](const Elements& path) { return server.set_font_path(path); });
     int status = outcome.path.empty() ? EXIT_FAILURE : EXIT_SUCCESS;
@@ -112,7 +114,7 @@ int run(bool dry, const Elements& configured) {
 
 enum class Task { SET, DRY_RUN, LIST, HELP, VERSION };
 
-/// Nothing, when the arguments are wrong; then that has been said.
+/// No value when the arguments are wrong; the user has been told then.
 std::optional<Task> task_of(int argc, char** argv) {
     if (argc < 2) return Task::SET;
     const std::string_view option = argv[1];

@@ -18,14 +18,14 @@ namespace gw::session {
 
 namespace {
 
-constexpr std::size_t LONGEST_ELEMENT = 255;  // the protocol counts in one byte
+constexpr std::size_t LONGEST_ELEMENT = 255;  // the protocol has one byte for the length
 constexpr int NOT_A_DATABASE = 2;             // what config_db_open answers
 
 bool is_readable(const std::string& path, int mode) {
     return ::faccessat(AT_FDCWD, path.c_str(), mode, AT_EACCESS) == 0;
 }
 
-/// An unreadable database counts as none, so it is asked for by itself.
+/// `GWFontPath` treats an unreadable database as an empty one, so this is checked separately.
 void note_unread_database(const std::string& path, std::vector<Remark>& unread) {
     const int opened = config_db_open(path.c_str(), 0, 1, 0, 0);
     config_db_close(nullptr);
@@ -38,7 +38,7 @@ std::string directory_of(std::string_view element) {
     return std::string(element.substr(0, element.find(':')));
 }
 
-/// The verdict on something that `stat` has failed for.
+/// The verdict on a path for which `stat` has failed.
 Verdict not_found(int error, const char* gone) {
     if (error == ENOENT || error == ENOTDIR) return {Condition::GONE, gone};
     return {Condition::UNREADABLE, std::strerror(error)};
@@ -106,7 +106,8 @@ Plan make_plan(const Elements& configured, const Elements& server, bool server_i
         const std::string id = identity(element);
         if (seen.contains(id)) continue;
         const Verdict verdict = judge(element);
-        // What this user cannot see and the server has keeps its place in the server's own part.
+        // A directory that this user cannot read, but the server has, keeps its place among the server's
+        // elements.
         if (verdict.condition == Condition::UNREADABLE && on_server.contains(id)) continue;
         seen.insert(id);
         if (verdict.condition == Condition::USABLE) {
@@ -129,7 +130,7 @@ Plan make_plan(const Elements& configured, const Elements& server, bool server_i
 }
 
 Outcome put(const Elements& wanted, const Elements& current, const SetPath& set) {
-    if (wanted.empty()) return {};  // to the server, an empty path is its default one
+    if (wanted.empty()) return {};  // the server takes an empty path for "the default path"
     if (set(wanted)) return {wanted, {}};
 
     std::set<std::string> on_server;

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Which font path a session should have: the configured elements in front, in their order, then what the X
-// server has besides. An element that the server cannot take makes it refuse the whole path, so each one is
-// looked at first.
+// Which font path a session should have: first the configured elements, in their order, then the other
+// elements that the X server has. The server refuses the whole path when it cannot use one element of it, so
+// each one is checked first.
 #pragma once
 
 #include <functional>
@@ -14,7 +14,7 @@ namespace gw::session {
 
 using Elements = std::vector<std::string>;
 
-/// Something that was left out, an element or a file, and why.
+/// An element or a file that was left out, and why.
 struct Remark {
     std::string what;
     std::string why;
@@ -31,11 +31,11 @@ struct Configuration {
 /// Reads the configuration of the installation below `root`, without a trailing slash. Nothing is written.
 [[nodiscard]] Configuration read_configuration(const std::string& root);
 
-/// What two elements have in common that are the same directory with the same attributes: the text without
-/// the slashes at the directory's end.
+/// The text without the slashes at the directory's end. It is equal for two elements that are the same
+/// directory with the same attributes.
 [[nodiscard]] std::string identity(std::string_view element);
 
-/// How an element looks from here.
+/// What this process finds out about an element.
 enum class Condition {
     USABLE,
     GONE,        ///< no server can take it: there is no font directory, or it cannot be named to a server
@@ -46,11 +46,12 @@ struct Verdict {
     std::string why;  ///< empty for a usable element
 };
 
-/// Looks at the directory of an element that begins with "/"; attributes behind a ":" do not belong to it.
-/// Any other element, such as a font server, is for the X server to judge.
+/// Checks the directory of an element that begins with "/"; attributes after a ":" are not part of its name.
+/// Any other element, such as a font server, can be checked by the X server only.
 [[nodiscard]] Verdict judge(const std::string& element);
 
-/// For each configured element why it is left out, wherever the server may run; empty when it is not.
+/// For each configured element the reason why it is left out, wherever the server runs; empty when it is not
+/// left out.
 [[nodiscard]] std::vector<std::string> reasons_to_skip(const Elements& configured);
 
 /// The path that the server should get.
@@ -61,11 +62,11 @@ struct Plan {
     std::vector<Remark> dropped;  ///< elements of the server that are not
 };
 
-/// `server` is the path that the server has. The directories among its elements are looked at when it runs on
-/// this host; the file system of another one is not known here.
+/// `server` is the path that the server has. Its directories are checked only when the server runs on this
+/// host, because the file system of another host cannot be seen from here.
 [[nodiscard]] Plan make_plan(const Elements& configured, const Elements& server, bool server_is_here);
 
-/// Puts a path on a server, all of it or nothing; false when it was refused.
+/// Sets a server's path as a whole; false when the server refused it.
 using SetPath = std::function<bool(const Elements&)>;
 
 struct Outcome {
@@ -73,8 +74,9 @@ struct Outcome {
     Elements refused;  ///< the elements that it did not take
 };
 
-/// Puts `wanted` on the server, which has `current`. When the whole is refused, as much of it as the server
-/// takes; what it had stays there meanwhile, if it can. The order is always that of `wanted`.
+/// Replaces the server's path `current` by `wanted`. When the server refuses the whole path, sets as much of
+/// it as the server accepts, in the order of `wanted`; while that is tried out, the elements that the server
+/// had stay on its path if possible.
 [[nodiscard]] Outcome put(const Elements& wanted, const Elements& current, const SetPath& set);
 
 /// `text` for one line of a terminal: control characters become "?".

@@ -20,7 +20,7 @@ int note_refusal(Display*, XErrorEvent*) {
     return 0;
 }
 
-// Exit handlers would only talk to the display that is gone.
+// Exit handlers would try to talk to the lost display.
 int connection_lost(Display*) {
     std::fprintf(stderr, "glyphward-session: the connection to the X server is lost\n");
     std::_Exit(EXIT_FAILURE);
@@ -41,7 +41,7 @@ XServer::XServer() {
 bool XServer::is_here() const {
     sockaddr_storage peer{};
     socklen_t size = sizeof peer;
-    // The socket functions take any kind of address by this one type.
+    // The socket functions take a pointer to this type for every kind of address.
     auto* address = reinterpret_cast<sockaddr*>(&peer);
     return ::getpeername(ConnectionNumber(display_.get()), address, &size) == 0 && peer.ss_family == AF_UNIX;
 }
@@ -60,7 +60,7 @@ bool XServer::set_font_path(const Elements& path) const {
     std::vector<char*> texts;
     for (std::string& element : copies) texts.push_back(element.data());
     refused = false;
-    // A path too long for one request is not sent at all.
+    // Xlib does not send a path that is too long for one request.
     const bool sent = XSetFontPath(display_.get(), texts.data(), static_cast<int>(texts.size())) != 0;
     XSync(display_.get(), False);
     return sent && !refused;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The running X server, as far as its font path goes.
+// The running X server and its font path.
 #pragma once
 
 #include <memory>
@@ -18,11 +18,12 @@ class XServer {
     XServer();
 
     [[nodiscard]] bool is_open() const { return display_ != nullptr; }
-    /// Whether the server shares this host's file system: whether it is connected to by a local socket.
+    /// Whether the server uses this host's file system, which is so when the connection is a local socket.
     [[nodiscard]] bool is_here() const;
     [[nodiscard]] Elements font_path() const;
-    /// Sets the path, all of it or nothing; false when the server refused it. The server rereads directories
-    /// whose index has changed. An empty path is refused: the server would take its default one.
+    /// Sets the whole path; false when the server refused it, which leaves the old one. The server rereads
+    /// directories whose index has changed. An empty path is refused here, because the server would use its
+    /// default path instead.
     [[nodiscard]] bool set_font_path(const Elements& path) const;
 
   private:
@@ -32,7 +33,7 @@ class XServer {
     std::unique_ptr<_XDisplay, Closer> display_;
 };
 
-/// What the environment says about the display, for a message: its name, or that there is none.
+/// The display that the environment names, in words for a message; or that it names none.
 [[nodiscard]] std::string display_in_words();
 
 }  // namespace gw::session

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The words that the tool is called with.
+// The tool's command line.
 #pragma once
 
 #include <string>
@@ -21,9 +21,9 @@ struct CommandLine {
 /// What the arguments, without the name of the program, ask for. "--" ends the options.
 [[nodiscard]] CommandLine parse_command_line(const std::vector<std::string>& arguments);
 
-/// One line that shows how it is called.
+/// The usage line.
 [[nodiscard]] std::string usage();
-/// One line.
+/// The version line.
 [[nodiscard]] std::string version();
 
 }  // namespace gw::psres

@@ -46,7 +46,7 @@ std::string clear_text(std::string_view head) {
     return text;
 }
 
-/// The tokens of PostScript that matter here: literal names ("/Name") and words. The rest is passed over.
+/// The PostScript tokens that are needed here: literal names ("/Name") and words. Everything else is skipped.
 class Tokens {
   public:
     explicit Tokens(std::string_view source) : text(source) {}
@@ -101,7 +101,7 @@ std::optional<std::string> name_in_text(std::string_view text) {
         const bool announces = token == "/FontName";
         token = tokens.next();
         if (!announces || !token.starts_with('/')) continue;
-        // One at the very end is cut off, or may be.
+        // A name at the very end of the text may be cut off.
         return tokens.is_over() ? std::nullopt : usable(token.substr(1));
     }
     return std::nullopt;

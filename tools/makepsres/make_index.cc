@@ -28,12 +28,12 @@ namespace {
 constexpr std::size_t LARGEST_RESOURCE_FILE = 16UL << 20;
 constexpr const char* LEFT_OUT = "; left out";
 
-// Sections whose entries name a file each. Of other sections an entry may or may not.
+// Sections in which every entry names a file. In other sections an entry may or may not name one.
 constexpr std::array<std::string_view, 8> SECTIONS_OF_FILES = {
     FONT_AFM, FONT_OUTLINE, "FontPrebuilt", "FontBDF", "Encoding", "Form", "Pattern", "ProcSet",
 };
 constexpr std::string_view FAMILIES = "FontFamily";
-// What another indexer notes for itself about the file as it was.
+// Another indexer's private notes about the file as that indexer saw it.
 constexpr std::string_view PRIVATE_NOTES = "mkpsresPrivate";
 
 std::optional<std::string> font_name_in(const std::string& path, std::string_view head) {
@@ -63,7 +63,8 @@ class Index {
         for (const std::string& path : paths) add_font(path);
     }
 
-    /// Adds what the resource files of one directory say: the principal one alone when it wants that.
+    /// Adds the entries of one directory's resource files; only those of the first file when that file says
+    /// that it is exclusive.
     void add_resource_files(const std::vector<std::string>& paths) {
         for (const std::string& path : paths) {
             const std::optional<ResourceFile> file = read(path);
@@ -148,7 +149,7 @@ class Index {
     bool is_exclusive = false;
 };
 
-/// Puts the file in its place, whole; what is there already stays when that fails.
+/// Writes the file atomically; an old file stays when that fails.
 bool write(const std::string& path, const std::string& bytes, Notices& notices) {
     struct stat info {};
     if (::lstat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
@@ -164,7 +165,8 @@ bool write(const std::string& path, const std::string& bytes, Notices& notices) 
     return true;
 }
 
-/// Absolute, without a slash at the end; what cannot be made so stays as it is, and cannot be listed.
+/// Makes the paths absolute, without a slash at the end. One that cannot be made absolute stays as it is, and
+/// listing it will fail.
 std::vector<std::string> absolute_paths(const std::vector<std::string>& directories) {
     std::error_code error;
     const std::string current = std::filesystem::current_path(error).string();
@@ -190,9 +192,9 @@ int make_index(const CommandLine& line, std::ostream& err) {
         std::move(found.resource_files.begin(), found.resource_files.end(),
                   std::back_inserter(resource_files));
     }
-    // What stands in the files themselves goes before what was written down about them.
+    // Added last, so that the names in the font files themselves take precedence.
     for (const auto& paths : resource_files) index.add_resource_files(paths);
-    // A mistyped name is no reason to empty an index that is there.
+    // A mistyped directory must not empty an existing index.
     if (listed == 0) return FAILED;
     const bool is_written =
         write(line.output, index.text(directories.size() == 1 ? directories[0] : std::string()), notices);

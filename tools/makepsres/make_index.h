@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The tool as a whole: from the words of its command line to the resource file.
+// The whole tool: from its command line to the resource file.
 #pragma once
 
 #include <ostream>
@@ -13,8 +13,8 @@ inline constexpr int DONE = 0;
 inline constexpr int FAILED = 1;  ///< a directory could not be listed, or nothing could be written
 inline constexpr int CALLED_WRONG = 2;
 
-/// Does what the arguments, without the name of the program, ask for, and returns the exit status. What
-/// `--help` and `--version` say goes to `out`, all other lines to `err`.
+/// Runs the tool with these arguments (without the program's name) and returns the exit status. The output of
+/// `--help` and `--version` goes to `out`, all messages go to `err`.
 [[nodiscard]] int run(const std::vector<std::string>& arguments, std::ostream& out, std::ostream& err);
 
 }  // namespace gw::psres

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What the tool says on standard error: one line each, "makepsres: PATH: what is the matter".
+// The tool's messages on standard error, one line each: "makepsres: PATH: REASON".
 #pragma once
 
 #include <ostream>
@@ -14,12 +14,12 @@ namespace gw::psres {
 
 class Notices {
   public:
-    /// Writes to `stream`, which must outlive it; a quiet one says only what ends the run.
+    /// Writes to `stream`, which must outlive this object. When `is_quiet`, only `failed` writes.
     Notices(std::ostream& stream, bool is_quiet) : out(stream), quiet(is_quiet) {}
 
-    /// Something is left out, or could not be read; the run goes on.
+    /// Reports something that is left out or could not be read; the run continues.
     void skipped(std::string_view path, std::string_view reason);
-    /// The run fails; said always.
+    /// Reports why the run fails, also when quiet.
     void failed(std::string_view path, std::string_view reason);
 
   private:

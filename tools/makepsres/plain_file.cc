@@ -38,7 +38,8 @@ FileBytes failed() {
 }  // namespace
 
 FileBytes read_plain_file(const std::string& path, std::size_t limit) {
-    // Opening alone can rewind a tape or wait for a writer: looked at before, and again when it is open.
+    // Merely opening a file can rewind a tape or wait for a writer. So its kind is checked before, and again
+    // when it is open.
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) return failed();
     if (!S_ISREG(info.st_mode)) return {{}, NOT_PLAIN};

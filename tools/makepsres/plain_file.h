@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Reading a file that somebody else has put there: it may be a named pipe, which would wait for a writer for
+// Reads files that somebody else has made. Such a file may be a named pipe, which would wait for a writer for
 // ever, a device, or larger than the memory.
 #pragma once
 
@@ -14,10 +14,10 @@ struct FileBytes {
     std::string failure;  ///< why there are none; empty when the file was read
 };
 
-/// The first `limit` bytes of a plain file, or of what a link to one leads to. Anything else is not opened.
+/// The first `limit` bytes of a plain file; links are followed. Anything else is not opened.
 [[nodiscard]] FileBytes read_plain_file(const std::string& path, std::size_t limit);
 
-/// Whether the path leads to a plain file.
+/// Whether the path is a plain file, or a link to one.
 [[nodiscard]] bool is_plain_file(const std::string& path);
 
 }  // namespace gw::psres

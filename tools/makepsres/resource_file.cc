@@ -17,8 +17,8 @@ bool is_one_of(std::string_view set, char c) {
     return set.find(c) != std::string_view::npos;
 }
 
-/// The lines of a resource file with their quoting: comments are gone, continued lines are one, empty lines
-/// are left out.
+/// The lines of a resource file, still quoted. Comments and empty lines are removed, continued lines are
+/// joined.
 class Lines {
   public:
     explicit Lines(std::string_view bytes) : rest(bytes) {}
@@ -34,13 +34,13 @@ class Lines {
     }
 
   private:
-    /// Appends one line of the file; whether it is continued.
+    /// Appends one line of the file to `line`; true when the line is continued.
     bool append_piece(std::string& line) {
         std::string_view piece = rest.substr(0, rest.find('\n'));
         rest.remove_prefix(std::min(piece.size() + 1, rest.size()));
         if (piece.ends_with('\r')) piece.remove_suffix(1);
 
-        std::size_t kept = line.size();  // up to the last character that is no blank at the end
+        std::size_t kept = line.size();  // length without the blanks at the end
         for (std::size_t i = 0; i < piece.size(); ++i) {
             if (piece[i] == '%') break;
             if (piece[i] == QUOTE && i + 1 == piece.size()) return true;
@@ -65,7 +65,7 @@ std::string unquoted(std::string_view text) {
     return plain;
 }
 
-/// Where the first "=" stands that is not quoted.
+/// The position of the first "=" that is not quoted.
 std::size_t equals_sign(std::string_view line) {
     for (std::size_t i = 0; i < line.size(); ++i) {
         if (line[i] == QUOTE) {
@@ -92,7 +92,7 @@ Entry entry_of(std::string line) {
     return entry;
 }
 
-/// Reads up to the line that ends a section; false when there is none.
+/// Reads up to the line that ends a section; false when that line is missing.
 template <typename Take>
 bool each_line(Lines& lines, Take take) {
     while (std::optional<std::string> line = lines.next()) {
@@ -119,7 +119,7 @@ bool read_sections(Lines& lines, ResourceFile& file) {
     return true;
 }
 
-/// The text in pieces that are never torn apart: a character, or one with the quote in front of it.
+/// The next piece that must stay on one line: a character, or a quoted character with its "\".
 std::string_view next_unit(std::string_view text) {
     return text.substr(0, text[0] == QUOTE ? 2 : 1);
 }
@@ -170,7 +170,8 @@ std::string written_line(std::string_view quoted_text) {
             result += "\\\n";
             used = 0;
         }
-        // What would end a section, name a directory or be lost is quoted at the edge of a line.
+        // At the beginning or end of a line, quotes a character that would end a section, name a directory or
+        // be lost.
         if (unit.size() == 1 && ((used == 0 && is_one_of(SPECIAL_AT_START, unit[0])) ||
                                  (is_last && is_one_of(BLANKS, unit[0])))) {
             result += QUOTE;

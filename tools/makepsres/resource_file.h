@@ -12,8 +12,9 @@
 //     .
 //     ...
 //
-// "\" in front of a character takes away its meaning, at the end of a line it continues the line; "%" begins
-// a comment; blanks at the end of a line and empty lines do not count. Lines have 255 characters at most.
+// A "\" before a character takes away its special meaning; at the end of a line it continues the line. "%"
+// begins a comment. Blanks at the end of a line, and empty lines, are ignored. A line has at most 255
+// characters.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +31,7 @@ inline constexpr std::size_t LONGEST_LINE = 255;
 inline constexpr const char* FONT_OUTLINE = "FontOutline";
 inline constexpr const char* FONT_AFM = "FontAFM";
 
-/// An entry as it stands in a file.
+/// One entry of a section.
 struct Entry {
     std::string name;                 ///< in front of the first "=", without quoting
     std::optional<std::string> file;  ///< behind it, without quoting; nothing when there is no "="
@@ -50,20 +51,21 @@ struct ResourceFile {
     std::vector<Section> sections;
 };
 
-/// What the bytes of a resource file say; nothing when its first line is none of a resource file. Of one that
-/// breaks off or goes wrong further down, what stands before.
+/// Parses the bytes of a resource file. No value when the first line is not that of a resource file. When the
+/// file is cut off or wrong further down, the result is what comes before that place.
 [[nodiscard]] std::optional<ResourceFile> parse_resource_file(std::string_view bytes);
 
-/// Whether the text can stand in a resource file: nothing quotes the end of a line or a NUL character.
+/// Whether a resource file can hold the text: newlines and NUL characters cannot be quoted.
 [[nodiscard]] bool can_be_written(std::string_view text);
 
-/// `text` so that it reads as itself: "\" in front of each "\", "%", "=" and ",".
+/// `text` with a "\" before each "\", "%", "=" and ",", so that a reader gets `text` again.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The directory line; nothing when it does not fit into one line, since readers need not continue it.
+/// The directory line. No value when it does not fit into one line, because readers need not accept a
+/// continued one.
 [[nodiscard]] std::optional<std::string> written_directory_line(std::string_view directory);
 
-/// A line of quoted text with its line feed, continued over as many lines as it takes.
+/// A line of quoted text with its line feed, broken into as many continued lines as needed.
 [[nodiscard]] std::string written_line(std::string_view quoted_text);
 
 }  // namespace gw::psres

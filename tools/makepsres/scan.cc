@@ -38,7 +38,7 @@ bool is_directory(const std::string& path) {
     return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
-/// What the entry is; the system is asked only where the directory does not say it.
+/// What kind of file the entry is; `stat` is called only when the directory entry does not tell.
 Kind kind_of(const std::string& path, unsigned char type) {
     if (type == DT_DIR) return Kind::DIRECTORY;
     if (type != DT_LNK && type != DT_UNKNOWN) return Kind::FILE;
@@ -58,7 +58,7 @@ std::string_view name_of(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
-/// The names of a directory, sorted; nothing, with `errno` set, when it cannot be listed.
+/// The sorted names of a directory; no value, with `errno` set, when it cannot be listed.
 std::optional<std::vector<Name>> names_in(const std::string& path) {
     const std::unique_ptr<DIR, DirCloser> dir(::opendir(path.c_str()));
     if (!dir) return std::nullopt;
@@ -99,7 +99,7 @@ class Scan {
     }
 
   private:
-    /// Whether the directory is seen for the first time.
+    /// Whether this is the first visit to the directory.
     bool is_new(const std::string& path) {
         struct stat info {};
         return ::stat(path.c_str(), &info) != 0 || seen.insert({info.st_dev, info.st_ino}).second;
@@ -147,7 +147,8 @@ class Scan {
     FoundFiles found;
     bool at_top = true;  ///< it is the directory itself that is listed
     std::set<std::pair<dev_t, ino_t>> seen;
-    // Still to be listed; links wait until every other way has been gone.
+    // Directories still to be listed. Links come last, so that a directory is reached by its own path if
+    // there is one.
     std::set<std::string> directories;
     std::set<std::string> links;
 };

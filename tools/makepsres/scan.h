@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The files of a directory that an index is made from, found by their names alone.
+// Finds the files of a directory that belong in an index, by their names alone.
 #pragma once
 
 #include <string>
@@ -13,9 +13,9 @@ namespace gw::psres {
 
 inline constexpr std::string_view METRICS_EXTENSION = ".afm";
 
-/// Whether the name is one of an outline file: ".pfa", ".pfb".
+/// Whether the name is that of an outline file (".pfa", ".pfb").
 [[nodiscard]] bool is_outline_name(std::string_view name);
-/// Whether the name is one of a metrics file: ".afm".
+/// Whether the name is that of a metrics file (".afm").
 [[nodiscard]] bool is_metrics_name(std::string_view name);
 
 enum class Depth {
@@ -25,19 +25,19 @@ enum class Depth {
 
 struct FoundFiles {
     bool was_read = false;  ///< the directory itself could be listed
-    /// Outline and metrics files, whole paths in the order of their bytes.
+    /// Outline and metrics files: absolute paths, sorted by their bytes.
     std::vector<std::string> fonts;
-    /// Resource files, likewise. Where a directory has "PSres.upr" that one comes first, whatever its bytes.
+    /// The resource files of each directory, sorted the same way, but "PSres.upr" always comes first.
     std::vector<std::vector<std::string>> resource_files;
 };
 
-/// Lists `directory`, an absolute path. Links are followed, and no directory is listed twice: by way of a
-/// link only when no other way leads to it. What cannot be listed, and names that no resource file can hold,
-/// are left out with a notice.
+/// Lists `directory`, an absolute path. Links are followed, and no directory is listed twice; it is listed
+/// through a link only when there is no other path to it. Directories that cannot be listed, and names that a
+/// resource file cannot hold, are left out with a notice.
 [[nodiscard]] FoundFiles scan(const std::string& directory, Depth depth, Notices& notices);
 
-/// `path` as an absolute path below `current`, without empty and "." parts. ".." stays: behind a link it
-/// leads elsewhere.
+/// `path` as an absolute path; a relative one is below `current`. Empty and "." parts are removed. ".."
+/// stays, because after a link it leads to another directory.
 [[nodiscard]] std::string absolute_path(std::string_view path, std::string_view current);
 
 }  // namespace gw::psres
