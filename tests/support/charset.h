@@ -10,7 +10,8 @@
 
 namespace gw::test {
 
-/// A text in UTF-8, in another character set; empty when that cannot write it or there is none of that name.
+/// Converts a text from UTF-8 to another character set. Empty when that set cannot express the text or does
+/// not exist.
 inline std::string converted(std::string_view text, const std::string& charset) {
     const iconv_t descriptor = ::iconv_open(charset.c_str(), "UTF-8");
     if (descriptor == reinterpret_cast<iconv_t>(-1)) return "";

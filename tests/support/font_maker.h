@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Fonts for tests, and a module that only notes what it is asked to do.
+// Fonts for tests, and a module that only records what it is asked to do.
 #pragma once
 
 #include <memory>
@@ -84,7 +84,7 @@ class RecordingModule : public GW_FSM_BASE {
     /// The font that this module fails to install and to delete.
     std::string refused;
 
-    /// What every module of a test was asked, in order.
+    /// The calls to all modules of a test, in order.
     static std::vector<std::string>& calls() {
         static std::vector<std::string> all;
         return all;

@@ -20,7 +20,7 @@ constexpr const char* SERVICE = "org.freedesktop.UDisks2";
 constexpr const char* SERVICE_PATH = "/org/freedesktop/UDisks2";
 constexpr const char* ADDRESS_VARIABLE = "DBUS_SYSTEM_BUS_ADDRESS";
 
-// One socket, no rules: who finds the bus may do everything.
+// One socket and no access rules: everybody who finds the bus may do everything.
 std::string bus_configuration(const TempDir& dir) {
     return "<busconfig><listen>unix:path=" + dir.file("socket") + "</listen><servicedir>" +
            dir.file("services") +
@@ -28,7 +28,7 @@ std::string bus_configuration(const TempDir& dir) {
            "<allow send_destination=\"*\"/><allow receive_sender=\"*\"/></policy></busconfig>\n";
 }
 
-// What the bus has printed: the line with its address; empty when it ends before.
+// The first line that the bus prints, which is its address; empty when the bus ends before.
 std::string first_line(int fd) {
     std::string line;
     for (char c = 0; ::read(fd, &c, 1) == 1 && c != '\n';) line += c;
@@ -49,7 +49,7 @@ int check(int result, const char* what) {
     return result;
 }
 
-// Writes "{ name: text as bytes that end with NUL }".
+// Appends the property with `text` as an array of bytes that ends with NUL.
 int append_file_name(sd_bus_message* message, const char* property, const std::string& text) {
     int result = sd_bus_message_open_container(message, 'e', "sv");
     if (result >= 0) result = sd_bus_message_append(message, "s", property);
@@ -93,7 +93,8 @@ int append_block_device(sd_bus_message* reply, const std::string& path, const st
     return result;
 }
 
-// A drive with a medium and its block device, with texts and numbers where flags and paths belong.
+// A drive with a medium and its block device, whose properties have wrong types: texts and numbers instead of
+// flags and paths.
 int append_other_values(sd_bus_message* reply, const std::string& drive, const std::string& block,
                         const std::string& device) {
     return sd_bus_message_append(reply, "{oa{sa{sv}}}{oa{sa{sv}}}", drive.c_str(), 1,
@@ -152,7 +153,7 @@ MediaService::MediaService(const std::string& address) : bus_(nullptr, sd_bus_cl
 }
 
 MediaService::~MediaService() {
-    ::shutdown(sd_bus_get_fd(bus_.get()), SHUT_RDWR);  // which wakes the thread
+    ::shutdown(sd_bus_get_fd(bus_.get()), SHUT_RDWR);  // this wakes the thread
     thread_.join();
 }
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A message bus and a removable-media service of a test's own, for the code that asks the host's. A program
-// finds the bus through DBUS_SYSTEM_BUS_ADDRESS; both end with the test.
+// A private message bus and a removable-media service, for tests of the code that asks the host's. A program
+// finds the bus through DBUS_SYSTEM_BUS_ADDRESS. Both end with the test.
 #pragma once
 
 #include <sys/types.h>
@@ -20,11 +20,11 @@ struct sd_bus_message;
 
 namespace gw::test {
 
-/// A dbus-daemon, with its socket and its configuration in a directory of its own.
+/// A dbus-daemon with its socket and its configuration in a private directory.
 class PrivateBus {
   public:
-    /// Starts the bus; it is ready for connections then. With an `activation` command (as in a .service file)
-    /// the bus can start the media service by running it.
+    /// Starts the bus and waits until it accepts connections. With an `activation` command (as in a .service
+    /// file) the bus can start the media service.
     explicit PrivateBus(const std::string& activation = {});
     ~PrivateBus();
     PrivateBus(const PrivateBus&) = delete;
@@ -38,7 +38,7 @@ class PrivateBus {
     std::string address_;
 };
 
-/// While it lives, this process and those that it starts find the system bus at another address.
+/// While this object exists, this process and its children find the system bus at another address.
 class SystemBusAddress {
   public:
     explicit SystemBusAddress(const std::string& address);
@@ -63,7 +63,7 @@ class MediaService {
         ODD,        ///< removable, but no property has the type that it should have
     };
 
-    /// Takes the service's name on the bus at `address`.
+    /// Connects to the bus at `address` and requests the service's name.
     explicit MediaService(const std::string& address);
     ~MediaService();
     MediaService(const MediaService&) = delete;

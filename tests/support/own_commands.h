@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The installation's own commands on PATH for the length of a test, as the running program has them.
+// Puts the installation's own commands on PATH during a test, as the running program does.
 #pragma once
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// An X server beside the sandbox's, with another screen and the same font path: what is opened while it lives
-// goes there. To be included last.
+// A second X server with another screen and the sandbox's font path. While the object exists, DISPLAY names
+// this server. Include it last.
 #pragma once
 
 #include <signal.h>
@@ -20,7 +20,7 @@ namespace gw::test {
 
 class OwnServer {
   public:
-    /// A screen of that size in pixels, of that many dots per inch.
+    /// Starts a server whose screen has this size in pixels and this resolution in dots per inch.
     OwnServer(int width, int height, int dpi) {
         std::string fonts;
         for (const std::string& element : Session().font_path())

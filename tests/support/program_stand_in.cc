@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The two objects of the running program that the drivers reach for, for tests that have no program around
-// them.
+// Defines the two program-wide objects that the drivers use, for tests without the program.
 #include "drivers/engine_globals.h"
 #include "fontpath/gw_font_path.h"
 #include "modules/gw_fsm_list.h"

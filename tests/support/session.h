@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The sandbox's X server as a test sees it: opened for the length of a test, its font path put back at the
-// end. To be included last.
+// Connects a test to the sandbox's X server, and restores the server's font path at the end. Include it last.
 #pragma once
 
 #include <stdexcept>

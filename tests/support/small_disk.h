@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The sandbox's small disk: a directory on it for one test, and a way to fill the disk up.
+// A directory for one test on the sandbox's small disk, and a way to fill that disk.
 #pragma once
 
 #include <stdlib.h>
@@ -49,7 +49,7 @@ class SmallDisk {
         return std::distance(std::filesystem::directory_iterator(path_), {});
     }
 
-    /// Leaves room for so many more blocks.
+    /// Fills the disk so that this many blocks stay free.
     void leave_blocks(unsigned long blocks) const {
         struct statvfs info {};
         if (::statvfs(ROOT, &info) != 0 || info.f_bavail < blocks)

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A reader of PostScript resource files for tests, which takes nothing but what the format promises to every
-// reader: it throws at a line that is too long, a section that is not announced, an order that is not kept.
+// A strict reader of PostScript resource files for tests. It accepts only what the format guarantees to every
+// reader, and throws for a line that is too long, a section that is not announced, or entries out of order.
 #pragma once
 
 #include <map>
@@ -36,7 +36,7 @@ class StrictUpr {
         check(at_ == text_.size(), "nothing behind the last section");
     }
 
-    /// The files of a section by name; those that are relative are put behind the directory.
+    /// The files of a section by name; relative ones are joined to the directory.
     [[nodiscard]] std::map<std::string, std::string> files(const std::string& section) const {
         std::map<std::string, std::string> found;
         const auto place = entries.find(section);

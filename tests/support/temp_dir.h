@@ -22,7 +22,7 @@ class TempDir {
     }
     ~TempDir() {
         std::error_code ignored;
-        // A test may have taken its own write permission away.
+        // A test may have removed its own write permission.
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
                  path_, std::filesystem::directory_options::skip_permission_denied, ignored)) {
             if (entry.is_directory() && !entry.is_symlink()) {
@@ -40,8 +40,7 @@ class TempDir {
     [[nodiscard]] const char* c_str() const { return path_.c_str(); }
     [[nodiscard]] std::string file(std::string_view name) const { return path_ + std::string(name); }
 
-    /// Writes a file below the directory, byte for byte, and returns its path. Directories on the way are
-    /// made.
+    /// Writes a file below the directory, byte for byte, and returns its path. Missing directories are made.
     std::string write(std::string_view name, std::string_view bytes) const {
         const std::string target = file(name);
         std::filesystem::create_directories(std::filesystem::path(target).parent_path());

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A font policy for the length of a scope.
+// Sets the font policy during a scope.
 #pragma once
 
 #include "core/font_policy.h"

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The installed catalogues: every locale of a language has them, in its own character set and under every
-// name that the machine has for it.
+// The installed catalogues: each locale of each language has one in its own character set, under every name
+// that the machine has for the locale.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -88,13 +88,13 @@ TEST(InstalledCataloguesTest, HoldEveryTextInTheCharacterSetOfTheLocale) {
     }
 }
 
-/// The word of the menu entry that is another in each language.
+/// The text of the Delete menu entry, which differs between the languages.
 const Entry& delete_entry(const Texts& texts) {
     return *std::find_if(texts.begin(), texts.end(),
                          [](const Entry& entry) { return entry.set == 1 && entry.number == 7; });
 }
 
-/// What is wrong with the catalogue of a locale of the machine; empty when nothing is.
+/// What is wrong with the catalogue of one of the machine's locales; empty when it is right.
 std::string complaint_about(const std::string& locale, const std::string& language) {
     if (std::setlocale(LC_ALL, locale.c_str()) == nullptr) return locale + ": the machine does not have it";
     const std::string charset = ::nl_langinfo(CODESET);
@@ -122,7 +122,7 @@ TEST(InstalledCataloguesTest, AreThereForEveryLocaleOfTheList) {
     EXPECT_GT(count, 100U);
 }
 
-/// The language of a locale's name, or nothing.
+/// The language of a locale, by its name; empty when the program does not speak it.
 std::string language_of(const std::string& locale) {
     static const std::pair<const char*, const char*> STARTS[] = {
         {"de_", "german"},      {"fr_", "french"},       {"es_", "spanish"},    {"ja_", "japanese"},
@@ -148,7 +148,7 @@ TEST(InstalledCataloguesTest, AreThereForEveryNameThatTheMachineHas) {
     EXPECT_GT(count, 100U);
 }
 
-// Their spellings differ from one program that sets LANG to the next.
+// Programs that set LANG spell the character set in different ways.
 TEST(InstalledCataloguesTest, AreThereUnderOtherSpellings) {
     for (const char* locale :
          {"de_DE.utf8", "de_CH.UTF8", "de_DE.iso88591", "de_AT.ISO-8859-15@euro", "fr_CA.ISO8859-1",

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The letters that menus are used with: each stands in the text that it belongs to, and once in its menu.
+// The mnemonics of the menus: each is a letter of its entry's text, and no two entries of a menu share one.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -56,7 +56,7 @@ void read_letters(const std::string& file, Letters& letters) {
     }
 }
 
-/// The letters that a language's class file leaves in force.
+/// The mnemonics of a language: the installation's class file with the language's own on top.
 Letters letters_of(const std::string& language) {
     Letters letters;
     read_letters(GLYPHWARD_TREE "/data/app-defaults/Glyphward", letters);

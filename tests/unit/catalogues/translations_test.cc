@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Every language has every text, in the shape that the program needs, and what is wrong with one is noticed.
+// Every language has every text in the form that the program needs, and the check for this finds mistakes.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -34,7 +34,7 @@ TEST(TranslationsTest, ACorrectionKeepsTheNumbersPlaces) {
         EXPECT_EQ(places_of(corrected[i].text), places_of(original[i].text)) << original[i].text;
 }
 
-/// How many texts a language has in other words than English.
+/// The number of texts that differ from the English ones.
 std::size_t translated(const Language& language) {
     const Texts original = english();
     std::size_t count = 0;

@@ -183,7 +183,7 @@ TEST_F(FileNames, AMatchingListingConsidersMatchingNamesOnly) {
     EXPECT_EQ(names(found), (std::set<std::string>{"a.pfa"}));
 }
 
-// A directory that stands last when its turn comes is listed, and what it holds is not visited.
+// A directory that is the last entry when its turn comes is listed, but its subdirectories are not visited.
 TEST_F(FileNames, ARecursiveListingDoesNotVisitWhatTheLastDirectoryAdds) {
     const TempDir dir;
     dir.write("sub/c.pfa", "x");

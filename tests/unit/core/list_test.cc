@@ -15,7 +15,7 @@
 
 namespace {
 
-/// A list element with a key that many may share and a name of its own.
+/// A list element with a key that several elements may share, and a unique name.
 struct Item {
     int key;
     std::string name;
@@ -30,7 +30,7 @@ std::string names(const List& list) {
     return all;
 }
 
-/// Shows what callers cannot see: the two ends of the chain.
+/// Gives access to the two ends of the chain, which callers cannot see.
 struct OpenList : GW_LIST<Item> {
     [[nodiscard]] bool ends_are_null() const { return head == nullptr && tail == nullptr; }
     [[nodiscard]] const Item* last() const { return tail != nullptr ? tail->elem : nullptr; }

@@ -109,7 +109,7 @@ TEST(NewFile, SaysWhyItCannotBegin) {
     NewFile refused(dir.file("d"));
     EXPECT_FALSE(refused.write("x") || refused.finish() || refused.put_in_place());
     EXPECT_TRUE(std::filesystem::is_directory(dir.file("d")));
-    if (::geteuid() == 0) return;  // to whom every file is open
+    if (::geteuid() == 0) return;  // the superuser can write every file
     ::chmod(dir.write("closed", "old").c_str(), 0444);
     EXPECT_EQ(NewFile(dir.file("closed")).error(), EACCES);
     EXPECT_EQ(dir.read("closed"), "old");
@@ -162,7 +162,7 @@ TEST(BufFileCopy, OfADirectoryIsNone) {
     EXPECT_TRUE(std::filesystem::is_empty(dir.file("to")));
 }
 
-// Opening the copy for writing would have emptied the file itself.
+// A plain copy would open its own source for writing and so empty it.
 TEST(BufFileCopy, IntoItsOwnDirectoryByAnotherWayLeavesTheFileAlone) {
     const TempDir dir;
     dir.write("real/f", "bytes");

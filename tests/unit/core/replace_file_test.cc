@@ -108,7 +108,7 @@ TEST(ReplaceFile, RefusesAFileThatMayNotBeWritten) {
     EXPECT_EQ(dir.read("f"), "old");
 }
 
-// /dev/full fails every write like a disk without room; a link to it is written in place.
+// Every write to /dev/full fails as on a full disk. A link is written in place, so the write goes there.
 TEST(ReplaceFile, ReportsAFullDisk) {
     const TempDir dir;
     std::filesystem::create_symlink("/dev/full", dir.file("f"));

@@ -60,7 +60,7 @@ class Drivers : public testing::Test {
         for (const char* dir : {"/tmp/gw_dir", "/tmp/gw_floppy", "/tmp/gw_cdrom", "/tmp/pcf"})
             std::filesystem::remove_all(dir);
     }
-    /// Makes the program's font path one of these elements.
+    /// Gives the program a font path of these elements.
     void use_path(const std::string& elements) const {
         home.write("root/server/etc/VTconfig", "XDISPLAY.0.fontpath:\t" + elements + "\n");
         delete the_font_path;
@@ -132,7 +132,8 @@ TEST_F(Drivers, HostileIndexesNeitherCrashNorHideTheOthers) {
         return std::string(elem->get_name()).starts_with("Alpha Medium [Bitmap]");
     });
     ASSERT_NE(alpha, list.end());
-    // All but the first, whose only line is taken for the count, the empty one and the cut one.
+    // Every directory but three: the first, whose only line is taken for the count, the empty one, and the
+    // one that is cut off.
     EXPECT_EQ((*alpha)->get_slots().front().fonts.size(), 6U);
 }
 
@@ -350,7 +351,8 @@ TEST_F(Preview, JoinsTheSessionOnceAndLeavesItAgain) {
     EXPECT_EQ(session.font_path(), before);
 }
 
-// The second preview found the directory in the session's list, where it stands twice, and did not join.
+// The directory was twice in the session's list. One entry stayed, and the second preview took that for the
+// server's own.
 TEST_F(Preview, JoinsTheSessionAgain) {
     const Texts before = session.font_path();
     for (int round = 1; round <= 3; ++round) {
@@ -396,7 +398,7 @@ TEST_F(Preview, AStagedFontOpensInTheServer) {
     EXPECT_NE(session.font_path().back(), STAGING);
 }
 
-// The server would follow whatever the owner of the directory puts there.
+// The server would follow any link that the owner of the directory puts there.
 TEST_F(Preview, AStagingDirectoryThatIsNotOursIsNeverPreviewed) {
     const Texts before = session.font_path();
     home.write("fonts/t.pfa", HEADER);
@@ -429,7 +431,7 @@ TEST_F(Preview, ADirectoryIsPutOnTheFontPathsOnce) {
     EXPECT_EQ(driver.set_font_path(staging.c_str()), 0) << "it is in the session";
     const Texts path = session.font_path();
     EXPECT_EQ(std::count(path.begin(), path.end(), staging), 1);
-    // The superuser has no file of their own.
+    // The superuser has no user file.
     EXPECT_EQ(home.read(".VTfontpath"), ::geteuid() == 0 ? "" : staging + "\n");
 }
 

@@ -21,7 +21,7 @@ std::string entry(int i) {
     return "f" + std::to_string(i) + ".pfa -x-f" + std::to_string(i) + "\n";
 }
 
-/// An index of `count` entries, its first line saying `promised`.
+/// An index of `count` entries whose first line says `promised`.
 std::string index_of(int promised, int count) {
     std::string bytes = std::to_string(promised) + "\n";
     for (int i = 1; i <= count; ++i) bytes += entry(i);
@@ -47,7 +47,7 @@ TEST_F(FontdirFile, CreateMakesAnIndexOfNothing) {
     EXPECT_EQ(bytes(), "0\n");
 }
 
-// An empty index would keep the X server from the whole directory.
+// Because of an empty index the X server would reject the whole directory.
 TEST(FontdirFileOnAFullDisk, IsNotMadeAtAll) {
     const gw::test::SmallDisk disk;
     disk.leave_blocks(0);

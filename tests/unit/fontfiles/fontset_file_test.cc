@@ -195,7 +195,7 @@ TEST_F(FontsetFile, WhatIsAppendedReadsBackEqual) {
     EXPECT_EQ(reread(), expected);
 }
 
-// A file that ends in the middle of a line would take the name of the new fontset for the rest of it.
+// The name of the new fontset must not be joined to a last line without a newline.
 TEST_F(FontsetFile, EndsTheLastLineBeforeItAppends) {
     const auto file = opened_on("-a:definition,\\\n\t-f1");
     file->append_fontset(made({"-b", {"-f2"}}));
@@ -260,7 +260,7 @@ TEST_F(FontsetFile, DeletingANameThatIsNotThereChangesNothing) {
     EXPECT_THAT(read_from(*file), ElementsAre(Definition{"-a", {"-f1"}}));
 }
 
-// The list loses one fontset; the file, which knows fontsets by name only, loses all of that name.
+// The list loses one fontset. The file knows fontsets by name only, so it loses all of that name.
 TEST_F(FontsetFile, DeletesAllDefinitionsOfANameThatStandsThereTwice) {
     const auto file = opened_on("-a:x,\\\n\t-f1\n-b:x,\\\n\t-f2\n-a:x,\\\n\t-f3\n");
     EXPECT_EQ(file->delete_fontset(file->get_fontset("-a")), 1);
@@ -318,7 +318,7 @@ TEST_F(FontsetFile, TakesThePlaceOfAnOldWorkingCopyAndLeavesANewerOne) {
     EXPECT_EQ(working_copy(), "! second\n");
 }
 
-/// Works with a file while something that is not ours stands in the place of the working copy.
+/// Works with a file while something that is not ours has the name of the working copy.
 void expect_work_in_memory(const TempDir& dir) {
     const std::string path = dir.write("Vantor.fs", "! c\n-a:definition,\\\n\t-f1\n");
     testing::internal::CaptureStderr();
@@ -434,7 +434,7 @@ TEST_F(FontsetFile, AFileThatMayNotBeWrittenStays) {
     EXPECT_EQ(dir.read("Vantor.fs"), "! c\n");
 }
 
-// What could not be read is not replaced by the little that is known of it.
+// A file that exists but cannot be read must not be replaced by an empty one.
 TEST_F(FontsetFile, AFileThatCouldNotBeReadStays) {
     dir.make_dir("Vantor.fs");
     const auto file = opened();

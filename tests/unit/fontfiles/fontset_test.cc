@@ -74,7 +74,7 @@ TEST(Fontset, ReplacesTheFirstOfTwoFontsOfOneCharacterSet) {
     EXPECT_EQ(fonts_of(fontset), (std::vector<std::string>{OTHER_KANJI, KANJI}));
 }
 
-// The character set is looked for anywhere in the new name, so iso8859-1 counts as found in iso8859-15.
+// The character set is searched for anywhere in the new name, so iso8859-1 is found in iso8859-15.
 TEST(Fontset, FindsACharacterSetAsPartOfTheName) {
     GWFontSet fontset("-set");
     fontset.append_base_font(LATIN1);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the tests of the font path store share: a home of their own, installations of their own, and the fixed
-// files put back afterwards.
+// What the tests of the font path store share: a private home directory, private installations, and the fixed
+// files, which are restored afterwards.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -34,7 +34,7 @@ inline void write(const std::string& path, const std::string& bytes) {
     std::ofstream(path, std::ios::binary) << bytes;
 }
 
-/// No file of this process grows beyond a size; a disk that is full behaves the same.
+/// Limits the size of the files that this process writes. The effect is that of a full disk.
 class SmallFiles {
   public:
     explicit SmallFiles(rlim_t bytes) : old_handler(std::signal(SIGXFSZ, SIG_IGN)) {
@@ -75,7 +75,7 @@ class FontPath : public testing::Test {
         EXPECT_EQ(count, all.size());
         return all;
     }
-    /// A store of an installation of the test's own, whose database holds `value`.
+    /// The font path store of a private installation whose database has the font path `value`.
     std::unique_ptr<GWFontPath> own_store(const std::string& value) {
         write(own_root() + "/server/etc/VTconfig", "XDISPLAY.0.fontpath:\t" + value + "\n");
         return std::make_unique<GWFontPath>(own_root().c_str());

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The font path store with the fixed files of a private installation: these tests run in the sandbox, as the
-// superuser (who edits the configuration) and as an ordinary user (who edits the session and a file of their
-// own).
+// The font path store with its fixed files. These tests run in the sandbox, as the superuser (who edits the
+// configuration) and as an ordinary user (who edits the session's font path and a file in the home
+// directory).
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -85,7 +85,8 @@ TEST_F(FontPath, TheUsersFileIsReadInGroups) {
         {"$HOME/fonts\n  /indented/\n", {home.path() + "fonts", "/indented/"}, {}},
         {"/no newline", {}, {}},
         {"", {}, {}},
-        // 500 characters are what one read takes; what is behind them is neither a line nor the end of one.
+        // One read takes 500 characters. The rest of a longer line must not count as a line, nor as the empty
+        // line that ends a section.
         {a499 + "\n/b/\n", {a499, "/b/"}, {}},
         {a500 + "\n/b/\n", {a500, "/b/"}, {}},
         {a501 + "\n/b/\n", {a501, "/b/"}, {}},
@@ -111,7 +112,7 @@ TEST_F(FontPath, AForeignScratchFileIsNotReadThrough) {
     std::filesystem::remove("/tmp/.VTfontpath");
 }
 
-// The link goes, what it points to stays.
+// The link is removed, its target stays.
 TEST_F(FontPath, AScratchFileThatIsALinkIsNotWrittenThrough) {
     if (is_root()) GTEST_SKIP() << "the superuser reads no such file";
     home.write(".VTfontpath", "/a/\n");
@@ -122,8 +123,7 @@ TEST_F(FontPath, AScratchFileThatIsALinkIsNotWrittenThrough) {
     EXPECT_EQ(home.read("victim"), "precious");
 }
 
-// A refusal returns at once; only what gets past it composes the list anew.
-// Whoever holds the fixed name, and whatever stands there, is not in the way and keeps it.
+// The fixed name may be taken by somebody else: it is not needed and not touched.
 TEST_F(FontPath, AnUnnamedScratchFileNeedsNoFixedName) {
     if (is_root()) GTEST_SKIP() << "the superuser reads no such file";
     home.write(".VTfontpath", "$HOME/a b/\n\n/p/\n");
@@ -144,6 +144,7 @@ TEST_F(FontPath, AnUnnamedScratchFileNeedsNoFixedName) {
     std::filesystem::remove("/tmp/.VTfontpath");
 }
 
+// A refusal returns at once; only a change that was tried composes the list again.
 TEST_F(FontPath, ARefusedChangeDoesNotComposeThePath) {
     if (is_root()) GTEST_SKIP() << "the superuser's path is always composed";
     ::unsetenv("HOME");
@@ -310,11 +311,11 @@ TEST_F(ConfiguredFontPath, TheHostsPathStartsFromTheInstallations) {
     EXPECT_EQ(TempDir::read_bytes(HOST_DB), "XDISPLAY.0.fontpath:\t/new/,/b/\n");
 }
 
-// The seeds are taken back by position while positions move up: every other one stays.
+// The copied elements are removed by position while the positions change, so every second one stays.
 TEST_F(ConfiguredFontPath, AFailedHostWriteLeavesEveryOtherSeed) {
     write(MAIN_CONFIG, "XDISPLAY.0.fontpath:\t/a/,/b/,/c/,/d/\n");
     const auto store = main_store();
-    std::filesystem::create_directories(HOST_DB);  // a directory in the database's place cannot be written
+    std::filesystem::create_directories(HOST_DB);  // a directory with the database's name cannot be written
     const GW_STRING element("/new/");
     EXPECT_EQ(store->insert_after_pos(GWFontPath::HOST_FP, &element, -1), 0);
     EXPECT_EQ(elements(*store, GWFontPath::HOST_FP), (Texts{"/b/", "/d/"}));

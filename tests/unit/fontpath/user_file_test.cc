@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The font path file of an ordinary user: what it is made of, and what becomes of it when a write fails.
-// These tests run in the sandbox.
+// The font path file of an ordinary user: its format, and what happens to it when a write fails. These tests
+// run in the sandbox.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
@@ -68,7 +68,7 @@ TEST_F(UsersFontPath, SettingTheAppendSectionReplacesTheList) {
     EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/x/"});
 }
 
-// A written prepend section leaves the list as it was, a failed one replaces it.
+// The list in memory stays as it was when the prepend section is written, and is replaced when writing fails.
 TEST_F(UsersFontPath, SettingThePrependSectionReplacesTheListOnFailureOnly) {
     home.write(".VTfontpath", "/a/\n\n/p/\n");
     const auto store = main_store();
@@ -83,7 +83,7 @@ TEST_F(UsersFontPath, SettingThePrependSectionReplacesTheListOnFailureOnly) {
     EXPECT_EQ(elements(*store, GWFontPath::USER_PREPEND_FP), Texts{"/x/"});
 }
 
-// A deletion that could not be written puts the element back one place further on.
+// When a deletion cannot be written, the element comes back one position further down.
 TEST_F(UsersFontPath, AFailedDeletionMovesTheElementBack) {
     home.write(".VTfontpath", "/a/\n/b/\n/c/\n/d/\n");
     const auto store = main_store();
@@ -95,7 +95,7 @@ TEST_F(UsersFontPath, AFailedDeletionMovesTheElementBack) {
     EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), (Texts{"/b/", "/c/", "/a/", "/d/"}));
 }
 
-// Each line is run through the shell when the file is read again.
+// Each line goes through the shell when the file is read again.
 TEST_F(UsersFontPath, NoNameOfADirectoryIsRunOrSpoilsTheLinesBehindIt) {
     const std::string canary = home.file("canary");
     const Texts names = {"/a b/",
@@ -141,7 +141,7 @@ TEST_F(UsersFontPath, AReferenceToAVariableIsWrittenAsItStands) {
               (Texts{home.file("fonts/"), home.file("more/")}));
 }
 
-// A line of the file cannot hold these, and an empty one would end the section.
+// A line of the file cannot hold these elements; an empty line would end the section.
 TEST_F(UsersFontPath, WhatTheFileCannotHoldIsRefusedAndChangesNothing) {
     home.write(".VTfontpath", "/a/\n\n/p/\n");
     const auto store = main_store();

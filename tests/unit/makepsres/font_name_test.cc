@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Names of fonts from the beginnings of their files, whole and broken.
+// Font names found in the first bytes of font files, correct and broken ones.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -109,7 +109,7 @@ TEST(MetricsFontName, IsTheRestOfItsLine) {
     for (const OutlineCase& c : cases) EXPECT_EQ(metrics_font_name(c.head), c.name) << c.what;
 }
 
-// Random bytes, and a real beginning with random bytes in it: a name that comes out can be written.
+// Random bytes, and a real header with random bytes in it: any name that is found can be written.
 TEST(FontName, OfRubbishIsNoneOrOneThatCanBe) {
     constexpr int ROUNDS = 20000;
     std::mt19937 random(20261121);

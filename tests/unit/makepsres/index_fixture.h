@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A directory of font files that hold little more than a name, and the tool run on it.
+// A directory of font files that contain little more than a name, and a way to run the tool on it.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -24,7 +24,7 @@ inline std::string metrics(const std::string& name) {
 
 class IndexTest : public testing::Test {
   protected:
-    /// Runs the tool with the output file `upr()` in front of the arguments; its status.
+    /// Runs the tool with the output file `upr()` and these arguments; returns its status.
     int run(std::vector<std::string> arguments) {
         arguments.insert(arguments.begin(), {"-o", upr()});
         std::ostringstream out;
@@ -39,7 +39,7 @@ class IndexTest : public testing::Test {
     [[nodiscard]] StrictUpr read() const { return StrictUpr(written()); }
     /// The directory without the slash at its end, as a directory line has it.
     [[nodiscard]] std::string root() const { return fonts.path().substr(0, fonts.path().size() - 1); }
-    /// The one line that the tool says about a file below the directory.
+    /// The line that the tool prints about a file below the directory.
     [[nodiscard]] std::string line(const std::string& file, const std::string& reason) const {
         return "makepsres: " + fonts.file(file) + ": " + reason + '\n';
     }

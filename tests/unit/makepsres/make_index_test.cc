@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The tool on directories of fonts: which files it finds, what it writes, what it leaves alone.
+// The tool on directories of fonts: which files it finds, what it writes, and which files it does not touch.
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>
@@ -203,7 +203,7 @@ TEST_F(IndexTest, WhatIsNoFontIsLeftOutWithALine) {
     }
     EXPECT_EQ(run({"-q", fonts.path()}), DONE);
     EXPECT_EQ(said, "");
-    std::filesystem::remove(fonts.file("loop.pfa"));  // the directory's own end stumbles over it
+    std::filesystem::remove(fonts.file("loop.pfa"));  // the fixture's clean-up cannot remove a loop
 }
 
 TEST_F(IndexTest, WhatCannotBeReadIsLeftOut) {
@@ -215,7 +215,7 @@ TEST_F(IndexTest, WhatCannotBeReadIsLeftOut) {
     Files expected = {{"Good", fonts.file("good.pfa")}};
     std::string lines =
         line("closed", "Permission denied") + line("closed.pfa", "Permission denied; left out");
-    if (::geteuid() == 0) {  // who reads everything
+    if (::geteuid() == 0) {  // the superuser can read everything
         expected["Closed"] = fonts.file("closed.pfa");
         expected["Inner"] = fonts.file("closed/inner.pfa");
         lines.clear();
@@ -312,7 +312,7 @@ TEST_F(FromTheCurrentDirectory, ItIsTheDefaultOfBoth) {
     EXPECT_EQ(out.str() + err.str(), "");
 }
 
-// --- the file in its place ---------------------------------------------------
+// --- replacing the file ------------------------------------------------------
 
 TEST_F(IndexTest, OnlyAPlainFileIsReplaced) {
     fonts.write("a.pfa", outline("A"));
@@ -378,7 +378,7 @@ TEST_F(IndexTest, NothingIsLeftBesideTheFile) {
     EXPECT_EQ(read().names, std::vector<std::string>{"FontOutline"});
 }
 
-// Whoever opens the file while it is made anew reads one whole index or the other.
+// A program that opens the file while it is rewritten reads the whole old index or the whole new one.
 TEST_F(IndexTest, AReaderSeesTheOldFileOrTheNewOne) {
     fonts.write("a.pfa", outline("A"));
     EXPECT_EQ(run({fonts.path()}), DONE);

@@ -80,9 +80,9 @@ TEST(WrittenLine, IsContinuedAt255Characters) {
     using gw::psres::written_line;
     EXPECT_EQ(written_line(std::string(253, 'x')), std::string(253, 'x') + '\n');
     EXPECT_EQ(written_line(std::string(254, 'x')), std::string(253, 'x') + "\\\nx\n");
-    // A quoted character is not torn from its quote.
+    // A quoted character stays on the same line as its "\".
     EXPECT_EQ(written_line(std::string(252, 'x') + "\\%y"), std::string(252, 'x') + "\\\n\\%y\n");
-    // What would be taken for the end of a section, or for nothing, at the edge of a line.
+    // At the edge of a line a "." would end the section, and a blank would be lost.
     EXPECT_EQ(written_line(std::string(253, 'x') + ".pfa"), std::string(253, 'x') + "\\\n\\.pfa\n");
     EXPECT_EQ(written_line(std::string(253, 'x') + " "), std::string(253, 'x') + "\\\n\\ \n");
     EXPECT_EQ(written_line(std::string(252, 'x') + " "), std::string(252, 'x') + "\\ \n");
@@ -209,7 +209,7 @@ TEST(ParseResourceFile, RubbishNeverBreaksIt) {
     EXPECT_GT(read, ROUNDS / 2);
 }
 
-// Whatever the names, what is written is read back, by the own reader and by the strict one.
+// Whatever the names are, both the tool's reader and the strict one read back what was written.
 TEST(ResourceFiles, AreReadBackAsTheyWereWritten) {
     constexpr int ROUNDS = 300;
     std::mt19937 random(20261121);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Resource files that the tool finds: what of them is kept, and what they cannot bring back.
+// Resource files that the tool finds: which of their entries are kept, and which are not.
 #include <gmock/gmock.h>
 
 #include <sys/stat.h>

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The manual page is where the program looks for it, man renders it as a text that a plain window can show,
-// and it names what the sources name: resources, messages on standard error, paths. What is compared has no
-// white space, since the page is filled.
+// The manual page is installed where the program looks for it, man renders it as plain text, and it names
+// everything that the sources name: resources, messages on standard error, paths. White space is ignored in
+// comparisons, because man breaks the lines.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -32,8 +32,8 @@ struct Rendered {
     std::string complaints;
 };
 
-/// What the command, with places for an output and an error file, makes in that locale. The page's directory
-/// is searched besides the usual ones, whatever PATH says.
+/// Runs the command, which has places for an output and an error file, in that locale. man searches the
+/// page's directory besides the usual ones, whatever PATH is.
 Rendered render(const std::string& command, const char* locale) {
     const TempDir dir;
     ::setenv("MANPATH", (std::string(gw::MANUAL_DIR) + ':').c_str(), 1);
@@ -61,7 +61,7 @@ std::string without_space(std::string text) {
     return text;
 }
 
-/// The page without white space, as the C locale has it.
+/// The page as rendered in the C locale, without white space.
 const std::string& page() {
     static const std::string text = without_space(render("/bin/man glyphward > %s 2> %s", "C").text);
     return text;
@@ -75,7 +75,7 @@ testing::AssertionResult names(const std::string& text) {
 
 // --- the sources -------------------------------------------------------------
 
-/// The string literal, of one or more pieces, whose first quote is the first at or behind `place`.
+/// The first string literal at or after `place`; adjacent literals are joined.
 std::string literal_at(std::string_view source, std::size_t place) {
     std::string value;
     place = source.find('"', place);
@@ -92,8 +92,8 @@ std::string literal_at(std::string_view source, std::size_t place) {
     return value;
 }
 
-/// The string literals behind each occurrence of `mark`; one that `mark` ends with is the literal's
-/// beginning.
+/// The string literals after each occurrence of `mark`. When `mark` ends with a quote, that quote begins the
+/// literal.
 std::vector<std::string> literals_behind(const std::string& file, std::string_view mark) {
     const std::string source = TempDir::read_bytes(file);
     std::vector<std::string> found;
@@ -113,7 +113,7 @@ std::vector<std::string> sources() {
     return files;
 }
 
-/// The parts of a message between the places where it names something.
+/// The parts of a message between its conversions ("%s").
 std::vector<std::string> fixed_parts(std::string_view message) {
     std::vector<std::string> parts;
     for (;;) {
@@ -220,7 +220,8 @@ TEST(ManualPageTest, NamesEveryMessageOnStandardError) {
     EXPECT_GE(messages, 6U);
 }
 
-// Lists of paths and what no registered module uses are left out; a place for the locale is called so.
+// Leaves out lists of paths and the paths of modules that are not registered. The place of the locale's name
+// is written as LOCALE.
 TEST(ManualPageTest, NamesEveryPath) {
     std::size_t paths = 0;
     for (std::string path :

@@ -14,12 +14,12 @@ namespace {
 constexpr const char* FONT = "-adobe-courier-bold-o-normal--12-120-75-75-m-70-iso8859-1";
 constexpr const char* READ_ONLY = "[Read Only]";
 
-/// `name` with the marker at column 46.
+/// `name` with "[Read Only]" at column 46.
 std::string marked(const std::string& name) {
     return name + std::string(46 - name.size(), ' ') + READ_ONLY;
 }
 
-/// An XLFD name of these family, weight, slant, set-width and additional style fields.
+/// An XLFD name with these fields for family, weight, slant, set-width and additional style.
 std::string xlfd(const std::string& family, const std::string& weight, const std::string& slant,
                  const std::string& add_style = "", const std::string& set_width = "normal") {
     return "-adobe-" + family + '-' + weight + '-' + slant + '-' + set_width + '-' + add_style +
@@ -48,7 +48,7 @@ TEST(Alias, OfAnotherNameIsShownWithTagAndMarkerAtColumn46) {
     EXPECT_EQ(GWAlias("fixed", FONT, "/").get_hrn_name(), marked("fixed [Alias]"));
     const std::string of_37(37, 'a');
     EXPECT_EQ(GWAlias(of_37.c_str(), FONT, "/").get_hrn_name(), of_37 + " [Alias] " + READ_ONLY);
-    // These make 46 with the tag: nothing is left to pad.
+    // With the tag this makes 46 characters, so nothing is padded.
     const std::string of_38(38, 'a');
     EXPECT_EQ(GWAlias(of_38.c_str(), FONT, "/").get_hrn_name(), of_38 + " [Alias]   " + READ_ONLY);
 }

@@ -104,7 +104,7 @@ TEST(Conflict, OfAnAliasIsReadOnlyAndChangesNothing) {
     EXPECT_TRUE(modules.calls.empty());
     EXPECT_EQ(list.get_count(), 1);
 
-    // As the deletion of an alias makes it: without an element.
+    // The deletion of an alias makes a conflict without an element.
     GWConflict bare(GWConflict::DELETE, nullptr, &alias, nullptr, nullptr, nullptr);
     bare.delete_force(modules.list);
     bare.install_force(modules.list);
@@ -124,7 +124,7 @@ class ConflictForce : public testing::Test {
     }
     /// The conflict of installing these fonts.
     GWConflict& conflict_of(const std::vector<Ref<GWFont>>& fonts) {
-        GWHRNList source(0);  // gone before the conflict is resolved
+        GWHRNList source(0);  // ends before the conflict is resolved
         for (const Ref<GWFont>& font : fonts) source.add_font(font.get());
         GW_SORTED_LIST<GWAlias> aliases(0);
         EXPECT_EQ(source.install_at_pos(1, dir.c_str(), installed, aliases, modules.list, conflicts),
@@ -290,7 +290,8 @@ TEST_F(ConflictFiles, TheOldFontGoesFromAnotherDirectory) {
     EXPECT_EQ(dir.read("new/fonts.dir"), index_of_one());
 }
 
-// The source of an installation may itself be on the font path; deleting first would lose the only copy.
+// The source of an installation may be on the font path itself. Deleting the old font first would lose the
+// only copy.
 TEST_F(ConflictFiles, AFontInstalledFromItsInstalledPlaceMoves) {
     installed.add_font(font_in("old").get());
     const Ref<GWFont> again = make_font(Xlfd{});
@@ -319,7 +320,7 @@ TEST_F(ConflictFiles, AFontThatCannotBeCopiedElsewhereStays) {
     installed.add_font(font_in("old").get());
     const Ref<GWFont> again = make_font(Xlfd{});
     place(*again, dir.file("old") + '/', {"font.pcf"});
-    dir.make_dir("new/font.pcf");  // in the way of the copy
+    dir.make_dir("new/font.pcf");  // so that the copy fails
     testing::internal::CaptureStderr();
     force(again, "new");
     EXPECT_NE(testing::internal::GetCapturedStderr().find("new/font.pcf"), std::string::npos);
@@ -328,7 +329,8 @@ TEST_F(ConflictFiles, AFontThatCannotBeCopiedElsewhereStays) {
     EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative()->get_dir_name(), dir.file("old") + '/');
 }
 
-// In the same directory and from another one; the new font's copy fails after the old one has gone.
+// The copy of the new font fails after the old one was deleted. The old font is in the same directory or in
+// another one.
 TEST_F(ConflictFiles, TheOldFontComesBackWhenTheNewOneCannotBeCopied) {
     for (const char* target : {"old", "new"}) {
         installed.clear();

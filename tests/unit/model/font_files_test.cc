@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // What a font record learns from the file system: disk space, the read-only flag, copies in other
-// directories, installation and deletion. The superuser passes mode bits, so what is expected of them depends
-// on the user.
+// directories, installation and deletion. Mode bits do not stop the superuser, so some results depend on the
+// user.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -167,7 +167,7 @@ TEST_F(FontReadOnly, IsAFontWhoseOwnersWriteBitIsOff) {
     }
 }
 
-// Reading is needed too: the file is opened for both.
+// The file must be readable too: it is opened for reading and writing.
 TEST_F(FontReadOnly, IsAFontThatCannotBeOpenedForBoth) {
     const std::string path = dir.write("a.pcf", "x");
     set_mode(path, 0200);
@@ -179,8 +179,8 @@ TEST_F(FontReadOnly, IsADirectoryInAFilesPlace) {
     EXPECT_TRUE(read_only(dir.path(), {"a.pcf"}));
 }
 
-// What cannot take the scratch file is read-only. The superuser's scratch file outweighs the bits, and then
-// the files are not looked at.
+// A directory in which the scratch file cannot be made is read-only. The superuser can make it whatever the
+// mode bits are, and then the files are not checked.
 TEST_F(FontReadOnly, IsDecidedByTheScratchFileBeforeTheDirectorysBits) {
     const std::string fonts = dir.make_dir("fonts");
     set_mode(dir.write("fonts/a.pcf", "x"), 0444);
@@ -212,10 +212,10 @@ TEST_F(FontReadOnly, DoesNotFollowALinkInTheScratchFilesPlace) {
     EXPECT_EQ(dir.read("precious"), "kept");
 }
 
-// Only the others' bits count for what someone else owns: the group is never consulted.
+// Only the bits for others count when someone else is the owner; the group's bits are never checked.
 TEST_F(FontReadOnly, LooksAtTheOthersBitsOfWhatSomeoneElseOwns) {
     if (!is_root()) {
-        // What an ordinary user does not own takes no scratch file from them.
+        // An ordinary user cannot make a scratch file here.
         EXPECT_TRUE(read_only("/usr/bin", {}));
         return;
     }

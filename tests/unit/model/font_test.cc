@@ -37,7 +37,7 @@ std::vector<std::string> fields_of(const GWFont& font) {
     return fields;
 }
 
-/// A font of these fields only, without a stored XLFD name.
+/// A font that has only these fields, and no stored XLFD name.
 Ref<GWFont> font_of_fields(const std::vector<std::pair<GWFont::FIELD, const char*>>& fields,
                            GWFont::GW_FONT_TYPE type = GWFont::TYPE1_FONT) {
     Ref<GWFont> font(new GWFont(type));
@@ -146,7 +146,7 @@ TEST(FontXlfdName, ComposedOfFullFieldsIsCutAt1792Characters) {
     for (int f = 0; f < GWFont::FIELD_COUNT; ++f) {
         font.set_field(static_cast<GWFont::FIELD>(f), std::string(127, 'a').c_str());
     }
-    EXPECT_EQ(std::string(font.get_xlfd_name()).size(), 1792U);  // 14 * 128 characters exactly
+    EXPECT_EQ(std::string(font.get_xlfd_name()).size(), 1792U);  // exactly 14 * 128 characters
 }
 
 TEST(FontXlfdName, MaySetItselfAgain) {
@@ -283,11 +283,11 @@ TEST_F(FontName, OfFieldsAloneComposesTheXlfdNameFirst) {
 
 TEST_F(FontName, OfAReadOnlyFontIsMarkedAtColumn46OrBehindThreeBlanks) {
     const struct {
-        std::size_t length;  // of the whole name, tag included
+        std::size_t length;  // of the whole name with its tag
         std::string gap;
     } cases[] = {{20, std::string(26, ' ')}, {45, " "}, {46, "   "}, {50, "   "}};
     for (const auto& c : cases) {
-        // "NAME", the blank of the format, " [Bitmap]".
+        // The parts are NAME, a blank, and " [Bitmap]".
         const std::string alias(c.length - 10, 'n');
         EXPECT_EQ(make_read_only_font(alias)->get_hrn_name(), alias + "  [Bitmap]" + c.gap + "[Read Only]")
             << c.length;
@@ -326,7 +326,7 @@ using FontNameDeathTest = FontName;
 TEST_F(FontNameDeathTest, OfAWrongTypeEndsTheProgram) {
     GTEST_FLAG_SET(death_test_style, "threadsafe");
     const auto wrong = static_cast<GWFont::GW_FONT_TYPE>(3 + 1);
-    // The report goes to standard output; a death test sees standard error.
+    // The message goes to standard output, but a death test reads standard error.
     EXPECT_EXIT((dup2(2, 1), GWFont(wrong).get_hrn_name()), testing::ExitedWithCode(255),
                 "construct_hrn: wrong font type\n$");
     EXPECT_EXIT((dup2(2, 1), GWFont(wrong).get_cli_hrn_name()), testing::ExitedWithCode(255),
@@ -376,10 +376,10 @@ TEST(FontCharset, IsNamedOnceAndNotAgain) {
     font->set_field(GWFont::CHARSET_ENCODING, "2");
     EXPECT_STREQ(font->get_charset_hrn_name(), " ISO-Latin-1");
     GWFont copy(*font, "/");
-    EXPECT_STREQ(copy.get_charset_hrn_name(), " ISO-Latin-2");  // a copy names it anew
+    EXPECT_STREQ(copy.get_charset_hrn_name(), " ISO-Latin-2");  // a copy does not take the cached name over
 }
 
-/// The field with another value than COURIER's.
+/// A font whose field `f` differs from COURIER's.
 Ref<GWFont> varied(GWFont::FIELD f) {
     Ref<GWFont> font = make_font(COURIER);
     font->set_field(f, "other");

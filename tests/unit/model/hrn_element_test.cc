@@ -272,7 +272,7 @@ TEST(HrnElement, ComparesNamesWithoutRegardToCase) {
     EXPECT_EQ(lower->compare(bold.get()) < 0, upper->compare(bold.get()) < 0);
 }
 
-/// What installing and deleting need.
+/// Fixture for installing and deleting.
 class HrnElementActions : public testing::Test {
   protected:
     ~HrnElementActions() override {
@@ -283,7 +283,7 @@ class HrnElementActions : public testing::Test {
         return elem.install_fonts(dir.c_str(), installed, aliases, modules.list, conflicts);
     }
     int remove(GWHRNElement& elem) { return elem.delete_fonts(modules.list, conflicts, installed); }
-    /// Puts a font of that name, placed in the directory `where`, on the list of installed fonts.
+    /// Adds a font of that name in the directory `where` to the list of installed fonts.
     Ref<GWFont> installed_font(const std::string& name, const std::string& where,
                                GWFont::GW_FONT_TYPE type = GWFont::BITMAP_FONT) {
         Ref<GWFont> font = make_font(name, type);
@@ -326,7 +326,7 @@ TEST_F(HrnElementInstall, AddsASizeToTheNameThatIsThere) {
     EXPECT_THAT(sizes_of(*installed.get_elem_at_pos(1)), ElementsAre("80", "120"));
 }
 
-// The number of point sizes bounds the fonts of each size.
+// Of each size, at most as many fonts are installed as there are point sizes.
 TEST_F(HrnElementInstall, InstallsOfEachSizeAsManyFontsAsThereAreSizes) {
     const Ref<GWHRNElement> one_size =
         element_of({make_font(Xlfd{.resolution = "75"}), make_font(Xlfd{.resolution = "100"}),
@@ -422,7 +422,7 @@ TEST_F(HrnElementInstall, OfAnElementWithoutFontsDoesNothing) {
     EXPECT_TRUE(installed.is_empty());
 }
 
-// A font that no index can hold is left out, and neither listed nor counted.
+// A font whose line does not fit into an index is left out: it is neither listed nor counted.
 TEST_F(HrnElementInstall, ListsOnlyWhatTheModulesTake) {
     GW_PCF_FSM bitmap;
     modules.list.clear();

@@ -35,7 +35,7 @@ std::vector<std::string> sizes_at(const GWHRNList& list, unsigned pos) {
     return sizes;
 }
 
-/// An element's fonts, size by size; tells elements of equal names apart.
+/// An element's fonts, size by size. Distinguishes elements of the same name.
 std::vector<std::vector<const GWFont*>> fonts_of(const GWHRNElement& elem) {
     std::vector<std::vector<const GWFont*>> groups;
     for (const GWHRNElement::PointSize& slot : elem.get_slots()) {
@@ -255,8 +255,8 @@ TEST(HrnList, FindsAnElementUnderTheFaceThatItCameToHold) {
     EXPECT_THAT(sizes_at(list, 2), ElementsAre("80", "120"));
 }
 
-/// The rule in its plainest form: a bitmap font is offered to each element in order; what is not taken goes
-/// in front of the first element that does not sort before it.
+/// The rule in its simplest form: a bitmap font is offered to each element in order. When no element takes
+/// it, a new element is inserted before the first one that does not sort before it.
 class PlainList {
   public:
     explicit PlainList(bool is_descending) : descending(is_descending) {}
@@ -313,7 +313,7 @@ class HrnListProperty : public testing::TestWithParam<int> {
     }
 
     void step() {
-        // A list that an element was renamed in stays out of order, so some runs only add.
+        // After an element was renamed the list stays unsorted, so some runs only add fonts.
         const std::size_t what = GetParam() % 4 == 0 ? 60 : below(60);
         if (what == 0 && list.get_count() > 0) {
             const std::size_t i = below(plain.elements.size());
@@ -334,14 +334,14 @@ class HrnListProperty : public testing::TestWithParam<int> {
         }
     }
 
-    /// Forces a font on an element, which may come under another name where it stands.
+    /// Forces a font on an element. The element may get another name by this; it keeps its position.
     void rename(std::size_t i) {
         const Ref<GWFont> font = random_font();
         list.get_elem_at_pos(static_cast<int>(i) + 1)->add_font(font.get(), 1);
         plain.elements[i]->add_font(font.get(), 1);
     }
 
-    /// Takes an element's representative away.
+    /// Removes an element's representative.
     void strip(std::size_t i) {
         const Ref<GWFont> font(plain.elements[i]->get_representative());
         if (!font) return;

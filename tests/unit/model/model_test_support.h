@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Fonts for the tests of the model: owned ones, by variations of one XLFD name, with files where a test needs
-// some.
+// Fonts for the tests of the model, made of variations of one XLFD name, with files where a test needs them.
 #pragma once
 
 #include <memory>
@@ -57,7 +56,7 @@ inline void place(GWFont& font, const std::string& dir, const std::vector<std::s
     font.set_font_file_list(std::move(files));
 }
 
-/// A font with one file that does not exist, in a directory that does not: read-only by the rules.
+/// A font with one missing file in a missing directory, which makes it read-only.
 inline Ref<GWFont> make_read_only_font(const std::string& name,
                                        GWFont::GW_FONT_TYPE type = GWFont::BITMAP_FONT) {
     Ref<GWFont> font = make_font(name, type);
@@ -65,8 +64,8 @@ inline Ref<GWFont> make_read_only_font(const std::string& name,
     return font;
 }
 
-/// A module list of one recording module for each of the two types in use, and what they were asked: "install
-/// NAME DIR" and "delete NAME", behind "outline " where it was the Type 1 module.
+/// A module list with a recording module for each of the two types in use. `calls` has "install NAME DIR" and
+/// "delete NAME", with "outline " before them for the Type 1 module.
 struct RecordingModules {
     RecordingModules() {
         list.append(&outline);

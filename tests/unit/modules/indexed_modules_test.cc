@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The modules that live on a directory's index. They use a scratch directory under a fixed name: these tests
-// run in the sandbox.
+// The modules that take fonts from a directory's index. They use a scratch directory with a fixed name, so
+// these tests run in the sandbox.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -29,7 +29,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* XLFD = "-test-tiny-medium-r-normal--8-80-75-75-c-80-iso8859-1";
 
-/// A font of one glyph, as bdftopcf reads it.
+/// The source of a font with one glyph, for bdftopcf.
 std::string tiny_bdf(const std::string& xlfd) {
     return "STARTFONT 2.1\nFONT " + xlfd +
            "\nSIZE 8 75 75\nFONTBOUNDINGBOX 8 8 0 0\nSTARTPROPERTIES 3\nFONT_ASCENT 8\nFONT_DESCENT "

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Installing and deleting when something goes wrong: all of a font is there, or nothing of it, and the index
-// says which.
+// Installing and deleting when something goes wrong: either the whole font is there or nothing of it, and the
+// index agrees.
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <signal.h>
@@ -51,7 +51,7 @@ class Installation : public testing::Test {
         modules.append(&type1);
         modules.append(&pcf);
     }
-    /// Installs the font into `target`; whether that was done. What was said is in `said`.
+    /// Installs the font into `target`; true when that was done. `said` gets the output on standard error.
     bool install(const Font& font, const std::string& target) {
         testing::internal::CaptureStderr();
         font->install_font(target.c_str(), 0, modules);
@@ -123,7 +123,7 @@ TEST_F(Installation, AnOutlineFontWhoseSecondFileDoesNotFitLeavesNothing) {
     EXPECT_EQ(disk.entries(), 1) << "not even the directory for metrics";
 }
 
-// The font itself fits, the index that has to name it does not.
+// The font itself fits on the disk, but the new index does not.
 TEST_F(Installation, AFontWhoseIndexLineDoesNotFitLeavesNothing) {
     const SmallDisk disk;
     std::string index = "100\n";
@@ -219,7 +219,8 @@ TEST_F(Installation, AFileOfAnotherFontIsNotOverwritten) {
     EXPECT_EQ(entries_of(dir.file("to")), 3);
 }
 
-// Files of one prefix are one font: the two would share their metrics, and deleting one would take both.
+// Files with the same prefix are one font. The two fonts would share their metrics, and deleting one would
+// delete both.
 TEST_F(Installation, AnOutlineOfAnotherFontsPrefixIsRefused) {
     const std::string index = "1\ntiny.pfb -another-font\n";
     dir.write("to/fonts.dir", index);
@@ -244,7 +245,7 @@ TEST_F(Installation, AFileOfTheSameBytesMayHaveOneMoreName) {
     EXPECT_EQ(dir.read("to/fonts.dir"), "2\ntiny.pcf -another-name\ntiny.pcf " + BITMAP_NAME + "\n");
 }
 
-// The conversion of an outline would otherwise be done to the file itself.
+// Otherwise the conversion would overwrite the source file.
 TEST_F(Installation, AFontInItsOwnDirectoryByAnotherWayIsOnlyEntered) {
     dir.write("from/tiny.pfa", "%!PS\r");
     std::filesystem::create_directory_symlink("from", dir.file("link"));
@@ -253,7 +254,7 @@ TEST_F(Installation, AFontInItsOwnDirectoryByAnotherWayIsOnlyEntered) {
     EXPECT_EQ(dir.read("from/fonts.dir"), "1\ntiny.pfa " + OUTLINE_NAME + "\n");
 }
 
-// Whenever the process ends, the index is whole and counts its lines.
+// Whenever the process is killed, the index is complete and its count is right.
 TEST_F(Installation, KilledInTheMiddleLeavesAWholeIndex) {
     dir.write("from/tiny.pcf", std::string(200000, 'x'));
     dir.write("to/fonts.dir", "0\n");
@@ -331,7 +332,7 @@ TEST_F(Deleting, WithAClosedIndexChangesNothing) {
     EXPECT_TRUE(dir.exists("from/tiny.pcf"));
 }
 
-// The file that the index lists is not always the first.
+// The file in the index is not always the font's first file.
 TEST_F(Deleting, WithAClosedIndexKeepsAllFilesOfAnOutline) {
     if (::geteuid() == 0) GTEST_SKIP() << "every file is open to the superuser";
     ::chmod(dir.write("from/fonts.dir", "1\ntiny.pfa " + OUTLINE_NAME + "\n").c_str(), 0444);
@@ -341,7 +342,7 @@ TEST_F(Deleting, WithAClosedIndexKeepsAllFilesOfAnOutline) {
     EXPECT_EQ(entries_of(dir.file("from")), 3);
 }
 
-// A directory where a file is expected: only the removal itself finds it.
+// The font's file is a directory, which is noticed only when it is removed.
 TEST_F(Deleting, PutsTheLineBackWhenTheFileStays) {
     const std::string index = "2\ntiny.pcf " + BITMAP_NAME + "\nother.pcf -other\n";
     dir.write("from/fonts.dir", index);
@@ -351,7 +352,7 @@ TEST_F(Deleting, PutsTheLineBackWhenTheFileStays) {
     EXPECT_EQ(dir.read("from/fonts.dir"), index);
 }
 
-// In a directory like /tmp only a file's owner removes it.
+// In a directory like /tmp only the owner can remove a file.
 TEST_F(Deleting, AFileOfAnotherInAStickyDirectoryStays) {
     if (::geteuid() != 0) GTEST_SKIP() << "only the superuser makes files of two owners";
     const std::string index = "1\ntiny.pcf " + BITMAP_NAME + "\n";

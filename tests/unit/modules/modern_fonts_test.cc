@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the font policy changes for font files and indexes: each point with it and without it, and the fonts
-// that Debian ships today with it.
+// What the font policy changes for font files and indexes: each point with and without it; and today's Debian
+// fonts with it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -32,7 +32,7 @@ using Texts = std::vector<std::string>;
 
 const std::string GLYPH_XLFD = "-misc-fixed-medium-r-normal--13-120-75-75-c-60-iso8859-1";
 
-/// Fonts that are released with the scope.
+/// Owns a list of fonts during a scope.
 class Fonts {
   public:
     Fonts() = default;
@@ -237,7 +237,7 @@ TEST_P(ListedTwice, ABitmapGoesWithOneLineWhateverThePolicy) {
 
 class TodaysFonts : public ModernFonts {
   protected:
-    /// Installs all fonts of a directory; how many.
+    /// Installs all fonts of a directory and returns their number.
     int install_all(const std::string& source) {
         Fonts fonts;
         list_source(fonts, source);
@@ -249,7 +249,7 @@ class TodaysFonts : public ModernFonts {
         EXPECT_EQ(installed, fonts.list.get_count());
         return installed;
     }
-    /// The files in the destination's index whose font, in 18 points, the server cannot open.
+    /// The files in the destination's index whose font the server cannot open in 18 points.
     [[nodiscard]] Texts unopened() {
         std::vector<char*> path{destination_path_.data()};
         XSetFontPath(session_.display(), path.data(), 1);

@@ -209,7 +209,7 @@ TEST_F(Type1, InstalledFilesAreGroupedBySuffix) {
     EXPECT_STREQ(fonts_found.get_elem_at_pos(1)->get_str(), "-b");
 }
 
-// A file that is listed under several names has the first one in each of its records.
+// A file that is listed under several names gives several records, all with the first name.
 TEST_F(Type1, InstalledFontsAreNamedByTheIndexAndNotRead) {
     dir.write("b.pfb", "not a font at all");
     const std::string one = "-adobe-b-medium-r-normal--0-0-0-0-p-0-iso8859-1";

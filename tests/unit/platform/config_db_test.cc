@@ -59,7 +59,7 @@ TEST(ConfigDb, WhatIsNoDatabaseIsLeftAlone) {
     EXPECT_GT(open_db(dir.path()), 1) << "a directory";
 }
 
-// The manager stops reading at a NUL byte: what is behind it would be lost by the next write.
+// The resource manager stops reading at a NUL byte. Everything after it would be lost by the next write.
 TEST(ConfigDb, AFileWithANulByteIsNoDatabase) {
     const TempDir dir;
     using namespace std::string_literals;

@@ -27,10 +27,10 @@ using gw::test::TempDir;
 using std::chrono::milliseconds;
 using std::chrono::steady_clock;
 
-// The promise is 2 seconds; a loaded machine gets some more to notice.
+// The limit is 2 seconds. A busy machine gets some more time.
 constexpr auto LONGEST = milliseconds(4500);
 
-// Asks, and sees that the answer "no" does not take longer than promised.
+// Expects the answer "no" within the promised time.
 void expect_no_in_time(int (*question)()) {
     const auto begin = steady_clock::now();
     EXPECT_EQ(question(), 0);
@@ -86,7 +86,7 @@ TEST(MediaManager, AskingStartsTheService) {
     const TempDir dir;
     const PrivateBus bus("/usr/bin/touch " + dir.file("started"));
     const SystemBusAddress address(bus.address());
-    // The part of the started process, which would take the name, is played by a thread.
+    // Instead of the process that the bus starts, a thread takes the name.
     std::optional<MediaService> service;
     std::jthread starter([&](const std::stop_token& end) {
         while (!dir.exists("started")) {
@@ -205,7 +205,7 @@ TEST_F(MediaManagerWithService, AServiceThatNeverAnswersIsNotWaitedForLong) {
 
 // --- With something else behind the bus's address ----------------------------
 
-// Takes one connection, says its text and then nothing.
+// Accepts one connection, sends its text and then nothing more.
 class Speaker {
   public:
     explicit Speaker(const std::string& text) : listener_(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)) {
@@ -259,7 +259,7 @@ TEST(MediaManager, ABusThatFallsSilentAfterTheGreetingIsNotWaitedForLong) {
 
 TEST(MediaManager, WhatSpeaksAnotherLanguageIsNoBus) {
     const TempDir dir;
-    // At least as many lines as a greeting has: the rest of one would be waited for.
+    // At least as many lines as a greeting has, so that the client does not wait for more.
     for (const std::string& text :
          {std::string("HTTP/1.0 400 Bad Request\r\nServer: x\r\n\r\n"),
           std::string("REJECTED EXTERNAL\r\nERROR\r\nERROR\r\n"), LET_IN + std::string(64, 'x')}) {

@@ -57,7 +57,7 @@ TEST_F(CommandDir, IsTheLastOfThePath) {
         {"/own/bin2", "/own/bin2:/own/bin"},
         {"/usr/own/bin", "/usr/own/bin:/own/bin"},
         {"/usr/bin:", "/usr/bin::/own/bin"},
-        // It is there already.
+        // The directory is on PATH already.
         {"/own/bin", "/own/bin"},
         {"/own/bin:/usr/bin", "/own/bin:/usr/bin"},
         {"/usr/bin:/own/bin/", "/usr/bin:/own/bin/"},

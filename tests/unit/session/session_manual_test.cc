@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The manual page of glyphward-session: the formatter has nothing to say about it, it is installed as it is,
-// and it names what the program says and takes.
+// The manual page of glyphward-session: it formats without warnings, is installed unchanged, and names every
+// message and option of the program.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -43,7 +43,7 @@ Rendered render() {
     return {status, dir.read("page"), dir.read("complaints")};
 }
 
-/// The texts between quotes in a source that can reach the user: sentences, options and names of variables.
+/// The string literals of a source that a user may see: sentences, options and names of variables.
 std::vector<std::string> texts_of(const std::string& source) {
     std::vector<std::string> texts;
     std::istringstream in(source);
@@ -74,7 +74,7 @@ TEST(SessionManualTest, GivesTheFormatterNothingToWarnAbout) {
     for (std::string line; std::getline(page, line);) EXPECT_LE(line.size(), 80U) << line;
 }
 
-// Reasons and messages are told by their words: a text with a blank in its middle.
+// A text with a blank in its middle counts as a message or a reason.
 TEST(SessionManualTest, NamesEveryMessageAndOption) {
     const std::string page = without_space(render().text);
     std::size_t messages = 0;
@@ -85,7 +85,7 @@ TEST(SessionManualTest, NamesEveryMessageAndOption) {
             const bool is_option = text.starts_with("--");
             if (text.starts_with("glyphward-session: ") && text.ends_with("\\n"))
                 text.resize(text.size() - 2);
-            // The summary of the options, the version and the frame of all messages are no messages.
+            // The summary of the options, the version and the format strings of messages are not messages.
             const bool is_other = text.starts_with("  ") || text.ends_with("\\n") || text.ends_with("%s") ||
                                   text.starts_with("glyphward-session (");
             if (is_other || (!is_option && text.find(' ') == std::string::npos)) continue;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Which font path a session should have. The X server is played: it refuses a whole path for one element, as
-// the real one does.
+// Which font path a session should have. A function plays the X server: it refuses the whole path because of
+// one bad element, as the real server does.
 #include "session_path.h"
 
 #include <gmock/gmock.h>
@@ -29,7 +29,7 @@ bool is_root() {
 
 class SessionPathTest : public testing::Test {
   protected:
-    /// A directory that a server would take, ending in "/".
+    /// A directory that a server would accept, ending in "/".
     [[nodiscard]] std::string font_dir(const std::string& name) const {
         dir.write(name + "/fonts.dir", "0\n");
         return dir.file(name) + '/';
@@ -224,7 +224,7 @@ TEST(PutTest, APathThatIsTakenCostsOneRequest) {
     EXPECT_THAT(outcome.refused, IsEmpty());
 }
 
-// That is how the server comes to reread its directories.
+// Setting the path makes the server reread its directories.
 TEST(PutTest, ThePathThatIsThereIsSetAgain) {
     PlayedServer server({"/a/", "built-ins"}, {});
     EXPECT_THAT(server.put({"/a/", "built-ins"}).path, ElementsAre("/a/", "built-ins"));
@@ -240,7 +240,7 @@ TEST(PutTest, WhatIsRefusedTakesNothingElseWithIt) {
     EXPECT_THAT(outcome.refused, ElementsAre("tcp/away:7100", "/strange/"));
 }
 
-// A program that asks for a font meanwhile finds it.
+// A program that asks for a font at the same time must find it.
 TEST(PutTest, WhatTheServerHadStaysAllTheTime) {
     PlayedServer server({"/had", "built-ins"}, {"tcp/away:7100"});
     EXPECT_THAT(server.put({"tcp/away:7100", "/a/", "/had/", "built-ins"}).refused,
