@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// How long it takes to stage fonts for preview, to install them one by one into one directory, and to find
-// out whether they are installed already. The counter "per_font" should grow hardly at all with the number of
-// fonts. Run it where the fonts would be: the first two wait for the disk ($TMPDIR says which).
+// Measures staging fonts for preview, installing them one by one into one directory, and finding out whether
+// they are installed already. The counter "per_font" should hardly grow with the number of fonts. The first
+// two depend on the disk; $TMPDIR chooses it.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -21,13 +21,13 @@ namespace {
 
 using gw::test::TempDir;
 
-/// The name of bitmap font i: of eight sizes, and so of its own face with seven others.
+/// The name of bitmap font i; eight fonts, of different sizes, make one face.
 std::string bitmap_name(std::int64_t i, const char* charset = "iso8859-1") {
     return "-bench-face" + std::to_string(i / 8) + "-medium-r-normal--12-" +
            std::to_string(80 + 10 * (i % 8)) + "-75-75-m-70-" + charset;
 }
 
-/// A directory of that many bitmap fonts with their index.
+/// Fills the directory with that many bitmap fonts and their index.
 void fill(const TempDir& dir, std::int64_t count) {
     std::string index = std::to_string(count) + '\n';
     for (std::int64_t i = 0; i < count; ++i) {
@@ -61,7 +61,7 @@ void stage(benchmark::State& state) {
     report_per_font(state, state.range(0));
 }
 
-/// Into a directory that has `range(1)` fonts already.
+/// Installs into a directory that already has `range(1)` fonts.
 void install_one_by_one(benchmark::State& state) {
     const TempDir source;
     fill(source, state.range(0));
@@ -89,7 +89,8 @@ void install_one_by_one(benchmark::State& state) {
     report_per_font(state, state.range(0));
 }
 
-/// That many new fonts among `range(1)` installed ones of other names, with no module to copy anything.
+/// Compares `range(0)` new fonts with `range(1)` installed fonts of other names. Without a module nothing is
+/// copied.
 void look_for_conflicts(benchmark::State& state) {
     GWHRNList installed(0);
     for (std::int64_t i = 0; i < state.range(1); ++i) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// How long the font lists take to fill: grouping fonts under their names, sorted insertion, and listing a
-// directory from its index, for 1,000 to 50,000 fonts. The counter "per_font" should grow hardly at all with
-// the number of fonts.
+// Measures how font lists are filled: grouping fonts under their names, sorted insertion, and listing a
+// directory from its index, for 1,000 to 50,000 fonts. The counter "per_font" should hardly grow with the
+// number of fonts.
 #include <benchmark/benchmark.h>
 
 #include <cstdint>
@@ -19,12 +19,12 @@ namespace {
 constexpr unsigned SIZES_PER_FACE = 8;
 constexpr const char* DECIPOINTS[SIZES_PER_FACE] = {"240", "80", "120", "100", "180", "140", "90", "60"};
 
-/// A multiplicative permutation, so that fonts arrive neither sorted nor face by face.
+/// A multiplicative permutation, so that fonts are neither sorted nor grouped by face.
 std::uint64_t scattered(std::uint64_t i, std::uint64_t count) {
     return i * 2654435761U % count;
 }
 
-/// The name of bitmap font i: eight sizes, each at 75 and 100 dpi, make one face.
+/// The name of bitmap font i; eight sizes, each at 75 and 100 dpi, make one face.
 std::string bitmap_name(std::uint64_t i) {
     const std::string face = std::to_string(i / (2 * SIZES_PER_FACE));
     const char* dpi = i % 2 != 0 ? "100" : "75";
@@ -32,7 +32,7 @@ std::string bitmap_name(std::uint64_t i) {
            '-' + dpi + "-m-70-iso8859-1";
 }
 
-/// The name of a font of the one face that all share.
+/// The name of bitmap font i when all fonts belong to one face.
 std::string crowded_name(std::uint64_t i) {
     return "-bench-crowded-medium-r-normal--12-" + std::to_string(i % 300) + "-75-75-m-" +
            std::to_string(i / 300) + "-iso8859-1";
@@ -86,7 +86,7 @@ void insert_sorted(benchmark::State& state) {
     report_per_font(state);
 }
 
-/// Lists a directory of that many font files through its index, and fills the name list from it.
+/// Lists a directory of `range(0)` font files from its index, and fills the name list.
 template <class Module>
 void list_directory(benchmark::State& state, Name name, const char* extension) {
     const gw::test::TempDir dir;
