@@ -31,7 +31,7 @@ std::string in_small_letters(std::string text) {
 
 }  // namespace
 
-// Names stand in the file with their length: the new one has the old one's.
+// The file stores names with their length, so the new name must be as long as the old one.
 std::string BitmapFont::bytes() const {
     if (family.size() != STAGED_FAMILY.size()) throw std::invalid_argument("nine letters: " + family);
     std::string all =

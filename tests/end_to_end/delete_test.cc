@@ -25,7 +25,7 @@ constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
 constexpr const char* PROGRESS = "Font Deletion Progress Dialog";
 constexpr const char* SYSTEM_DIR = "/usr/vantor/lib/X11/fonts/own/";
-// Their lines stand before those of all staged fonts, in this order.
+// Their lines come before those of all staged fonts, in this order.
 const BitmapFont AARDVARKS{"Aardvarks"};
 const BitmapFont ABYSSINIA{"Abyssinia"};
 const BitmapFont ACROPOLIS{"Acropolis"};
@@ -37,14 +37,14 @@ class Delete : public ProgramTest {
         index_fonts(mine.path());
         list_fonts_of(mine.path());
     }
-    /// Selects by `select` and presses Delete, until the question is there.
+    /// Calls `select` and presses Delete until the question is on the screen.
     Window ask(const std::function<void()>& select) {
         return opens(WARNING, [&] {
             select();
             desktop.click_middle(main->delete_button);
         });
     }
-    /// Return alone would be no.
+    /// Return alone would mean No.
     bool confirm() {
         desktop.key("Left");
         desktop.key("space");
@@ -63,7 +63,7 @@ TEST_F(Delete, DeletesTheSelectedFont) {
     ASSERT_TRUE(confirm());
     EXPECT_TRUE(lists(mine.path(), "0\n"));
     EXPECT_FALSE(mine.exists(AARDVARKS.file_name()));
-    // The next font has taken its line.
+    // The next font is on that line now.
     EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
     desktop.picture("deleted");
     EXPECT_EQ(leave(), 0);
@@ -104,7 +104,7 @@ TEST_F(Delete, ReturnAndEveryWayOutOfTheWarningDeleteNothing) {
     ASSERT_TRUE(desktop.disappears(WARNING));
     for (const Leaving way : {Leaving::ESCAPE, Leaving::CLOSE_BOX}) {
         SCOPED_TRACE(static_cast<int>(way));
-        // The selection stays.
+        // The selection has stayed, so nothing needs to be selected again.
         ASSERT_NE(ask([] {}), 0U);
         ASSERT_TRUE(leave_window(WARNING, way, nullptr));
     }
@@ -130,7 +130,7 @@ TEST_F(Delete, ManyFontsAreCounted) {
     for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(1000 + i), 8}.write_to(mine.path());
     index_fonts(mine.path());
     start();
-    // Everything from here to the last alias: what is not the user's own stays.
+    // Selects everything from here to the last alias. Only the user's own fonts may be deleted.
     ASSERT_NE(ask([&] {
                   desktop.scroll_to_start(main->list_scroll_bar);
                   main->click_line(0);
@@ -153,8 +153,8 @@ TEST_F(Delete, ManyFontsAreCounted) {
     EXPECT_TRUE(hint_comes_and_goes());
 }
 
-// A font whose file is read-only, one of the system, and an alias, with one that can be deleted among them.
-// An ordinary user's system fonts are read-only.
+// A font whose file is read-only, a system font, an alias, and a font that can be deleted. For an ordinary
+// user, system fonts are read-only.
 class DeleteWithConflicts : public Delete {
   protected:
     DeleteWithConflicts() {
@@ -193,7 +193,7 @@ class DeleteWithConflicts : public Delete {
     Window open_resolving() {
         return press(SUMMARY, "resolve_button") ? opens(RESOLVE, [] {}) : 0;
     }
-    /// Tries to have the conflict on that line deleted.
+    /// Tries to choose Delete for the conflict on that line.
     void choose_delete(Window resolve, int line) {
         desktop.click(desktop.part_named(resolve, "_conflicts_list"), 60, 12 + 18 * line);
         desktop.click_middle(desktop.part_named(resolve, "not_keep_button"));

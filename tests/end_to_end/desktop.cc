@@ -23,7 +23,7 @@ struct XFreeDeleter {
     void operator()(void* data) const { XFree(data); }
 };
 
-// Windows come and go while they are looked at.
+// A window may vanish while it is examined.
 int ignore_vanished(Display*, XErrorEvent*) {
     return 0;
 }
@@ -48,7 +48,7 @@ struct TextListDeleter {
     void operator()(char** list) const { XFreeStringList(list); }
 };
 
-/// The title of a window in UTF-8, whatever it is kept in; empty when it has none.
+/// The title of a window, converted to UTF-8; empty when it has none.
 std::string title_of(Display* display, Window window) {
     XTextProperty property = {};
     if (XGetWMName(display, window, &property) == 0) return "";
@@ -125,7 +125,7 @@ bool Desktop::has_keyboard(Window window) const {
     return false;
 }
 
-// Menus are what the window manager is not to manage. It has such a window of its own, off the screen.
+// A menu is an override-redirect window. The window manager has one too, but outside the screen.
 Window Desktop::posted_menu() const {
     for (const Window window : children_of(display_, DefaultRootWindow(display_))) {
         XWindowAttributes attributes{};
@@ -153,7 +153,7 @@ void Desktop::drag_up_in(Window option_menu, int steps) const {
     XTestFakeButtonEvent(display_, Button1, True, CurrentTime);
     XSync(display_, False);
     if (menu_appears()) {
-        // The menu's shell holds the row of its entries.
+        // The menu's shell contains a row-column widget with the entries.
         std::vector<Window> entries = children_of(display_, posted_menu());
         if (entries.size() == 1) entries = children_of(display_, entries.front());
         std::erase_if(entries, [this](Window entry) { return !is_viewable(display_, entry); });
@@ -167,7 +167,7 @@ void Desktop::drag_up_in(Window option_menu, int steps) const {
         if (current != entries.end() && current - entries.begin() >= steps)
             move_to_middle(*(current - steps));
     }
-    // Let go earlier, it would be a click, which leaves the menu open.
+    // A shorter press would count as a click, which leaves the menu open.
     XSync(display_, False);
     std::this_thread::sleep_until(pressed + 2 * DOUBLE_CLICK);
     XTestFakeButtonEvent(display_, Button1, False, CurrentTime);
@@ -221,7 +221,7 @@ void Desktop::park_pointer() const {
     XSync(display_, False);
 }
 
-// The middle button takes the slider to where it is pressed; an arrow stands at each end.
+// The middle button moves the slider to the pointer. There is an arrow at each end of the scroll bar.
 void Desktop::scroll_to_start(Window scroll_bar) const {
     const Rectangle place = place_of(scroll_bar);
     click(scroll_bar, place.width / 2, place.width + 1, nullptr, Button2);
@@ -245,7 +245,7 @@ void Desktop::key(const char* held, const char* name) const {
     XSync(display_, False);
 }
 
-// The symbol of a plain character is its code.
+// The keysym of a Latin-1 character is its code.
 void Desktop::type(const std::string& text) const {
     for (const char c : text) {
         const auto symbol = static_cast<KeySym>(c);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The screen as a user meets it: windows by their titles, a mouse, a keyboard, and eyes that compare pixels.
-// Nothing here knows the program.
+// The screen as a user sees it: windows by their titles, a mouse, a keyboard, and comparisons of pixels.
+// Nothing here depends on the program.
 #pragma once
 
 #include <chrono>
@@ -20,8 +20,8 @@ struct Rectangle {
     int height;
 };
 
-/// Clicks that are closer together than this are a double click. An option menu that is clicked stays open
-/// when the button is let go within this time.
+/// Two clicks within this time are a double click. An option menu stays open when the button is released
+/// within this time.
 inline constexpr std::chrono::milliseconds DOUBLE_CLICK{50};
 
 class Desktop {
@@ -38,7 +38,7 @@ class Desktop {
     [[nodiscard]] Window part_named(Window window, const std::string& name) const;
     /// All visible windows with that title.
     [[nodiscard]] std::vector<Window> windows_titled(const std::string& title) const;
-    /// Waits for the window to appear (be gone); false when it does not.
+    /// Waits until the window appears (is gone); false when that does not happen.
     [[nodiscard]] bool appears(const std::string& title) const;
     [[nodiscard]] bool disappears(const std::string& title) const;
     [[nodiscard]] Rectangle place_of(Window window) const;
@@ -47,40 +47,40 @@ class Desktop {
     [[nodiscard]] bool has_menu() const;
     /// Waits for a menu to be posted; false when there is none within two seconds.
     [[nodiscard]] bool menu_appears() const;
-    /// Opens an option menu, drags to the entry that stands `steps` above the current one, and lets go there.
+    /// Opens an option menu, drags to the entry `steps` above the current one, and releases the button there.
     void drag_up_in(Window option_menu, int steps) const;
-    /// Takes away a menu that is still posted.
+    /// Closes a menu that is still open.
     void dismiss_menu() const;
 
     /// Clicks in the window, not as a double click with the click before; `modifier` is a key that is held
     /// meanwhile ("Control_L"), or null.
     void click(Window window, int x, int y, const char* modifier = nullptr, unsigned button = Button1) const;
     void click_middle(Window window) const;
-    /// Takes the pointer out of the way, to a corner of the screen.
+    /// Moves the pointer to a corner of the screen, where it disturbs nothing.
     void park_pointer() const;
-    /// Scrolls to the beginning (end) of what the upright scroll bar moves.
+    /// Scrolls to the beginning (end) with the vertical scroll bar.
     void scroll_to_start(Window scroll_bar) const;
     void scroll_to_end(Window scroll_bar) const;
     /// Presses a key by its name ("Down"), or two at once ("Alt_L", "f").
     void key(const char* name) const;
     void key(const char* held, const char* name) const;
-    /// Types what stands on the keys, alone or with Shift.
+    /// Types characters that are on the keys, alone or with Shift.
     void type(const std::string& text) const;
-    /// What the window manager does when its close box is used.
+    /// Sends what the window manager sends when its close box is used.
     void ask_to_close(Window window) const;
 
     /// The pixels of a part of the screen.
     [[nodiscard]] std::vector<unsigned long> pixels(const Rectangle& part) const;
-    /// The same, once they have stopped changing: drawing takes more than one step.
+    /// The same, after waiting until they no longer change: drawing takes several steps.
     [[nodiscard]] std::vector<unsigned long> settled_pixels(const Rectangle& part) const;
-    /// How many pixels of a part are not of the colour of its first.
+    /// The number of pixels whose colour differs from that of the first pixel.
     [[nodiscard]] int ink(const Rectangle& part) const;
     /// The directories that the server takes fonts from.
     [[nodiscard]] std::vector<std::string> font_path() const;
     void set_font_path(std::vector<std::string> path) const;
     /// Whether the server knows a font by that name.
     [[nodiscard]] bool has_font(const std::string& xlfd) const;
-    /// Leaves a picture of the screen beside the other results of the run.
+    /// Saves a picture of the screen among the results of the run.
     void picture(const std::string& name) const;
 
   private:

@@ -110,7 +110,7 @@ TEST_F(Dialogs, ANewElementIsChosen) {
     click(dialog, "_apply_button");
     EXPECT_TRUE(wait_until(
         [&] { return TempDir::read_bytes(CONFIG).find(',' + fonts.path()) != std::string::npos; }));
-    // It was appended and is selected.
+    // The new element is the last one and is selected.
     click(dialog, "_delete_button");
     click(dialog, "_apply_button");
     EXPECT_TRUE(wait_until([&] { return TempDir::read_bytes(CONFIG) == before; }));
@@ -173,7 +173,7 @@ TEST_F(Fontsets, ASetIsMadeAndDeletedAgain) {
 
     const Window deleting = opens(DELETE_SET, [&] { click(dialog, "delete_set_button"); });
     ASSERT_NE(deleting, 0U);
-    // The newest stands on top.
+    // The newest fontset is at the top.
     click_line(deleting, "scrolledlist", 0);
     click(deleting, "delete_button");
     desktop.picture("delete-set-deleted");

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The program as its users meet it, under a window manager, with mouse and keyboard.
+// The program as its users see it: under a window manager, with mouse and keyboard.
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/stat.h>
@@ -42,11 +42,11 @@ class Glyphward : public testing::Test {
         ASSERT_TRUE(main->is_there()) << program->errors();
         ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
     }
-    /// Waits for the sample to be another picture than `before`.
+    /// Waits until the sample differs from `before`.
     bool sample_changes(const std::vector<unsigned long>& before) {
         return wait_until([&] { return sample() != before; });
     }
-    /// The sample as it is once it has stopped changing: drawing takes more than one step.
+    /// The sample, after waiting until it no longer changes: drawing takes several steps.
     [[nodiscard]] std::vector<unsigned long> sample() const {
         std::vector<unsigned long> last = desktop.pixels(main->sample());
         int unchanged = 0;
@@ -67,14 +67,14 @@ class Glyphward : public testing::Test {
         ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }))
             << "no sample of the first font";
     }
-    /// Chooses an entry by keyboard until the window it opens is there, with the keyboard.
+    /// Chooses a menu entry by keyboard until its window is open and has the keyboard focus.
     bool opens(const char* menu_key, const char* entry_key, const char* title) {
         const auto is_ready = [&] {
             const Window window = desktop.window_titled(title);
             return window != 0 && desktop.has_keyboard(window);
         };
         return until(is_ready, [&] {
-            // A window that has come without the keyboard gets it by a click beside its parts.
+            // A window that has opened without the focus gets it by a click on its background.
             if (const Window window = desktop.window_titled(title); window != 0) {
                 desktop.click(window, 2, 2);
             } else {
@@ -82,7 +82,7 @@ class Glyphward : public testing::Test {
             }
         });
     }
-    /// Presses the Attributes button until the dialog is there.
+    /// Presses the Attributes button until the dialog is open.
     bool opens_attributes() {
         return until([&] { return desktop.is_visible(ATTRIBUTES); },
                      [&] { desktop.click_middle(main->attributes_button); });
@@ -92,7 +92,7 @@ class Glyphward : public testing::Test {
         until([&] { return !program->is_running(); }, [&] { main->choose("f", "e"); });
         return program->wait_for_exit(1);
     }
-    /// Clicks a line until the sample is another than `before`.
+    /// Clicks a line until the sample differs from `before`.
     bool click_changes_sample(int line, const std::vector<unsigned long>& before) {
         return until([&] { return sample() != before; }, [&] { main->click_line(line); });
     }
@@ -110,7 +110,7 @@ TEST_F(Glyphward, DrawsASampleOfTheFontThatIsClicked) {
     EXPECT_EQ(program->errors(), "");
 }
 
-// Four fonts of one face stand first; the next is an italic.
+// The first four fonts belong to one face; the next is an italic.
 TEST_F(Glyphward, GoesThroughTheListByKeyboard) {
     start();
     select_first_font();
@@ -153,7 +153,7 @@ TEST_F(Glyphward, ShowsAttributesByButtonAndMenuAndClosesThem) {
 TEST_F(Glyphward, SeveralSelectedFontsHaveNoSampleAndNoAttributes) {
     start();
     select_first_font();
-    // A second click with the key held would take the line out again.
+    // A second click with the key held would deselect the line again.
     ASSERT_TRUE(until([&] { return !main->sample_is_drawn(); },
                       [&] {
                           main->click_line(0);
@@ -161,7 +161,7 @@ TEST_F(Glyphward, SeveralSelectedFontsHaveNoSampleAndNoAttributes) {
                       }));
     desktop.picture("several-selected");
     desktop.click_middle(main->attributes_button);
-    // The next thing that does happen shows that the click led to nothing.
+    // When the next action works, the click before it had no effect.
     select_first_font();
     EXPECT_FALSE(desktop.is_visible(ATTRIBUTES));
 }
@@ -174,7 +174,7 @@ TEST_F(Glyphward, ShowsAnAliasAtTheEndOfTheList) {
         until([&] { return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != first_font; },
               [&] { desktop.key("Control_L", "End"); }))
         << "the last alias is of a symbol font, which is drawn with itself";
-    // Of an alias the next one's particulars are shown; the last has none.
+    // For an alias, the attributes of the next alias are shown; for the last one, none.
     ASSERT_TRUE(until([&] { return desktop.is_visible(ATTRIBUTES); },
                       [&] {
                           desktop.key("Up");
@@ -286,7 +286,7 @@ TEST_P(GlyphwardIn, StartsAndDrawsQuietly) {
 
 INSTANTIATE_TEST_SUITE_P(Locales, GlyphwardIn, testing::Values("C", "C.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8"));
 
-// A font path full of what a font path should not hold: the fonts that are there are listed all the same.
+// A font path with many broken elements: the fonts that do exist are listed all the same.
 TEST_F(Glyphward, StartsOnABrokenFontPath) {
     const TempDir fonts;
     ::chmod(fonts.c_str(), 0755);
@@ -313,7 +313,7 @@ TEST_F(Glyphward, StartsOnABrokenFontPath) {
         std::ofstream(CONFIG) << old_config.substr(0, old_config.find('\n')) << joined << ",,\n";
     } else {
         std::ofstream file(home.file(".VTfontpath"));
-        file << "\n";  // in front of the installation's
+        file << "\n";  // elements after an empty line go before the installation's
         for (const std::string& element : path) {
             std::string escaped;
             for (const char c : element)
@@ -331,7 +331,7 @@ TEST_F(Glyphward, StartsOnABrokenFontPath) {
     if (is_root()) std::ofstream(CONFIG) << old_config;
 }
 
-/// An X server of the test's own, which it may take away.
+/// A private X server, which the test can end.
 class OwnServer {
   public:
     OwnServer() {

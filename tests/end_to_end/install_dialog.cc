@@ -69,7 +69,7 @@ DirectoryChooser::DirectoryChooser(const Desktop& desktop, const char* title, Wi
     until(has_keyboard, [&] { desktop_.click_middle(window == 0 ? button : window); });
 }
 
-// The program takes one event after the other: the list is the new one when it is clicked.
+// The program handles its events in order, so the list is up to date when the click arrives.
 void DirectoryChooser::select(const std::string& dir) const {
     desktop_.click_middle(filter);
     desktop_.key("Control_L", "slash");
@@ -78,14 +78,14 @@ void DirectoryChooser::select(const std::string& dir) const {
     desktop_.click(list, 20, FIRST_LINE);
 }
 
-// Return in the list would go into the directory.
+// Return in the list would open the directory instead.
 bool DirectoryChooser::accept() const {
     desktop_.key("Tab");
     desktop_.key("Return");
     return desktop_.disappears(title_);
 }
 
-// It stands last in the row of buttons, which have no windows of their own.
+// It is the last button of the row. The buttons are gadgets and have no windows.
 void DirectoryChooser::press_cancel() const {
     const Rectangle place = desktop_.place_of(window);
     desktop_.click(window, place.width - 40, place.height - 25);

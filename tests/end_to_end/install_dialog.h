@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The installation's windows as their user knows them.
+// The install dialog and the directory chooser, as a user operates them.
 #pragma once
 
 #include <string>
@@ -13,16 +13,16 @@ class InstallDialog {
   public:
     static constexpr const char* TITLE = "Glyph Warden - Install";
 
-    /// Waits for the window to be there with its parts.
+    /// Waits until the window is open with all its parts.
     explicit InstallDialog(const Desktop& desktop);
 
     [[nodiscard]] bool is_there() const { return window != 0 && cancel_button != 0; }
-    /// Clicks the visible line of the list, 0 on top.
+    /// Clicks a visible line of the list; 0 is the top one.
     void click_line(int line, const char* modifier = nullptr) const;
     /// The inside of the sample field.
     [[nodiscard]] Rectangle sample() const;
     [[nodiscard]] bool sample_is_drawn() const { return desktop_.ink(sample()) > 100; }
-    /// The part of the window's line for messages that text stands in.
+    /// The label for messages.
     [[nodiscard]] Rectangle message() const { return desktop_.place_of(message_label); }
     [[nodiscard]] bool has_message() const { return desktop_.ink(message()) > 50; }
 
@@ -52,13 +52,13 @@ class DirectoryChooser {
     static constexpr const char* SOURCE_TITLE = "Glyph Warden : List Fonts From";
     static constexpr const char* DESTINATION_TITLE = "Glyph Warden : Install Fonts In";
 
-    /// Presses the button that opens it until it is there.
+    /// Presses `button` until the chooser is open.
     DirectoryChooser(const Desktop& desktop, const char* title, Window button);
 
     [[nodiscard]] bool is_there() const { return window != 0 && filter != 0 && list != 0; }
     /// Goes to a directory and selects the list's entry for it.
     void select(const std::string& dir) const;
-    /// Presses Ok by keyboard, from the list; false when the window stays.
+    /// Presses Ok by keyboard, starting in the list; false when the window stays open.
     [[nodiscard]] bool accept() const;
     /// Presses Cancel with the mouse.
     void press_cancel() const;

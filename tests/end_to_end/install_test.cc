@@ -30,7 +30,7 @@ constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
 constexpr const char* PROGRESS = "Font Installation Progress Dialog";
 constexpr const char* STAGING = "/tmp/gw_dir/";
-// Their lines stand before those of all staged fonts.
+// Their lines come before those of all staged fonts.
 const BitmapFont AARDVARKS{"Aardvarks"};
 const BitmapFont ABYSSINIA{"Abyssinia"};
 const BitmapFont ACROPOLIS{"Acropolis"};
@@ -48,7 +48,8 @@ class Install : public ProgramTest {
         open_dialog();
         ASSERT_TRUE(dialog->list_fonts_of(source.path()));
     }
-    /// Selects the lines 0 to `last` of the dialog; the first one's sample shows that the fonts are listed.
+    /// Selects the lines 0 to `last` of the dialog. The sample of the first one shows that the fonts are
+    /// listed.
     void select_lines(int last) {
         ASSERT_TRUE(sample_of_line(0));
         if (last > 0) dialog->click_line(last, "Shift_L");
@@ -64,7 +65,7 @@ class Install : public ProgramTest {
                          main->click_line(line);
                      });
     }
-    /// Whether the file comes to the destination.
+    /// Waits until the font's file is in the destination.
     [[nodiscard]] bool arrives(const BitmapFont& font) const { return arrives(font, default_destination()); }
     [[nodiscard]] static bool arrives(const BitmapFont& font, const std::string& dir) {
         return wait_until([&] { return std::filesystem::exists(dir + font.file_name()); });
@@ -102,7 +103,7 @@ TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
     ASSERT_TRUE(arrives(AARDVARKS));
     ASSERT_TRUE(hint_comes_and_goes());
     EXPECT_FALSE(is_installed(ABYSSINIA)) << "it was not selected";
-    if (is_root()) return;  // whose new directory is put on the font path by hand
+    if (is_root()) return;  // the superuser adds the directory to the font path by hand
     EXPECT_TRUE(wait_until([&] { return is_on_font_path(default_destination()); }));
     EXPECT_TRUE(wait_until([&] { return desktop.has_font(AARDVARKS.xlfd()); }));
     EXPECT_TRUE(main_sample_of_line(0));
@@ -117,7 +118,7 @@ TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
     EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(1); }));
 }
 
-// The sandbox's PATH does not lead to the tool that makes the file.
+// The tool that makes this file is not on the sandbox's PATH.
 TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
     using Files = std::map<std::string, std::string>;
     const OutlineFont font{"Aardwolf"};
@@ -133,7 +134,7 @@ TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
     const std::string resources = default_destination() + "glyphwd.upr";
     ASSERT_TRUE(wait_until([&] { return std::filesystem::exists(outline); }));
     ASSERT_TRUE(hint_comes_and_goes());
-    if (is_root()) {  // whose directory is shown to the server by hand
+    if (is_root()) {  // the superuser's directory must be added to the server's font path by hand
         EXPECT_EQ(leave(), 0);
         EXPECT_FALSE(std::filesystem::exists(resources));
     } else {
@@ -145,8 +146,8 @@ TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
     EXPECT_EQ(program->errors(), "");
 }
 
-// Menu by mnemonics; in the dialog the keyboard begins at the source's button and in the chooser at the
-// selection. The pointer is out of all windows.
+// The menu is used by its mnemonics. The dialog begins with the focus on the source's button, the chooser
+// with the focus on the selection. The pointer is outside all windows.
 class InstallByKeyboard : public Install {
   protected:
     InstallByKeyboard() { AARDVARKS.write_to(source.path()); }
@@ -228,7 +229,7 @@ TEST_F(InstallByKeyboard, AttributesAreShownFromTheMainWindowAndFromTheDialog) {
 TEST_F(InstallByKeyboard, TheMainWindowHasKeysOfItsOwn) {
     start_without_mouse();
     ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
-    // A key that comes while the program is busy with the selection may find its entry insensitive.
+    // While the program is busy with the selection the menu entry may be insensitive.
     ASSERT_NE(opens(ATTRIBUTES, [&] { desktop.key("Control_L", "t"); }), 0U);
     escape_from(ATTRIBUTES);
     ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
@@ -248,7 +249,7 @@ class InstallWithConflict : public Install {
         AARDVARKS.write_to(installed.path());
         index_fonts(installed.path());
         for (const BitmapFont& font : {ABYSSINIA, ACROPOLIS}) font.write_to(source.path());
-        // Other bytes than those of the installed font.
+        // Makes the file differ from the installed font.
         std::ofstream(AARDVARKS.write_to(source.path()), std::ios::app) << "new";
         list_fonts_of(installed.path());
     }
@@ -268,7 +269,7 @@ class InstallWithConflict : public Install {
         ASSERT_TRUE(press(SUMMARY, "resolve_button"));
         const Window window = opens(RESOLVE, [] {});
         ASSERT_NE(window, 0U);
-        // Nothing is decided yet, and Finish leads nowhere.
+        // Nothing is decided yet, so Finish does nothing.
         desktop.click_middle(desktop.part_named(window, "ok_button"));
         desktop.click(desktop.part_named(window, "_conflicts_list"), 60, 12);
         desktop.click_middle(desktop.part_named(window, button));
@@ -384,7 +385,8 @@ TEST_F(Install, AddsSizesToAFaceThatIsThere) {
     EXPECT_TRUE(wait_until([&] { return index_of(default_destination()).starts_with("2\n"); }));
     EXPECT_TRUE(index_of(installed.path()).starts_with("1\n"));
     if (is_root()) return;
-    // The new sizes are the face's own: the line has the largest, and the menu those above it.
+    // The new sizes belong to the same face: the line shows the largest, and the menu has the others above
+    // it.
     ASSERT_TRUE(main_sample_of_line(0));
     const auto large = desktop.settled_pixels(main->sample());
     EXPECT_TRUE(until([&] { return desktop.settled_pixels(main->sample()) != large; },
@@ -402,7 +404,7 @@ TEST_F(Install, ASourceThatVanishesLeavesTheDestinationEmpty) {
     ASSERT_TRUE(install());
     ASSERT_TRUE(wait_until([&] { return std::filesystem::exists(default_destination()); }));
     ASSERT_TRUE(hint_comes_and_goes());
-    // The menu entry is there again when the work is done.
+    // The menu entry is sensitive again when the work is done.
     open_dialog();
     EXPECT_FALSE(is_installed(AARDVARKS) || is_installed(ABYSSINIA));
     EXPECT_TRUE(lists_no_font(default_destination()));
@@ -428,7 +430,7 @@ TEST_F(Install, AFullDiskGetsNoPartOfAFont) {
     EXPECT_EQ(leave(), 0);
 }
 
-// The superuser is no exception, and the group's right to write does not count.
+// This also applies to the superuser, and write permission for the group makes no difference.
 TEST_F(Install, SomeoneElsesDirectoryIsRefused) {
     AARDVARKS.write_to(source.path());
     const TempDir foreign;
@@ -484,7 +486,7 @@ TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
     EXPECT_TRUE(index_of(default_destination()).starts_with(std::to_string(MANY) + '\n'));
 }
 
-// In a locale of many bytes to a character the windows have other fonts.
+// In a multi-byte locale the windows use other fonts.
 TEST_F(InstallWithConflict, WorksInAUtf8Locale) {
     open_on_source({{"LC_ALL", "C.UTF-8"}});
     select_lines(0);

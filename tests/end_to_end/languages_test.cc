@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The program in other languages: its windows have their titles and its menus their letters, and a language
-// that it does not speak is no reason to complain.
+// The program in other languages: titles of windows, mnemonics of menus, and no complaint about a language
+// that it does not speak.
 #include <ostream>
 
 #include "end_to_end/program_test.h"
@@ -11,7 +11,7 @@ namespace {
 
 using namespace gw::e2e;
 
-/// What a user of a locale sees and types.
+/// What a user of this locale sees and types.
 struct Language {
     const char* locale;
     const char* install_keys[2];  ///< of the menu and of its entry
@@ -40,7 +40,7 @@ class InLanguage : public ProgramTest, public testing::WithParamInterface<Langua
         EXPECT_TRUE(leave_window(language.about_title, Leaving::ESCAPE, nullptr));
         EXPECT_NE(open(language.install_keys, language.install_title), 0U);
     }
-    /// By the close box, which has no letter.
+    /// Uses the close box, which needs no mnemonic.
     void expect_quiet_end() {
         desktop.ask_to_close(main->window);
         EXPECT_EQ(program->wait_for_exit(), 0);
@@ -88,7 +88,7 @@ INSTANTIATE_TEST_SUITE_P(Locales, InLanguage,
                          testing::Values(german("de_DE.UTF-8"), german("de_DE"), german("de_AT@euro", false),
                                          FRENCH, SPANISH, japanese("ja_JP.UTF-8"), japanese("ja_JP.eucjp")));
 
-// Of a language without a catalogue, and of one that the machine does not know either.
+// A locale whose language has no catalogue, and a locale that the machine does not have.
 TEST_F(NoLanguage, OtherLocalesAreEnglish) {
     for (const char* locale : {"pl_PL.UTF-8", "xx_YY"}) {
         start({{"LANG", locale}});
@@ -98,7 +98,7 @@ TEST_F(NoLanguage, OtherLocalesAreEnglish) {
     }
 }
 
-// The resources go on to be those of the locale.
+// The resources are still those of the locale.
 TEST_F(NoLanguage, ACatalogueThatIsMissingLeavesTheTextsEnglish) {
     start({{"LANG", "de_DE.UTF-8"}, {"NLSPATH", "/nonexistent/%L/%N.cat"}});
     Language mixed = german("de_DE.UTF-8");

@@ -47,7 +47,7 @@ void MainWindow::take_keyboard() const {
     wait_until([this] { return desktop_.has_keyboard(window); }, 2);
 }
 
-// A key that comes before the menu is there goes to the list.
+// A key that is pressed before the menu is open goes to the list.
 void MainWindow::choose(const char* menu_key, const char* entry_key) const {
     desktop_.dismiss_menu();
     desktop_.key("Alt_L", menu_key);

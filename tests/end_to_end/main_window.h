@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The main window as its user knows it: its parts, and what is done with them.
+// The main window as a user operates it: its parts and the actions on them.
 #pragma once
 
 #include "end_to_end/desktop.h"
@@ -11,19 +11,20 @@ class MainWindow {
   public:
     static constexpr const char* TITLE = "Glyph Warden";
 
-    /// Waits for the window to be there with its parts.
+    /// Waits until the window is open with all its parts.
     explicit MainWindow(Desktop& desktop);
 
     [[nodiscard]] bool is_there() const { return window != 0 && attributes_button != 0; }
-    /// Clicks the visible line of the list, 0 on top.
+    /// Clicks a visible line of the list; 0 is the top one.
     void click_line(int line, const char* modifier = nullptr) const;
-    /// Clicks the last line of the list, which is scrolled there.
+    /// Scrolls to the end of the list and clicks its last line.
     void click_last_line(const char* modifier = nullptr) const;
-    /// Makes the keyboard the window's, whatever dialogs are there.
+    /// Gives the window the keyboard focus, whatever dialogs are open.
     void take_keyboard() const;
-    /// Opens a menu by its mnemonic and chooses an entry by its own; nothing when the menu does not appear.
+    /// Opens a menu by its mnemonic and chooses an entry by the entry's mnemonic. Does nothing when the menu
+    /// does not appear.
     void choose(const char* menu_key, const char* entry_key) const;
-    /// Opens an option menu, goes `steps` entries up and takes that one.
+    /// Opens an option menu and chooses the entry `steps` above the current one.
     void choose_above(Window option_menu, int steps) const;
     /// The inside of the sample field.
     [[nodiscard]] Rectangle sample() const;

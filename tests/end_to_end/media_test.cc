@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Fonts from a medium in a drive, with a removable-media service of the test's own.
+// Fonts from a medium in a drive, with a private removable-media service.
 #include "end_to_end/program_test.h"
 
 #include <filesystem>
@@ -20,7 +20,7 @@ using gw::test::PrivateBus;
 using gw::test::SystemBusAddress;
 using gw::test::TempDir;
 
-constexpr const char* MEDIA = "Glyph Warden - Other Media";  // the warning has the same title
+constexpr const char* MEDIA = "Glyph Warden - Other Media";  // also the title of the warning
 constexpr const char* CDROM = "/cdrom/cdrom0";
 constexpr const char* FLOPPY = "/floppy/floppy0";
 constexpr const char* CDROM_STAGING = "/tmp/gw_cdrom/";
@@ -55,20 +55,21 @@ class Media : public ProgramTest {
     }
     [[nodiscard]] bool warns() const { return desktop.windows_titled(MEDIA).size() == 2; }
     void click(const char* button) const { desktop.click_middle(desktop.part_named(media, button)); }
-    /// Repeats what takes the entry below the floppy's until the menu shows another choice.
+    /// Repeats `action`, which should choose the entry below the floppy's, until the menu shows another
+    /// choice.
     void choose_cdrom_by(const std::function<void(Window menu, int x, int y)>& action) {
         const Window menu = desktop.part_named(media, "media_option_menu");
         ASSERT_NE(menu, 0U);
         const Rectangle place = desktop.place_of(menu);
         const int x = place.width - 55;
         const int y = place.height / 2;
-        // The name of the choice, without the frame that the keyboard's place has.
+        // The text of the choice, without the frame that shows the keyboard focus.
         const Rectangle name = {place.x + x - 10, place.y + y - 6, 30, 12};
         const auto floppy = desktop.settled_pixels(name);
         ASSERT_TRUE(until([&] { return !desktop.has_menu() && desktop.pixels(name) != floppy; },
                           [&] { action(menu, x, y); }));
     }
-    /// The menu opens over its own entry.
+    /// The menu opens with its current entry under the pointer.
     void choose_cdrom() {
         constexpr int ENTRY_HEIGHT = 20;
         choose_cdrom_by([this](Window menu, int x, int y) {
@@ -77,7 +78,7 @@ class Media : public ProgramTest {
             if (desktop.menu_appears()) desktop.click(menu, x, y + ENTRY_HEIGHT);
         });
     }
-    /// Keys that come in the moment in which the menu opens are for nobody: then they are pressed again.
+    /// Keys that are pressed in the moment in which the menu opens are lost; then they are pressed again.
     void choose_cdrom_by_keys() {
         choose_cdrom_by([this](Window, int, int) {
             if (!desktop.has_menu()) desktop.key("space");
@@ -86,7 +87,7 @@ class Media : public ProgramTest {
             desktop.key("Return");
         });
     }
-    /// Presses Check until there is a warning, leaves that, and is at the media dialog again.
+    /// Presses Check until the warning opens, closes it, and returns to the media dialog.
     void expect_warning(const char* picture) {
         ASSERT_TRUE(until([&] { return warns(); }, [&] { click("check_button"); }));
         desktop.picture(picture);
@@ -114,7 +115,7 @@ class ServedMedia : public Media {
     MediaService service{bus.address()};
 };
 
-// Fonts lie in directories of the disc.
+// The fonts are in directories of the disc.
 TEST_F(ServedMedia, ADiscsFontsAreShownAndInstalled) {
     service.insert_medium("sr0");
     AARDVARKS.write_to(CDROM + std::string("/fonts/display"));
@@ -139,7 +140,7 @@ TEST_F(ServedMedia, ADiscsFontsAreShownAndInstalled) {
     EXPECT_FALSE(is_on_font_path(CDROM_STAGING));
 }
 
-// Wherever the pointer is, the keys are for the menu that is open.
+// The open menu gets the keys, wherever the pointer is.
 TEST_F(ServedMedia, TheMediumIsChosenByKeyboard) {
     open_media();
     desktop.park_pointer();

@@ -17,7 +17,7 @@ class TodaysFonts : public TodaysFontsTest {
         if (is_root()) GTEST_SKIP() << "whose new directory is put on the font path by hand";
         write_fonts();
     }
-    /// What makes the program one without the installation's choice.
+    /// The environment of a program for which `gw_modern_fonts` is off.
     [[nodiscard]] std::map<std::string, std::optional<std::string>> plain() const {
         return {{"XENVIRONMENT", home.write("plain.resources", "Glyphward*gw_modern_fonts: False\n")}};
     }
@@ -30,7 +30,7 @@ TEST_F(TodaysFonts, AreInstalledByteForByteDrawnAndDeleted) {
     EXPECT_TRUE(main_sample_of_line(OUTLINE_LINE));
     EXPECT_EQ(leave(), 0);
 
-    start();  // the directory is on the user's font path from now on
+    start();  // from now on the directory is on the configured font path
     ASSERT_TRUE(main_sample_of_line(OUTLINE_LINE));
     desktop.picture("modern-outline");
     EXPECT_TRUE(main_sample_of_line(BITMAP_LINE));
@@ -42,7 +42,7 @@ TEST_F(TodaysFonts, AreInstalledByteForByteDrawnAndDeleted) {
 TEST_F(TodaysFonts, AreTextAndNothingWithoutTheResource) {
     start(plain());
     open_on_source();
-    // The name is not read from the header, so there is no sample; the line is the only one.
+    // The name is not read from the header, so there is no sample. The list has only this line.
     EXPECT_TRUE(wait_until([&] { return is_on_font_path("/tmp/gw_dir/"); }));
     dialog->click_line(0);
     ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));

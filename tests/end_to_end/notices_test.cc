@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Windows that only tell something.
+// Windows that only show information.
 #include "end_to_end/program_test.h"
 
 namespace {

@@ -37,7 +37,7 @@ std::string in_hexadecimal(std::string_view bytes) {
     return text + '\n';
 }
 
-/// A .pfb file as .pfa. Each segment has 128, its kind, and its length with the lowest byte first.
+/// Converts .pfb to .pfa. Each segment begins with 128, its kind, and its length with the lowest byte first.
 std::string as_text(std::string_view pfb) {
     std::string text;
     while (pfb.size() >= SEGMENT_HEADER && pfb[1] != LAST_SEGMENT) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// An outline font that no machine has: one of the staged installation under a name of the test's own.
+// An outline font that no machine has: a copy of a staged font under another name.
 #pragma once
 
 #include <string>
@@ -15,7 +15,7 @@ struct OutlineFont {
     [[nodiscard]] std::string postscript_name() const;
     /// Its entry in an index.
     [[nodiscard]] std::string index_line() const;
-    /// Writes outline and metrics into the directory, which is made.
+    /// Writes outline and metrics into the directory, which is made if needed.
     void write_to(const std::string& dir) const;
 };
 

@@ -24,7 +24,8 @@ Program::Program(const std::map<std::string, std::optional<std::string>>& enviro
     std::vector<std::string> command = {INSTALLED_PROGRAM, "-xrm",
                                         "*multiClickTime: " + std::to_string(DOUBLE_CLICK.count())};
     command.insert(command.end(), arguments.begin(), arguments.end());
-    // Where its dialogs, which stand in the middle of the screen, leave the beginning of its list free.
+    // In this corner the top of its list is not covered by its dialogs, which open in the middle of the
+    // screen.
     command.insert(command.end(), {"-geometry", "+0+0"});
     const std::string error_file = scratch_.file("errors");
     pid_ = ::fork();

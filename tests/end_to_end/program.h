@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The installed program as a process of its own: started with an environment, its standard error kept, its
-// end waited for.
+// Runs the installed program in a process: with an environment, recording standard error, and waiting for its
+// end.
 #pragma once
 
 #include <sys/types.h>
@@ -17,17 +17,17 @@ namespace gw::e2e {
 
 class Program {
   public:
-    /// Starts the program; an empty value takes a variable away. HOME is a fresh directory unless it is
-    /// given.
+    /// Starts the program. A variable without a value is removed from the environment. HOME is a new
+    /// directory unless it is given.
     explicit Program(const std::map<std::string, std::optional<std::string>>& environment = {},
                      const std::vector<std::string>& arguments = {});
-    /// Ends the program, if it still runs.
+    /// Ends the program if it is still running.
     ~Program();
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
     [[nodiscard]] bool is_running();
-    /// The exit status; nothing when the program still runs after `seconds` or was ended by a signal.
+    /// The exit status; no value when the program still runs after `seconds` or was ended by a signal.
     std::optional<int> wait_for_exit(int seconds = 20);
     /// What the program has written to standard error so far.
     [[nodiscard]] std::string errors() const;

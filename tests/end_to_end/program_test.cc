@@ -60,7 +60,7 @@ Window ProgramTest::opens(const char* title, const std::function<void()>& action
         return window != 0 && desktop.has_keyboard(window);
     };
     const bool is_ready = until(has_keyboard, [&] {
-        // A window that has come without the keyboard gets it by a click beside its parts.
+        // A window that has opened without the focus gets it by a click on its background.
         if (const Window window = desktop.window_titled(title); window != 0) {
             desktop.click(window, 2, 2);
         } else {
@@ -113,7 +113,7 @@ std::string ProgramTest::default_destination() const {
 void ProgramTest::list_fonts_of(const std::string& dir) {
     own_elements_.push_back(dir);
     if (!is_root()) {
-        // What stands behind a blank line goes in front of the installation's.
+        // Elements after an empty line go before the installation's.
         std::ofstream file(home_path() + ".VTfontpath");
         file << '\n';
         for (const std::string& element : own_elements_) file << element << '\n';

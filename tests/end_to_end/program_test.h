@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What every test of the running program starts with and cleans up after: the program, its main window, and
-// the server's font path as it was.
+// What every test of the running program starts and cleans up: the program, its main window, and the server's
+// font path, which is restored.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -21,7 +21,7 @@ namespace gw::e2e {
 
 [[nodiscard]] bool is_root();
 
-/// The ways of leaving a window without having done anything.
+/// The ways to leave a window without an action.
 enum class Leaving { BUTTON, ESCAPE, CLOSE_BOX };
 inline constexpr Leaving WAYS_OF_LEAVING[] = {Leaving::BUTTON, Leaving::ESCAPE, Leaving::CLOSE_BOX};
 
@@ -30,26 +30,27 @@ class ProgramTest : public testing::Test {
     ProgramTest();
     ~ProgramTest() override;
 
-    /// The home directory of the program's user, ending in "/": one of the test's own.
+    /// The home directory of the program's user, ending in "/"; a private one.
     [[nodiscard]] virtual std::string home_path() const { return home.path(); }
-    /// Starts the program in the test's home and waits for its main window to have the keyboard.
+    /// Starts the program in the test's home and waits until its main window has the keyboard focus.
     void start(const std::map<std::string, std::optional<std::string>>& environment = {});
     /// Leaves by the menu; the exit status.
     std::optional<int> leave();
-    /// Waits for the window; 0 when it does not come with the keyboard, which it is given if need be.
+    /// Repeats `action` until the window is open and has the focus, which is given to it if necessary. 0 when
+    /// that fails.
     Window opens(const char* title, const std::function<void()>& action);
-    /// The same by a menu of the main window and its entry, both by their mnemonics.
+    /// The same, with an entry of a main window's menu; both are named by their mnemonics.
     Window open_by_menu(const char* menu_key, const char* entry_key, const char* title);
     /// Where fonts go unless the user says otherwise, ending in "/".
     [[nodiscard]] std::string default_destination() const;
-    /// Leaves a window in one of the ways, until it has gone.
+    /// Leaves a window in this way and waits until it is gone.
     bool leave_window(const char* title, Leaving way, const char* button);
-    /// Presses the named button of the window until the window has gone.
+    /// Presses the named button of the window until the window is gone.
     bool press(const char* title, const char* button);
-    /// Waits for the superuser's hint that the font path is to be modified, and takes it away; true at once
-    /// for others.
+    /// Waits for the superuser's hint to modify the font path, and closes it. Returns true at once for other
+    /// users.
     bool hint_comes_and_goes();
-    /// Puts a directory in front of the program's font path, before it starts.
+    /// Puts a directory at the beginning of the program's font path. To be called before the program starts.
     void list_fonts_of(const std::string& dir);
     /// Whether the server takes fonts from the directory.
     [[nodiscard]] bool is_on_font_path(const std::string& dir) const;

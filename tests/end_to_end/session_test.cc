@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// glyphward-session as it runs at login: the installed program against the real X server, whose font path is
-// looked at from outside.
+// glyphward-session as it runs at login: the installed program with the real X server, whose font path is
+// checked from outside.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -45,7 +45,7 @@ Texts lines_of(const std::string& text) {
     return lines;
 }
 
-/// Variables; an empty value takes one away.
+/// Variables; one without a value is removed from the environment.
 using Environment = std::map<std::string, std::optional<std::string>>;
 
 void replace_all(std::string& text, const std::string& old, const std::string& replacement) {
@@ -54,7 +54,7 @@ void replace_all(std::string& text, const std::string& old, const std::string& r
 }
 
 struct Ended {
-    std::optional<int> status;  // nothing when a signal ended it
+    std::optional<int> status;  // no value when a signal ended it
     std::string output;
     std::string errors;
 };
@@ -96,7 +96,7 @@ class SessionTest : public testing::Test {
         return shell("timeout 20 " + std::string(PROGRAM) + ' ' + options, environment);
     }
 
-    /// Starts a session with the login script: its input is to be read by the session.
+    /// Starts a session with the login script. The script must leave standard input to the session.
     [[nodiscard]] Ended log_in(const std::string& script = LOGIN_SCRIPT,
                                const Environment& environment = {}) const {
         return shell("echo input | sh -eu -c '. " + script + "; cat; echo session'", environment);
@@ -106,8 +106,8 @@ class SessionTest : public testing::Test {
         std::filesystem::permissions(path, std::filesystem::perms::owner_all);
         return path;
     }
-    /// Puts directories in front of the installation's on the configured font path: the superuser in its
-    /// database, an ordinary user in the own file.
+    /// Puts directories before the installation's on the configured font path: the superuser in the database,
+    /// an ordinary user in the file of the home directory.
     void configure(const Texts& elements) const {
         std::string joined;
         std::string lines = "\n";
@@ -122,7 +122,7 @@ class SessionTest : public testing::Test {
         for (const std::string& element : installation_) joined += element + ',';
         std::ofstream(CONFIG) << "XDISPLAY.0.fontpath:\t" << joined << '\n';
     }
-    /// A directory with one font, which can be read by everybody.
+    /// A directory with one font; everybody can read it.
     std::string font_dir(const std::string& name, const BitmapFont& font = {"Sessional"}) const {
         font.write_to(home_.file(name));
         index_fonts(home_.file(name));
@@ -185,7 +185,7 @@ TEST_F(SessionTest, TheSecondRunHasAChangedIndexReread) {
     ASSERT_FALSE(opens(late));
     late.write_to(dir);
     index_fonts(dir);
-    // The server looks at whole seconds.
+    // The server compares whole seconds.
     const auto index = dir + "fonts.dir";
     std::filesystem::last_write_time(index,
                                      std::filesystem::last_write_time(index) + std::chrono::seconds(2));
@@ -283,7 +283,7 @@ TEST_F(SessionTest, AnElementWithAControlCharacterIsStillOneLine) {
     EXPECT_EQ(run().errors, std::string(SAYS) + "/no?where/: no such directory\n");
 }
 
-// Whoever else reads a font path at this time has the fixed name.
+// Another process that reads a font path at the same time may own the fixed name.
 TEST_F(SessionTest, OnlyAnOrdinaryUsersOwnFileIsRead) {
     const std::string dir = font_dir("fonts");
     home_.write(".VTfontpath", "$HOME/fonts/\n");
@@ -389,7 +389,7 @@ TEST_F(SessionTest, ItsOptionsAreFew) {
     EXPECT_EQ(run("--list >/dev/full").status, 1);
 }
 
-// A display manager may have closed them; no file of the program's may come to stand in their place.
+// A display manager may have closed them. A file that the program opens must not take their numbers.
 TEST_F(SessionTest, ItRunsWithoutStandardDescriptors) {
     const std::string dir = font_dir("fonts");
     configure({home_.file("missing/"), dir});

@@ -15,7 +15,7 @@ using gw::test::TempDir;
 constexpr const char* WARNING = "Glyph Warden - Deletion Confirmation";
 constexpr const char* OUTLINE = "/usr/share/texmf/fonts/type1/public/lm/lmb10.pfb";
 constexpr const char* BITMAP = "/usr/share/fonts/X11/75dpi/helvR24-ISO8859-1.pcf.gz";
-// Names stand in the files with their length: the new ones have the old ones'.
+// The files store names with their length, so the new names must be as long as the old ones.
 const std::string OUTLINE_FAMILY_BEFORE = "LMRomanDemi10";
 const std::string OUTLINE_FAMILY = "Aarddaemon 10";
 const std::string BITMAP_FAMILY_BEFORE = "Helvetica";
@@ -80,7 +80,7 @@ void TodaysFontsTest::delete_line(int line) {
                         desktop.click_middle(main->delete_button);
                     }),
               0U);
-    // Return alone would be no.
+    // Return alone would mean No.
     desktop.key("Left");
     desktop.key("space");
     ASSERT_TRUE(desktop.disappears(WARNING));

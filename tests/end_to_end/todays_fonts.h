@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Fonts as Debian ships them, a ".pfb" and a ".pcf.gz", and what their user does with them: shared by the
-// tests of the staged installation and of the installed package. To be included last.
+// Fonts as Debian ships them, a ".pfb" and a ".pcf.gz", and what a user does with them. The tests of the
+// staged installation and those of the installed package share this. Include it last.
 #pragma once
 
 #include <memory>
@@ -16,18 +16,17 @@ namespace gw::e2e {
 class TodaysFontsTest : public ProgramTest {
   protected:
     static constexpr const char* OUTLINE_FILE = "aardwolf.pfb";
-    // Their lines stand before those of all other fonts, the outline's on top.
+    // Their lines come before those of all other fonts; the outline's is first.
     static constexpr int OUTLINE_LINE = 0;
     static constexpr int BITMAP_LINE = 1;
 
-    /// The fonts are in `source` then; their files have the names `OUTLINE_FILE` and `bitmap_file`.
+    /// Writes the fonts into `source`; the files are called `OUTLINE_FILE` and `bitmap_file`.
     void write_fonts();
     void open_on_source();
-    /// Selects both in the dialog, after a look at the outline's sample, and has them installed, byte for
-    /// byte.
+    /// Selects both in the dialog, checks the outline's sample, and installs both, byte for byte.
     void install_both();
     bool main_sample_of_line(int line);
-    /// Has both deleted from the main window's list; nothing of them is left.
+    /// Deletes both from the main window's list and checks that nothing of them is left.
     void delete_both();
     /// The bytes of a file in the directory where fonts go.
     [[nodiscard]] std::string installed(const std::string& name) const;

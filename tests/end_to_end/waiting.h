@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Waiting for what a test has asked for, instead of for a time.
+// Waits for conditions, instead of for fixed times.
 #pragma once
 
 #include <chrono>
@@ -19,8 +19,8 @@ bool wait_until(Condition condition, int seconds = 20) {
     return true;
 }
 
-/// Does something until it has worked: what a person does whose first click came too early. False when
-/// `condition` never holds.
+/// Repeats `action` until `condition` holds, as a person does whose first click came too early. False when it
+/// never holds.
 template <class Action, class Condition>
 bool until(Condition condition, Action action) {
     for (int attempt = 0; attempt < 15; ++attempt) {
