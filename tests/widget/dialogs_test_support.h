@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The program with a home directory of its own, and the questions that tests of samples and dialogs ask of
-// it. To be included last.
+// The program with a private home directory, and look-ups for tests of samples and dialogs. Include it last.
 #pragma once
 
 #include <cstdlib>
@@ -19,7 +18,7 @@
 
 namespace gw::test {
 
-/// The home directory of this process's program, made before it starts.
+/// The home directory of the program in this process. It is made before the program starts.
 inline const TempDir& home() {
     static const TempDir dir;
     ::setenv("HOME", dir.path().substr(0, dir.path().size() - 1).c_str(), 1);
@@ -47,7 +46,7 @@ inline bool has_charset(const GWHRNElement& elem, const std::string& registry, c
            encoding == font->get_field(GWFont::CHARSET_ENCODING);
 }
 
-/// A name of Latin-1 fonts that begins so.
+/// The position of a name of Latin-1 fonts that begins with `start`.
 inline int latin_position(const std::string& start) {
     return position_where([&](const GWHRNElement& elem) {
         return std::string(elem.get_name()).starts_with(start) && has_charset(elem, "iso8859", "1");
@@ -59,14 +58,14 @@ inline int outline_position() {
 inline int bitmap_position() {
     return latin_position("Courier Medium [Bitmap]");
 }
-/// A symbol font: no locale has its charset.
+/// The position of a symbol font, whose charset belongs to no locale.
 inline int symbol_position() {
     return position_where(
         [](const GWHRNElement& elem) { return has_charset(elem, "adobe", "fontspecific"); });
 }
 
-/// How many pixels of the widget's window are not of its most frequent colour, its border of four pixels
-/// aside.
+/// The number of pixels of the widget's window that do not have its most frequent colour; a border of four
+/// pixels is ignored.
 inline int ink(Widget w) {
     constexpr int BORDER = 4;
     XSync(XtDisplay(w), False);

@@ -30,7 +30,7 @@ std::vector<gw::test::CursorChange>& recorded_changes() {
 
 }  // namespace
 
-// The server does not tell which cursor a window has, so the request is watched on its way.
+// The server cannot be asked for a window's cursor, so the request is intercepted.
 extern "C" int XDefineCursor(Display* connection, Window window, Cursor cursor) {
     using Function = int (*)(Display*, Window, Cursor);
     static const auto real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "XDefineCursor"));
@@ -68,7 +68,7 @@ bool pump_until(const std::function<bool()>& condition, int milliseconds) {
     const Ticker ticker;
     while (!condition()) {
         if (std::chrono::steady_clock::now() > end) return false;
-        // Without XtIMAll work procedures would never run.
+        // Only with XtIMAll work procedures run.
         XtAppProcessEvent(app, XtIMAll);
     }
     return true;
@@ -179,7 +179,7 @@ void press_key(Widget widget, const char* key) {
     event.xkey.same_screen = True;
     for (const int type : {KeyPress, KeyRelease}) {
         event.type = type;
-        // Pressing it may have closed the window, but the window stays.
+        // The key press may have unmapped the window, but the window still exists.
         XSendEvent(display, XtWindow(widget), False, NoEventMask, &event);
     }
     pump();
@@ -232,7 +232,7 @@ std::string shown_text(Widget field) {
 }
 
 void type_into(Widget field, const std::string& text) {
-    // What the program sees of a user's edit is a change with an event.
+    // The program sees a user's edit as a change with an event.
     XEvent event = {};
     event.type = KeyPress;
     std::string own = text;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Widget tests run the program's own windows in the test's process. This starts the program the way main()
-// does, waits for conditions instead of sleeping, fires callbacks as the toolkit would, and reads back what a
+// Widget tests run the program's own windows in the test's process. These functions start the program as
+// main() does, wait for conditions instead of sleeping, call callbacks as the toolkit would, and read what a
 // user would see.
 #pragma once
 
@@ -18,13 +18,13 @@ namespace gw::test {
 /// Starts the program once per process: everything up to its event loop. Later calls do nothing.
 void start_program(const std::vector<std::string>& arguments = {});
 
-/// The two halves of it, for tests that look in between.
+/// The two halves of `start_program`, for tests that check the state between them.
 void start_toolkit(const std::vector<std::string>& arguments = {});
 void finish_start();
 
 /// Handles events until `condition` holds; false when it does not within `milliseconds`.
 bool pump_until(const std::function<bool()>& condition, int milliseconds = 10000);
-/// Handles the events that there are.
+/// Handles all pending events.
 void pump();
 
 /// The descendant of `root` with that name or path ("_command_form._delete_button"), at any depth; null when
@@ -47,9 +47,10 @@ std::string chosen(Widget option_menu);
 /// How many pixels a size in font units is, along an orientation (XmHORIZONTAL, XmVERTICAL).
 int in_pixels(int font_units, unsigned char orientation);
 
-/// The window manager's close box of the window of `widget`.
+/// Uses the window manager's close box of the window of `widget`.
 void close_box(Widget widget);
-/// The key of that name ("Escape") goes down and up in the window of `widget`, which is on the screen.
+/// Presses and releases the key of that name ("Escape") in the window of `widget`, which must be on the
+/// screen.
 void press_key(Widget widget, const char* key);
 
 /// The text of a message box.
@@ -57,20 +58,20 @@ std::string message_of(Widget message_box);
 /// A part of a message or file selection box (XmDIALOG_OK_BUTTON, ...); null when it has none.
 Widget part_of(Widget box, unsigned char part);
 
-/// Selects exactly these positions, and tells the program as the list would.
+/// Selects exactly these positions and calls the list's callbacks.
 void select(Widget list, std::initializer_list<int> positions);
 std::vector<std::string> items(Widget list);
 /// What a text field shows.
 std::string shown_text(Widget field);
-/// The user types `text` over what the field holds.
+/// Replaces the field's content by `text`, as a user would by typing.
 void type_into(Widget field, const std::string& text);
 
-/// One call of XDefineCursor; `cursor` 0 takes the window's own cursor away.
+/// One call of XDefineCursor; `cursor` 0 removes the window's own cursor.
 struct CursorChange {
     Window window;
     Cursor cursor;
 };
-/// All of them, since the process began.
+/// All calls since the process began.
 const std::vector<CursorChange>& cursor_changes();
 
 }  // namespace gw::test

@@ -49,7 +49,7 @@ void act(Widget w, XtPointer, XEvent* event, Boolean*) {
     next.action();
 }
 
-/// Puts an event into the program's queue whose handler acts.
+/// Puts an event into the program's queue; its handler runs the action.
 void send_click() {
     XtAddEventHandler(wi_toplevel, NoEventMask, True, act, nullptr);
     XEvent event = {};
@@ -62,7 +62,7 @@ void send_click() {
 
 }  // namespace
 
-// The program syncs before it handles the events that there are: what is sent now is among them.
+// The program calls XSync before it handles pending events, so an event that is sent now is among them.
 extern "C" int XSync(Display* connection, Bool discard) {
     using Function = int (*)(Display*, Bool);
     static const auto real = reinterpret_cast<Function>(::dlsym(RTLD_NEXT, "XSync"));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Tests of installing and deleting fonts: directories of fonts of the test's own, a main window that lists
-// nothing else, and the dialogs put away again. To be included last.
+// For tests of installing and deleting fonts: private font directories, a main window that lists nothing
+// else, and dialogs that are closed at the end. Include it last.
 #pragma once
 
 #include <functional>
@@ -16,11 +16,11 @@
 
 namespace gw::test {
 
-/// A directory of bitmap fonts with its index. Which names the fonts have is the index's business: the files
-/// are copies of one font.
+/// A directory of bitmap fonts with its index. Only the index gives the fonts different names: the files are
+/// copies of one font.
 class FontDirectory {
   public:
-    /// Puts a font there, at the end of the index. Its file has at least so many kilobytes.
+    /// Adds a font at the end of the index. Its file has at least `kilobytes` kilobytes.
     void add(const std::string& file, const std::string& xlfd, std::size_t kilobytes = 0);
     [[nodiscard]] const std::string& path() const { return dir_.path(); }
     [[nodiscard]] const char* c_str() const { return dir_.c_str(); }
@@ -38,7 +38,7 @@ class FontDirectory {
 
 /// The XLFD name of a Latin-1 face, in one size.
 std::string face(const std::string& family, const std::string& decipoints = "120");
-/// What lists call that face; with "[Read Only]" when `read_only`.
+/// The name of that face in lists, with "[Read Only]" when `read_only`.
 std::string listed(const std::string& family, bool read_only = false);
 /// The bytes of an index with these lines.
 std::string index_of(std::initializer_list<std::string> lines);
@@ -49,13 +49,13 @@ bool server_has(const std::string& xlfd);
 std::vector<std::string> server_font_path();
 bool is_on_server_path(const std::string& directory);
 
-/// Has `action` run as soon as `condition` holds where the program handles events in the middle of its work:
-/// what a click does that has been waiting. Waits for its turn after the one before it.
+/// Runs `action` as soon as `condition` holds while the program handles events in the middle of its work,
+/// like a click that has been waiting. Actions run in the order of these calls.
 void act_when(std::function<bool()> condition, std::function<void()> action);
 /// Whether every such action has run.
 bool all_acted();
 
-/// Selects that position of a list of which one item can be selected, as the user does.
+/// Selects a position of a single-selection list, as the user does.
 void pick(Widget list, int position);
 
 bool is_root();
@@ -64,7 +64,7 @@ std::string label(Widget root, const std::string& name);
 std::string main_status();
 bool is_managed(Widget dialog);
 
-/// Runs as the superuser or as an ordinary user does where only the program's `uid` decides.
+/// Makes the program act as the superuser or as an ordinary user, as far as only its `uid` decides.
 class ActingAs {
   public:
     explicit ActingAs(int user) : before_(uid) { uid = user; }
@@ -81,17 +81,18 @@ class WorkTest : public testing::Test {
     void SetUp() override;
     void TearDown() override;
 
-    /// The main window lists the fonts of `installed()` alone, and these aliases, and the server has them.
+    /// Makes the main window list only the fonts of `installed()` and these aliases; the server has the fonts
+    /// too.
     void show_installed(std::initializer_list<std::string> aliases = {});
     FontDirectory& installed() { return installed_; }
 
-    // What the user does.
+    // Opens the dialog as the user does.
     static void open_install_dialog();
     static void choose_source(const FontDirectory& source);
     static void choose_destination(const std::string& directory);
-    /// Has those of the source installed, up to the end of the work.
+    /// Installs these positions of the source and waits for the end of the work.
     static void install(std::initializer_list<int> positions);
-    /// Has those of the main window's list deleted, up to the end of the work.
+    /// Deletes these positions of the main window's list and waits for the end of the work.
     static void remove(std::initializer_list<int> positions);
     static bool wait_for_work();
 

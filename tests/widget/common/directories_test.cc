@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The directory chooser, in directories of the test's own.
+// The directory chooser, in private directories.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -51,7 +51,7 @@ class Chooser : public testing::Test {
         popup_dir_dlg(note_elsewhere, "Again");
     }
 
-    /// The directory whose directories the chooser lists.
+    /// Makes the chooser list the subdirectories of this directory.
     static void look_in(const std::string& directory) {
         const gw::XmText text = gw::xm_text(directory);
         XtVaSetValues(wi_dir_dlg, XmNdirectory, text.get(), nullptr);
@@ -61,7 +61,7 @@ class Chooser : public testing::Test {
         popup_dir_dlg(note, title);
         ASSERT_TRUE(pump_until([] { return is_viewable(wi_dir_dlg); }));
     }
-    /// What the list offers, newlines included.
+    /// The list's entries, newlines included.
     static std::vector<std::string> listed() {
         XmStringTable strings = nullptr;
         int count = 0;
@@ -105,7 +105,7 @@ class Chooser : public testing::Test {
     }
     static bool press_part(unsigned char part) { return press(part_of(wi_dir_dlg, part)); }
     static bool is_open() { return XtIsManaged(wi_dir_dlg) != False; }
-    /// What arrives when the entry of that name in `dir` is clicked and OK pressed.
+    /// The directory that is handed over when the entry of that name in `dir` is clicked and OK is pressed.
     std::vector<std::string> choose_entry(const std::string& name) const {
         chosen.clear();
         look_in(dir.path());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The dialogs that tell or ask something: progress, working, about, warning, font-path information, and the
-// question before fonts are deleted.
+// The dialogs that show a message or a question: progress, working, about, warning, font-path information,
+// and the question before fonts are deleted.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-// The parts of a message box that can be missing.
+// The parts of a message box that may be absent.
 constexpr unsigned char BUTTONS[] = {XmDIALOG_OK_BUTTON, XmDIALOG_CANCEL_BUTTON, XmDIALOG_HELP_BUTTON};
 
 unsigned char type_of(Widget message_box) {
@@ -69,7 +69,7 @@ class Progress : public testing::Test {
         XmScaleGetValue(scale, &value);
         return value;
     }
-    /// What the user's hand leaves behind: the scale has moved, and says so.
+    /// Imitates a user who drags the scale's slider.
     static void drag_to(int position) {
         XmScaleSetValue(scale, position);
         XmScaleCallbackStruct call = {};
@@ -157,7 +157,7 @@ TEST_F(Progress, FollowsTheCountAndStartsAnew) {
     int maximum = -1;
     XtVaGetValues(scale, XmNmaximum, &maximum, nullptr);
     EXPECT_EQ(maximum, 3);
-    // It need not reach its end.
+    // The work may stop before its end.
     update_progress_dlg(1);
     EXPECT_EQ(value(), 1);
 }

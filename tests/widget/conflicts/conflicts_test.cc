@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What an installation or a deletion leaves to decide: the summary and the resolution, with conflicts of the
-// test's own where the texts matter, and with real ones where fonts do.
+// What the user must decide after an installation or a deletion: the summary and the resolution dialog. Tests
+// of texts use made-up conflicts, tests with fonts use real ones.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -37,7 +37,7 @@ std::string at_column(std::string name, const std::string& word) {
 
 class Conflicts : public WorkTest {
   protected:
-    /// One conflict more, for these reasons; nothing of it is on the disk.
+    /// Adds a conflict with these reasons; its font does not exist on the disk.
     static void add(GWConflict::TYPE type, const std::string& family,
                     std::initializer_list<GWConflict::INFO> reasons) {
         const gw::Ref<GWHRNElement> element(new GWHRNElement(named(family)));
@@ -129,7 +129,7 @@ TEST_F(Conflicts, SumUp) {
         EXPECT_EQ(summary("help_dlg_button"), "Help...");
         EXPECT_EQ(summary("msg_label"), " ");
         EXPECT_EQ(title_of(wi_preconflict_dlg), "Glyph Warden - Conflicts");
-        // There is no help.
+        // The help button does nothing.
         EXPECT_TRUE(press(find(wi_preconflict_dlg, "help_dlg_button")));
         EXPECT_TRUE(is_managed(wi_preconflict_dlg));
 
@@ -142,7 +142,7 @@ TEST_F(Conflicts, SumUp) {
     }
 }
 
-// After deletions too.
+// This is shown after deletions too.
 TEST_F(Conflicts, EndForTheSuperuserWithTheAdviceAboutTheFontPath) {
     for (const GWConflict::TYPE type : {GWConflict::INSTALL, GWConflict::DELETE}) {
         for (const int user : {0, ORDINARY_UID}) {
@@ -276,7 +276,7 @@ TEST_F(Conflicts, CanBeFinishedWhenEveryOneIsDecided) {
     EXPECT_FALSE(is_managed(wi_preconflict_dlg));
     EXPECT_EQ(is_managed(wi_fp_info_dlg), uid == 0);
 
-    // With nothing to decide the button stays as it was left.
+    // Without conflicts the button keeps its state.
     gw::clear_conflict_list();
     add(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
     start_conflict_dlg(4, &the_conflict_list);
@@ -351,7 +351,7 @@ class FontConflicts : public Conflicts {
   protected:
     static std::string destination() { return home().file("glyphwd_fonts/"); }
     static std::string destination_index() { return home().read("glyphwd_fonts/fonts.dir"); }
-    /// `names` are installed, under names of their own, and offered once more by the source.
+    /// Installs the fonts `names`, and offers the same fonts in the source.
     void make_conflicts(std::initializer_list<std::string> names) {
         for (const std::string& name : names) {
             installed().add("old-" + name + ".pcf", face(name));
@@ -418,7 +418,7 @@ TEST_F(FontConflicts, LeaveTheOriginals) {
     EXPECT_EQ(main_status(), "0 fonts successfully installed.");
 }
 
-// The new source has a file of the same name: it is not the font that was chosen.
+// The new source has another font in a file of the same name.
 TEST_F(FontConflicts, InstallWhatWasChosenFromASourceThatIsNoMore) {
     make_conflicts({"alpha"});
     install_all();
@@ -451,8 +451,8 @@ TEST_F(FontConflicts, OutliveADeletionOfWhatIsInTheWay) {
     EXPECT_EQ(items(wi_hrn_list)[1], listed("Beta"));
 }
 
-// The second installation has conflicts of its own. The summary shows the new ones, the other dialog still
-// the old ones.
+// The second installation makes new conflicts. The summary shows these, the resolution dialog still shows the
+// old ones.
 TEST_F(FontConflicts, OutliveAnotherInstallation) {
     make_conflicts({"alpha", "beta"});
     install_all();

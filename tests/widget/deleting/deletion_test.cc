@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Deleting the fonts that are selected in the main window: the question, the work, what remains of it, and
-// leaving the program in the middle.
+// Deleting the fonts that are selected in the main window: the question, the work, its results, and leaving
+// the program in the middle.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -36,7 +36,7 @@ class Deletion : public WorkTest {
         press(find(wi_attr_dlg, "close_button"));
         WorkTest::TearDown();
     }
-    /// Four fonts and two aliases behind them.
+    /// Makes four fonts, and two aliases after them.
     void make_fonts() {
         for (const char* name : {"alpha", "beta", "delta", "gamma"})
             installed().add(std::string(name) + ".pcf", face(name));
@@ -201,7 +201,7 @@ TEST_F(Deletion, OfAliasesDeletesNothing) {
     EXPECT_FALSE(is_sensitive(wi_conflict_dlg, "not_keep_button"));
 }
 
-// Positions move up with every font that went, and only with those.
+// Positions move up by one for each font that was deleted, and for no other.
 TEST_F(Deletion, OfFontsAndAnAliasDeletesTheFonts) {
     make_fonts();
     remove({1, 4, 5});
@@ -214,7 +214,7 @@ TEST_F(Deletion, OfFontsAndAnAliasDeletesTheFonts) {
 
 TEST_F(Deletion, OfAReadOnlyFontDeletesTheOthers) {
     make_fonts();
-    // A directory of another font's that is not there is nobody's to write.
+    // Nobody can make a file in /proc, so a font there is read-only.
     auto* font = new GWFont(GWFont::BITMAP_FONT);
     font->set_xlfd_name(face("closed").c_str());
     auto files = std::make_unique<GW_FSPEC_LIST>();
@@ -232,7 +232,7 @@ TEST_F(Deletion, OfAReadOnlyFontDeletesTheOthers) {
     EXPECT_EQ(label(wi_preconflict_dlg, "ok_button"), "Ok");
 }
 
-// A font of the installation is deleted when the user insists and may.
+// A font of the installation is deleted when the user insists and has the permission.
 TEST_F(Deletion, OfASystemFontWantsADecision) {
     if (!is_root()) GTEST_SKIP() << "to an ordinary user the system's fonts are read-only";
     const std::string dir = std::string(gw::SYSTEM_FONT_DIR) + "/extra/";
@@ -264,7 +264,7 @@ TEST_F(Deletion, OfASystemFontWantsADecision) {
     std::filesystem::remove_all(dir);
 }
 
-// An ordinary user's conflict with the same font cannot be forced.
+// An ordinary user cannot insist on deleting the same font.
 TEST_F(Deletion, OfASystemFontIsNotForAUser) {
     if (is_root()) GTEST_SKIP() << "for an ordinary user";
     GW_FPE element((std::string(gw::SYSTEM_FONT_DIR) + "/misc/").c_str());
@@ -312,7 +312,7 @@ TEST_F(Deletion, KeepsOtherWorkOutToTheLastFont) {
 class Leaving : public Deletion {
   protected:
     Leaving() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
-    /// Ends the process with status 0; what it leaves undone is a sanitizer's to find.
+    /// Ends the process with status 0. The sanitizers report what it does not clean up.
     static void leave() { press(find(wi_mainwindow, "_exit_button")); }
 };
 

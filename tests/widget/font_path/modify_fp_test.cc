@@ -64,7 +64,7 @@ class ModifyFontPathTest : public testing::Test {
         open();
         select(1);
         while (!items(list()).empty()) press(part("_delete_button"));
-        // What the stored path has already would not be added.
+        // An element that the stored path has already is not added again.
         press(part("_apply_button"));
         for (const std::string& element : path) {
             type(element);
@@ -102,7 +102,7 @@ class ModifyFontPathTest : public testing::Test {
         return text;
     }
     static void choose_directory(const std::string& dir) {
-        // The chooser hands over what is selected in its list.
+        // The chooser returns the selected entry of its list.
         XmListDeleteAllItems(wi_dir_list);
         const gw::XmText item = gw::xm_text(dir);
         XmListAddItem(wi_dir_list, item.get(), 1);
@@ -204,7 +204,7 @@ TEST_F(ModifyFontPathTest, AnEmptyOrStoredElementIsNotAdded) {
     }
 }
 
-// The stored path decides, not what stands in the list.
+// Compares with the stored path, not with the list on the screen.
 TEST_F(ModifyFontPathTest, AnElementThatIsNotAppliedYetCanBeAddedAgain) {
     type("/fonts/new/");
     ASSERT_TRUE(press(part("_add_new_button")));
@@ -303,7 +303,7 @@ class OtherInstallationTest : public ModifyFontPathTest {
     TempDir other_;
 };
 
-// The first of its suite: no other test of this process has chosen an installation yet.
+// Must be the first test of its suite: no other installation may have been chosen in this process yet.
 TEST_F(OtherInstallationTest, IsEmptyUntilItIsChosen) {
     XmToggleButtonSetState(part("_other_inst_fp_toggle"), True, True);
     pump();
@@ -352,7 +352,7 @@ TEST_F(OtherInstallationTest, WhatIsNoDatabaseIsReadOnlyAndStays) {
     EXPECT_EQ(other_.read("server/etc/VTconfig"), bytes);
 }
 
-// Whoever owns the file, its mode can close it: the superuser is no exception.
+// The mode bits decide for the superuser too.
 TEST_F(OtherInstallationTest, AClosedDatabaseIsReadOnly) {
     const std::string path = other_.write("server/etc/VTconfig", "XDISPLAY.0.fontpath:\t/other/a/\n");
     ::chmod(path.c_str(), 0444);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The fontsets dialogs on a fontset file of the test's own: what they show, how a fontset changes, and what
-// is written.
+// The fontsets dialogs with a private fontset file: what they show, how a fontset changes, and what is
+// written.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -90,7 +90,7 @@ class FontsetsTest : public testing::Test {
             selected.push_back(all[static_cast<std::size_t>(position) - 1]);
         return selected;
     }
-    /// The user clicks the line of that font.
+    /// Clicks the line of that font.
     static void click(const std::string& xlfd) {
         const std::vector<std::string> all = items(part("scrolledlist"));
         const auto line = std::find(all.begin(), all.end(), xlfd);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The install dialog up to the installation: its widgets, the source, the destination, and what the selection
+// The install dialog before an installation: its widgets, the source, the destination, and what a selection
 // shows.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -49,7 +49,7 @@ std::string source() {
     return label(wi_install_dlg, "_fontlist_label");
 }
 
-/// The free blocks of an ordinary user, as the file system counts them.
+/// The number of blocks that an ordinary user may still use.
 std::string free_blocks(const std::string& path) {
     struct statvfs info {};
     if (::statvfs(path.c_str(), &info) != 0) return "unknown";
@@ -69,7 +69,7 @@ class InstallDialog : public WorkTest {
         WorkTest::TearDown();
         if (remade_) remake();
     }
-    /// The dialog as it is made at the start of the program.
+    /// Makes the dialog again, as at the start of the program.
     void remake() {
         XtDestroyWidget(XtParent(wi_install_dlg));
         pump();
@@ -187,7 +187,7 @@ TEST_F(InstallDialog, OfTheSuperuserMakesTheHostsDirectory) {
     EXPECT_EQ(destination(), "Destination : /etc/vantor/glyphwd_fonts/");
     std::filesystem::remove("/etc/vantor");
 
-    // What is there is neither a directory nor in nobody's way.
+    // The name is taken by something that is not a directory.
     std::filesystem::create_symlink("/nonexistent/vantor", "/etc/vantor");
     remake();
     EXPECT_EQ(destination(), "Destination : /tmp/glyphwd_fonts/");
@@ -217,7 +217,8 @@ TEST_F(InstallDialog, CountsFreeBlocksWhateverTheirSize) {
     EXPECT_EQ(installdlg::get_avail_space("/nonexistent"), 0);
 }
 
-// On opening, what is below the home directory is measured there: it may not exist yet.
+// When the dialog opens, a destination below the home directory may not exist yet; then the home directory's
+// disk is measured.
 TEST_F(InstallDialog, MeasuresTheDestinationOnOpening) {
     const ActingAs user(ORDINARY_UID);
     remake();
@@ -327,7 +328,7 @@ TEST_F(InstallDialog, ListsAMedium) {
     ASSERT_TRUE(wait_for_lookup());
     EXPECT_TRUE(items(source_list()).empty());
 
-    // Nothing is looked up, and the labels are set all the same.
+    // Lists no fonts, but sets the labels.
     installdlg::rmedia_specified_cb(0);
     EXPECT_EQ(source(), "Fonts From ");
     EXPECT_EQ(status(), BE_PATIENT);
@@ -482,7 +483,7 @@ TEST_F(InstallDialog, SelectsAllWithoutAddingUp) {
     EXPECT_TRUE(is_sensitive(wi_install_dlg, "_install_button"));
     EXPECT_TRUE(is_sensitive(wi_install_dlg, "_attr_button"));
 
-    // A destination is chosen for what is selected.
+    // "Select All" does not make the button sensitive again, but choosing a destination does.
     select(source_list(), {});
     press(find(wi_install_dlg, "_select_all_button"));
     EXPECT_FALSE(is_sensitive(wi_install_dlg, "_install_button"));

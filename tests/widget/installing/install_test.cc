@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Installing fonts: where they go, what the main window, the files and the server say then, and what cannot
-// happen meanwhile.
+// Installing fonts: where they go; the main window, the files and the server afterwards; and what is not
+// possible during the work.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -50,7 +50,7 @@ class Install : public WorkTest {
         WorkTest::SetUp();
         choose_destination(destination());
     }
-    /// Made anew for every test, below the home directory.
+    /// Empty at the start of every test; below the home directory.
     static std::string destination() { return home().file("glyphwd_fonts/"); }
     static std::string destination_index() { return home().read("glyphwd_fonts/fonts.dir"); }
     static std::string size_of_progress() {
@@ -101,8 +101,8 @@ TEST_F(Install, PutsFontsWhereTheServerFindsThem) {
     EXPECT_FALSE(is_managed(wi_preconflict_dlg));
 }
 
-// An ordinary user's directory serves the session at once, and the next ones; the superuser is told what to
-// do.
+// An ordinary user's directory is put on the font path of this session and of later ones; the superuser gets
+// a message about what to do.
 TEST_F(Install, ByAUserPutsTheDirectoryOnTheFontPath) {
     const ActingAs user(ORDINARY_UID);
     fonts_.add("a.pcf", face("alpha"));
@@ -115,11 +115,11 @@ TEST_F(Install, ByAUserPutsTheDirectoryOnTheFontPath) {
     if (!is_root()) {
         EXPECT_THAT(home().read(".VTfontpath"), HasSubstr(destination()));
     }
-    // It is there once, however often fonts are installed into it.
+    // The directory is on the path once, however often fonts are installed into it.
     FontDirectory more;
     more.add("b.pcf", face("beta"));
     choose_source(more);
-    // Whoever made it, it is this user's to write.
+    // Its mode lets this user write, whoever the owner is.
     ASSERT_EQ(::chmod(destination().c_str(), 0777), 0);
     install({1});
     const std::vector<std::string> path = server_font_path();
@@ -168,10 +168,10 @@ TEST_F(Install, NeedsADestinationThatCanBeMade) {
     EXPECT_TRUE(is_sensitive(wi_install_dlg, "_install_button"));
     EXPECT_EQ(gw::selected_count(source_list()), 1);
     EXPECT_EQ(main_status(), " ");
-    // The next selection takes the words away.
+    // The next selection clears the message.
     select(source_list(), {1});
     EXPECT_EQ(status(), " ");
-    // A second attempt elsewhere succeeds.
+    // A second attempt with another destination succeeds.
     choose_destination(destination());
     install({1});
     EXPECT_EQ(main_status(), "1 fonts successfully installed.");
@@ -182,7 +182,7 @@ TEST_F(Install, NeedsADestinationThatIsWriteable) {
     choose_source(fonts_);
     select(source_list(), {1});
     std::filesystem::create_directory(destination());
-    // The superuser is no exception.
+    // This also applies to the superuser.
     ASSERT_EQ(::chmod(destination().c_str(), 0555), 0);
     choose_destination(destination());
     ASSERT_TRUE(press(find(wi_install_dlg, "_install_button")));
@@ -247,7 +247,8 @@ TEST_F(Install, OfThreeWithOneConflictInstallsTwo) {
     EXPECT_EQ(the_installed_hrn_count, 3);
 }
 
-// The first of three conflicts too: the count of what is done and that of what is looked at differ.
+// The first of the three fonts conflicts, so the number of installed fonts and the number of processed ones
+// differ.
 TEST_F(Install, OfTheSameFontsAgainInstallsNone) {
     fonts_.add("a.pcf", face("alpha"));
     fonts_.add("b.pcf", face("beta"));
@@ -263,7 +264,7 @@ TEST_F(Install, OfTheSameFontsAgainInstallsNone) {
     EXPECT_EQ(the_installed_hrn_count, 2);
 }
 
-// An index has no room for a blank in a file's name.
+// An index cannot hold a file name with a blank.
 TEST_F(Install, ListsNoFontWhoseFileNameHasABlank) {
     fonts_.add("a.pcf", face("alpha"));
     fonts_.add("odd name.pcf", face("odd"));
@@ -286,8 +287,7 @@ TEST_F(Install, IntoADirectoryWithAHardName) {
     std::filesystem::remove_all(hard);
 }
 
-// A size of a face that is there is one more font and no more names: what stands behind the fonts stays
-// there.
+// A new size of a listed face adds a font but no name, so the aliases after the fonts keep their positions.
 TEST_F(Install, OfASizeOfAFaceThatIsThereAddsNoName) {
     installed().add("alpha12.pcf", face("alpha", "120"));
     installed().add("beta.pcf", face("beta"));
@@ -301,7 +301,7 @@ TEST_F(Install, OfASizeOfAFaceThatIsThereAddsNoName) {
     unsigned sizes = 0;
     the_installed_hrn_list.get_point_sizes(1, sizes);
     EXPECT_EQ(sizes, 2U);
-    // Deleting what is behind the fonts finds an alias, as it should.
+    // The position after the last font is an alias, which cannot be deleted.
     remove({3});
     EXPECT_EQ(main_status(), "0 fonts successfully deleted.");
     EXPECT_EQ(the_installed_hrn_count, 2);
@@ -325,7 +325,7 @@ TEST_F(Install, WaitsForTheLookup) {
     EXPECT_EQ(main_status(), " ");
 }
 
-// The lookup handles what the user does while it shows the busy cursor: the selection is still the old one.
+// The look-up handles events while it shows the busy cursor; the selection is still the old one.
 TEST_F(Install, WaitsForALookupThatHasBegun) {
     FontDirectory other;
     fonts_.add("a.pcf", face("alpha"));
@@ -351,7 +351,7 @@ TEST_F(Install, KeepsOtherWorkOut) {
     choose_source(fonts_);
     select(wi_hrn_list, {1});
     select(source_list(), {1, 2, 3});
-    // The question is on the screen when the installation begins.
+    // The question is open when the installation begins.
     ASSERT_TRUE(press(find(wi_mainwindow, "_command_form._delete_button")));
     ASSERT_TRUE(press(find(wi_install_dlg, "_install_button")));
     ASSERT_TRUE(the_wp_cl_data.is_in_progress());

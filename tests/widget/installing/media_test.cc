@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The media dialog, with a media service of the test's own, the sandbox's stand-in for eject, and the
-// sandbox's own /cdrom.
+// The media dialog, with a private media service, the sandbox's replacement for eject, and the sandbox's own
+// /cdrom.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -170,7 +170,7 @@ TEST_F(ServedMedia, AFloppyThatIsThereIsToldAndTheDialogStays) {
 
 TEST_F(ServedMedia, AMissingCdIsALongWarning) {
     ASSERT_TRUE(choose(menu(), "CD-ROM"));
-    insert();  // what the service knows does not count: the directory does
+    insert();  // the service's answer is not used: the directory decides
     ASSERT_TRUE(click("check_button"));
     EXPECT_EQ(warning(),
               "Cdrom Error: Either there is no media in the cdrom drive\nor a newly inserted CD is still "

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The message catalogue holds every text of the table as it stands there, and the program finds it.
+// The message catalogue has every text of the table unchanged, and the program finds the catalogue.
 #include <gtest/gtest.h>
 
 #include <nl_types.h>
@@ -46,7 +46,7 @@ TEST(CatalogueTest, HoldsEveryTextOfTheTable) {
     }
 }
 
-// A slip of the defaults is put right there, and nothing else is another text.
+// The English catalogue corrects the spelling mistakes of the defaults and changes nothing else.
 TEST(CatalogueTest, EnglishLocalesHaveTheCorrectedTexts) {
     static constexpr gw::MessageEntry CORRECTED[] = {
 #define MSG(set, number, text) {set, number, text},

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// All windows alike: their widgets stand under their names, every button does something or is insensitive,
-// and what the user reads is on the screen and not cut off. Linked once for each place that is looked at.
+// Rules for all windows: widgets have their names, every button does something or is insensitive, and every
+// text is on the screen and not cut off. This file is linked into one program for each combination of locale
+// and screen.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -58,11 +59,11 @@ namespace {
 
 using namespace gw::test;
 
-// A screen of its own for fine dots; the sandbox's is coarse.
+// A second screen with high resolution; the sandbox's has a low one.
 constexpr int FINE_WIDTH = 2560;
 constexpr int FINE_HEIGHT = 1920;
 
-/// Conflicts to show, of either kind.
+/// Conflicts of both kinds, to be shown.
 class Conflicts {
   public:
     explicit Conflicts(GWConflict::TYPE type)
@@ -225,7 +226,7 @@ std::vector<Dialog> dialogs() {
     };
 }
 
-/// Calls `look` with every managed widget and gadget below `w` that belongs to the same window.
+/// Calls `look` for every managed widget and gadget below `w` in the same window.
 void each_part(Widget w, const std::function<void(Widget)>& look) {
     if (!XtIsComposite(w)) return;
     WidgetList children = nullptr;
@@ -259,7 +260,7 @@ bool is_button(Widget w) {
     return XmIsPushButton(w) || XmIsPushButtonGadget(w);
 }
 
-/// What is in a window to be scrolled may be larger than that.
+/// Contents of a scrolled window may be larger than the window.
 bool is_scrolled(Widget w, Widget dialog) {
     for (w = XtParent(w); w != dialog; w = XtParent(w)) {
         if (XmIsScrolledWindow(w)) return true;
@@ -267,7 +268,7 @@ bool is_scrolled(Widget w, Widget dialog) {
     return false;
 }
 
-/// What a button has around it only while Return presses it.
+/// The width of the frame that a button has only while it is the default button.
 int ring_of(Widget w) {
     return is_button(w) ? 4 : 0;
 }
@@ -311,13 +312,13 @@ class Layout : public testing::Test {
             pump();
             look(dialog, w);
             close_box(w);
-            XtUnmanageChild(w);  // some stay
+            XtUnmanageChild(w);  // some dialogs stay open
             pump();
         }
     }
 };
 
-/// The language's text in the place of `message`, in UTF-8.
+/// The language's text for `message`, in UTF-8.
 std::string translation(gw::Message message) {
     const gw::MessageEntry& wanted = gw::message_table()[static_cast<std::size_t>(message)];
     for (const gw::catalogue::Language& language : gw::catalogue::languages()) {
@@ -341,7 +342,7 @@ TEST_F(Layout, TheTextsAreThoseOfTheLanguage) {
               gw::text_of(gw::Message::DELETE_BUTTON));
 }
 
-/// The left half of what the status line shows of a text, pixel by pixel.
+/// The pixels of the left half of the status line when it shows the text.
 std::vector<unsigned long> left_half(const std::string& utf8) {
     Widget line = wi_main_window_status_label;
     gw::set_label(line, gw::test::converted(utf8, ::nl_langinfo(CODESET)));
@@ -358,7 +359,7 @@ std::vector<unsigned long> left_half(const std::string& utf8) {
     return pixels;
 }
 
-/// Those that show texts of the language in fonts which resources give them.
+/// The widgets that show texts of the language in a font of their own, set by resources.
 std::vector<Widget> parts_with_own_fonts() {
     return {find(wi_mainwindow, "_fontlist_label"), find(wi_conflict_dlg, "_conflicts_list"),
             find(wi_props_dlg, "sample_textField"), part_of(wi_init_dlg, XmDIALOG_MESSAGE_LABEL)};
@@ -370,8 +371,8 @@ void draw_status_in_fonts_of(Widget part) {
     XtVaSetValues(wi_main_window_status_label, XmNrenderTable, fonts, nullptr);
 }
 
-// Letters of the same first byte. As bytes they would begin alike, as boxes or as nothing they would be
-// alike.
+// The letters have the same first byte. If bytes were drawn instead of characters, the pictures would begin
+// alike; if boxes or nothing were drawn, they would be equal.
 TEST_F(Layout, LettersOfTheLanguageAreDrawn) {
     ASSERT_TRUE(pump_until([] { return is_viewable(wi_mainwindow); }));
     const std::string_view language = SUITE.language;
@@ -479,7 +480,7 @@ TEST_F(Layout, ControlsOfARowHaveTheirMiddlesAtOneHeight) {
     EXPECT_EQ(seen.size(), rows.size());
 }
 
-/// What the user does something with: it is to be reached without a mouse.
+/// Whether the user operates this widget; it must be reachable without a mouse.
 bool is_control(Widget w) {
     if (XmIsLabel(w) || XmIsLabelGadget(w)) {
         return is_button(w) || XmIsToggleButton(w) || XmIsCascadeButtonGadget(w);
@@ -487,8 +488,7 @@ bool is_control(Widget w) {
     return XmIsList(w) || XmIsText(w) || XmIsTextField(w);
 }
 
-/// Where the keyboard is after Tab, and after the arrow keys between one Tab and the next, until it has been
-/// everywhere.
+/// All widgets that get the focus by Tab, and by the arrow keys between two Tabs.
 std::set<Widget> reached_by_keyboard(Widget window) {
     std::set<Widget> reached;
     std::set<Widget> tabs;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Where the layout is looked at: each place has an executable of its own.
+// The combination of locale and screen that a layout program tests.
 #pragma once
 
 namespace gw::test {

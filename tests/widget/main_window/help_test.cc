@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The help dialog: the manual page as it is read when the dialog is made, and what it shows when there is
-// none.
+// The help dialog: the manual page, which is read when the dialog is made, and what is shown without a manual
+// page.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -44,7 +44,7 @@ std::string help_text() {
     return text ? text.get() : "";
 }
 
-/// Variables of the environment, put back at the end.
+/// Sets environment variables and restores them at the end.
 class Environment {
   public:
     ~Environment() {
@@ -146,7 +146,7 @@ TEST_F(Help, ShowsItsLinesToTheirEnds) {
 
 // --- made anew, in other circumstances ---------------------------------------
 
-/// A second help dialog; the program's own is put back at the end.
+/// Makes a second help dialog; the program's own is restored at the end.
 class AnotherHelp : public testing::Test {
   protected:
     void SetUp() override {
@@ -194,7 +194,7 @@ TEST_F(AnotherHelp, IsTheSameWhateverTheUsersEnvironmentSays) {
 }
 
 TEST_F(AnotherHelp, IsSorryWhenThereIsNoManualPage) {
-    environment.set("MANOPT", "--manpath=/nowhere");  // man's own, before the search path
+    environment.set("MANOPT", "--manpath=/nowhere");  // man uses this before its search path
     EXPECT_EQ(text_made(), SORRY);
     EXPECT_FALSE(exists(gw::SCRATCH_MANUAL));
     EXPECT_FALSE(exists(gw::SCRATCH_MANUAL_ERRORS)) << "what man has said is not read";
@@ -238,13 +238,13 @@ TEST_F(AnotherHelp, ADirectoryUnderAScratchNameStays) {
         std::ofstream(std::string(path) + "/content") << "precious";
         testing::internal::CaptureStderr();
         EXPECT_EQ(text_made(), SORRY) << path;
-        testing::internal::GetCapturedStderr();  // what rm says
+        testing::internal::GetCapturedStderr();  // the messages of rm
         EXPECT_EQ(TempDir::read_bytes(std::string(path) + "/content"), "precious");
         std::filesystem::remove_all(path);
     }
 }
 
-// A user who finds files of the superuser under the scratch names. It takes a superuser to put them there.
+// An ordinary user, while files of the superuser have the scratch names. Only the superuser can set this up.
 class OthersScratchFilesDeathTest : public testing::Test {
   protected:
     OthersScratchFilesDeathTest() { GTEST_FLAG_SET(death_test_style, "threadsafe"); }

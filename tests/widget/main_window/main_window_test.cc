@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The main window: its widgets, what may be used when, what the selection shows, and its layout. Fonts and
-// aliases are the test's own, so that sizes and positions are known; the window is made anew where its making
-// is what is tested.
+// The main window: its widgets, which of them are sensitive when, what a selection shows, and the layout. The
+// tests list their own fonts and aliases, so that sizes and positions are known. Tests of the window's
+// creation make it again.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -94,7 +94,7 @@ class MainWindowTest : public testing::Test {
         the_installed_hrn_list.add_font(font);
     }
 
-    /// Makes the window anew, as start-up would for the present resources and user.
+    /// Makes the window again, as start-up would with the current resources and user.
     void remake() {
         XtDestroyWidget(wi_mainwindow);
         gw::test::pump();
@@ -477,7 +477,7 @@ TEST_F(MainWindowTest, AttributesShowsTheSelectedFont) {
     }
 }
 
-// From the last font on, a position counts as that of an alias, one too far down the list.
+// The last font's position already counts as an alias; the alias that is shown is the first one.
 TEST_F(MainWindowTest, AttributesTakesTheLastFontForTheFirstAlias) {
     select(wi_hrn_list, {FONTS});
     ASSERT_TRUE(press(find(wi_mainwindow, "_attributes_button1")));
@@ -490,7 +490,7 @@ TEST_F(MainWindowTest, AttributesTakesAnAliasForTheNext) {
     ASSERT_TRUE(press(find(wi_mainwindow, "_attributes_button1")));
     EXPECT_EQ(value("alias_name"), the_alias_list.get_elem_at_pos(2)->get_hrn_name());
     press(find(wi_attr_dlg, "close_button"));
-    // Behind the last alias there is none.
+    // After the last alias there is no other.
     select(wi_hrn_list, {FONTS + ALIASES});
     ASSERT_TRUE(press(find(wi_mainwindow, "_attributes_button1")));
     EXPECT_EQ(is_attr_dlg_displayed(), 0);
@@ -534,7 +534,7 @@ Box box_of(Widget widget) {
     return {x - left, y - top, x - left + width_of(widget), y - top + height_of(widget)};
 }
 
-/// Every managed widget of the window's forms lies within its form, and none covers another.
+/// Expects that every managed widget of the window's forms is inside its form, and that none covers another.
 void expect_tidy() {
     for (const char* name : {"form", "FontListTemplate", "_command_form"}) {
         Widget form = find(wi_mainwindow, name);
@@ -597,7 +597,7 @@ TEST_F(MainWindowTest, OnlyTheListGrowsWithTheWindow) {
     EXPECT_EQ(height_of(wi_hrn_list), list_height);
 }
 
-// The field takes another font with every selection, and the menus other entries.
+// Each selection gives the field another font and the menus other entries.
 TEST_F(MainWindowTest, SelectionsDoNotMoveAnything) {
     fill_program_lists();
     update_wi_installed_hrn_list();

@@ -61,7 +61,7 @@ class PrinterTest : public testing::Test {
     static bool looked_up() {
         return pump_until([] { return !gw::is_lookup_pending(); });
     }
-    /// A directory with one bitmap font of that family.
+    /// Writes a bitmap font of that family, and its index, into the directory.
     static void write_font(const TempDir& dir, const std::string& family) {
         dir.write(family + ".pcf", "no font");
         dir.write("fonts.dir",
@@ -168,7 +168,7 @@ TEST_F(PrinterTest, AMediumIsASourceAndEjectingItIsNone) {
 
 TEST_F(PrinterTest, TheDestinationIsDropped) {
     ASSERT_TRUE(press(part("to_dir_dlg_button")));
-    // The catalogue has one text for both choosers; without one this says "Install To".
+    // The catalogue has the same text for both choosers; without a catalogue this one says "Install To".
     EXPECT_EQ(gw::test::title_of(wi_dir_dlg),
               gw::text_or(gw::Message::CHOOSE_SOURCE_TITLE, "Glyph Warden : Install To"));
     const std::string label = text_of(wi_pr_install_dlg, "dest_label");
@@ -199,7 +199,7 @@ TEST_F(PrinterTest, AttributesAreThoseOfTheSource) {
     EXPECT_EQ(gw::label_of(wi_font_loc_name), dir.path());
 }
 
-// The position in the list of installed fonts is looked up in the source.
+// A position in the list of installed fonts is looked up in the source's list.
 TEST_F(PrinterTest, TheDeleteDialogsAttributesAreThoseOfTheSourceToo) {
     const TempDir dir;
     write_font(dir, "emu");

@@ -1,8 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The fonts as the machine has them, unmodified, under the policy that an installation comes with: what the
-// list says of them, and that every one is drawn. In processes of their own, because the program then lists
-// nothing else.
+// The machine's own fonts, unmodified, with the font policy of an installation: their names in the list, and
+// a sample of every one. Each test runs in a process of its own, in which the program lists only these fonts.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -22,14 +21,14 @@ namespace {
 
 using namespace gw::test;
 
-// What the process says by its exit status.
+// The result of the process, as its exit status.
 enum Verdict { GOOD = 0, FEW_FONTS = 2, NAME_TOO_OFTEN, COMMENT_AS_ALIAS, NO_SAMPLE, NO_INK };
 
 constexpr const char* HOST_DIRECTORIES[] = {"/usr/share/fonts/X11/misc/", "/usr/share/fonts/X11/75dpi/",
                                             "/usr/share/fonts/X11/100dpi/", "/usr/share/fonts/X11/Type1/"};
 constexpr int MOST_OF_A_NAME = 3;
 
-/// Starts the program, and has it and the server take fonts from the machine's directories alone.
+/// Starts the program; it and the server use only the machine's font directories.
 void start_on_host_fonts() {
     start_at_home();
     std::string joined;
@@ -65,7 +64,7 @@ void look_at_names() {
     }
 }
 
-/// Whether the font, which is one of single bytes, has a glyph of three pixels or more for the character.
+/// Whether the single-byte font has a glyph of three pixels or more for the character.
 bool has_glyph(const XFontStruct& font, char c) {
     const auto code = static_cast<unsigned char>(c);
     if (font.min_byte1 != 0 || code < font.min_char_or_byte2 || code > font.max_char_or_byte2) return false;
@@ -74,7 +73,7 @@ bool has_glyph(const XFontStruct& font, char c) {
     return glyph.rbearing - glyph.lbearing > 2;
 }
 
-/// Whether the server's font has what the sample needs: a few have Kanji, ligatures or pictures instead.
+/// Whether the server's font has the sample's characters: a few have Kanji, ligatures or pictures instead.
 bool has_sample(const GWHRNElement& elem) {
     GWFont* font = elem.get_representative();
     if (font->get_type() != GWFont::BITMAP_FONT) return true;
@@ -86,7 +85,7 @@ bool has_sample(const GWHRNElement& elem) {
     return has_all;
 }
 
-/// Those of every font, or of one of each charset: in some locales opening a font takes its time.
+/// Checks the samples of all fonts, or of one font of each charset: in some locales opening a font is slow.
 void look_at_samples(bool of_every_font) {
     int position = 0;
     int shown = 0;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What can go wrong while a sample is drawn: fonts that the server lists and cannot open, names that are no
-// single name to the font set, events that are served in between, and sizes that are no whole points.
+// What can go wrong while a sample is drawn: fonts that the server lists but cannot open, names that a font
+// set takes for several names, events that are handled during the work, and sizes that are not whole points.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -53,7 +53,7 @@ class Hazards : public testing::Test {
     Widget res_menu = nullptr;
 };
 
-/// A directory on the server's font path, for as long as this lives.
+/// A directory that is on the server's font path while this object exists.
 class ServedDirectory {
   public:
     ServedDirectory() {
@@ -83,7 +83,7 @@ class ServedDirectory {
     Texts before_;
 };
 
-/// Xlib forgets about 60 bytes for each font that is listed and cannot be opened: no fault of ours.
+/// Xlib leaks about 60 bytes for each font that is listed but cannot be opened.
 class LeaksOfXlib {
   public:
 #ifdef __SANITIZE_ADDRESS__
@@ -101,7 +101,7 @@ class LeaksOfXlib {
     LeaksOfXlib& operator=(const LeaksOfXlib&) = delete;
 };
 
-/// Some bitmap font of the installation that the server draws.
+/// The file of a bitmap font of the installation that the server can draw.
 std::string some_font_file() {
     for (const char* dir : {STAGED_BITMAPS, STAGED_MISC}) {
         for (const auto& entry : std::filesystem::directory_iterator(dir)) {
@@ -202,9 +202,9 @@ TEST_F(Hazards, ANameThatIsNoneLeavesTheFieldEmpty) {
     EXPECT_EQ(shown_text(wi_installed_sample_textfield), "");
 }
 
-// --- events that are served in between ---------------------------------------
+// --- events that are handled during the work ---------------------------------
 
-/// Does something in the midst of whatever serves events next.
+/// Runs an action during the next work that handles events.
 class Meanwhile {
   public:
     explicit Meanwhile(std::function<void()> action) : action_(std::move(action)) {
@@ -273,7 +273,7 @@ TEST_F(Hazards, AnAliasThatGoesMeanwhileIsSafe) {
     EXPECT_EQ(shown_text(wi_installed_sample_textfield), DEFAULT_TEXT);
 }
 
-// The toolkit goes on using a button when its callback returns.
+// The toolkit still uses a button after its callback has returned.
 TEST_F(Hazards, AButtonOutlivesItsCallback) {
     WidgetList buttons = nullptr;
     XtVaGetValues(pulldown_of(size_menu), XmNchildren, &buttons, nullptr);
@@ -300,7 +300,7 @@ TEST_F(Hazards, ATimerThatIsDueDoesNotHoldUpTheEvents) {
     bool rung = false;
     const XtIntervalId timer = XtAppAddTimeOut(
         app, 0, [](XtPointer flag, XtIntervalId*) { *static_cast<bool*>(flag) = true; }, &rung);
-    ::alarm(60);  // it would wait for ever for an event to come
+    ::alarm(60);  // without this a failing test would wait for ever for an event
     while ((XtAppPending(app) & XtIMTimer) == 0 && !rung) XFlush(display);
     process_xt_events();
     ::alarm(0);
@@ -309,7 +309,7 @@ TEST_F(Hazards, ATimerThatIsDueDoesNotHoldUpTheEvents) {
 
 // --- sizes -------------------------------------------------------------------
 
-/// The main window's list with other names in it.
+/// Gives the main window's list other names.
 class OtherNames {
   public:
     OtherNames() { record.hrn_list = &names; }
@@ -331,7 +331,7 @@ class OtherNames {
     }
     ~OtherNames() {
         update_wi_installed_hrn_list();
-        // The buttons that this record got must not outlive it.
+        // The menu buttons that point to this record must be gone before it is.
         gw::test::select(wi_hrn_list, {outline_position()});
     }
     OtherNames(const OtherNames&) = delete;

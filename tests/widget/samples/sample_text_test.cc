@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Samples in the main window: what is offered for which font, what is drawn, and how the sample text is kept.
+// Samples in the main window: which sizes and resolutions a font offers, what is drawn, and how the sample
+// text is stored.
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -243,7 +244,7 @@ TEST_F(Sample, TheListShowsFontsAndThenAliases) {
     EXPECT_EQ(shown.back(), the_alias_list.get_elem_at_pos(the_alias_count)->get_hrn_name());
 }
 
-// --- the kept text -----------------------------------------------------------
+// --- the stored text ---------------------------------------------------------
 
 class KeptText : public testing::Test {
   protected:
@@ -338,7 +339,7 @@ TEST_F(KeptText, IsNotReadFromAPipe) {
     EXPECT_EQ(get_rc_sample_text(), DEFAULT_TEXT) << "and nobody waits for a writer";
 }
 
-// A process of its own, for its locale.
+// Runs in a process of its own because of its locale.
 TEST(LongText, EndsWithAWholeCharacter) {
     if (is_root()) GTEST_SKIP() << "for an ordinary user";
     testing::FLAGS_gtest_death_test_style = "threadsafe";
@@ -375,7 +376,7 @@ TEST(PointSizes, AreConvertedByADigit) {
 
 // --- locales -----------------------------------------------------------------
 
-// A process of its own for each: the locale is chosen once, at start-up.
+// One process for each locale, because the locale is chosen at start-up.
 class InLocale : public testing::TestWithParam<const char*> {};
 
 TEST_P(InLocale, ALatinFontIsDrawnAndASymbolFontIsNot) {

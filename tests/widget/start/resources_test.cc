@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The built-in resources are complete, and the installed resource file says all of what they say: a file that
-// is found takes the place of all that is built in.
+// The built-in resources are complete, and the installed resource file has all of them too: when a file is
+// found, none of the built-in resources is used.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -41,7 +41,8 @@ Resources file() {
     return result;
 }
 
-/// What the file gives in font units, so that it grows with the interface's font: pixels are built in.
+/// Sizes that the file gives in font units, so that they grow with the interface's font; the built-in ones
+/// are pixels.
 const std::set<std::string> SIZES = {
     "mainWindow.width",
     "mainWindow*_sample_textfield.height",

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// Start-up: the environment, the notice, what the program has made when its window appears, and how it ends.
-// Most tests look at one start in this process; those that need another start, or an end, have a process of
-// their own.
+// Start-up: the environment, the notice, what exists when the window appears, and how the program ends. Most
+// tests examine one start in this process. Tests that need another start, or the end of the program, run in a
+// process of their own.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -100,7 +100,7 @@ TEST_F(SetEnvTest, EachOfThemAlone) {
 
 // --- one start ---------------------------------------------------------------
 
-/// What can only be seen while the program starts.
+/// What can be observed only while the program starts.
 struct Start {
     bool notice_viewable = false;
     bool notice_busy = false;
@@ -410,7 +410,7 @@ std::string font_of(Widget w) {
     return copy;
 }
 
-// Each locale has its own fonts, encodings and warnings; none of that is for the terminal.
+// Each locale may cause its own warnings about fonts and encodings; none of them may reach the terminal.
 TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
     for (const char* locale : {"C", "C.UTF-8", "de_DE.UTF-8", "ja_JP.UTF-8", "de_DE", "ja_JP.eucjp"}) {
         EXPECT_EXIT(
@@ -428,8 +428,8 @@ TEST_F(OwnProcessDeathTest, StartsQuietlyInEveryLocale) {
     }
 }
 
-// Scalable fonts are opened while the shell is made, which is before there is anything to be quiet about in
-// other ways; and widgets cannot be made of a table without a font.
+// Scalable fonts are opened while the shell is made, when the toolkit's warnings cannot be suppressed yet.
+// And no widget can be made with a render table that has no font.
 TEST_F(OwnProcessDeathTest, WithoutScalableFontsItQuietlyTakesTheServersFont) {
     const gw::test::TempDir dir;
     dir.write("fonts.conf", "<fontconfig><dir>" + dir.path() + "none</dir></fontconfig>");
@@ -472,8 +472,8 @@ TEST_F(OwnProcessDeathTest, TheInterfaceFollowsTheDesktopsResolution) {
     }
 }
 
-// The toolkit takes what it draws in a scalable font for UTF-8, and drops the rest of what a text field is
-// given.
+// The toolkit expects UTF-8 for texts in a scalable font. A text field drops everything after the first wrong
+// byte.
 TEST_F(OwnProcessDeathTest, TextsStayWholeInEveryEncoding) {
     struct Encoding {
         const char* locale;
@@ -502,7 +502,7 @@ TEST_F(OwnProcessDeathTest, TextsStayWholeInEveryEncoding) {
     }
 }
 
-// What a resource says about one widget goes over the table that all inherit.
+// A resource for one widget takes precedence over the render table that all widgets inherit.
 TEST_F(OwnProcessDeathTest, AFontListGoesOverTheInterfacesFont) {
     EXPECT_EXIT(
         {
@@ -514,7 +514,7 @@ TEST_F(OwnProcessDeathTest, AFontListGoesOverTheInterfacesFont) {
         ExitedWithCode(0), Eq("9x15, Sans\n"));
 }
 
-// A window manager that thinks before it puts a window on the screen.
+// A window manager that waits before it maps a window.
 void manage_windows_slowly(int ready) {
     Display* connection = XOpenDisplay(nullptr);
     XSelectInput(connection, DefaultRootWindow(connection), SubstructureRedirectMask);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The icon and the class of the main window, as a window manager reads them from its window.
+// The icon and the class of the main window, as a window manager reads them.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ class WindowIcon : public testing::Test {
   protected:
     static void SetUpTestSuite() { gw::test::start_program(); }
 
-    /// What _NET_WM_ICON holds; empty when it ends in the middle of an image.
+    /// The images in _NET_WM_ICON; empty when the property ends in the middle of an image.
     static std::vector<Icon> icons() {
         Atom type = 0;
         int format = 0;
