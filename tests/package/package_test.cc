@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The Debian package, and cmake --install, on a machine that is thrown away (scripts/fresh-root): what an
-// installation makes, what it refuses, and what is left of it. Every test begins and ends on a machine that
-// has never had the program.
+// The Debian package, and cmake --install, on a throw-away machine (scripts/fresh-root): what an installation
+// makes, what it refuses, and what a removal leaves. Every test begins and ends with a machine that has
+// nothing of the program.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -43,7 +43,7 @@ struct Outcome {
     std::string text;
 };
 
-/// Runs a command of the shell; its output and its complaints together.
+/// Runs a shell command; the output includes standard error.
 Outcome run(const std::string& command) {
     FILE* pipe = ::popen(("{ " + command + "\n} 2>&1 </dev/null").c_str(), "r");
     if (pipe == nullptr) return {};
@@ -57,7 +57,7 @@ Outcome run(const std::string& command) {
     return outcome;
 }
 
-/// Whether the command succeeds; its output is the message of the assertion.
+/// Whether the command succeeds; the assertion's message shows its output.
 testing::AssertionResult succeeds(const std::string& command) {
     const Outcome outcome = run(command);
     if (outcome.status == 0) return testing::AssertionSuccess();
@@ -77,8 +77,7 @@ bool is_there(const std::string& path) {
     return fs::exists(fs::symlink_status(path));
 }
 
-/// Everything below the directories that is not a directory, but for what other packages keep up to date and
-/// dpkg's own books.
+/// Every file below the directories, except dpkg's records and files that other packages keep up to date.
 std::set<std::string> files_below(const std::string& directories) {
     std::set<std::string> files;
     std::istringstream lines(
@@ -90,7 +89,7 @@ std::set<std::string> files_below(const std::string& directories) {
     return files;
 }
 
-/// The directories below /usr/vantor too.
+/// The same for /usr/vantor, with its directories.
 std::set<std::string> all_of_installation() {
     std::set<std::string> paths;
     if (!fs::exists(INSTALLATION)) return paths;
@@ -98,7 +97,7 @@ std::set<std::string> all_of_installation() {
     return paths;
 }
 
-/// The one package of the build, for whatever kind of machine this is.
+/// The package file of the build; its name depends on the architecture.
 std::string package_file() {
     for (const auto& entry : fs::directory_iterator(GLYPHWARD_BUILD)) {
         const std::string name = entry.path().filename();
@@ -120,7 +119,7 @@ const std::vector<std::string> ALL_NAMES{"misc", "75dpi", "100dpi", "Type1"};
 class Package : public testing::Test {
   protected:
     static void SetUpTestSuite() {
-        // Nobody looks for words in the manual of a machine that is thrown away.
+        // A throw-away machine needs no index of manual pages.
         fs::remove("/var/lib/man-db/auto-update");
     }
     ~Package() override {
@@ -131,12 +130,12 @@ class Package : public testing::Test {
         }
         for (const std::string& name : hidden_) run("mv " + kept_.file(name) + ' ' + HOST_FONTS + name);
     }
-    /// Takes a directory of the host's fonts away until the end of the test.
+    /// Hides a directory of the host's fonts until the end of the test.
     void hide_host_fonts(const std::string& name) {
         ASSERT_TRUE(succeeds("mv " + HOST_FONTS + name + ' ' + kept_.file(name)));
         hidden_.push_back(name);
     }
-    /// Makes a package that has a directory of fonts, as Debian's font packages have.
+    /// Makes a package with a directory of fonts, like Debian's font packages.
     std::string font_package(const std::string& name) {
         const TempDir& dir = kept_;
         dir.write(
@@ -200,14 +199,14 @@ TEST_F(Package, PutsTheSessionsFilesWhereSessionsLook) {
 
 TEST_F(Package, RunsForAnOrdinaryUser) {
     ASSERT_TRUE(succeeds(install_command()));
-    // The server takes the font path of the installation, the list has fonts, and one of them draws a sample.
+    // The server accepts the installation's font path, the list has fonts, and one of them shows a sample.
     EXPECT_TRUE(succeeds(GLYPHWARD_TREE "/scripts/inside log_in " GLYPHWARD_TREE "/scripts/show"));
     const Outcome page = run("setpriv --reuid glyph --regid glyph --clear-groups man glyphward");
     EXPECT_EQ(page.status, 0);
     EXPECT_THAT(page.text, HasSubstr("list, preview, install and delete X core fonts"));
 }
 
-/// One session of the ordinary user's, who finds at home what the last one has left there.
+/// Runs one session of the ordinary user; the home directory is that of the session before.
 std::string session(const char* name) {
     return std::string(GLYPHWARD_TREE "/scripts/inside log_in " GLYPHWARD_SESSIONS
                                       " --gtest_color=no "
@@ -262,7 +261,7 @@ TEST_F(Package, RemovalKeepsFontsAndConfiguration) {
     EXPECT_EQ(read(CONFIG), OWN_CONFIG);
     EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(own_font, CONFIG));
 
-    // Whoever comes back finds it all.
+    // After another installation everything is there again.
     ASSERT_TRUE(succeeds(install_command()));
     EXPECT_EQ(read(CONFIG), OWN_CONFIG);
 
@@ -288,7 +287,7 @@ TEST_P(ForeignConfig, IsLeftAlone) {
     const Outcome installation = run(install_command());
     EXPECT_EQ(installation.status, 0);
     EXPECT_EQ(read(CONFIG), GetParam());
-    // What cannot be right is told.
+    // A font path that cannot be right is reported.
     if (GetParam() == OWN_CONFIG) {
         EXPECT_THAT(installation.text, Not(HasSubstr(CONFIG)));
     } else {
@@ -312,7 +311,7 @@ TEST_F(Package, FontPackagesComeAndGo) {
     EXPECT_EQ(fs::read_symlink(LINKS + "75dpi"), HOST_FONTS + "75dpi");
     EXPECT_EQ(read(CONFIG), font_path_of(ALL_NAMES));
 
-    // A font path that somebody has changed stays, and so does a directory that is not ours.
+    // A font path that somebody has changed is not replaced, nor is a directory that is not ours.
     write(CONFIG, OWN_CONFIG);
     write(LINKS + "own/fonts.dir", "0\n");
     ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P test-fonts"));
@@ -339,7 +338,7 @@ TEST_F(Package, OwnDirectoriesAndLinksOfTheSameNameStay) {
     ASSERT_TRUE(succeeds(install_command()));
     EXPECT_FALSE(fs::is_symlink(LINKS + "misc"));
     EXPECT_EQ(fs::read_symlink(LINKS + "75dpi"), "/opt/fonts");
-    // A link that leads nowhere is no font directory.
+    // A dangling link is no font directory.
     EXPECT_EQ(read(CONFIG), font_path_of({"misc", "100dpi", "Type1"}));
     ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
     EXPECT_THAT(files_below(INSTALLATION), UnorderedElementsAre(LINKS + "misc/fonts.dir", LINKS + "75dpi"));
@@ -358,7 +357,7 @@ class ForeignInstallation : public Package {
         EXPECT_EQ(read(PROGRAM), "foreign");
         EXPECT_FALSE(is_there("/usr/bin/glyphward"));
     }
-    /// Starts the installation at a terminal, where the person types the answer.
+    /// Starts the installation at a terminal and types the answer.
     static Outcome install_at_terminal(const std::string& answer) {
         return run("echo " + answer + " | script -qec 'env -u DEBIAN_FRONTEND " + install_command() +
                    "' /dev/null");
@@ -405,7 +404,7 @@ TEST_F(ForeignInstallation, IsRefusedByCMakeUnlessItIsToldTo) {
     ASSERT_TRUE(succeeds(std::string("GLYPHWARD_REPLACE=1 ") + CMAKE_INSTALL));
     EXPECT_NE(read(PROGRAM), "foreign");
     EXPECT_EQ(read(CONFIG), OWN_CONFIG);
-    // Now it is our own.
+    // Now the installation is ours.
     EXPECT_TRUE(succeeds(CMAKE_INSTALL));
     run("xargs -d '\\n' rm -f <" GLYPHWARD_BUILD "/install_manifest.txt");
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// An ordinary user's days with the installed package, one session each. Not a suite of its own: the package's
-// test has each of them run in a session of the user's, in this order.
+// An ordinary user works with the installed package, one session for each test. This program is not started
+// as a suite: the package's test starts each test in a session of the user, in this order.
 #include <cstdlib>
 
 #include "end_to_end/waiting.h"
@@ -16,11 +16,11 @@ class Session : public TodaysFontsTest {
   protected:
     void SetUp() override {
         ASSERT_FALSE(is_root());
-        // The server of a machine begins with its own font path, whatever was on it in the last session.
+        // A new session begins with the server's default font path.
         ASSERT_EQ(std::system("xset fp default"), 0);
         EXPECT_FALSE(server_has_outline());
         EXPECT_FALSE(server_has_bitmap());
-        // What the starting session does with each of its scripts.
+        // A starting session sources its scripts like this.
         ASSERT_EQ(std::system("set -e; . /etc/X11/Xsession.d/60glyphward-session"), 0);
         write_fonts();
     }

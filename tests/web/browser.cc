@@ -33,7 +33,7 @@ std::string json_string(const std::string& text) {
     return json + '"';
 }
 
-// The first string of that name in an answer whose strings need no escapes; empty when there is none.
+// The first string of that name in an answer; empty when there is none. Escapes are not handled.
 std::string field(const std::string& json, const std::string& name) {
     const std::string start = "\"" + name + "\":\"";
     const std::size_t at = json.find(start);
@@ -62,7 +62,7 @@ std::string decoded_base64(std::string_view text) {
 
 }  // namespace
 
-// Its ends are kept off the low numbers, which the browser's own two descriptors take.
+// Keeps the ends of the pipe off the low descriptor numbers, which the browser expects for its own two.
 Browser::Pipe::Pipe() {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0) throw std::system_error(errno, std::generic_category(), "pipe");
@@ -78,8 +78,8 @@ Browser::Pipe::~Pipe() {
 }
 
 Browser::Browser() {
-    ::signal(SIGPIPE, SIG_IGN);  // a browser that is gone is an exception, not the end of the test
-    // Its own sandbox would be one within ours.
+    ::signal(SIGPIPE, SIG_IGN);  // a write to a dead browser then throws instead of ending the test
+    // The browser's own sandbox does not work inside ours.
     process_.emplace(
         std::vector<std::string>{"chromium-headless-shell", "--no-sandbox", "--disable-gpu",
                                  "--disable-dev-shm-usage", "--no-first-run", "--remote-debugging-pipe",
@@ -88,7 +88,7 @@ Browser::Browser() {
             ::dup2(commands_.read_end, COMMANDS);
             ::dup2(answers_.write_end, ANSWERS);
         });
-    // From here on the end of the browser is the end of its answers.
+    // When the browser ends, reading its answers now sees the end of file.
     ::close(std::exchange(answers_.write_end, -1));
     ::close(std::exchange(commands_.read_end, -1));
     const std::string page =
@@ -133,7 +133,7 @@ std::string Browser::call(const std::string& method, const std::string& paramete
         "{\"id\":" + id + ",\"method\":" + json_string(method) + ",\"params\":" + parameters;
     if (!session_.empty()) command += ",\"sessionId\":" + json_string(session_);
     command += "}";
-    // With the byte that ends it.
+    // Includes the NUL byte that ends a command.
     const auto size = static_cast<ssize_t>(command.size() + 1);
     if (::write(commands_.write_end, command.c_str(), command.size() + 1) != size)
         throw std::runtime_error("the browser takes no command:\n" + process_->output());
@@ -145,7 +145,7 @@ std::string Browser::call(const std::string& method, const std::string& paramete
 }
 
 void Browser::open(const std::string& address) {
-    // Another fragment alone would leave the page as it is.
+    // A new fragment alone would not load the page again.
     call("Page.navigate", R"({"url":"about:blank"})");
     call("Page.navigate", "{\"url\":" + json_string(address) + "}");
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A browser without a window, driven through its DevTools protocol over a pair of pipes: no port is opened
-// for it. Mouse and keyboard go in where the browser takes them from the system.
+// A headless browser, controlled through its DevTools protocol over a pair of pipes, so that no port is
+// opened. Mouse and keyboard events enter where the browser would get them from the system.
 #pragma once
 
 #include <optional>
@@ -12,7 +12,7 @@
 
 namespace gw::web {
 
-/// A key as a page is told of it: what it stands for ("e"), where it is ("KeyE"), and its code.
+/// A key as a page sees it: its character ("e"), its place ("KeyE"), and its code.
 struct Key {
     std::string name;
     std::string place;
@@ -21,16 +21,15 @@ struct Key {
 
 class Browser {
   public:
-    /// Starts the browser with one empty page of 1280x900 pixels; throws std::runtime_error when it does not
-    /// come.
+    /// Starts the browser with one empty page of 1280x900 pixels; throws std::runtime_error when that fails.
     Browser();
     ~Browser();
     Browser(const Browser&) = delete;
     Browser& operator=(const Browser&) = delete;
 
     void open(const std::string& address);
-    /// The value of JavaScript statements whose last one is a string of printable ASCII; empty when they
-    /// throw.
+    /// Runs JavaScript statements and returns the value of the last one, a string of printable ASCII; empty
+    /// when they throw.
     [[nodiscard]] std::string evaluate(const std::string& statements);
     /// Clicks a place of the page.
     void click(double x, double y);
@@ -40,7 +39,7 @@ class Browser {
         press(key);
         release(key);
     }
-    /// Leaves a picture of the page beside the other results of the run.
+    /// Saves a picture of the page among the results of the run.
     void picture(const std::string& name);
 
   private:
@@ -53,8 +52,8 @@ class Browser {
         int write_end = -1;
     };
 
-    /// Sends a command with its parameters, a JSON object, and returns the answer, JSON; throws when there is
-    /// none.
+    /// Sends a command with its parameters (a JSON object) and returns the answer (JSON); throws when none
+    /// comes.
     std::string call(const std::string& method, const std::string& parameters);
     void key(const std::string& type, const Key& key);
     void mouse(const std::string& type, double x, double y, int buttons);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A command as a process of its own, with what it says, its signals and its end.
+// A command in a child process: its output, its signals and its end.
 #pragma once
 
 #include <sys/types.h>
@@ -14,21 +14,22 @@ namespace gw::web {
 
 class Child {
   public:
-    /// Starts the command, which is looked for on the path, with both its outputs in `output_file` and no
-    /// input. `prepare` runs in the new process before the command: it may only make system calls.
+    /// Starts the command, which is searched for on PATH, without input; standard output and standard error
+    /// go to `output_file`. `prepare` runs in the new process before the command and may only make system
+    /// calls.
     Child(
         std::vector<std::string> command, std::string output_file,
         const std::function<void()>& prepare = [] {});
-    /// Ends the command, if it still runs.
+    /// Ends the command if it is still running.
     ~Child();
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
     void signal(int number) const;
     [[nodiscard]] bool is_running();
-    /// The exit status, 128 + N after signal N; nothing when the command still runs after `seconds`.
+    /// The exit status, or 128 + N after signal N; no value when the command still runs after `seconds`.
     std::optional<int> wait_for_exit(int seconds = 20);
-    /// What the command has said so far.
+    /// The command's output so far.
     [[nodiscard]] std::string output() const;
 
   private:

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// scripts/web as its user meets it: an address, a browser that opens it, a mouse and a keyboard there, and
-// nothing left behind at the end. It runs in a sandbox whose processes and loopback interface are the test's
-// own, and makes another one within.
+// scripts/web as its user sees it: an address, a browser that opens it, mouse and keyboard in the browser,
+// and nothing left behind at the end. The test runs in a sandbox with its own processes and its own loopback
+// interface, and makes another sandbox inside.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
@@ -63,7 +63,7 @@ struct Place {
     int height;
 };
 
-// The processes that there are; the test's sandbox has no others than the test and what it has started.
+// All processes of the test's sandbox: the test and what it has started.
 std::set<std::string> processes() {
     std::set<std::string> found;
     for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
@@ -73,7 +73,7 @@ std::set<std::string> processes() {
     return found;
 }
 
-// The addresses, as the kernel writes them, of the sockets that listen in a table of the kernel's.
+// The addresses of the listening sockets in one of the kernel's tables, in the kernel's notation.
 std::vector<std::string> listening(const std::string& table) {
     std::vector<std::string> addresses;
     std::istringstream in(table);
@@ -101,7 +101,7 @@ std::vector<std::string> left_directories() {
     return found;
 }
 
-// A socket that keeps a port of the loopback interface for itself.
+// A socket that occupies a port of the loopback interface.
 class TakenPort {
   public:
     TakenPort() : socket_(::socket(AF_INET, SOCK_STREAM, 0)) {
@@ -129,10 +129,11 @@ class TakenPort {
 // A run of scripts/web.
 class Served {
   public:
-    // The shell command is what runs within; `within` reads the files that it leaves in $GLYPHWARD_OUT.
+    // Runs the shell command in the sandbox that scripts/web makes. `within` reads the files that the command
+    // writes to $GLYPHWARD_OUT.
     explicit Served(const std::string& command, const std::string& port = "0",
                     const std::string& user = "--user") {
-        // Open to the program's user, who may be another one.
+        // The program may run as another user.
         std::filesystem::permissions(scratch_.path(), std::filesystem::perms::all);
         const std::string out = scratch_.make_dir("out");
         child_.emplace(std::vector<std::string>{SCRIPT, "--port", port, user, "--stage", "--wm", "--out", out,
@@ -142,7 +143,7 @@ class Served {
 
     [[nodiscard]] Child& child() { return *child_; }
     [[nodiscard]] std::string within(const std::string& file) const { return scratch_.read("out/" + file); }
-    // The address of the page, once it is said; empty when it is not.
+    // Waits for the address of the page; empty when none is printed.
     [[nodiscard]] std::string address() {
         static const std::regex LINE("(^|\n)(http://[^\n]*)\n");
         std::smatch match;
@@ -161,7 +162,7 @@ class Served {
     std::optional<Child> child_;
 };
 
-// The program, with a clerk beside it who keeps writing down where its parts are and what listens in there.
+// Runs the program, and beside it a loop that records where the program's parts are and which sockets listen.
 const std::string PROGRAM_AND_CLERK =
     "cd $GLYPHWARD_OUT; while sleep 0.1; do"
     " cat /proc/net/tcp /proc/net/tcp6 >listening; xwininfo -root -tree >places.new 2>/dev/null;"
@@ -181,7 +182,7 @@ class Page {
     [[nodiscard]] bool connects() {
         return wait_until([this] { return is_connected(); }, STARTING);
     }
-    // What it tells its user; letters, digits and blanks of it.
+    // The page's status text: only its letters, digits and blanks.
     [[nodiscard]] std::string status() {
         return browser.evaluate(
             "document.getElementById('noVNC_status').textContent.replace(/[^A-Za-z0-9 ]/g, '')");
@@ -195,7 +196,7 @@ class Page {
     [[nodiscard]] std::string size() {
         return browser.evaluate(CANVAS + "canvas.width + 'x' + canvas.height");
     }
-    // What is drawn in a part of the program's screen, as a number; 0 is a part of one colour.
+    // A checksum of a part of the program's screen; 0 when the part has only one colour.
     [[nodiscard]] std::string drawn(const Place& part) {
         return browser.evaluate(CANVAS + "const bytes = canvas.getContext('2d').getImageData(" +
                                 std::to_string(part.x) + "," + std::to_string(part.y) + "," +
@@ -206,7 +207,7 @@ class Page {
                                 "    ink++; sum = (sum * 31 + i) % 4294967291; } }"
                                 "String(ink && sum)");
     }
-    // Clicks a place of the program's screen, where the page, which scales, shows it.
+    // Clicks a place of the program's screen. The page may show the screen scaled.
     void click(int x, int y) {
         std::istringstream box(browser.evaluate(CANVAS +
                                                 "const box = canvas.getBoundingClientRect();"
@@ -225,7 +226,7 @@ class Page {
         "const canvas = document.querySelector('#noVNC_container canvas');";
 };
 
-// Where a part of the program is on its screen, by its name; nothing before it is there.
+// The place of a part of the program on its screen, by the part's name; no value while the part is not there.
 std::optional<Place> place_of(const Served& served, const std::string& name) {
     const std::regex line("\"" + name + "\".* ([0-9]+)x([0-9]+)[+-].*\\+(-?[0-9]+)\\+(-?[0-9]+)");
     std::smatch match;
@@ -246,10 +247,10 @@ std::optional<Place> sample_of(const Served& served) {
 
 class WebPage : public ::testing::Test {
   protected:
-    // What ran at the beginning may have ended: a browser takes its time to.
+    // Processes of before may have ended: a browser needs some time to end.
     [[nodiscard]] bool nothing_new_runs() const { return std::ranges::includes(before_, processes()); }
 
-    // Nothing of a run is left: no process, no file, no open port.
+    // Expects that nothing of a run is left: no process, no file, no open port.
     void expect_nothing_left() {
         EXPECT_TRUE(wait_until([this] { return nothing_new_runs(); })) << processes().size() << " processes";
         EXPECT_THAT(left_directories(), IsEmpty());
@@ -269,7 +270,7 @@ TEST_F(WebPage, ShowsTheProgramAndTakesTheMouseAndTheKeyboard) {
         EXPECT_EQ(page.size(), "1024x768");
         ASSERT_TRUE(wait_until([&] { return sample_of(served) && place_of(served, "_hrn_list"); }, STARTING));
         ASSERT_TRUE(wait_until([&] { return page.drawn(*place_of(served, "_hrn_list")) != "0"; }));
-        // Until the browser's pointer is on the screen, the server draws one in its middle.
+        // Until the pointer enters the screen, the server draws one in the middle.
         page.click(1000, 740);
         EXPECT_TRUE(wait_until([&] { return page.drawn(*sample_of(served)) == "0"; }));
 
@@ -284,7 +285,7 @@ TEST_F(WebPage, ShowsTheProgramAndTakesTheMouseAndTheKeyboard) {
         ASSERT_TRUE(wait_until([&] { return settled == std::exchange(settled, sample()); }));
         page.browser.picture("web-mouse");
 
-        // Fonts that stand side by side may look the same.
+        // The samples of neighbouring fonts may look the same.
         EXPECT_TRUE(
             until([&] { return sample() != settled && sample() != "0"; }, [&] { page.browser.type(DOWN); }));
         page.browser.picture("web-keyboard");
@@ -346,7 +347,7 @@ TEST_F(WebPage, RefusesAnotherPassword) {
     }
 }
 
-// A password is for one run.
+// Each run has its own password.
 TEST_F(WebPage, MakesAPasswordForEachRun) {
     const auto password = [](const std::string& address) {
         return address.substr(address.find("password="));
@@ -369,7 +370,7 @@ TEST_P(WebPageSignal, LeavesNothingBehind) {
     ASSERT_THAT(left_directories(), SizeIs(1));
     ASSERT_THAT(listening(kernel_table("tcp")), SizeIs(1));
     {
-        Page page(address);  // so that there is a connection to end
+        Page page(address);  // so that a connection is open when the run ends
         ASSERT_TRUE(page.connects()) << page.status();
         served.child().signal(GetParam());
         EXPECT_EQ(served.child().wait_for_exit(), 128 + GetParam());
@@ -381,7 +382,7 @@ TEST_P(WebPageSignal, LeavesNothingBehind) {
 INSTANTIATE_TEST_SUITE_P(Ends, WebPageSignal, ::testing::Values(SIGINT, SIGTERM, SIGHUP),
                          [](const auto& signal) { return std::string(::sigabbrev_np(signal.param)); });
 
-// Who is killed cannot tidy up, but what he has started does not outlive him.
+// A killed script cannot clean up, but the processes that it has started must end with it.
 TEST_F(WebPage, LeavesNoProcessWhenItIsKilled) {
     Served served("exec " + PROGRAM);
     ASSERT_FALSE(served.address().empty()) << served.child().output();
@@ -439,7 +440,7 @@ TEST_F(WebPage, RefusesWhatIsNoPort) {
     expect_nothing_left();
 }
 
-// run.sh itself builds first, for which there is no room in here; it looks at its options before.
+// run.sh would build first, which cannot be done here; but it checks its options before that.
 class RunScript : public WebPage,
                   public ::testing::WithParamInterface<std::pair<std::vector<std::string>, std::string>> {};
 
