@@ -62,7 +62,7 @@ done
 [ -z "$fonts" ] || [ -d "$fonts" ] || fail "There is no directory $fonts." 'Give --fonts a directory that holds font files.'
 if [ -n "$fonts" ]; then
     fonts=$(cd "$fonts" && pwd -P)
-    # The superuser's ordinary user is somebody else than who gave the directory.
+    # Root starts the program as an ordinary user, who must be able to read the directory.
     [ "$(id -u)" -ne 0 ] || [ "$user" = --root ] || [ $((8#$(stat -c %a "$fonts") & 5)) -eq 5 ] ||
         fail "An ordinary user cannot read $fonts." "Open it (chmod go+rx), or use --root."
 fi

@@ -1,5 +1,5 @@
-# Motif ships neither a pkg-config file nor an imported target, so the target is made here. Its headers are system headers:
-# they would not pass our warnings.
+# Motif ships neither a pkg-config file nor an imported target, so the target is made here. Its headers are marked as
+# system headers, because they cause warnings.
 find_package(X11 REQUIRED)
 find_package(Motif REQUIRED)
 add_library(motif INTERFACE IMPORTED)

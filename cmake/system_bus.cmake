@@ -1,3 +1,3 @@
-# The message bus of the host, on which the removable-media service is asked.
+# libsystemd, with which the removable-media service is asked over the system's message bus.
 find_package(PkgConfig REQUIRED)
 pkg_check_modules(libsystemd REQUIRED IMPORTED_TARGET libsystemd)

@@ -6,7 +6,7 @@
 //   make_catalogue                     the defaults, for the C locale
 //   make_catalogue LANGUAGE CHARSET    "english", "german", ..., in that character set
 //
-// A language that is not complete, or that the character set cannot write, is an error.
+// It is an error when the language is not complete, or when the character set cannot express a text.
 #include <iconv.h>
 
 #include <cerrno>
@@ -25,8 +25,8 @@ using namespace gw::catalogue;
     std::exit(1);
 }
 
-/// Turns UTF-8 into a character set. The C library's catalogues are read as they are, so they are written in
-/// the character set of their locale.
+/// Turns UTF-8 into a character set. The C library does not convert texts of catalogues, so each catalogue is
+/// in the character set of its locale.
 class Converter {
   public:
     explicit Converter(const std::string& charset)
@@ -43,7 +43,7 @@ class Converter {
         char* out = result.data();
         std::size_t in_left = text.size();
         std::size_t out_left = result.size();
-        // What it does not do one to one, it counts.
+        // The result counts the characters that were replaced by others.
         if (::iconv(descriptor_, &in, &in_left, &out, &out_left) != 0 || in_left != 0)
             fail(charset_ + " cannot write: " + text);
         result.resize(result.size() - out_left);

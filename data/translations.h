@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The texts of the message catalogues, language by language, and what is wrong with a language's.
+// The texts of the message catalogues, language by language, and checks for mistakes in them.
 #pragma once
 
 #include <algorithm>
@@ -30,7 +30,7 @@ inline Texts defaults() {
     };
 }
 
-/// What English locales have in other words.
+/// The texts that differ in English locales.
 inline Texts corrections() {
     return {
 #define MSG(set, number, text) {set, number, text},
@@ -50,7 +50,7 @@ inline Texts english() {
     return texts;
 }
 
-/// A language that is given in full.
+/// A language with its own text for every message.
 struct Language {
     std::string_view name;
     Texts texts;
@@ -77,7 +77,7 @@ inline std::vector<Language> languages() {
 #undef MSG
 }
 
-/// The places that take a number or a name: "%d", "%s", ..., in their order, with "%%".
+/// The conversions ("%d", "%s", ...) of a text, in order; "%%" is one of them.
 inline std::vector<std::string_view> places_of(std::string_view text) {
     std::vector<std::string_view> places;
     for (std::size_t at = text.find('%'); at != std::string_view::npos; at = text.find('%', at)) {
@@ -93,13 +93,13 @@ inline std::string_view beginning_of(std::string_view text) {
     return text.substr(0, std::min(text.find_first_not_of(" \n"), text.size()));
 }
 
-/// How it ends: in its newlines, in any number of blanks, or in nothing of that kind.
+/// The newlines at its end; or one blank when it ends with any number of blanks; or nothing.
 inline std::string_view end_of(std::string_view text) {
     if (text.ends_with(' ')) return " ";
     return text.substr(text.find_last_not_of('\n') + 1);
 }
 
-/// What a translation has lost of the text that it stands for; empty when it is all there.
+/// What a translation lacks compared with the original text; empty when nothing is missing.
 inline std::string complaint(std::string_view text, std::string_view translation) {
     if (places_of(text) != places_of(translation)) return "has other places for numbers and names";
     if (beginning_of(text) != beginning_of(translation)) return "begins with other blanks or newlines";
@@ -107,8 +107,8 @@ inline std::string complaint(std::string_view text, std::string_view translation
     return translation.empty() ? "is empty" : "";
 }
 
-/// All that is wrong with `translation`, a line each: every text of `reference` stands there once and keeps
-/// its shape, and no other text stands there.
+/// All mistakes in `translation`, one line each. It must have every text of `reference` exactly once, in the
+/// same form, and no other text.
 inline std::vector<std::string> complaints(std::span<const Entry> reference,
                                            std::span<const Entry> translation) {
     std::vector<std::string> lines;

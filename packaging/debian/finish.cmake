@@ -1,8 +1,9 @@
-# Run by CPack on the installed files before it packs them: what Debian's packages have and a plain installation has not.
+# CPack runs this on the installed files before it packs them: adds what Debian's packages have and a plain installation
+# does not have.
 set(root ${CPACK_TEMPORARY_DIRECTORY})
 find_program(GZIP gzip REQUIRED)
 
-# place(FILE DESTINATION NAME): a copy of the file in the package.
+# place(FILE DESTINATION NAME): copies the file into the package.
 function(place file destination name)
   file(MAKE_DIRECTORY ${root}/${destination})
   file(COPY_FILE ${file} ${root}/${destination}/${name})
@@ -16,7 +17,7 @@ endforeach()
 
 place(${CPACK_GLYPHWARD_PACKAGING}/debian/lintian-overrides usr/share/lintian/overrides glyphward)
 
-# Files of the system's configuration have fixed places.
+# The places of system configuration files are fixed.
 set(files ${CPACK_GLYPHWARD_SESSION_FILES})
 while(files)
   list(POP_FRONT files name destination)
