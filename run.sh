@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 #
-# From a clone to the running program: installs what is missing, builds, stages, and runs the program in the sandbox, where the
-# machine's own fonts and settings cannot be touched. Without a display it shows what it can do on an invisible one.
+# From a clone to the running program: installs missing packages, builds, stages, and runs the program in the sandbox,
+# where it cannot change the machine's own fonts and settings. Without a display it uses an invisible one.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 . "$(dirname "$0")/scripts/common.sh"
@@ -19,8 +19,8 @@ Whatever is done in there is gone when the program ends; the machine is not touc
   --root         as the superuser (default: as an ordinary user)
   --fonts DIR    shows DIR, read-only, as "fonts" in the program's home directory (/home/glyph/fonts, with --root
                  /root/fonts): choose it as the directory to install from
-  --web          in a page of this machine's own, for a browser: prints its address, which holds the password of this run.
-                 Nothing outside the machine can reach it. To see it from elsewhere, forward the port
+  --web          in a browser on this machine: prints the page's address, which includes the password of this run.
+                 Other machines cannot reach it. To see it from another machine, forward the port
                  (ssh -L 6080:127.0.0.1:6080 HOST) and open the same address there
   --port N       the page is on port N (default: 6080; 0: one that is free)
   --no-window    a picture also when there is a display
@@ -59,7 +59,8 @@ while [ $# -gt 0 ]; do
 done
 [ -z "$port" ] || [ -n "$web" ] || fail '--port is the port of the page: it goes with --web.'
 [ -z "$web" ] || [ -n "$window" ] || fail '--web and --no-window exclude each other.'
-[ -z "$fonts" ] || [ -d "$fonts" ] || fail "There is no directory $fonts." 'Give --fonts a directory that holds font files.'
+[ -z "$fonts" ] || [ -d "$fonts" ] ||
+    fail "There is no directory $fonts." 'Give --fonts a directory that holds font files.'
 if [ -n "$fonts" ]; then
     fonts=$(cd "$fonts" && pwd -P)
     # Root starts the program as an ordinary user, who must be able to read the directory.

@@ -13,5 +13,6 @@ foreign_files() {
         printf '%s\n' "$1"
         return 0
     fi
-    (cd "$1" && find . ! -type d ! -path './lib/X11/fonts/*' ! -path './server/etc/VTconfig*' | sort | sed -n '1,5s/^\.\//    /p')
+    (cd "$1" && find . ! -type d ! -path './lib/X11/fonts/*' ! -path './server/etc/VTconfig*' |
+        sort | sed -n '1,5s/^\.\//    /p')
 }
