@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What the program does with fonts as they are made today. By default nothing: font files, indexes and alias
-// files are treated as ever. The resource `gw_modern_fonts` switches everything below on together; each place
-// that differs asks for its own point.
+// How the program treats today's fonts. By default every point below is off: font files, indexes and alias
+// files are treated as they always were. The resource `gw_modern_fonts` switches all points on together; each
+// place in the code asks for its own point.
 #pragma once
 
 namespace gw {
@@ -18,12 +18,13 @@ class FontPolicy {
     /// A key in the header of a Type 1 font ends where a PostScript name ends ("/FamilyName(Utopia)"), and
     /// not only at a blank.
     [[nodiscard]] constexpr bool lets_values_touch_keys() const { return modern_; }
-    /// A Type 1 file that its index lists under several encodings is one font; with it all its lines go.
+    /// A Type 1 file that its index lists under several encodings is one font, and deleting it removes all
+    /// its lines.
     [[nodiscard]] constexpr bool lists_an_outline_once() const { return modern_; }
     /// Lines of an alias file that begin with "!" are comments.
     [[nodiscard]] constexpr bool knows_alias_comments() const { return modern_; }
-    /// The names of bitmap fonts in lists have the charset, unless that is ISO 8859-1: one face may come in
-    /// forty.
+    /// The names of bitmap fonts in lists include the charset, unless it is ISO 8859-1: a face may exist in
+    /// forty charsets.
     [[nodiscard]] constexpr bool names_charsets() const { return modern_; }
     /// A sample for which the locale has no font set is drawn with the font itself.
     [[nodiscard]] constexpr bool draws_with_the_font_itself() const { return modern_; }
@@ -34,7 +35,7 @@ class FontPolicy {
 
 /// The policy of the whole program.
 [[nodiscard]] const FontPolicy& font_policy();
-/// Start-up says it once, before any font is listed.
+/// Called once at start-up, before any font is listed.
 void set_font_policy(FontPolicy policy);
 
 }  // namespace gw

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The root of the core objects. It exists so that lists can print, compare and match elements of any kind.
+// The root of the core classes, so that lists can print, compare and match elements of any kind.
 #pragma once
 
 class GW_FILE;

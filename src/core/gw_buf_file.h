@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// A file that can copy itself into another directory through its own transfer buffer. The copy appears there
-// whole or not at all.
+// A file that can copy itself into another directory. The copy is atomic: it appears there complete or not at
+// all.
 #pragma once
 
 #include <array>
@@ -16,7 +16,7 @@ class GW_BUF_FILE : public GW_FILE {
     using GW_FILE::GW_FILE;
 
     /// Copies this file under its own name into `target` (mode 0644), byte for byte. A file is never copied
-    /// onto itself, by whatever way its directory is named, and one that cannot be copied whole is skipped
+    /// onto itself, whichever path names its directory, and one that cannot be copied completely is skipped
     /// silently. Returns 1 in every case.
     int copy(GW_DIR* target);
     /// Writes the bytes into `copy` and finishes it, without putting it in place. Returns 0, or the `errno`

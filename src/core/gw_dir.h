@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// One directory, and the lists of files that can be made of it.
+// One directory, and the lists of its files.
 #pragma once
 
 #include <string>
@@ -32,21 +32,22 @@ class GW_DIR {
     /// "Foo.Bold.pfa" and "a.b.c.d" are refused.
     static int file_name_check(const char* name, const GW_TOKEN_TABLE* table, int& ext_type);
 
-    /// Appends the subdirectories, and with a `table` the files whose names it accepts, in the order the
-    /// system gives them. Returns 0 when the directory cannot be opened, else 1. The specifications belong to
-    /// `out`'s owner.
+    /// Appends the subdirectories and, with a `table`, the files whose names it accepts, in the order of
+    /// `readdir`. Returns 0 when the directory cannot be opened, else 1. The specifications belong to `out`'s
+    /// owner.
     int get_dir_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, const GW_TOKEN_TABLE* table) const;
-    /// The same; with `recursive` the directories in `out` are then listed in turn, breadth first. A
-    /// directory that is the last entry when its turn comes has its own entries listed but not descended
-    /// into. Each directory is listed once, however many links lead to it. Moves `out`'s cursor.
+    /// The same; with `recursive` the directories in `out` are then listed in turn, breadth first. When a
+    /// directory is the last entry at its turn, its entries are listed, but its subdirectories are not. Each
+    /// directory is listed once, however many links lead to it. Moves `out`'s cursor.
     int get_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, int recursive, const GW_TOKEN_TABLE* table) const;
     /// As `get_dir_file_spec_list`, with only the entries whose names match `re`.
     int get_matching_file_spec_list(GW_LIST<GW_FILE_SPEC>* out, GW_REG_EXP* re,
                                     const GW_TOKEN_TABLE* table) const;
 
-    /// Has the PostScript resource file "glyphwd.upr" of this directory built anew in `work_dir`, or in the
-    /// directory itself when `work_dir` is null; `rescan_all` non-zero goes through the directories below and
-    /// the resource files there too. Returns 1; a missing tool leaves the directory without a resource file.
+    /// Runs `makepsres` to build the PostScript resource file "glyphwd.upr" of this directory again, in
+    /// `work_dir`, or in the directory itself when `work_dir` is null. With `rescan_all` non-zero the
+    /// directories below and their resource files are scanned too. Returns 1; when the tool is missing the
+    /// directory is left without a resource file.
     int make_upr_file(int rescan_all, const char* work_dir) const;
 
   protected:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A file specification that can be opened and read or written, by lines or by bytes, on standard I/O.
+// A file that can be opened and read or written, by lines or by bytes, with standard I/O.
 #pragma once
 
 #include <cstdio>
@@ -22,7 +22,7 @@ class GW_FILE : public GW_FILE_SPEC {
     int close();
     [[nodiscard]] bool is_open() const { return fp != nullptr; }
 
-    /// `fseek`; returns 1 whatever happened.
+    /// `fseek`; always returns 1.
     int seek(long offset, int whence);
     /// The position in bytes from the start; -1 when the file is closed.
     [[nodiscard]] long get_pos() const;
@@ -38,11 +38,11 @@ class GW_FILE : public GW_FILE_SPEC {
     /// Reads up to `size - 1` bytes, up to and with a newline, and terminates them; null at the end of the
     /// file.
     virtual char* get_line(char* buf, int size);
-    /// Writes `text` as it is: callers bring the newline. Returns 1, or 0 when it could not be written.
+    /// Writes `text` as it is; it must include the newline. Returns 1, or 0 when it could not be written.
     int put_line(const char* text);
     /// `get_line` from byte offset `pos`.
     char* get_line_at_pos(char* buf, int size, long pos);
-    /// Writes and flushes `text` at byte offset `pos`; returns the offset behind it.
+    /// Writes and flushes `text` at byte offset `pos`; returns the offset after it.
     long put_line_at_pos(const char* text, long pos);
 
   private:

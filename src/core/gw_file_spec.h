@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// One file, named by directory and name, with what is known of its kind.
+// One file: its directory and name, and its file type and extension type.
 #pragma once
 
 #include "core/gw_int.h"
@@ -9,7 +9,7 @@
 
 namespace gw {
 
-/// What the file system says a file is.
+/// The kind of a file in the file system.
 enum FileType {
     FILE_TYPE_OTHER = -1,        ///< neither a regular file nor a directory, or missing
     FILE_TYPE_REGULAR = 0,       ///< a regular file
@@ -17,7 +17,7 @@ enum FileType {
     FILE_TYPE_UNDETERMINED = 2,  ///< not looked at yet
 };
 
-/// What a font file's name says it is.
+/// The kind of a font file, by its name.
 enum ExtType {
     EXT_PFA = 0,
     EXT_PFB = 1,
@@ -42,7 +42,7 @@ class GW_FILE_SPEC {
     GW_FILE_SPEC(const GW_FILE_SPEC&) = delete;
     GW_FILE_SPEC& operator=(const GW_FILE_SPEC&) = delete;
 
-    /// Makes this name another file; arguments as for the constructor.
+    /// Makes this the specification of another file; arguments as for the constructor.
     void init(const char* new_name, const char* new_dir, int new_file_type, int new_ext_type);
 
     [[nodiscard]] int get_file_type() const { return file_type; }
@@ -60,17 +60,17 @@ class GW_FILE_SPEC {
     int compare(const GW_FILE_SPEC* other) const;
     int equal(const GW_FILE_SPEC* other) const;
 
-    /// Looks the file up (following links): 1 directory, 0 regular, -1 other or missing. A file that cannot
-    /// be looked at for any other reason than being missing counts as a directory. The result is returned,
+    /// Calls `stat` (which follows links): 1 directory, 0 regular, -1 other or missing. A file for which
+    /// `stat` fails for any other reason than being missing counts as a directory. The result is returned,
     /// not stored.
     [[nodiscard]] int get_file_type_from_stat() const;
     /// 1 unless the file is missing.
     [[nodiscard]] int exist() const;
-    /// Whether the file lies in the directory `other`, by whatever way both are named.
+    /// Whether the file is in the directory `other`, whichever paths name the two directories.
     [[nodiscard]] bool is_in_directory(const char* other) const;
-    /// The size in bytes; 0 when the file is missing, 1 when it cannot be looked at.
+    /// The size in bytes; 0 when the file is missing, 1 when `stat` fails for another reason.
     [[nodiscard]] long file_size() const;
-    /// Unlinks the file; returns 1 whatever happened.
+    /// Unlinks the file; always returns 1.
     int remove() const;
 
     /// 1 when the file type is one of `types`, else 0.

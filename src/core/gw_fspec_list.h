@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The list of file specifications, and its sorting into groups.
+// The list of file specifications, and ways to select from it.
 //
 // The specifications belong to whoever built the list. Every `separate_by_...` operation appends new copies,
 // never the same objects, and a copy is of unknown extension (7).
@@ -23,8 +23,8 @@ class GW_FSPEC_LIST : public GW_LIST<GW_FILE_SPEC> {
     /// The same for elements whose names match `re`.
     void separate_by_matching_file_name(GW_FSPEC_LIST& out, GW_REG_EXP* re) const;
 
-    /// The sum of the files' sizes in bytes. Afterwards the list's own count holds the size of the last file:
-    /// a list is not counted or indexed any more once its size has been asked for.
+    /// The sum of the files' sizes in bytes. Afterwards the list's own count is the size of the last file, so
+    /// the list must not be counted or indexed any more.
     long file_size();
     /// 1 when every file exists (1 for an empty list), else 0.
     [[nodiscard]] int exist() const;

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// The one family of lists: singly linked, with one built-in cursor and 1-based positions.
+// The program's lists: singly linked, with one built-in cursor and 1-based positions.
 //
-// A list frees its own nodes and never its elements: removing an element hands the pointer back to the
-// caller. Whoever owns the elements of a list says so with `gw::ElementsOwner` or releases them with
-// `gw::delete_elements`. Long lists stay usable: ascending positional access continues from the position
-// asked for last, and the sorted list finds its insertion point through an index instead of walking.
+// A list frees its own nodes and never its elements: removing an element returns the pointer to the caller.
+// An owner of a list's elements uses `gw::ElementsOwner` or calls `gw::delete_elements`. Long lists are fast
+// enough: access to ascending positions continues from the last one, and the sorted list finds its insertion
+// point with an index.
 #pragma once
 
 #include <cstddef>
@@ -129,7 +129,7 @@ class GW_LIST_BASE {
     }
 
   protected:
-    /// Links a new node for `e` behind `before`, or in front of all when `before` is null; returns the node.
+    /// Links a new node for `e` after `before`, or as the first one when `before` is null; returns the node.
     Node* link_after(Node* before, T* e) {
         Node*& slot = before != nullptr ? before->next : head;
         slot = new Node{slot, e};
@@ -158,8 +158,8 @@ class GW_LIST_BASE {
     Node* head = nullptr;
     Node* tail = nullptr;
     Node* cursor = nullptr;
-    /// Moves on with every change of the structure, so that an index over the nodes knows when it is out of
-    /// date.
+    /// Incremented with every change of the structure, so that an index over the nodes can see that it is out
+    /// of date.
     unsigned long revision = 0;
 
   private:
@@ -206,7 +206,7 @@ class GW_LIST : public GW_LIST_BASE<T> {
         return 1;
     }
 
-    /// Links `e` behind position `pos`; 0 means in front of the first. Returns 1, or 0 for a position outside
+    /// Links `e` after position `pos`; 0 means before the first. Returns 1, or 0 for a position outside
     /// 0..count.
     int insert_after_pos(int pos, T* e) {
         if (pos < 0 || pos > this->count) return 0;
@@ -235,12 +235,12 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         for (T* e : *source) insert(e);
     }
 
-    /// Whether `new_elem` is placed in front of `cur`.
+    /// Whether `new_elem` is placed before `cur`.
     [[nodiscard]] int compare(T* new_elem, T* cur) const {
         return index_.key_comp().order(new_elem, cur) <= 0 ? 1 : 0;
     }
 
-    /// Inserts `e` in front of the first element that it goes before; returns 1.
+    /// Inserts `e` before the first element for which `compare(e, element)` is 1; returns 1.
     int insert(T* e) {
         if (index_revision_ != this->revision) rebuild_index();
         if (!index_valid_) {
@@ -268,8 +268,8 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         bool operator()(T* a, const Node* b) const { return order(a, b->elem) < 0; }
     };
 
-    // An element whose key changed while it was in the list may leave the list out of order; the index cannot
-    // stand for such a list, and walking places the new element as it always did.
+    // When an element's key changed while it was in the list, the list may be unsorted. Such a list cannot
+    // have an index; a new element's place is then found by walking.
     void rebuild_index() {
         index_.clear();
         index_valid_ = true;
@@ -304,7 +304,7 @@ void delete_elements(List& list) {
     list.clear();
 }
 
-/// Owns the elements of a list for the length of a scope.
+/// Owns the elements of a list during a scope.
 template <class List>
 class ElementsOwner {
   public:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The list of strings, with the two conveniences that the font-directory files need.
+// The list of strings, with two operations that the font-directory files need.
 #pragma once
 
 #include "core/gw_list.h"

@@ -2,8 +2,8 @@
 //
 // A string that can be cut into tokens, and tokens that can be turned into ids.
 //
-// Tokenising has the one hidden position of `strtok`: starting on one string ends what was going on with
-// another. Only the string that was started last may be asked for its next token.
+// Tokenising uses the single hidden position of `strtok`: starting with one string ends the tokenising of any
+// other. Only the string that was started last may be asked for its next token.
 #pragma once
 
 #include <memory>
@@ -18,8 +18,8 @@ class GW_TOKEN_STRING : public GW_STRING {
     explicit GW_TOKEN_STRING(const char* s);
 
     /// Starts tokenising the working copy at any of the characters `delims` and returns the first token, or
-    /// null. A second start without `reset_str(nullptr)` in between sees the copy already cut behind its
-    /// first token.
+    /// null. A second start without `reset_str(nullptr)` in between sees only the first token, because the
+    /// copy was cut after it.
     const char* get_first_token(const char* delims);
     /// The same; also stores the token in `dst`, which is left alone when there is none.
     const char* get_first_token(std::string& dst, const char* delims);

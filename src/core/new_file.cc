@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The file at PATH is made as ".NAME.gwtmp"; the one that it replaces waits as ".NAME.gwold".
+// The file NAME is made as ".NAME.gwtmp"; the file that it replaces is set aside as ".NAME.gwold".
 #include "core/new_file.h"
 
 #include <fcntl.h>
@@ -97,7 +97,7 @@ bool NewFile::finish() {
     if (replaces && ::stat(path.c_str(), &old) == 0 && ::fstat(fd, &made) == 0 && old.st_uid != made.st_uid) {
         [[maybe_unused]] const int kept = ::fchown(fd, old.st_uid, old.st_gid);
     }
-    // An index that names the file may reach the disk before it does.
+    // Otherwise an index that names the file could reach the disk before the file.
     if (::fchmod(fd, NEW_FILE_MODE) != 0 || ::fdatasync(fd) != 0) fail();
     close();
     return failure == 0;
@@ -114,7 +114,7 @@ bool NewFile::put_in_place() {
         fail();
         if (replaces) {
             std::rename(old_file.c_str(), path.c_str());
-            ::unlink(old_file.c_str());  // where it was a second link, that move did nothing
+            ::unlink(old_file.c_str());  // between two links to the same file `rename` does nothing
         }
         return false;
     }

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// A file that comes into being whole or not at all. Its bytes go to a hidden temporary file in the same
-// directory, which takes the name over when all of them are written; what bore the name until then is kept
-// aside until the caller has done everything else and says so.
+// A file that appears complete or not at all. Its bytes go to a hidden temporary file in the same directory,
+// which is renamed when all of them are written. The old file of that name is set aside until the caller says
+// that everything else is done.
 #pragma once
 
 #include <string>
@@ -10,20 +10,20 @@
 
 namespace gw {
 
-/// The name under which a file in the making, or one that is set aside, stands beside the file at `path`:
-/// hidden, and the same every time, so that what an interrupted run left behind is found and replaced.
+/// The hidden name, beside the file at `path`, of a file that is being made or was set aside. It is the same
+/// every time, so that the file of an interrupted run is found and replaced.
 std::string hidden_name(const std::string& path, const char* suffix);
 
-/// Keeps the file at `path` under the other name of the same file system, by a second link or, where links
-/// are not to be had, by a move. False, with `errno` set, when neither can be done.
+/// Keeps the file at `path` under another name on the same file system: as a second link, or by renaming
+/// where links are not possible. False, with `errno` set, when neither can be done.
 [[nodiscard]] bool set_aside(const std::string& path, const std::string& other_name);
 
 class NewFile {
   public:
-    /// Begins the file that is to stand at `path`. A file that is there already and may not be written, or is
-    /// no file, is not replaced; `error` then says why.
+    /// Begins the new file for `path`. An existing file that may not be written, or a directory, is not
+    /// replaced; `error` then says why.
     explicit NewFile(const std::string& path);
-    /// Takes back what was not kept.
+    /// Undoes everything unless `keep` was called.
     ~NewFile();
     NewFile(NewFile&& other) noexcept;
     NewFile(const NewFile&) = delete;
@@ -32,18 +32,18 @@ class NewFile {
 
     /// Appends bytes. After a failure everything that follows fails too.
     bool write(std::string_view bytes);
-    /// Writes out what is pending and gives the file the permissions 0644 and, where the system allows it,
-    /// the owner of the one that it replaces. False when it is not whole.
+    /// Writes the file to the disk, and gives it the permissions 0644 and, where the system allows it, the
+    /// owner of the file that it replaces. False when the file is not complete.
     [[nodiscard]] bool finish();
-    /// Gives the finished file its name; what stood there is kept aside.
+    /// Gives the finished file its name; an old file of that name is set aside.
     [[nodiscard]] bool put_in_place();
-    /// Makes it final. Without this the destructor puts everything back as it was.
+    /// Makes the new file final. Without this the destructor restores the old state.
     void keep();
 
     /// The `errno` of the first failure; 0 when there was none.
     [[nodiscard]] int error() const { return failure; }
     [[nodiscard]] const std::string& get_path() const { return path; }
-    /// Whether the finished file, not yet in place, replaces one of other content.
+    /// Whether the finished file, which is not in place yet, will replace a file with other content.
     [[nodiscard]] bool changes_a_file() const;
 
   private:

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Shared ownership for the records that several lists and the pending conflicts refer to at once: fonts and
-// name elements. The count lives in the record, so a plain pointer that comes back through one of the
-// old-style interfaces can always be turned into an owner again. One thread, hence a plain integer.
+// name elements. The count is in the record, so a plain pointer from one of the older interfaces can always
+// be made an owner again. It is a plain integer because the program has one thread.
 #pragma once
 
 #include <cstddef>
@@ -34,9 +34,9 @@ template <class T>
 class Ref {
   public:
     Ref() = default;
-    Ref(T* record) : record_(record) {
-        acquire();
-    }  // NOLINT(google-explicit-constructor): a pointer is one owner more
+    /// Becomes one more owner of `record`. Not explicit, so that a pointer can be passed where a `Ref` is
+    /// wanted.
+    Ref(T* record) : record_(record) { acquire(); }
     Ref(const Ref& other) : record_(other.record_) { acquire(); }
     Ref(Ref&& other) noexcept : record_(std::exchange(other.record_, nullptr)) {}
     ~Ref() { release(); }
@@ -46,13 +46,13 @@ class Ref {
         return *this;
     }
 
-    /// Takes over an owner that `leave` left behind.
+    /// Takes over the ownership that a call of `leave` left behind.
     static Ref adopt(T* record) {
         Ref owner(record);
         if (record != nullptr) --record->owners_;
         return owner;
     }
-    /// Gives the record up without releasing it: one `adopt` is owed.
+    /// Forgets the record without releasing it; a later `adopt` must take over this ownership.
     void leave() { record_ = nullptr; }
 
     [[nodiscard]] T* get() const { return record_; }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The temporary file of FILE is ".FILE.gwtmp": one name per file, so that what an interrupted run left behind
-// is replaced by the next write.
+// The temporary file of FILE is ".FILE.gwtmp". The name is always the same, so that the next write replaces
+// the file of an interrupted run.
 #include "core/replace_file.h"
 
 #include <fcntl.h>
@@ -63,7 +63,8 @@ void move_time_on(int fd, const struct stat& old) {
     ::futimens(fd, times);
 }
 
-/// Writes the new content under the temporary name. False when this directory or owner does not allow it.
+/// Writes the new content to the temporary file. False when the directory does not allow it, or the owner
+/// cannot be kept.
 bool write_temporary(const std::string& temporary, std::string_view bytes, const struct stat* old,
                      mode_t mode) {
     ::unlink(temporary.c_str());
@@ -83,14 +84,14 @@ bool write_in_place(const std::string& path, std::string_view bytes, const struc
                     std::optional<mode_t> mode) {
     const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
     if (!file.is_open()) return false;
-    // Growing first finds a full disk before any byte of the old content is overwritten.
+    // Growing the file first finds out whether the disk is full, before the old content is overwritten.
     const auto size = static_cast<off_t>(bytes.size());
     if (size > old.st_size && ::posix_fallocate(file.get(), 0, size) != 0) {
         (void)::ftruncate(file.get(), old.st_size);
         return false;
     }
     if (!write_all(file.get(), bytes) || ::ftruncate(file.get(), size) != 0) return false;
-    // Someone else's file keeps its bits; its owner's wish outweighs ours.
+    // Only the owner can change the mode; somebody else's file keeps its mode.
     if (mode && ::fchmod(file.get(), *mode) != 0 && errno != EPERM) return false;
     move_time_on(file.get(), old);
     return ::fsync(file.get()) == 0;
@@ -118,8 +119,7 @@ bool replace_file(const std::string& path, std::string_view bytes, std::optional
     struct stat old {};
     const bool exists = ::lstat(path.c_str(), &old) == 0;
     const bool replaceable = !exists || (S_ISREG(old.st_mode) && old.st_nlink == 1);
-    // A file that we may not write is refused, even where the directory would let us put another in its
-    // place.
+    // A file that we may not write is refused, even where the directory would let us replace it.
     if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return false;
     if (replaceable) {
         const std::string temporary = hidden_name(path, ".gwtmp");

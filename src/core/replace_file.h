@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// How every small file of the system is rewritten. To readers the file changes in place: same name, owner and
-// mode. To a crash the change is atomic: the new bytes go to a hidden temporary file in the same directory,
-// are synchronised, and take the name over. Where the directory does not allow that, or the file has other
-// links, it is one positioned write and one truncation.
+// How every small file of the system is rewritten. For readers the file changes in place, with the same name,
+// owner and mode. In case of a crash the change is atomic: the new bytes go to a hidden temporary file in the
+// same directory, which is synchronised and renamed. Where the directory does not allow that, or the file has
+// other links, the file is overwritten and truncated.
 #pragma once
 
 #include <sys/types.h>
@@ -14,13 +14,13 @@
 
 namespace gw {
 
-/// The bytes of a regular file; nothing when it cannot be read.
+/// The bytes of a regular file; no value when it cannot be read.
 [[nodiscard]] std::optional<std::string> read_file(const std::string& path);
 
 /// Gives the file at `path` the content `bytes`, creating it when it is missing (mode 0644 unless `mode` is
 /// given). An existing file keeps its owner, and its permission bits unless `mode` is given. Its modification
-/// time moves on by at least one whole second, which is what the X server looks at before it rereads an
-/// index. Returns false, with the old content in place, when that failed.
+/// time grows by at least one whole second, because the X server compares whole seconds to decide whether it
+/// rereads an index. Returns false, with the old content in place, when that failed.
 [[nodiscard]] bool replace_file(const std::string& path, std::string_view bytes,
                                 std::optional<mode_t> mode = {});
 

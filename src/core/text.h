@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Bounded text: the only way in which this program fills a fixed buffer, and the few string operations that
-// several files need. Everything truncates and terminates; nothing overruns.
+// The only function with which this program fills fixed buffers, and the string operations that several files
+// need. The copy truncates and terminates, and never writes beyond the buffer.
 #pragma once
 
 #include <cstddef>
