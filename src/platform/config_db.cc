@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Xlib's resource manager parses and holds the attributes. The text is composed here, because the manager
-// writes in hash order and in place.
+// Xlib's resource manager parses and holds the attributes. The text is written here, because the manager
+// would write it in hash order and not atomically.
 #include "platform/config_db.h"
 
 #include <sys/stat.h>
@@ -42,7 +42,7 @@ std::optional<OpenDatabase>& current() {
     return database;
 }
 
-/// Dots and asterisks in a part of a key would be read as separators.
+/// Replaces characters that the resource manager would read as separators or wildcards.
 std::string key_of(std::string_view class_name, std::string_view instance, std::string_view attribute) {
     std::string key;
     for (const std::string_view part : {class_name, instance, attribute}) {
@@ -87,7 +87,7 @@ Bool collect_line(XrmDatabase*, XrmBindingList bindings, XrmQuarkList quarks, Xr
     }
     const std::size_t length = value->size > 0 ? value->size - 1 : 0;
     const std::string text = escaped({static_cast<const char*>(value->addr), length});
-    // The last argument is the caller's own vector, handed through the manager as a byte pointer.
+    // The resource manager passes the caller's vector as a byte pointer.
     auto* collected = reinterpret_cast<std::vector<std::string>*>(lines);
     collected->push_back(key + ":\t" + text + '\n');
     return False;
@@ -103,7 +103,7 @@ std::vector<std::string> lines_of(const Database& attributes) {
     return lines;
 }
 
-/// Whether nothing but blanks and comments stands in the text.
+/// Whether the text has only blanks and comments.
 bool is_blank(std::string_view text) {
     while (!text.empty()) {
         const std::string_view line = text.substr(0, text.find('\n'));
@@ -114,7 +114,7 @@ bool is_blank(std::string_view text) {
     return true;
 }
 
-/// Directives would have the manager read other files.
+/// Removes directives ("#include"), with which the resource manager would read other files.
 std::string without_directives(std::string_view text) {
     std::string result;
     while (!text.empty()) {
@@ -135,7 +135,7 @@ int config_db_open(const char* path, int, int, int, int) {
         return NEW_OR_EMPTY;
     }
     const std::optional<std::string> bytes = gw::read_file(path);
-    // The manager reads up to a NUL byte, so the rest would be lost by the next write.
+    // The resource manager stops at a NUL byte, so the next write would lose the rest.
     if (!bytes || bytes->find('\0') != std::string::npos) return NOT_A_DATABASE;
     XrmInitialize();
     Database attributes(XrmGetStringDatabase(without_directives(*bytes).c_str()));
@@ -175,7 +175,7 @@ int config_db_close(const char* path) {
     const OpenDatabase database = std::move(*current());
     current().reset();
     if (path == nullptr) return 0;
-    // A database that was only probed goes back as it came, comments included.
+    // A database that was only probed is written back unchanged, comments included.
     std::string text = database.original;
     if (database.changed) {
         text.clear();

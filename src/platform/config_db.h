@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// The window system's configuration database: attributes of instances of classes, kept in a text file in X
-// resource syntax
-// ("XDISPLAY.0.fontpath:<tab>/a/,/b/"). One database is open at a time. Files are written atomically,
-// attributes in alphabetical order.
+// The window system's configuration database: attributes of instances of classes, in a text file with X
+// resource syntax ("XDISPLAY.0.fontpath:<tab>/a/,/b/"). One database is open at a time. Files are written
+// atomically, attributes in alphabetical order.
 #pragma once
 
 /// Opens the database at `path`; the four numbers select access modes and are always 0, 1, 0, 0. Returns 0
-/// when it was read, 1 when the file is new or empty (fit for writing, nothing to read), anything else when
-/// it cannot be read or is no database.
+/// when it was read, 1 when the file is missing or empty (it can be written, but has nothing to read),
+/// anything else when it cannot be read or is no database.
 int config_db_open(const char* path, int, int, int, int);
 
 /// The value of the attribute, or null. Freed with `config_db_free_attribute`.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Every fixed path of the system, named once. No other file spells one.
+// Every fixed path of the system. No other file contains one.
 #pragma once
 
 namespace gw {
@@ -8,8 +8,8 @@ namespace gw {
 // The installation.
 inline constexpr const char* INSTALLATION_ROOT = "/usr/vantor";
 inline constexpr const char* SYSTEM_FONT_DIR = "/usr/vantor/lib/X11/fonts";
-inline constexpr const char* INSTALLATION_BIN = "/usr/vantor/bin";  ///< of the commands that it brings
-inline constexpr const char* MANUAL_DIR = "/usr/vantor/share/man";  ///< of the program's own manual page
+inline constexpr const char* INSTALLATION_BIN = "/usr/vantor/bin";  ///< its commands
+inline constexpr const char* MANUAL_DIR = "/usr/vantor/share/man";  ///< the program's own manual page
 inline constexpr const char* XSET = "/usr/vantor/bin/xset";
 inline constexpr const char* INSTALLATION_CONFIG = "/server/etc/VTconfig";  ///< below the installation root
 inline constexpr const char* LOCALE_FONT_PATH_DIR = "/lib/locale/";         ///< below the installation root
@@ -33,10 +33,11 @@ inline constexpr const char* SCRATCH_TYPE0_DIR = "/tmp/type0/";
 inline constexpr const char* SCRATCH_TYPE3_DIR = "/tmp/type3/";
 inline constexpr const char* SCRATCH_MANUAL = "/tmp/glyphward.man";
 inline constexpr const char* SCRATCH_MANUAL_ERRORS = "/tmp/glyphward_err.man";
-inline constexpr const char* SCRATCH_FONTSETS = "/tmp/Vantor.fs";  ///< named as the file it is a copy of
+inline constexpr const char* SCRATCH_FONTSETS =
+    "/tmp/Vantor.fs";  ///< has the name of the file that it is a copy of
 inline constexpr const char* SCRATCH_ROOT = "/tmp";
 
-// Staging directories of fonts that are previewed before they are installed.
+// Staging directories for the preview of fonts that are not installed yet.
 inline constexpr const char* STAGING_DIR = "/tmp/gw_dir/";
 inline constexpr const char* STAGING_FLOPPY = "/tmp/gw_floppy/";
 inline constexpr const char* STAGING_CDROM = "/tmp/gw_cdrom/";
@@ -48,12 +49,12 @@ inline constexpr const char* CDROM_ROOT = "/cdrom";
 inline constexpr const char* CDROM_MOUNT = "/cdrom/cdrom0/";
 inline constexpr const char* CDROM_MEDIUM_DIR = "/cdrom/cdrom0";
 
-// The superuser's own fonts, and the directory in a home (or there) where fonts go unless the user says
-// otherwise.
+// The directory above the superuser's font directory, and the name of the default font directory, which is
+// below it or below a user's home directory.
 inline constexpr const char* HOST_DIR = "/etc/vantor";
 inline constexpr const char* DEFAULT_INSTALL_DIR = "/glyphwd_fonts";
 
-/// The spooler's directory of printers, each of which is a directory there.
+/// The print spooler's directory; it has a subdirectory for each printer.
 inline constexpr const char* PRINTERS_DIR = "/etc/lp/printers";
 
 // Search paths that start-up sets when the environment has none.

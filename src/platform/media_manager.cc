@@ -2,8 +2,7 @@
 //
 // The service lists its objects as a dictionary of dictionaries (signature "a{oa{sa{sv}}}"): object path,
 // interface, property, value. A block device (/dev/sr0) names the drive that it belongs to, and the drive
-// knows whether there is a medium. Properties that are of no interest, or not of the type they should have,
-// are passed over.
+// knows whether there is a medium. Other properties, and properties of an unexpected type, are skipped.
 #include "platform/media_manager.h"
 
 #include <systemd/sd-bus.h>
@@ -32,14 +31,14 @@ constexpr std::string_view DRIVE = "org.freedesktop.UDisks2.Drive";
 constexpr std::string_view BLOCK = "org.freedesktop.UDisks2.Block";
 
 struct BusCloser {
-    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }  // flushing could wait for ever
+    void operator()(sd_bus* bus) const { sd_bus_close_unref(bus); }  // flushing might wait for ever
 };
 struct MessageReleaser {
     void operator()(sd_bus_message* message) const { sd_bus_message_unref(message); }
 };
 using Message = std::unique_ptr<sd_bus_message, MessageReleaser>;
 
-// One connection, for as long as the patience lasts.
+// One connection to the bus, which lasts no longer than `PATIENCE`.
 class SystemBus {
   public:
     SystemBus() {
@@ -49,7 +48,7 @@ class SystemBus {
         if (!wait_until_ready()) bus_.reset();
     }
 
-    /// The reply to a method without arguments; null when it does not come or is an error.
+    /// The reply to a method without arguments; null when it is an error or does not come in time.
     [[nodiscard]] Message call(const char* destination, const char* path, const char* interface,
                                const char* method) const {
         const std::uint64_t left = time_left();
@@ -63,7 +62,8 @@ class SystemBus {
     }
 
   private:
-    // A call would finish connecting by itself, but waits 90 s for a silent bus, whatever its own time-out.
+    // A method call would finish the connection by itself, but it waits 90 s for a silent bus, whatever its
+    // own time-out is.
     bool wait_until_ready() {
         while (sd_bus_is_ready(bus_.get()) == 0) {
             const std::uint64_t left = time_left();
@@ -77,7 +77,7 @@ class SystemBus {
         return sd_bus_is_ready(bus_.get()) > 0;
     }
 
-    // In microseconds, as the bus library counts; 0 when the patience is at its end.
+    // In microseconds, the unit of the bus library; 0 when the time is over.
     [[nodiscard]] std::uint64_t time_left() const {
         const auto left = std::chrono::duration_cast<microseconds>(end_ - steady_clock::now());
         return static_cast<std::uint64_t>(std::max(left, microseconds::zero()).count());
@@ -87,8 +87,9 @@ class SystemBus {
     std::unique_ptr<sd_bus, BusCloser> bus_;
 };
 
-// Walks the dictionary at the message's place. `signature` is that of an entry, and `read_value` consumes the
-// value that belongs to the key it is given. False when the message is broken or holds something else there.
+// Walks the dictionary at the current place of the message. `signature` is that of an entry, and `read_value`
+// is called with each key and consumes the value. False when the message is broken or has something else
+// here.
 template <class ReadValue>
 bool read_dictionary(sd_bus_message* message, const std::string& signature, ReadValue read_value) {
     if (sd_bus_message_enter_container(message, 'a', ("{" + signature + "}").c_str()) <= 0) return false;
@@ -127,7 +128,7 @@ bool read_object_path(sd_bus_message* variant, std::string& path) {
     return true;
 }
 
-// File names are arrays of bytes that end with NUL.
+// The service gives file names as arrays of bytes that end with NUL.
 bool read_file_name(sd_bus_message* variant, std::string& name) {
     if (!holds(variant, "ay")) return pass_over(variant);
     const void* bytes = nullptr;
@@ -159,7 +160,7 @@ bool read_property(sd_bus_message* message, std::string_view interface, std::str
     return pass_over(message);
 }
 
-// All objects of the service; none when the message is broken or holds something else.
+// All objects of the service; none when the message is broken or has another form.
 std::vector<Object> read_objects(sd_bus_message* message) {
     std::vector<Object> objects;
     const bool whole = read_dictionary(message, "oa{sa{sv}}", [&](const char* path) {

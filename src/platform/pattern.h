@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The seam to the host's pattern matcher (POSIX `regcomp` and `regexec`).
+// The host's pattern matcher (POSIX `regcomp` and `regexec`).
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 namespace gw {
 
 /// A compiled pattern. "." matches any character, "$" anchors at the end; other characters of file names
-/// stand for themselves.
+/// match themselves.
 class Pattern {
   public:
     struct Match {
@@ -24,7 +24,7 @@ class Pattern {
     Pattern(const Pattern&) = delete;
     Pattern& operator=(const Pattern&) = delete;
 
-    /// The first match in `s`; nothing when there is none, or when the pattern could not be compiled.
+    /// The first match in `s`; no value when there is none, or when the pattern could not be compiled.
     [[nodiscard]] std::optional<Match> find(const char* s) const;
 
   private:

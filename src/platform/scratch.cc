@@ -18,7 +18,7 @@ bool create_scratch_file(const char* path) {
     return true;
 }
 
-// Without MFD_CLOEXEC: the commands are to find it open.
+// Without MFD_CLOEXEC, so that the commands inherit it.
 UnnamedScratchFile::UnnamedScratchFile() : fd_(::memfd_create("glyphward", 0)) {}
 
 UnnamedScratchFile::~UnnamedScratchFile() {
@@ -30,7 +30,7 @@ std::string UnnamedScratchFile::path() const {
 }
 
 bool is_foreign_dir(const char* dir) {
-    // With a trailing slash `lstat` would follow a link.
+    // With a trailing slash, `lstat` would follow a link.
     std::string path(dir);
     while (path.size() > 1 && path.ends_with('/')) path.pop_back();
     struct stat info {};

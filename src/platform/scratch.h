@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Scratch files and directories stand under fixed names in a directory that everybody may write, so they are
-// approached with care: what someone else has put under such a name is never used.
+// Scratch files and directories have fixed names in a directory that everybody may write. So the functions
+// here make sure that something that somebody else has put under such a name is never used.
 #pragma once
 
 #include <string>
@@ -12,8 +12,8 @@ namespace gw {
 /// already, a link included.
 [[nodiscard]] bool create_scratch_file(const char* path);
 
-/// A scratch file that stands in no directory: memory, which is gone with the object and which nobody else
-/// has.
+/// A scratch file in memory, without a name in any directory. No other user can open it, and it is gone with
+/// the object.
 class UnnamedScratchFile {
   public:
     UnnamedScratchFile();
@@ -21,19 +21,19 @@ class UnnamedScratchFile {
     UnnamedScratchFile(const UnnamedScratchFile&) = delete;
     UnnamedScratchFile& operator=(const UnnamedScratchFile&) = delete;
 
-    /// Where this process, and a command that it runs meanwhile, may open the file; empty when the system had
-    /// no memory or no file descriptor for it.
+    /// The path by which this process, and commands that it runs, can open the file; empty when the system
+    /// had no memory or no file descriptor for it.
     [[nodiscard]] std::string path() const;
 
   private:
     int fd_;
 };
 
-/// Whether something stands at `dir` that is not a directory of this user's own; a link is not, whatever it
-/// points to.
+/// Whether `dir` exists but is not a directory of this user. A link never counts as one, whatever it points
+/// to.
 [[nodiscard]] bool is_foreign_dir(const char* dir);
 
-/// The same, said in one line on standard error when it is so.
+/// The same, and writes one line to standard error if so.
 [[nodiscard]] bool refuses_foreign_dir(const char* dir);
 
 }  // namespace gw
