@@ -8,9 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "app/main_window/glyphwardapp.h"
 #include "app/program/program_objects.h"
-#include "app/samples/sample_text_cb.h"
 #include "support/temp_dir.h"
 #include "widget/widget_test_support.h"
 

@@ -7,9 +7,11 @@
 #include <chrono>
 #include <cstdlib>
 
-#include "app/kit/gw_gui_util.h"
-#include "app/program/program_objects.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/kit/events.h"
+#include "app/kit/handles.h"
+#include "app/kit/menus.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "app/start/main_start.h"
 
 // X headers come last.

@@ -10,7 +10,7 @@
 
 #include "app/common/dirdlg.h"
 #include "app/common/progressdlg.h"
-#include "app/conflicts/conflict_lists.h"
+#include "app/common/status_line.h"
 #include "app/conflicts/conflictdlg.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/deleting/delwarningdlg.h"
@@ -19,8 +19,14 @@
 #include "app/installing/installdlg.h"
 #include "app/installing/rmediadlg.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/conflict_lists.h"
+#include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
+#include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
 
 #include "widget/work_test_support.h"

@@ -7,7 +7,10 @@
 #include <system_error>
 #include <vector>
 
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
 
 #include <Xm/FileSB.h>
 #include <Xm/List.h>

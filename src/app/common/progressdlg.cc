@@ -3,8 +3,13 @@
 
 #include <algorithm>
 
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/events.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 
 #include <Xm/Form.h>
 #include <Xm/Scale.h>

@@ -1,7 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/common/warningdlg.h"
 
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
 
 #include <Xm/MessageB.h>
 

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/common/workingdlg.h"
 
-#include "app/kit/gw_gui_util.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/events.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
 
 #include <Xm/MessageB.h>
 

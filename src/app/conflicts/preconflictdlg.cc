@@ -3,13 +3,16 @@
 
 #include <string>
 
-#include "app/conflicts/conflict_lists.h"
+#include "app/common/status_line.h"
 #include "app/conflicts/conflictdlg.h"
 #include "app/font_path/fpinfodlg.h"
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/main_window/glyphwardapp.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
+#include "app/program/conflict_lists.h"
 #include "app/program/program_objects.h"
-#include "app/samples/sample_text_cb.h"
 
 #include <Xm/Form.h>
 

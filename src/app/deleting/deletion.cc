@@ -4,15 +4,18 @@
 #include <vector>
 
 #include "app/common/progressdlg.h"
-#include "app/conflicts/conflict_lists.h"
+#include "app/common/status_line.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/deleting/delwarningdlg.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/main_window/glyphwardapp.h"
+#include "app/kit/lists.h"
+#include "app/kit/messages.h"
+#include "app/kit/toolkit.h"
+#include "app/program/conflict_lists.h"
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/installed_list.h"
 
 #include <Xm/List.h>
 

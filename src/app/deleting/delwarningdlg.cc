@@ -3,7 +3,9 @@
 
 #include <utility>
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
 
 #include <Xm/MessageB.h>
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/font_path/fpinfodlg.h"
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/messages.h"
 
 #include <Xm/MessageB.h>
 

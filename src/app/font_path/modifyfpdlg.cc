@@ -9,11 +9,16 @@
 
 #include "app/common/dirdlg.h"
 #include "app/common/warningdlg.h"
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/main_window/glyphwardapp.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
 
 #include <Xm/Form.h>

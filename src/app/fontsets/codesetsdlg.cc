@@ -5,7 +5,11 @@
 
 #include "app/fontsets/codesets.h"
 #include "app/fontsets/fontsetsdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
 
 #include <Xm/Form.h>

@@ -3,9 +3,15 @@
 #include <vector>
 
 #include "app/fontsets/fontsetsdlg.h"
+#include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/events.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "fontfiles/gw_fontset.h"
 
 #include <Xm/Form.h>
@@ -90,6 +96,7 @@ Widget create_delete_set_dlg(const char* name, Widget parent) {
     activate(wi_delete_set_dlg_delete_button, 0);
     XtVaSetValues(wi_delete_set_dlg, XmNcancelButton, buttons[1], nullptr);
     gw::on_close_box(wi_delete_set_dlg, cancel_cb);
+    gw::BusyWindows::include(wi_delete_set_dlg);
     return wi_delete_set_dlg;
 }
 

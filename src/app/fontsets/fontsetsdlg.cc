@@ -6,10 +6,17 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/events.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/menus.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/sample_field.h"
 #include "fontfiles/gw_fontset.h"
 #include "model/gw_font.h"
 #include "platform/host_paths.h"
@@ -410,6 +417,7 @@ Widget create_fontsets_dlg(const char* name, Widget parent) {
     create_list_and_sample(wi_fontsets_dlg, line, create_buttons(wi_fontsets_dlg));
     XtVaSetValues(wi_fontsets_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     gw::on_close_box(wi_fontsets_dlg, cancel_cb);
+    gw::BusyWindows::include(wi_fontsets_dlg);
     create_delete_set_dlg("delete_set_dlg", parent);
     create_new_set_dlg("new_set_dlg", parent);
     create_sample_text_dlg("sample_text_dlg", parent);

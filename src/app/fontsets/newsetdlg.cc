@@ -3,7 +3,11 @@
 #include <vector>
 
 #include "app/fontsets/fontsetsdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "fontfiles/gw_fontset.h"
 #include "model/gw_font.h"
 

@@ -6,7 +6,10 @@
 
 #include "app/installing/rmediadlg.h"
 #include "app/kit/busy_windows.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/messages.h"
+#include "app/kit/toolkit.h"
 #include "app/program/program_objects.h"
 #include "app/samples/attrdlg.h"
 

@@ -13,16 +13,30 @@
 
 #include "app/common/dirdlg.h"
 #include "app/common/progressdlg.h"
-#include "app/conflicts/conflict_lists.h"
+#include "app/common/status_line.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/installing/font_source.h"
 #include "app/installing/rmediadlg.h"
+#include "app/kit/attach.h"
+#include "app/kit/busy_windows.h"
+#include "app/kit/callbacks.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/main_window/glyphwardapp.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/messages.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
+#include "app/program/conflict_lists.h"
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
+#include "app/samples/font_lists.h"
+#include "app/samples/installed_list.h"
+#include "app/samples/sample_field.h"
+#include "app/samples/sample_record.h"
+#include "app/samples/sample_text.h"
 #include "app/samples/sample_text_cb.h"
 #include "platform/host_paths.h"
 
@@ -434,13 +448,6 @@ Widget create_install_dlg(const char* name, Widget parent) {
     set_default_destination();
     XtAddCallback(XtParent(wi_install_dlg), XmNpopupCallback, installdlg::popup_cb, nullptr);
     gw::on_close_box(wi_install_dlg, cancel_cb);
+    gw::BusyWindows::include(wi_install_dlg);
     return wi_install_dlg;
-}
-
-void show_installation_to_server(const char* dir) {
-    if (uid != 0) {
-        GW_DIR(dir).make_upr_file(0, nullptr);
-        the_installed_fonts_driver.set_font_path(dir);
-    }
-    the_font_path->rehash_session_fp();
 }

@@ -10,11 +10,6 @@ extern Widget wi_install_dlg;
 
 Widget create_install_dlg(const char* name, Widget parent);
 
-/// What an installation into `dir` means to the running server. An ordinary user's directory gets its
-/// resource file and goes on the font path of the user and of the session; in every case the server rereads
-/// its directories, for `dir` may have been among them before.
-void show_installation_to_server(const char* dir);
-
 namespace installdlg {
 
 /// What the chooser of directories and the media dialog report.

@@ -4,7 +4,13 @@
 #include <unistd.h>
 
 #include "app/common/warningdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/attach.h"
+#include "app/kit/busy_windows.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/handles.h"
+#include "app/kit/menus.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "platform/host_paths.h"
 #include "platform/media_manager.h"
 #include "platform/shell_command.h"
@@ -115,6 +121,7 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
         .right_of(menu, 2 * GAP)
         .right_form(2 * GAP);
     gw::on_close_box(wi_rmedia_dlg, close_cb);
+    gw::BusyWindows::include(wi_rmedia_dlg);
     return wi_rmedia_dlg;
 }
 

@@ -1,15 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "app/kit/busy_windows.h"
 
+#include <algorithm>
 #include <utility>
 
-#include "app/fontsets/fontsetsdlg.h"
-#include "app/installing/installdlg.h"
-#include "app/installing/rmediadlg.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/main_window/glyphwardapp.h"
-#include "app/printer/printerdlg.h"
-#include "app/samples/attrdlg.h"
 
 namespace gw {
 
@@ -24,6 +19,10 @@ BusyWindows::~BusyWindows() {
     for (Widget w : std::exchange(retired, {})) XtDestroyWidget(w);
 }
 
+void BusyWindows::include(const Widget& window) {
+    if (std::find(windows.begin(), windows.end(), &window) == windows.end()) windows.push_back(&window);
+}
+
 void BusyWindows::destroy(Widget w) {
     if (depth > 0) {
         retired.push_back(w);
@@ -33,9 +32,9 @@ void BusyWindows::destroy(Widget w) {
 }
 
 void BusyWindows::show(int on) {
-    for (Widget w : {wi_mainwindow, wi_install_dlg, wi_rmedia_dlg, wi_attr_dlg, wi_pr_install_dlg,
-                     wi_fontsets_dlg, wi_delete_set_dlg})
-        set_watch_cursor(w, on);
+    // Events are served on the way.
+    const std::vector<const Widget*> all = windows;
+    for (const Widget* w : all) set_watch_cursor(*w, on);
 }
 
 }  // namespace gw

@@ -18,12 +18,17 @@ class BusyWindows {
     BusyWindows(const BusyWindows&) = delete;
     BusyWindows& operator=(const BusyWindows&) = delete;
 
+    /// From now on the window that is in this variable, which lives for the whole run, shows the cursor too
+    /// while it is managed.
+    static void include(const Widget& window);
+
     /// Destroys the widget, now or when the last scope ends.
     static void destroy(Widget w);
 
   private:
     static void show(int on);
     static inline int depth = 0;
+    static inline std::vector<const Widget*> windows;
     static inline std::vector<Widget> retired;
 };
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/kit/messages.h"
 
-#include <nl_types.h>
-
 #include <array>
 #include <cstddef>
 

@@ -3,8 +3,12 @@
 // The texts for users, looked up in the message catalogue. The table is messages.def.
 #pragma once
 
+#include <nl_types.h>
+
 #include <span>
 #include <string>
+
+extern nl_catd catd;  ///< the open message catalogue; -1 without one
 
 namespace gw {
 

@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/main_window/aboutdlg.h"
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/messages.h"
 
 #include <Xm/MessageB.h>
 

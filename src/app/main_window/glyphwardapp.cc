@@ -5,12 +5,22 @@
 #include <initializer_list>
 #include <string>
 
+#include "app/common/status_line.h"
 #include "app/deleting/deletion.h"
 #include "app/font_path/modifyfpdlg.h"
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/installing/font_source.h"
 #include "app/installing/installdlg.h"
+#include "app/kit/attach.h"
+#include "app/kit/busy_windows.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/menus.h"
+#include "app/kit/messages.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "app/main_window/aboutdlg.h"
 #include "app/main_window/helpdlg.h"
 #include "app/main_window/propsdlg.h"
@@ -18,8 +28,7 @@
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
-#include "app/samples/rc_sample_text.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/installed_list.h"
 
 #include <Xm/CascadeB.h>
 #include <Xm/Form.h>
@@ -29,9 +38,6 @@
 #include <Xm/RowColumn.h>
 
 Widget wi_mainwindow = nullptr;
-Widget wi_hrn_list = nullptr;
-Widget wi_installed_sample_textfield = nullptr;
-Widget wi_main_window_status_label = nullptr;
 
 namespace {
 
@@ -39,17 +45,12 @@ using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 8;
-constexpr int VISIBLE_NAMES = 12;
 
 Widget wi_delete_entry, wi_install_entry, wi_attributes_entry, wi_exit_entry;
 Widget wi_modify_fp_entry, wi_fontsets_entry, wi_properties_entry;
 Widget wi_pr_install_entry, wi_pr_delete_entry, wi_pr_modify_fp_entry;
 Widget wi_help_entry, wi_about_entry;
-Widget wi_delete_button, wi_attributes_button, wi_disk_space_val;
-gw::OptionMenu size_option_menu, res_option_menu;
-
-sample_text_cb_struct installed_sample;
-constexpr XtCallbackProc SHOW_SAMPLE = gw::thunk<sample_text_cb_struct, hrn_list_sample_cb>;
+Widget wi_delete_button, wi_attributes_button;
 
 // --- menus -------------------------------------------------------------------
 
@@ -129,36 +130,6 @@ Widget create_menu_bar(Widget main_window) {
 
 // --- work area ---------------------------------------------------------------
 
-// The list takes what height there is; sample and menus keep to the bottom.
-void create_font_list(Widget parent) {
-    Widget title = gw::label(parent, "_fontlist_label", Message::INSTALLED_FONTS);
-    Attach(title).top_form(GAP).left_form(GAP);
-    wi_hrn_list = gw::scrolled_list(parent, "_hrn_list");
-    XtVaSetValues(wi_hrn_list, XmNvisibleItemCount, VISIBLE_NAMES, nullptr);
-    wi_installed_sample_textfield = gw::text_field(parent, "_sample_textfield");
-
-    Widget size_label = gw::label(parent, "_size_option_label", Message::SIZE_LABEL);
-    size_option_menu = gw::option_menu(parent, "_size_option_menu", "sizeMenu", "8");
-    Widget res_label = gw::label(parent, "_res_option_label", Message::RESOLUTION_LABEL);
-    res_option_menu = gw::option_menu(parent, "_res_option_menu", "resMenu", "75 X 75");
-    activate(size_option_menu.menu, 0);
-    activate(res_option_menu.menu, 0);
-
-    Attach(size_label).left_form(GAP).bottom_form(GAP + 7);
-    Attach(size_option_menu.menu).right_of(size_label, 0).bottom_form(GAP);
-    Attach(res_label).right_of(size_option_menu.menu, 3 * GAP).bottom_form(GAP + 7);
-    Attach(res_option_menu.menu).right_of(res_label, 0).bottom_form(GAP);
-    Attach(wi_installed_sample_textfield).sides(GAP).above(size_option_menu.menu, GAP);
-    Attach(XtParent(wi_hrn_list)).below(title, 2).sides(GAP).above(wi_installed_sample_textfield, GAP);
-}
-
-void create_disk_space_line(Widget parent, Widget below) {
-    Widget text = gw::label(parent, "_disk_space_label", Message::DISK_SPACE_LABEL);
-    wi_disk_space_val = gw::label(parent, "_disk_space_val", " ");
-    Attach(text).left_form(GAP).above(below, GAP);
-    Attach(wi_disk_space_val).right_of(text, 0).right_form(GAP).above(below, GAP);
-}
-
 Widget create_commands(Widget parent) {
     Widget commands = gw::form(parent, "_command_form");
     Attach(commands).sides(0).bottom_form(GAP);
@@ -175,17 +146,13 @@ Widget create_work_area(Widget main_window) {
     Widget commands = create_commands(form);
     Widget line = gw::separator(form, "_command_seperator");
     Attach(line).sides(0).above(commands, GAP);
-    create_disk_space_line(form, line);
-    create_font_list(font_list);
-    Attach(font_list).top_form(0).sides(0).above(wi_disk_space_val, GAP);
+    Widget disk_space = gw::create_disk_space_line(form, line);
+    gw::create_installed_list(font_list);
+    Attach(font_list).top_form(0).sides(0).above(disk_space, GAP);
     return form;
 }
 
-// --- selection ---------------------------------------------------------------
-
-void clear_status_label_cb(Widget, XtPointer, XtPointer) {
-    update_label(wi_main_window_status_label, " ", nullptr);
-}
+// --- what may be done ---------------------------------------------------------------
 
 void activate_delete(bool on) {
     for (Widget w : {wi_delete_entry, wi_delete_button})
@@ -196,43 +163,19 @@ void activate_attributes(bool on) {
     for (Widget w : {wi_attributes_entry, wi_attributes_button}) activate(w, on ? 1 : 0);
 }
 
-void hrn_list_deactivate_cb(Widget list, XtPointer, XtPointer) {
-    activate_selection_controls(gw::selected_count(list));
+void selection_changed(int selected) {
+    const gw::SelectionRights rights = gw::selection_rights(selected);
+    activate_delete(rights.may_delete);
+    activate_attributes(rights.may_show_attributes);
 }
 
-// The sum ends at the first position that is not below the number of fonts: aliases add nothing, and neither
-// does the last font.
-void calc_disk_space_cb(Widget list, XtPointer, XtPointer) {
-    unsigned kilobytes = 0;
-    for (const int position : gw::selected_positions(list)) {
-        if (position >= the_installed_hrn_count) break;
-        kilobytes += the_installed_hrn_list.get_disk_space(static_cast<unsigned>(position));
+void work_permitted(bool permitted) {
+    activate(wi_install_entry, permitted ? 1 : 0);
+    if (permitted) {
+        selection_changed(gw::selected_count(wi_hrn_list));
+    } else {
+        activate_delete(false);
     }
-    update_label(wi_disk_space_val, gw::text_of(Message::KILOBYTES, kilobytes).c_str(), nullptr);
-}
-
-std::string current_choice(Widget option_menu) {
-    Widget button = nullptr;
-    XtVaGetValues(option_menu, XmNmenuHistory, &button, nullptr);
-    return button != nullptr ? gw::label_of(button) : std::string();
-}
-
-// From the last font's position on, the entry counts as an alias.
-void attr_dlg_cb(Widget, XtPointer, XtPointer) {
-    const std::vector<int> positions = gw::selected_positions(wi_hrn_list);
-    if (positions.empty()) return;
-    const int position = positions.front();
-    if (position >= the_installed_hrn_count) {
-        const GWAlias* alias = the_alias_list.get_elem_at_pos(position - the_installed_hrn_count + 1);
-        if (alias != nullptr) show_alias_attributes(alias);
-        return;
-    }
-    const GWHRNElement* elem = the_installed_hrn_list.get_elem_at_pos(position);
-    if (elem == nullptr) return;
-    const std::string decipoints = chosen_decipoints(*elem, current_choice(size_option_menu.menu));
-    const std::string resolution = current_choice(res_option_menu.menu);
-    const gw::Ref<GWFont> font(elem->get_font(decipoints.c_str(), resolution.c_str()));
-    if (font) show_font_attributes(font.get(), nullptr);
 }
 
 // --- other callbacks ---------------------------------------------------------
@@ -288,21 +231,6 @@ void props_dlg_cb(Widget, XtPointer, XtPointer) {
     start_props_dlg();
 }
 
-void set_installed_sample_text_cb_struct() {
-    installed_sample = {};
-    installed_sample.sample_field = wi_installed_sample_textfield;
-    installed_sample.size_menu = size_option_menu.menu;
-    installed_sample.res_menu = res_option_menu.menu;
-    installed_sample.res_pulldown = res_option_menu.pulldown;
-    installed_sample.size_pulldown = size_option_menu.pulldown;
-    installed_sample.list = wi_hrn_list;
-    installed_sample.hrn_list = &the_installed_hrn_list;
-}
-
-void add_selection_callback(XtCallbackProc callback, XtPointer client_data) {
-    XtAddCallback(wi_hrn_list, XmNextendedSelectionCallback, callback, client_data);
-}
-
 void attach_callbacks() {
     XtAddCallback(wi_install_entry, XmNactivateCallback, install_dlg_cb, nullptr);
     XtAddCallback(wi_delete_entry, XmNactivateCallback, delete_btn_cb, nullptr);
@@ -314,56 +242,19 @@ void attach_callbacks() {
     XtAddCallback(wi_pr_install_entry, XmNactivateCallback, pr_install_dlg_cb, nullptr);
     XtAddCallback(wi_pr_delete_entry, XmNactivateCallback, pr_delete_dlg_cb, nullptr);
     XtAddCallback(wi_pr_modify_fp_entry, XmNactivateCallback, pr_modify_fp_dlg_cb, nullptr);
-    XtAddCallback(wi_attributes_entry, XmNactivateCallback, attr_dlg_cb, nullptr);
-    XtAddCallback(wi_attributes_button, XmNactivateCallback, attr_dlg_cb, nullptr);
+    XtAddCallback(wi_attributes_entry, XmNactivateCallback, gw::show_selected_attributes_cb, nullptr);
+    XtAddCallback(wi_attributes_button, XmNactivateCallback, gw::show_selected_attributes_cb, nullptr);
     XtAddCallback(wi_exit_entry, XmNactivateCallback, exit_btn_cb, nullptr);
     XtAddCallback(wi_properties_entry, XmNactivateCallback, props_dlg_cb, nullptr);
-    XtAddCallback(wi_installed_sample_textfield, XmNvalueChangedCallback, set_sample_text_cb, nullptr);
-    add_selection_callback(SHOW_SAMPLE, &installed_sample);
-    add_selection_callback(clear_status_label_cb, nullptr);
-    add_selection_callback(hrn_list_deactivate_cb, &installed_sample);
-    add_selection_callback(calc_disk_space_cb, nullptr);
     gw::on_close_box(wi_mainwindow, exit_btn_cb);
-
-    update_wi_installed_hrn_list();
-    init_sample_text_cb_module();
-    set_installed_sample_text_cb_struct();
-    activate_selection_controls(0);
+    gw::selection_changes().connect(selection_changed);
+    gw::work_permissions().connect(work_permitted);
+    gw::start_installed_list();
     // The sample text belongs to a user.
     if (uid == 0) activate(wi_properties_entry, 0);
 }
 
 }  // namespace
-
-void activate_selection_controls(int selected) {
-    const gw::SelectionRights rights = gw::selection_rights(selected);
-    activate_delete(rights.may_delete);
-    activate_attributes(rights.may_show_attributes);
-}
-
-void forget_selection() {
-    XmListDeselectAllItems(wi_hrn_list);
-    clear_sample_textfield(wi_installed_sample_textfield);
-    for (Widget w : {size_option_menu.menu, res_option_menu.menu, wi_installed_sample_textfield})
-        activate(w, 0);
-    update_label(wi_disk_space_val, " ", nullptr);
-    activate_selection_controls(0);
-}
-
-void show_main_samples_last() {
-    XtRemoveCallback(wi_hrn_list, XmNextendedSelectionCallback, SHOW_SAMPLE, &installed_sample);
-    add_selection_callback(SHOW_SAMPLE, &installed_sample);
-}
-
-void forbid_other_work() {
-    activate(wi_install_entry, 0);
-    activate_delete(false);
-}
-
-void permit_other_work() {
-    activate(wi_install_entry, 1);
-    activate_selection_controls(gw::selected_count(wi_hrn_list));
-}
 
 void exit_btn_cb(Widget, XtPointer, XtPointer) {
     gw::stop_source_preview();
@@ -380,6 +271,7 @@ void create_font_admin_main_window() {
     wi_main_window_status_label = gw::label(wi_mainwindow, "_status_message", " ");
     XtVaSetValues(wi_mainwindow, XmNmenuBar, menu_bar, XmNworkWindow, work_area, XmNmessageWindow,
                   wi_main_window_status_label, nullptr);
+    gw::BusyWindows::include(wi_mainwindow);
     attach_callbacks();
     XtManageChild(wi_mainwindow);
     XmProcessTraversal(wi_hrn_list, XmTRAVERSE_CURRENT);

@@ -11,7 +11,11 @@
 #include <optional>
 #include <string>
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"

@@ -3,9 +3,14 @@
 
 #include <string>
 
+#include "app/kit/attach.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "app/samples/rc_sample_text.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/sample_text.h"
 
 #include <Xm/Form.h>
 #include <Xm/TextF.h>

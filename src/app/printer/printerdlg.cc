@@ -8,11 +8,18 @@
 #include "app/common/dirdlg.h"
 #include "app/installing/font_source.h"
 #include "app/installing/rmediadlg.h"
+#include "app/kit/attach.h"
+#include "app/kit/busy_windows.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/lists.h"
+#include "app/kit/menus.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/font_lists.h"
 #include "core/gw_dir.h"
 #include "core/gw_fspec_list.h"
 #include "platform/host_paths.h"
@@ -244,6 +251,7 @@ Widget create_pr_install_dlg(const char* name, Widget parent) {
     rows.end();
     XtVaSetValues(dialog, XmNcancelButton, buttons[3], XmNresizePolicy, XmRESIZE_GROW, nullptr);
     gw::on_close_box(dialog, cancel_cb);
+    gw::BusyWindows::include(wi_pr_install_dlg);
     gw::on_source_change(show_source);
     update_wi_pr_install_dlg_for_menu();
     return dialog;

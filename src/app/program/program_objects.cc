@@ -3,7 +3,7 @@
 // One file, so that the objects are constructed in this order and destroyed in the reverse one.
 #include "app/program/program_objects.h"
 
-#include "app/conflicts/conflict_lists.h"
+#include "app/program/conflict_lists.h"
 
 GW_FSM_LIST the_fsm_list;
 GWHRNList the_installed_hrn_list(0);
@@ -22,12 +22,6 @@ int the_alias_count = 0;
 
 int uid = 0;
 int user_is_root = 0;
-XtAppContext app = nullptr;
-Display* display = nullptr;
-Screen* screen = nullptr;
-Widget wi_toplevel = nullptr;
-Widget wi_init_dlg = nullptr;
-Cursor watch_cursor = 0;
 GwResources Gw_resrc = {};
 GwModernResources Gw_modern_resrc = {};
 
@@ -38,6 +32,14 @@ void fill_program_lists() {
     gw::delete_elements(the_alias_list);
     the_alias_driver.get_alias_list(the_alias_list);
     the_alias_count = the_alias_list.get_count();
+}
+
+void show_installation_to_server(const char* dir) {
+    if (uid != 0) {
+        GW_DIR(dir).make_upr_file(0, nullptr);
+        the_installed_fonts_driver.set_font_path(dir);
+    }
+    the_font_path->rehash_session_fp();
 }
 
 void release_program_objects() {

@@ -3,8 +3,6 @@
 // The objects that live from start-up to exit and that all windows share.
 #pragma once
 
-#include <nl_types.h>
-
 #include "core/gw_list.h"
 #include "drivers/engine_globals.h"
 #include "drivers/gw_alias_driver.h"
@@ -39,14 +37,6 @@ extern int the_alias_count;
 extern int uid;           ///< effective user id
 extern int user_is_root;  ///< 1 from the end of start-up on when `uid` is 0
 
-extern XtAppContext app;
-extern nl_catd catd;
-extern Display* display;
-extern Screen* screen;
-extern Widget wi_toplevel;
-extern Widget wi_init_dlg;   ///< the start-up notice
-extern Cursor watch_cursor;  ///< the busy cursor, made when it is first needed; 0 before
-
 /// The application resources.
 struct GwResources {
     Boolean fontset_support;
@@ -64,6 +54,11 @@ extern GwModernResources Gw_modern_resrc;
 
 /// Fills the installed-name list and the alias list from the font path, releasing what they held.
 void fill_program_lists();
+
+/// What an installation into `dir` means to the running server. An ordinary user's directory gets its
+/// resource file and goes on the font path of the user and of the session; in every case the server rereads
+/// its directories, for `dir` may have been among them before.
+void show_installation_to_server(const char* dir);
 
 /// Releases what the lists refer to, at the end of the run.
 void release_program_objects();

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <vector>
 
+#include "app/kit/signal.h"
+
 struct WorkRecord {
     std::vector<int> positions;  ///< the selected positions, 1-based, ascending
     int done = 0;                ///< fonts installed or deleted so far
@@ -16,3 +18,14 @@ struct WorkRecord {
 };
 
 extern WorkRecord the_wp_cl_data;
+
+/// While one installation or deletion runs, no other can be started.
+void forbid_other_work();
+void permit_other_work();
+
+namespace gw {
+
+/// Told by these two: whether work may be started from now on.
+Signal<bool>& work_permissions();
+
+}  // namespace gw

@@ -3,8 +3,12 @@
 
 #include <string>
 
+#include "app/kit/attach.h"
+#include "app/kit/busy_windows.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/kit/messages.h"
+#include "app/kit/widgets.h"
 #include "core/text.h"
 #include "model/gw_xlfd_name.h"
 
@@ -163,6 +167,7 @@ Widget create_attr_dlg(const char* name, Widget parent) {
     create_alias_section(part);
     create_buttons(wi_attr_dlg, line);
     gw::on_close_box(wi_attr_dlg, close_cb);
+    gw::BusyWindows::include(wi_attr_dlg);
     return wi_attr_dlg;
 }
 

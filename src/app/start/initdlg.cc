@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/initdlg.h"
 
+#include "app/kit/dialogs.h"
+#include "app/kit/events.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/program/program_objects.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/kit/messages.h"
 
 #include <Xm/MessageB.h>
+
+Widget wi_init_dlg = nullptr;
 
 // Only the text shows: no button lets the user close the notice.
 Widget create_init_dlg(const char* name, Widget parent) {

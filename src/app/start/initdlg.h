@@ -5,6 +5,8 @@
 
 #include <X11/Intrinsic.h>
 
+extern Widget wi_init_dlg;
+
 /// The notice, unmanaged. It takes a position in the middle of the screen when it appears.
 Widget create_init_dlg(const char* name, Widget parent);
 void start_init_dlg();

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
 
 #include <X11/Shell.h>
 #include <X11/Xresource.h>

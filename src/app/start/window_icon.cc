@@ -6,6 +6,8 @@
 #include <cstdlib>
 #include <memory>
 
+#include "app/kit/toolkit.h"
+
 #include <X11/Shell.h>
 #include <X11/Xatom.h>
 #include <X11/Xutil.h>

@@ -14,7 +14,10 @@
 #include <vector>
 
 #include "app/common/dirdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "widget/dialogs_test_support.h"
 
 #include <Xm/FileSB.h>

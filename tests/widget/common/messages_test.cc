@@ -13,7 +13,8 @@
 #include "app/common/workingdlg.h"
 #include "app/deleting/delwarningdlg.h"
 #include "app/font_path/fpinfodlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "app/main_window/aboutdlg.h"
 #include "widget/dialogs_test_support.h"
 

@@ -7,14 +7,16 @@
 
 #include <filesystem>
 
-#include "app/conflicts/conflict_lists.h"
 #include "app/conflicts/conflictdlg.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/deleting/delwarningdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/installing/font_source.h"
 #include "app/installing/installdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/lists.h"
+#include "app/program/conflict_lists.h"
+#include "app/program/program_objects.h"
+#include "app/samples/installed_list.h"
 #include "support/font_maker.h"
 
 #include "widget/work_test_support.h"

@@ -16,8 +16,14 @@
 #include "app/common/dirdlg.h"
 #include "app/common/warningdlg.h"
 #include "app/font_path/modifyfpdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/program_objects.h"
 #include "app/program/work_record.h"
+#include "app/samples/installed_list.h"
 #include "widget/dialogs_test_support.h"
 
 // X headers come last.

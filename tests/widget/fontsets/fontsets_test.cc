@@ -13,7 +13,11 @@
 
 #include "app/fontsets/codesets.h"
 #include "app/fontsets/fontsetsdlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
+#include "app/program/program_objects.h"
 #include "model/gw_font.h"
 #include "widget/dialogs_test_support.h"
 

@@ -17,7 +17,11 @@
 #include "app/common/warningdlg.h"
 #include "app/installing/installdlg.h"
 #include "app/installing/rmediadlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/lists.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
+#include "app/main_window/glyphwardapp.h"
 #include "app/samples/attrdlg.h"
 #include "platform/host_paths.h"
 

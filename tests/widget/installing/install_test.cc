@@ -17,9 +17,12 @@
 #include "app/installing/font_source.h"
 #include "app/installing/installdlg.h"
 #include "app/installing/rmediadlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/lists.h"
+#include "app/main_window/glyphwardapp.h"
+#include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
+#include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
 
 #include "widget/work_test_support.h"

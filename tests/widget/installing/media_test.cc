@@ -15,7 +15,7 @@
 
 #include "app/common/warningdlg.h"
 #include "app/installing/rmediadlg.h"
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/widgets.h"
 #include "platform/host_paths.h"
 #include "support/media_service.h"
 #include "widget/dialogs_test_support.h"

@@ -19,7 +19,9 @@
 #include <sstream>
 #include <string>
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "app/main_window/helpdlg.h"
 #include "platform/host_paths.h"
 #include "widget/dialogs_test_support.h"

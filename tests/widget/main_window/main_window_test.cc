@@ -14,13 +14,16 @@
 #include <string>
 #include <vector>
 
+#include "app/common/status_line.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/kit/messages.h"
+#include "app/kit/lists.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "app/main_window/glyphwardapp.h"
 #include "app/main_window/propsdlg.h"
 #include "app/program/program_objects.h"
 #include "app/samples/attrdlg.h"
-#include "app/samples/sample_text_cb.h"
+#include "app/samples/installed_list.h"
 #include "support/temp_dir.h"
 #include "widget/widget_test_support.h"
 

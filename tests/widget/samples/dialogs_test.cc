@@ -7,9 +7,13 @@
 #include <string>
 #include <vector>
 
-#include "app/kit/gw_gui_util.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
 #include "app/main_window/propsdlg.h"
+#include "app/program/program_objects.h"
 #include "app/samples/attrdlg.h"
+#include "app/samples/installed_list.h"
+#include "app/samples/sample_text.h"
 #include "support/font_maker.h"
 
 #include "widget/dialogs_test_support.h"

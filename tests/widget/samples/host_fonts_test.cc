@@ -12,6 +12,9 @@
 #include <string>
 #include <vector>
 
+#include "app/kit/toolkit.h"
+#include "app/samples/installed_list.h"
+#include "app/samples/sample_text.h"
 #include "core/font_policy.h"
 #include "support/temp_dir.h"
 

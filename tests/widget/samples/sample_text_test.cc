@@ -11,9 +11,20 @@
 #include <utility>
 #include <vector>
 
+#include "app/common/status_line.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/handles.h"
+#include "app/kit/toolkit.h"
+#include "app/kit/widgets.h"
+#include "app/program/program_objects.h"
 #include "app/samples/attrdlg.h"
+#include "app/samples/installed_list.h"
 #include "app/samples/rc_sample_text.h"
+#include "app/samples/sample_field.h"
+#include "app/samples/sample_font.h"
+#include "app/samples/sample_record.h"
+#include "app/samples/sample_text.h"
+#include "app/samples/sample_text_cb.h"
 #include "support/under_policy.h"
 
 #include "widget/dialogs_test_support.h"

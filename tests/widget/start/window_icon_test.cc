@@ -9,7 +9,7 @@
 #include <set>
 #include <vector>
 
-#include "app/program/program_objects.h"
+#include "app/kit/toolkit.h"
 #include "widget/widget_test_support.h"
 
 // X headers come last.

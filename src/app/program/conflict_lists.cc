@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "app/conflicts/conflict_lists.h"
+#include "app/program/conflict_lists.h"
 
 #include <algorithm>
 #include <memory>

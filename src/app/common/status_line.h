@@ -1,0 +1,8 @@
+// SPDX-License-Identifier: MIT
+//
+// The line at the bottom of the main window, in which every task says what it has done.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+extern Widget wi_main_window_status_label;  ///< null until the main window has been created

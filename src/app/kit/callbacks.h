@@ -1,0 +1,17 @@
+// SPDX-License-Identifier: MIT
+//
+// What callbacks have in common.
+#pragma once
+
+#include <X11/Intrinsic.h>
+
+namespace gw {
+
+/// Calls `Function(client data as Record*)`, the casts between the toolkit's pointers and ours being made
+/// here alone.
+template <class Record, void (*Function)(Widget, Record*, XtPointer)>
+void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
+    Function(w, static_cast<Record*>(client_data), call_data);
+}
+
+}  // namespace gw

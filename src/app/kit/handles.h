@@ -1,0 +1,46 @@
+// SPDX-License-Identifier: MIT
+//
+// Handles that release what the toolkit hands out (nothing else calls its free functions), and its strings
+// to and from text.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include <Xm/Xm.h>
+
+namespace gw {
+
+struct XmStringDeleter {
+    void operator()(XmString s) const;
+};
+using XmText = std::unique_ptr<std::remove_pointer_t<XmString>, XmStringDeleter>;
+
+struct XtDeleter {
+    void operator()(void* storage) const;
+};
+template <class T>
+using XtOwned = std::unique_ptr<T, XtDeleter>;
+
+struct FontListDeleter {
+    void operator()(XmFontList list) const;
+};
+using FontList = std::unique_ptr<std::remove_pointer_t<XmFontList>, FontListDeleter>;
+
+/// A font list copies its entries: one that was appended is released at once.
+void free_entry(XmFontListEntry entry);
+
+/// `text` in the current locale; newlines separate lines.
+XmText xm_text(const std::string& text);
+
+/// The text of a string, with its newlines and tabs.
+std::string text_of(XmString string);
+
+/// The toolkit takes names as `char*` without writing to them.
+inline char* name_arg(const char* name) {
+    return const_cast<char*>(name);
+}
+
+}  // namespace gw

@@ -1,0 +1,28 @@
+// SPDX-License-Identifier: MIT
+//
+// Builders for the simple widgets that dialogs are made of, and what such a widget shows. Each builder
+// creates one managed widget under that name.
+#pragma once
+
+#include <string>
+
+#include "app/kit/messages.h"
+
+#include <X11/Intrinsic.h>
+
+namespace gw {
+
+Widget form(Widget parent, const char* name);
+Widget label(Widget parent, const char* name, Message text);
+Widget label(Widget parent, const char* name, const std::string& text);
+Widget push_button(Widget parent, const char* name, Message text);
+Widget separator(Widget parent, const char* name);
+Widget text_field(Widget parent, const char* name);
+Widget scrolled_window(Widget parent, const char* name);
+
+std::string label_of(Widget w);
+/// The label's text becomes `text`.
+void set_label(Widget w, const std::string& text);
+std::string field_text(Widget text_field);
+
+}  // namespace gw

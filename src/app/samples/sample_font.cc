@@ -1,0 +1,110 @@
+// SPDX-License-Identifier: MIT
+#include "app/samples/sample_font.h"
+
+#include <algorithm>
+
+#include "app/kit/toolkit.h"
+#include "core/font_policy.h"
+
+#include <X11/Xproto.h>
+
+namespace gw {
+
+void FontSetCloser::operator()(XFontSet set) const {
+    XFreeFontSet(display, set);
+}
+
+void FontCloser::operator()(XFontStruct* font) const {
+    XFreeFont(display, font);
+}
+
+namespace {
+
+constexpr std::size_t LONGEST_FONT_NAME = 255;
+
+XErrorHandler default_error_handler = nullptr;
+
+/// Xlib releases what is not its own when all of a list of names is blank, and the server knows no names that
+/// are longer.
+bool can_name_a_font(const std::string& name) {
+    return name.size() <= LONGEST_FONT_NAME && name.find_first_not_of(" \t\n\v\f\r") != std::string::npos;
+}
+
+bool all_can_name_fonts(std::string_view names) {
+    for (;;) {
+        const std::size_t comma = names.find(',');
+        if (!can_name_a_font(std::string(names.substr(0, comma)))) return false;
+        if (comma == std::string_view::npos) return true;
+        names.remove_prefix(comma + 1);
+    }
+}
+
+int width_of(XFontSet set, const std::string& text) {
+    return XmbTextEscapement(set, text.data(), static_cast<int>(text.size()));
+}
+
+/// Charsets that are missing from it are normal: a set of one font has but one.
+FontSet open_font_set(const std::string& names) {
+    char** missing = nullptr;
+    int missing_count = 0;
+    char* substitute = nullptr;
+    FontSet set(XCreateFontSet(display, names.c_str(), &missing, &missing_count, &substitute));
+    if (missing != nullptr) XFreeStringList(missing);
+    return set;
+}
+
+/// The server refuses a font whose file it cannot read in more than one way, and none ends the program.
+int ignore_font_errors(Display* d, XErrorEvent* event) {
+    const bool about_fonts = event->request_code == X_OpenFont || event->request_code == X_QueryFont;
+    return about_fonts ? 0 : x_error_handler(d, event);
+}
+
+/// The font of that name; empty when the server cannot open it.
+LoadedFont load_font(const std::string& name) {
+    const XErrorHandler before = XSetErrorHandler(ignore_font_errors);
+    LoadedFont font(XLoadQueryFont(display, name.c_str()));
+    XSync(display, False);
+    XSetErrorHandler(before);
+    return font;
+}
+
+bool has_letters(FontSet& set) {
+    return set && width_of(set.get(), "A") > 0;
+}
+
+/// A font of two-byte characters has none; asked for one byte it would draw the stand-in for what it lacks.
+bool has_letters(LoadedFont& font) {
+    return font && font->min_byte1 == 0 && font->min_char_or_byte2 <= 'A' && font->max_char_or_byte2 >= 'A' &&
+           XTextWidth(font.get(), "A", 1) > 0;
+}
+
+}  // namespace
+
+std::optional<SampleFont> make_sample_font(std::string name, const std::string& text) {
+    if (!can_name_a_font(name)) return std::nullopt;
+    // A comma would end the name; this stands for any one character.
+    std::replace(name.begin(), name.end(), ',', '?');
+    FontSet set = open_font_set(name);
+    if (has_letters(set)) return set;
+    if (font_policy().draws_with_the_font_itself()) {
+        if (LoadedFont font = load_font(name); has_letters(font)) return font;
+    }
+    if (set && width_of(set.get(), text) > 0) return set;
+    return std::nullopt;
+}
+
+FontSet make_font_set(std::string_view names) {
+    return all_can_name_fonts(names) ? open_font_set(std::string(names)) : FontSet();
+}
+
+void take_over_font_errors() {
+    const XErrorHandler before = XSetErrorHandler(x_error_handler);
+    if (before != x_error_handler) default_error_handler = before;
+}
+
+}  // namespace gw
+
+int x_error_handler(Display* d, XErrorEvent* event) {
+    if (event->request_code == X_OpenFont) return 0;
+    return gw::default_error_handler != nullptr ? gw::default_error_handler(d, event) : 0;
+}

@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+//
+// What stands around a list that shows samples, and what is shown there of the selected entry: its sample,
+// and its attributes where their dialog is up.
+#pragma once
+
+#include <vector>
+
+#include "model/gw_alias.h"
+#include "model/gw_hrn_list.h"
+
+#include <X11/Intrinsic.h>
+
+/// Client data of `hrn_list_sample_cb`. A list without menus shows one size.
+struct sample_text_cb_struct {
+    std::vector<Widget> size_buttons;
+    std::vector<Widget> res_buttons;
+    Widget sample_field = nullptr;
+    Widget size_menu = nullptr;
+    Widget res_menu = nullptr;
+    Widget size_button = nullptr;  ///< the one chosen last
+    Widget res_button = nullptr;
+    Widget res_pulldown = nullptr;
+    Widget size_pulldown = nullptr;
+    Widget list = nullptr;
+    GWHRNList* hrn_list = nullptr;
+    const char* location = nullptr;  ///< shown in the attributes dialog; null for the font's own
+};
+
+namespace gw {
+
+/// Whether the server can make any size of the element's fonts.
+[[nodiscard]] bool is_outline(const GWHRNElement& elem);
+
+/// The element at the one selected position; null unless exactly one entry is selected and it is a font.
+[[nodiscard]] GWHRNElement* only_selected_element(const sample_text_cb_struct& record);
+
+/// Each shows the sample, and the attributes too where they are displayed, unless a newer request has
+/// overtaken it meanwhile.
+void show_font(const sample_text_cb_struct& record, GWFont* font, const char* decipoints);
+void show_alias(const sample_text_cb_struct& record, const GWAlias* alias);
+/// No sample and no attributes.
+void show_nothing(const sample_text_cb_struct& record);
+
+void make_menus_insensitive(const sample_text_cb_struct& record);
+
+}  // namespace gw

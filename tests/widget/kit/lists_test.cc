@@ -1,0 +1,89 @@
+// SPDX-License-Identifier: MIT
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "app/kit/lists.h"
+#include "app/kit/toolkit.h"
+#include "widget/widget_test_support.h"
+
+// X headers come last.
+#include <X11/Shell.h>
+#include <Xm/List.h>
+
+namespace {
+
+using Lines = std::vector<std::string>;
+
+class Lists : public testing::Test {
+  protected:
+    void SetUp() override {
+        gw::test::start_program();
+        shell = XtCreatePopupShell("lists", topLevelShellWidgetClass, wi_toplevel, nullptr, 0);
+        list = gw::scrolled_list(shell, "list");
+    }
+    void TearDown() override { XtDestroyWidget(shell); }
+    void select(int position) const { XmListSelectPos(list, position, False); }
+    Widget shell = nullptr;
+    Widget list = nullptr;
+};
+
+TEST_F(Lists, FillingReplacesWhatWasThere) {
+    gw::fill_list(list, {"Courier", "Helvetica"});
+    EXPECT_EQ(gw::test::items(list), (Lines{"Courier", "Helvetica"}));
+    gw::fill_list(list, {"Times"});
+    EXPECT_EQ(gw::test::items(list), (Lines{"Times"}));
+    gw::fill_list(list, {});
+    EXPECT_EQ(gw::test::items(list), Lines{});
+}
+
+TEST_F(Lists, AppendingKeepsWhatIsThere) {
+    gw::fill_list(list, {"Courier"});
+    gw::append_to_list(list, {});
+    gw::append_to_list(list, {"Helvetica", "Times"});
+    EXPECT_EQ(gw::test::items(list), (Lines{"Courier", "Helvetica", "Times"}));
+}
+
+TEST_F(Lists, LinesComeUnselectedEvenUnderASelectedName) {
+    gw::fill_list(list, {"Courier", "Helvetica"});
+    select(1);
+    gw::append_to_list(list, {"Courier"});
+    EXPECT_EQ(gw::selected_positions(list), std::vector<int>{1});
+    gw::fill_list(list, {"Courier", "Helvetica"});
+    EXPECT_EQ(gw::selected_count(list), 0);
+}
+
+TEST_F(Lists, SelectedPositionsAscend) {
+    gw::fill_list(list, {"Courier", "Helvetica", "Times"});
+    EXPECT_EQ(gw::selected_position(list), 0);
+    EXPECT_EQ(gw::selected_positions(list), std::vector<int>{});
+    XtVaSetValues(list, XmNselectionPolicy, XmMULTIPLE_SELECT, nullptr);
+    select(3);
+    select(2);
+    EXPECT_EQ(gw::selected_positions(list), (std::vector<int>{2, 3}));
+    EXPECT_EQ(gw::selected_position(list), 2);
+    EXPECT_EQ(gw::selected_count(list), 2);
+}
+
+TEST_F(Lists, StringsKeepEveryLineAndItsOrder) {
+    gw::XmTexts texts({"", "two\nlines", "Courier"});
+    ASSERT_EQ(texts.count(), 3);
+    EXPECT_EQ(gw::text_of(texts.table()[0]), "");
+    EXPECT_EQ(gw::text_of(texts.table()[1]), "two\nlines");
+    EXPECT_EQ(gw::text_of(texts.table()[2]), "Courier");
+    EXPECT_EQ(gw::XmTexts({}).count(), 0);
+}
+
+TEST_F(Lists, ALineIsAsWideAsItsCharacters) {
+    Dimension narrow = 0;
+    Dimension wide = 0;
+    gw::set_list_columns(list, 10);
+    XtVaGetValues(list, XmNwidth, &narrow, nullptr);
+    gw::set_list_columns(list, 40);
+    XtVaGetValues(list, XmNwidth, &wide, nullptr);
+    EXPECT_GT(wide, 3 * narrow);
+}
+
+}  // namespace
