@@ -55,7 +55,7 @@ constexpr std::array<CharsetName, 21> CHARSET_NAMES = {{
 
 // The fields that one human-readable name has in common. Foundry and set-width are told apart although lists
 // show neither.
-constexpr std::array<GWFont::FIELD, 9> HRN_FIELDS = {
+constexpr std::array<std::size_t, 9> HRN_FIELDS = {
     GWFont::FOUNDRY, GWFont::TYPEFACE_NAME,    GWFont::WEIGHT_NAME,
     GWFont::SLANT,   GWFont::SETWIDTH_NAME,    GWFont::ADD_STYLE_NAME,
     GWFont::SPACING, GWFont::CHARSET_REGISTRY, GWFont::CHARSET_ENCODING};
@@ -305,7 +305,7 @@ const char* GWFont::get_charset_hrn_name() {
 
 int GWFont::compare_hrn(const GWFont* other) const {
     if (font_type != other->font_type) return 0;
-    for (const FIELD f : HRN_FIELDS) {
+    for (const std::size_t f : HRN_FIELDS) {
         if (::strcasecmp(fields[f].c_str(), other->fields[f].c_str()) != 0) return 0;
     }
     return 1;
@@ -315,7 +315,7 @@ int GWFont::compare_hrn(const GWFont* other) const {
 // `strcasecmp`.
 std::string GWFont::hrn_key() const {
     std::string key = std::to_string(font_type);
-    for (const FIELD f : HRN_FIELDS) {
+    for (const std::size_t f : HRN_FIELDS) {
         key += '-';
         for (const char c : fields[f]) key += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     }

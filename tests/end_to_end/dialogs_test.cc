@@ -194,7 +194,7 @@ TEST_F(Fontsets, TheSubordinateDialogsComeAndGo) {
                    {"sample_text_button", "Glyph Warden - Sample Text"}};
     for (const auto& [button, title] : windows) {
         for (const Leaving way : WAYS_OF_LEAVING) {
-            ASSERT_NE(opens(title, [&] { click(dialog, button); }), 0U) << title;
+            ASSERT_NE(opens(title, [&, name = button] { click(dialog, name); }), 0U) << title;
             desktop.picture(button);
             EXPECT_TRUE(leave_window(title, way, "cancel_button")) << title;
         }

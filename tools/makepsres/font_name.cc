@@ -7,7 +7,6 @@ namespace gw::psres {
 
 namespace {
 
-constexpr std::string_view WHITE_SPACE("\0\t\n\f\r ", 6);
 constexpr std::string_view DELIMITERS("\0\t\n\f\r ()<>[]{}/%", 16);
 constexpr std::string_view LINE_ENDS = "\r\n";
 constexpr std::string_view BLANKS = " \t";

@@ -138,7 +138,8 @@ TEST_F(ListTest, SubtractingAListWithoutCommonElementsChangesNothing) {
 TEST_F(ListTest, SubtractingAListFromItselfEmptiesIt) {
     GW_LIST<Item> list;
     for (Item* item : {&a, &other_a, &b, &a, &c}) list.append(item);
-    list -= list;
+    GW_LIST<Item>& itself = list;
+    list -= itself;
     EXPECT_EQ(list.get_count(), 0);
 }
 

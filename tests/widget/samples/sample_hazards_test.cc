@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#ifdef __SANITIZE_ADDRESS__
+#ifdef GLYPHWARD_SANITIZE
 #include <sanitizer/lsan_interface.h>
 #endif
 
@@ -97,7 +97,7 @@ class ServedDirectory {
 /// Xlib leaks about 60 bytes for each font that is listed but cannot be opened.
 class LeaksOfXlib {
   public:
-#ifdef __SANITIZE_ADDRESS__
+#ifdef GLYPHWARD_SANITIZE
     LeaksOfXlib() {
         __lsan_disable();
     }

@@ -420,8 +420,9 @@ TEST_P(InLocale, FontsOfEveryCharsetOfOneByteAreDrawnWithThemselvesWhereThePolic
             for (const auto& [registry, encoding] :
                  {std::pair("adobe", "fontspecific"), {"koi8", "r"}, {"iso10646", "1"}, {"iso8859", "1"}}) {
                 ++charset;
-                select(wi_hrn_list, {position_where([&](const GWHRNElement& elem) {
-                           return has_charset(elem, registry, encoding);
+                select(wi_hrn_list,
+                       {position_where([name = registry, code = encoding](const GWHRNElement& elem) {
+                           return has_charset(elem, name, code);
                        })});
                 pump();
                 if (shown_text(wi_installed_sample_textfield) != DEFAULT_TEXT) std::_Exit(charset);
