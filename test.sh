@@ -73,7 +73,7 @@ declare -A furniture=([unit]='--stage --x --small-disk' [widget]='--stage --x' [
     [web]='')
 test_logs=$LOGS/tests
 
-scripts/setup web browser
+scripts/setup web browser asan check
 for config in "${configs[@]}"; do
     build "$config"
     step "Staging ($config)" 'See scripts/packages for the font packages.' scripts/stage --preset "$config"

@@ -77,6 +77,16 @@ build_quietly() {
     local preset=$1
     shift
     cd "$TREE" || return 1
-    [ -e "$BUILD/$preset/build.ninja" ] || cmake --preset "$preset" || return 1
+    configure "$preset" || return 1
     cmake --build --preset "$preset" ${1+--target "$@"}
+}
+
+# configure PRESET: configures a new build directory, and anew one that was made as the presets no longer say, with another
+# compiler for one: what CMake keeps of that would go on to count.
+configure() {
+    local directory=$BUILD/$1 presets
+    presets=$(sha256sum <CMakePresets.json)
+    [ ! -e "$directory/build.ninja" ] || [ "$presets" != "$(cat "$directory/presets.stamp" 2>/dev/null)" ] || return 0
+    rm -rf "$directory/CMakeCache.txt" "$directory/CMakeFiles"
+    cmake --preset "$1" && printf '%s\n' "$presets" >"$directory/presets.stamp"
 }
