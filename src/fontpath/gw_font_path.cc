@@ -104,10 +104,6 @@ void gw::set_font_path_display(Display* display) {
     session_display = display;
 }
 
-Display* gw::font_path_display() {
-    return session_display;
-}
-
 GWFontPath::GWFontPath(const char* root_dir, Scratch scratch_file)
     : scratch(scratch_file),
       effective_uid(::geteuid()),

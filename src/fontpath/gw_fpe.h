@@ -20,8 +20,6 @@ class GW_FPE : public GW_DIR {
     /// The path text as given to the constructor.
     [[nodiscard]] const char* get_element() const { return element.get_str(); }
     [[nodiscard]] GW_FONTDIR_FILE& get_fontdir_file() { return fontdir_file; }
-    /// Null when the directory had no alias file at construction.
-    [[nodiscard]] GW_ALIAS_FILE* get_alias_file() { return alias_file.get(); }
 
     /// Non-zero when both path texts, as given, are equal; with and without a trailing slash are two
     /// elements.
@@ -43,7 +41,7 @@ class GW_FPE : public GW_DIR {
   private:
     GW_STRING element;
     GW_FONTDIR_FILE fontdir_file;
-    std::unique_ptr<GW_ALIAS_FILE> alias_file;
+    std::unique_ptr<GW_ALIAS_FILE> alias_file;  // null when the directory had none at construction
 };
 
 /// A staging directory, whose index refers to fonts elsewhere through links in the staging directory: the X
