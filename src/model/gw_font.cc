@@ -6,10 +6,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cctype>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <iterator>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -113,17 +115,30 @@ bool takes_scratch_file(const std::string& dir, const struct stat& info) {
     return true;
 }
 
+enum Naming { XLFD_NAME, POSTSCRIPT_NAME };
+enum Form { BITMAPS, OUTLINES };
+
+struct FontType {
+    GWFont::GW_FONT_TYPE type;
+    const char* word;
+    Naming naming;
+    Form form;
+};
+
+constexpr FontType FONT_TYPES[] = {
+#define FONT_TYPE(name, number, word, naming, form, module) {GWFont::name, word, naming, form},
+#include "model/font_types.def"
+};
+
+/// The type's line of the table; null for a wrong type.
+const FontType* find_type(GWFont::GW_FONT_TYPE type) {
+    const auto* found = std::find_if(std::begin(FONT_TYPES), std::end(FONT_TYPES),
+                                     [type](const FontType& known) { return known.type == type; });
+    return found != std::end(FONT_TYPES) ? found : nullptr;
+}
+
 const char* type_tag(GWFont::GW_FONT_TYPE type) {
-    switch (type) {
-        case GWFont::BITMAP_FONT:
-            return "Bitmap";
-        case GWFont::TYPE1_FONT:
-            return "Type-1";
-        case GWFont::TYPE0_FONT:
-            return "Type-0";
-        case GWFont::TYPE3_FONT:
-            return "Type-3";
-    }
+    if (const FontType* found = find_type(type); found != nullptr) return found->word;
     std::fputs("construct_hrn: wrong font type\n", stdout);
     std::exit(-1);
 }
@@ -159,6 +174,16 @@ GWFont::GWFont(GWFont& other, const char* dir)
 
 GWFont::~GWFont() {
     if (file_list) gw::delete_elements(*file_list);
+}
+
+bool GWFont::is_postscript_named() const {
+    const FontType* known = find_type(font_type);
+    return known != nullptr && known->naming == POSTSCRIPT_NAME;
+}
+
+bool GWFont::is_bitmap() const {
+    const FontType* known = find_type(font_type);
+    return known != nullptr && known->form == BITMAPS;
 }
 
 void GWFont::set_field(FIELD f, const char* value) {
@@ -205,7 +230,7 @@ const char* GWFont::get_xlfd_name() {
 }
 
 void GWFont::construct_xlfd_name(const char* /*ignored*/, char* dst, unsigned len) {
-    if (font_type == BITMAP_FONT && is_xlfd_name(xlfd_name.c_str()) == 0) {
+    if (is_bitmap() && is_xlfd_name(xlfd_name.c_str()) == 0) {
         gw::copy_text(dst, std::size_t{len} + 1, xlfd_name);
         return;
     }
@@ -277,7 +302,7 @@ std::string GWFont::get_hrn_name() {
 std::string GWFont::listed_charset() {
     const bool is_latin1 =
         gw::lower_case(fields[CHARSET_REGISTRY]) == "iso8859" && fields[CHARSET_ENCODING] == "1";
-    if (font_type != BITMAP_FONT || is_latin1 || !gw::font_policy().names_charsets()) return "";
+    if (!is_bitmap() || is_latin1 || !gw::font_policy().names_charsets()) return "";
     return get_charset_hrn_name();
 }
 

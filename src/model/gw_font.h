@@ -24,7 +24,10 @@ void gw_free(void* storage);
 
 class GWFont : public GW_BASE, public gw::RefCounted {
   public:
-    enum GW_FONT_TYPE : int { BITMAP_FONT = 0, TYPE1_FONT = 1, TYPE0_FONT = 2, TYPE3_FONT = 3 };
+    enum GW_FONT_TYPE : int {
+#define FONT_TYPE(name, number, word, naming, form, module) name = number,
+#include "model/font_types.def"
+    };
     enum FIELD : int {
         FOUNDRY,
         TYPEFACE_NAME,
@@ -53,7 +56,13 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     GWFont(const GWFont&) = delete;
     GWFont& operator=(const GWFont&) = delete;
 
-    [[nodiscard]] GW_FONT_TYPE get_type() const { return font_type; }
+    [[nodiscard]] GW_FONT_TYPE get_type() const {
+        return font_type;
+    }
+    /// Whether the font is known by its PostScript name, and not by an XLFD name.
+    [[nodiscard]] bool is_postscript_named() const;
+    /// Whether the font is a bitmap font, which has one size, and not an outline, which can be scaled.
+    [[nodiscard]] bool is_bitmap() const;
     /// Stores at most 127 characters of `value`, each '-' as a blank. A wrong field is reported on standard
     /// output and changes nothing.
     void set_field(FIELD f, const char* value);
@@ -77,7 +86,9 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Takes ownership of `list` and of the specifications in it.
     void set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list);
     /// The files, owned by this record; may be null.
-    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const { return file_list.get(); }
+    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const {
+        return file_list.get();
+    }
 
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
     void set_preset_hrn_name(const char* name);
@@ -105,15 +116,14 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Kilobytes that the files occupy; measured once. Missing files count 0.
     unsigned get_disk_space();
     /// Sticky: once a font is read-only it stays so.
-    [[nodiscard]] bool is_read_only() const { return read_only; }
+    [[nodiscard]] bool is_read_only() const {
+        return read_only;
+    }
 
   private:
     struct NamePieces;
     [[nodiscard]] NamePieces name_pieces() const;
     std::string listed_charset();
-    [[nodiscard]] bool is_postscript_named() const {
-        return font_type == TYPE0_FONT || font_type == TYPE3_FONT;
-    }
     [[nodiscard]] std::string composed_xlfd_name() const;
     void update_read_only();
 

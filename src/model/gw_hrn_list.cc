@@ -27,7 +27,7 @@ std::string resolution_text(const GWFont& font) {
 }
 
 bool is_bitmap(const GWFont* font) {
-    return font != nullptr && font->get_type() == GWFont::BITMAP_FONT;
+    return font != nullptr && font->is_bitmap();
 }
 
 bool is_system_font(const GWFont& font) {
@@ -190,7 +190,7 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
         if (other == nullptr || other->get_type() != type) continue;
         if (_hrn_elem_conflict(elem, conflicts, dir) != 0) return CONFLICT;
     }
-    if (type == GWFont::BITMAP_FONT || type == GWFont::TYPE1_FONT) {
+    if (!representative->is_postscript_named()) {
         for (const PointSize& slot : slots) {
             for (const gw::Ref<GWFont>& font : slot.fonts) {
                 const bool taken = std::any_of(aliases.begin(), aliases.end(), [&](const GWAlias* alias) {

@@ -1,7 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "modules/gw_pcf_fsm.h"
 
+#include "modules/font_modules.h"
 #include "platform/host_paths.h"
+
+GW_FSM_BASE& gw::bitmap_module() {
+    static GW_PCF_FSM module;
+    return module;
+}
 
 GW_PCF_FSM::GW_PCF_FSM()
     : IndexedModule(GWFont::BITMAP_FONT, {{gw::EXT_PCF, ".pcf"}, {gw::EXT_PCF_Z, ".pcf.Z"}},

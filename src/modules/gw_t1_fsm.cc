@@ -10,6 +10,7 @@
 #include "core/font_policy.h"
 #include "core/gw_buf_file.h"
 #include "modules/font_installation.h"
+#include "modules/font_modules.h"
 #include "modules/gw_t1_buf_file.h"
 #include "modules/gw_t1_font_file.h"
 #include "modules/index_access.h"
@@ -86,6 +87,11 @@ bool prefix_is_taken(GWFont& font, GW_FPE& fpe) {
 }
 
 }  // namespace
+
+GW_FSM_BASE& gw::type1_module() {
+    static GW_T1_FSM module;
+    return module;
+}
 
 GW_T1_FSM::GW_T1_FSM()
     : GW_FSM_BASE(GWFont::TYPE1_FONT),

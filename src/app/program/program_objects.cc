@@ -4,6 +4,7 @@
 #include "app/program/program_objects.h"
 
 #include "app/program/conflict_lists.h"
+#include "modules/font_modules.h"
 
 GW_FSM_LIST the_fsm_list;
 GWHRNList the_installed_hrn_list(0);
@@ -13,8 +14,8 @@ GW_SORTED_LIST<GWAlias> the_alias_list(0);
 GW_REM_MEDIA_DRIVER the_cdrom_driver(GW_REM_MEDIA_DRIVER::CDROM);
 GW_REM_MEDIA_DRIVER the_floppy_driver(GW_REM_MEDIA_DRIVER::FLOPPY);
 GW_LIST<GWConflict> the_conflict_list;
-GW_T1_FSM the_t1_fsm;
-GW_PCF_FSM the_pcf_fsm;
+GW_T1_FSM& the_t1_fsm = static_cast<GW_T1_FSM&>(gw::type1_module());
+GW_PCF_FSM& the_pcf_fsm = static_cast<GW_PCF_FSM&>(gw::bitmap_module());
 
 GWFontPath* the_font_path = nullptr;
 int the_installed_hrn_count = 0;

@@ -26,8 +26,8 @@ extern GW_SORTED_LIST<GWAlias>
 extern GW_REM_MEDIA_DRIVER the_cdrom_driver;
 extern GW_REM_MEDIA_DRIVER the_floppy_driver;
 extern GW_LIST<GWConflict> the_conflict_list;  ///< its conflicts belong to the program
-extern GW_T1_FSM the_t1_fsm;
-extern GW_PCF_FSM the_pcf_fsm;
+extern GW_T1_FSM& the_t1_fsm;
+extern GW_PCF_FSM& the_pcf_fsm;
 
 /// Lengths of the two lists when they were last filled. The main window shows fonts at positions 1 to
 /// `the_installed_hrn_count`, aliases behind them.

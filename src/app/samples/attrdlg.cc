@@ -173,7 +173,7 @@ Widget create_attr_dlg(const char* name, Widget parent) {
 
 void show_font_attributes(GWFont* font, const char* location) {
     show_dialog();
-    const bool postscript = font->get_type() == GWFont::TYPE0_FONT || font->get_type() == GWFont::TYPE3_FONT;
+    const bool postscript = font->is_postscript_named();
     const char* name = postscript ? font->get_ps_name() : font->get_xlfd_name();
     const bool xlfd = !postscript && is_xlfd_name(name) != 0;
     set_value(wi_font_hrn_name, font->get_hrn_name().c_str());

@@ -38,6 +38,7 @@
 #include "app/start/window_icon.h"
 #include "core/font_policy.h"
 #include "core/gw_misc.h"
+#include "modules/font_modules.h"
 #include "platform/host_paths.h"
 #include "platform/shell_command.h"
 
@@ -161,8 +162,7 @@ void init_gui(int* argc, char** argv) {
 
 void build_program() {
     the_font_path = new GWFontPath(gw::INSTALLATION_ROOT);
-    the_fsm_list.append(&the_t1_fsm);
-    the_fsm_list.append(&the_pcf_fsm);
+    gw::append_font_modules(the_fsm_list);
     fill_program_lists();
     create_font_admin_main_window();
     create_dialogs();

@@ -59,10 +59,21 @@ TEST(Font, IsEmptyWhenNew) {
 
 TEST(Font, NumbersTypesAndFieldsAsDocumented) {
     EXPECT_EQ(GWFont::BITMAP_FONT, 0);
+    EXPECT_EQ(GWFont::TYPE1_FONT, 1);
+    EXPECT_EQ(GWFont::TYPE0_FONT, 2);
     EXPECT_EQ(GWFont::TYPE3_FONT, 3);
     EXPECT_EQ(GWFont::FOUNDRY, 0);
     EXPECT_EQ(GWFont::POINT_SIZE, 7);
     EXPECT_EQ(GWFont::CHARSET_ENCODING, 13);
+}
+
+TEST(Font, IsABitmapOrAnOutlineAndNamedByItsType) {
+    for (const GWFont::GW_FONT_TYPE type : ALL_TYPES) {
+        EXPECT_EQ(GWFont(type).is_bitmap(), type == GWFont::BITMAP_FONT) << type;
+        EXPECT_EQ(GWFont(type).is_postscript_named(),
+                  type == GWFont::TYPE0_FONT || type == GWFont::TYPE3_FONT)
+            << type;
+    }
 }
 
 TEST(FontField, HoldsNoDashes) {
