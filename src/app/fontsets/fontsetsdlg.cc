@@ -76,7 +76,7 @@ void collect_fonts() {
     xlfd_font_list.clear();
     for (const GWHRNElement* elem : the_installed_hrn_list) {
         const GWFont* first = elem->get_representative();
-        if (first == nullptr || first->get_type() != GWFont::BITMAP_FONT) continue;
+        if (first == nullptr || !first->is_bitmap()) continue;
         for (const GWHRNElement::PointSize& size : elem->get_slots()) {
             for (const std::string& resolution : size.resolutions) {
                 GWFont* font = elem->get_font(size.point_size.c_str(), resolution.c_str());

@@ -85,7 +85,7 @@ namespace gw {
 // An outline font is asked for in the size wanted; its record has none.
 bool show_in_font(Widget field, GWFont* font, const std::string& decipoints, const std::string& text) {
     const std::string own_size = font->get_field(GWFont::POINT_SIZE);
-    if (font->get_type() != GWFont::BITMAP_FONT) font->set_field(GWFont::POINT_SIZE, decipoints.c_str());
+    if (!font->is_bitmap()) font->set_field(GWFont::POINT_SIZE, decipoints.c_str());
     char xlfd[XLFD_BUFFER] = "";
     font->construct_xlfd_name(nullptr, xlfd, XLFD_BUFFER - 1);
     font->set_field(GWFont::POINT_SIZE, own_size.c_str());

@@ -11,7 +11,7 @@ namespace gw {
 
 bool is_outline(const GWHRNElement& elem) {
     const GWFont* font = elem.get_representative();
-    return font != nullptr && font->get_type() != GWFont::BITMAP_FONT;
+    return font != nullptr && !font->is_bitmap();
 }
 
 GWHRNElement* only_selected_element(const sample_text_cb_struct& record) {
