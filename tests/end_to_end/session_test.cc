@@ -385,7 +385,7 @@ TEST_F(SessionTest, ItsOptionsAreFew) {
         EXPECT_THAT(help.output, HasSubstr(option));
     const Ended version = run("--version", {{"DISPLAY", std::nullopt}});
     EXPECT_EQ(version.status, 0);
-    EXPECT_EQ(version.output, "glyphward-session (Glyph Warden) 1.0\n");
+    EXPECT_EQ(version.output, "glyphward-session (Glyph Warden) " GLYPHWARD_VERSION "\n");
     EXPECT_EQ(run("--list >/dev/full").status, 1);
 }
 

@@ -64,7 +64,7 @@ TEST(CommandLine, IsAnsweredInOneLine) {
     int status = -1;
     EXPECT_EQ(answer("--help", status), usage + "|");
     EXPECT_EQ(status, DONE);
-    EXPECT_EQ(answer("--version", status), "makepsres (Glyph Warden) 1.0\n|");
+    EXPECT_EQ(answer("--version", status), "makepsres (Glyph Warden) " GLYPHWARD_VERSION "\n|");
     EXPECT_EQ(status, DONE);
     EXPECT_EQ(answer("--odd\nthing", status), "|makepsres: there is no option --odd?thing; " + usage);
     EXPECT_EQ(status, CALLED_WRONG);

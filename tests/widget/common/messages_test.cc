@@ -324,9 +324,9 @@ TEST(About, SaysWhatTheProgramIs) {
     start_at_home();
     EXPECT_EQ(title_of(wi_about_dlg), "About Glyph Warden");
     EXPECT_EQ(type_of(wi_about_dlg), XmDIALOG_INFORMATION);
-    const std::string start =
-        "Glyph Warden Version 1.0\n\nPlease read license agreement of a font before\n\n"
-        "installing it using Glyph Warden.\n\n\n";
+    const std::string start = "Glyph Warden Version " GLYPHWARD_VERSION
+                              "\n\nPlease read license agreement of a font before\n\n"
+                              "installing it using Glyph Warden.\n\n\n";
     EXPECT_THAT(message_of(wi_about_dlg), StartsWith(start));
     EXPECT_GT(message_of(wi_about_dlg).size(), start.size()) << "the disclaimer";
 }

@@ -85,7 +85,7 @@ TEST(CatalogueTest, HardTextsComeBackAsTheyWere) {
 TEST(CatalogueTest, TheDefaultsStandWhereThereIsNone) {
     gw::close_catalogue();
     EXPECT_STREQ(gw::text_of(gw::Message::ROOT_ONLY), "Only root can modify font path");
-    EXPECT_STREQ(gw::text_of(gw::Message::NOTICE_TITLE), "Glyph Warden - 1.0");
+    EXPECT_STREQ(gw::text_of(gw::Message::NOTICE_TITLE), "Glyph Warden - " GLYPHWARD_VERSION);
 }
 
 TEST(CatalogueTest, ANumberTakesThePlaceOfItsSign) {
@@ -115,7 +115,7 @@ TEST(MessageTableTest, TheTextsThatOthersRelyOnHaveTheirNumbers) {
         {gw::Message::SIZE_LABEL, 1, 20, "Sample Text Point Size: "},
         {gw::Message::DISK_SPACE_LABEL, 1, 22, "Total disk space occupied : "},
         {gw::Message::INFORMATION_TITLE, 1, 25, "Glyph Warden - Information"},
-        {gw::Message::NOTICE_TITLE, 10, 2, "Glyph Warden - 1.0"},
+        {gw::Message::NOTICE_TITLE, 10, 2, "Glyph Warden - " GLYPHWARD_VERSION},
         {gw::Message::ATTR_FONT, 4, 2, "Font: "},
         {gw::Message::ATTR_HELP, 4, 13, "Help..."},
     };
@@ -129,9 +129,9 @@ TEST(MessageTableTest, TheTextsThatOthersRelyOnHaveTheirNumbers) {
 
 TEST(MessageTableTest, TheNoticeBeginsWithTheNameAndGoesOnAfterTheLicenseReminder) {
     const std::string notice = gw::message_table()[static_cast<std::size_t>(gw::Message::NOTICE)].text;
-    const std::string beginning =
-        "Glyph Warden Version 1.0\n\nPlease read license agreement of a font before\n\n"
-        "installing it using Glyph Warden.\n\n\n";
+    const std::string beginning = "Glyph Warden Version " GLYPHWARD_VERSION
+                                  "\n\nPlease read license agreement of a font before\n\n"
+                                  "installing it using Glyph Warden.\n\n\n";
     EXPECT_EQ(notice.substr(0, beginning.size()), beginning);
     EXPECT_GT(notice.size(), beginning.size() + 40);
 }

@@ -176,7 +176,7 @@ TEST(NoticeTest, IsNotClosedByTheWindowManager) {
 TEST(NoticeTest, ShowsItsTextAndNothingElse) {
     start();
     EXPECT_EQ(XtName(wi_init_dlg), std::string("init_dlg"));
-    EXPECT_EQ(gw::test::title_of(wi_init_dlg), "Glyph Warden - 1.0");
+    EXPECT_EQ(gw::test::title_of(wi_init_dlg), "Glyph Warden - " GLYPHWARD_VERSION);
     EXPECT_EQ(gw::label_of(XmMessageBoxGetChild(wi_init_dlg, XmDIALOG_MESSAGE_LABEL)),
               gw::text_of(gw::Message::NOTICE));
     EXPECT_TRUE(XtIsManaged(XmMessageBoxGetChild(wi_init_dlg, XmDIALOG_MESSAGE_LABEL)));
