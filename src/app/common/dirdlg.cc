@@ -10,6 +10,7 @@
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
+#include "app/kit/lists.h"
 #include "app/kit/messages.h"
 
 #include <Xm/FileSB.h>
@@ -101,13 +102,10 @@ void search_cb(Widget dialog, XtPointer call_data) {
     if (Widget list = XmFileSelectionBoxGetChild(dialog, XmDIALOG_DIR_LIST); list != nullptr) {
         XmListDeselectAllItems(list);
     }
-    std::vector<gw::XmText> owners;
-    std::vector<XmString> items;
-    for (const std::string& name : directories_in(directory)) {
-        owners.push_back(gw::xm_text(directory + name));
-        items.push_back(owners.back().get());
-    }
-    XtVaSetValues(dialog, XmNdirListItems, items.data(), XmNdirListItemCount, static_cast<int>(items.size()),
+    std::vector<std::string> paths;
+    for (const std::string& name : directories_in(directory)) paths.push_back(directory + name);
+    gw::XmTexts items(paths);
+    XtVaSetValues(dialog, XmNdirListItems, items.table(), XmNdirListItemCount, items.count(),
                   XmNdirectoryValid, True, XmNlistUpdated, True, nullptr);
 }
 
@@ -157,7 +155,7 @@ Widget create_dir_dlg(const char* name, Widget parent) {
     XtAddCallback(wi_dir_dlg, XmNcancelCallback, cancel_cb, nullptr);
     fix_size();
     gw::add_map_callbacks(wi_dir_dlg);
-    gw::on_close_box(wi_dir_dlg, cancel_cb);
+    gw::end_dialog(wi_dir_dlg, {.close = cancel_cb});
     return wi_dir_dlg;
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "app/kit/attach.h"
+#include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
 #include "app/kit/gw_gui_util.h"
@@ -34,9 +35,6 @@ void scale_cb(Widget scale, XtPointer, XtPointer) {
     if (value != scale_value) XmScaleSetValue(scale, scale_value);
 }
 
-// It goes when the work is done, and not before.
-void stay_cb(Widget, XtPointer, XtPointer) {}
-
 }  // namespace
 
 Widget create_progress_dlg(const char* name, Widget parent) {
@@ -53,7 +51,8 @@ Widget create_progress_dlg(const char* name, Widget parent) {
     XtAddCallback(wi_progress_scale, XmNvalueChangedCallback, scale_cb, nullptr);
     // It gets its texts while it is hidden, and must not shrink to them.
     XtVaSetValues(wi_progress_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
-    gw::on_close_box(wi_progress_dlg, stay_cb);
+    // It goes when the work is done, and not before.
+    gw::end_dialog(wi_progress_dlg, {.close = gw::do_nothing_cb});
     return wi_progress_dlg;
 }
 

@@ -17,8 +17,6 @@ void set_message(const char* text) {
     XtVaSetValues(wi_working_dlg, XmNmessageString, message.get(), nullptr);
 }
 
-void stay_cb(Widget, XtPointer, XtPointer) {}
-
 }  // namespace
 
 Widget create_working_dlg(const char* name, Widget parent) {
@@ -26,7 +24,6 @@ Widget create_working_dlg(const char* name, Widget parent) {
         gw::message_dialog(parent, name, XmDIALOG_WORKING, gw::text_of(gw::Message::WORKING_TITLE), "",
                            {XmDIALOG_HELP_BUTTON, XmDIALOG_CANCEL_BUTTON, XmDIALOG_OK_BUTTON,
                             XmDIALOG_DEFAULT_BUTTON, XmDIALOG_SEPARATOR});
-    gw::on_close_box(wi_working_dlg, stay_cb);
     return wi_working_dlg;
 }
 

@@ -8,6 +8,7 @@
 #include "app/conflicts/preconflictdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/kit/attach.h"
+#include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
@@ -55,12 +56,6 @@ GWConflict* conflict_at(int position) {
     return shown.list() != nullptr ? shown.list()->get_elem_at_pos(position) : nullptr;
 }
 
-/// The position that is selected; 0 when there is none.
-int selected_position() {
-    const std::vector<int> positions = gw::selected_positions(wi_conflicts_list);
-    return positions.empty() ? 0 : positions.front();
-}
-
 std::string resolution_word(Resolution resolution) {
     switch (resolution) {
         case KEEP_AS_IS:
@@ -101,7 +96,7 @@ void activate_resolutions(bool on) {
 
 void list_cb(Widget, XtPointer, XtPointer call_data) {
     const auto* event = static_cast<XmListCallbackStruct*>(call_data);
-    const int position = event != nullptr ? event->item_position : selected_position();
+    const int position = event != nullptr ? event->item_position : gw::selected_position(wi_conflicts_list);
     const GWConflict* conflict = conflict_at(position);
     if (conflict == nullptr) return;
     activate_resolutions(res_list[static_cast<std::size_t>(position) - 1] != READ_ONLY);
@@ -109,7 +104,7 @@ void list_cb(Widget, XtPointer, XtPointer call_data) {
 }
 
 void resolve_selected(Resolution resolution) {
-    const int position = selected_position();
+    const int position = gw::selected_position(wi_conflicts_list);
     if (conflict_at(position) == nullptr) return;
     res_list[static_cast<std::size_t>(position) - 1] = resolution;
     const gw::XmText entry = gw::xm_text(get_conflict_list_entry(static_cast<unsigned>(position)));
@@ -184,8 +179,6 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
     if (list != nullptr) start_preconflict_dlg(success_count, list);
 }
 
-void help_dlg_cb(Widget, XtPointer, XtPointer) {}
-
 void create_list(Widget dialog) {
     Widget title = gw::label(dialog, "list_label", Message::CONFLICT_LIST);
     Attach(title).top_form(GAP).sides(GAP);
@@ -228,17 +221,13 @@ Widget create_resolutions(Widget dialog, Widget above) {
 void create_buttons(Widget dialog, Widget above) {
     Widget message = gw::label(dialog, "msg_label", " ");
     Attach(message).sides(GAP).bottom_form(0);
-    const auto button = [=](const char* name, Message text, int left, int right, XtCallbackProc callback) {
-        Widget w = gw::push_button(dialog, name, text);
-        Attach(w).below(above, GAP).above(message, 0).columns(left, right);
-        XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-        return w;
-    };
-    wi_ok_button = button("ok_button", Message::CONFLICT_FINISH, 4, 34, ok_cb);
-    Widget cancel = button("cancel_button", Message::CONFLICT_CANCEL, 39, 64, cancel_cb);
-    button("help_dlg_button", Message::CONFLICT_HELP, 69, 94, help_dlg_cb);
-    XtVaSetValues(dialog, XmNdefaultButton, wi_ok_button, XmNcancelButton, cancel, XmNinitialFocus,
-                  XtParent(wi_conflicts_list), nullptr);
+    const std::vector<Widget> buttons = gw::make_buttons(
+        dialog, {{"ok_button", Message::CONFLICT_FINISH, ok_cb, nullptr, 4, 34},
+                 {"cancel_button", Message::CONFLICT_CANCEL, cancel_cb, nullptr, 39, 64},
+                 {"help_dlg_button", Message::CONFLICT_HELP, gw::do_nothing_cb, nullptr, 69, 94}});
+    for (Widget button : buttons) Attach(button).below(above, GAP).above(message, 0);
+    wi_ok_button = buttons[0];
+    gw::end_dialog(dialog, {wi_ok_button, buttons[1], XtParent(wi_conflicts_list), cancel_cb});
 }
 
 }  // namespace
@@ -255,7 +244,6 @@ Widget create_conflict_dlg(const char* name, Widget parent) {
     create_buttons(wi_conflict_dlg, line);
     // What a long text makes of it stays: the window must not jump from font to font.
     XtVaSetValues(wi_conflict_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
-    gw::on_close_box(wi_conflict_dlg, cancel_cb);
     return wi_conflict_dlg;
 }
 
@@ -287,15 +275,10 @@ void stop_conflict_dlg() {
 }
 
 void update_wi_conflict_list() {
-    XmListDeleteAllItems(wi_conflicts_list);
-    std::vector<gw::XmText> texts;
-    std::vector<XmString> items;
-    for (unsigned position = 1; position <= res_list.size(); ++position) {
-        texts.push_back(gw::xm_text(get_conflict_list_entry(position)));
-        items.push_back(texts.back().get());
-    }
-    if (!items.empty())
-        XmListAddItemsUnselected(wi_conflicts_list, items.data(), static_cast<int>(items.size()), 1);
+    std::vector<std::string> lines;
+    for (unsigned position = 1; position <= res_list.size(); ++position)
+        lines.push_back(get_conflict_list_entry(position));
+    gw::fill_list(wi_conflicts_list, lines);
 }
 
 std::string get_conflict_list_entry(unsigned position) {

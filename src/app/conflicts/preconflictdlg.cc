@@ -2,11 +2,13 @@
 #include "app/conflicts/preconflictdlg.h"
 
 #include <string>
+#include <vector>
 
 #include "app/common/status_line.h"
 #include "app/conflicts/conflictdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/kit/attach.h"
+#include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/messages.h"
@@ -75,18 +77,7 @@ void resolve_cb(Widget, XtPointer, XtPointer) {
     if (list != nullptr) start_conflict_dlg(success_count, list);
 }
 
-void help_dlg_cb(Widget, XtPointer, XtPointer) {}
-
-/// A button of the row between `above` and `below`: tied to both, it keeps the row's height under any label.
-Widget button(const char* name, Message text, Widget above, Widget below, int column,
-              XtCallbackProc callback) {
-    Widget w = gw::push_button(wi_preconflict_dlg, name, text);
-    Attach(w).below(above, GAP).above(below, 0).columns(column * 33 + 4, column * 33 + 30);
-    XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-    return w;
-}
-
-/// An empty label below `above`; a text of some width, so that the dialog does not begin too narrow.
+/// A line of text at the top, or `offset` pixels below `above`. The dialog gets its texts before it appears.
 Widget text_line(const char* name, Widget above, int offset) {
     Widget w = gw::label(wi_preconflict_dlg, name, " ");
     Attach(w).sides(GAP);
@@ -111,13 +102,17 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
 
     Widget message = gw::label(wi_preconflict_dlg, "msg_label", " ");
     Attach(message).sides(GAP).bottom_form(0);
-    wi_ok_button = button("ok_button", Message::PRECONFLICT_OK, line, message, 0, ok_cb);
-    wi_resolve_button = button("resolve_button", Message::REVIEW, line, message, 1, resolve_cb);
-    button("help_dlg_button", Message::PRECONFLICT_HELP, line, message, 2, help_dlg_cb);
+    const std::vector<Widget> buttons = gw::make_buttons(
+        wi_preconflict_dlg,
+        {{"ok_button", Message::PRECONFLICT_OK, ok_cb, nullptr, 4, 30},
+         {"resolve_button", Message::REVIEW, resolve_cb, nullptr, 37, 63},
+         {"help_dlg_button", Message::PRECONFLICT_HELP, gw::do_nothing_cb, nullptr, 70, 96}});
+    // Tied to what is above and below them, the buttons keep one height under any label.
+    for (Widget button : buttons) Attach(button).below(line, GAP).above(message, 0);
+    wi_ok_button = buttons[0];
+    wi_resolve_button = buttons[1];
     // Ok changes nothing: it is what leaving the window by any road means.
-    XtVaSetValues(wi_preconflict_dlg, XmNdefaultButton, wi_ok_button, XmNcancelButton, wi_ok_button,
-                  XmNinitialFocus, wi_ok_button, nullptr);
-    gw::on_close_box(wi_preconflict_dlg, ok_cb);
+    gw::end_dialog(wi_preconflict_dlg, {wi_ok_button, wi_ok_button, wi_ok_button, ok_cb});
     return wi_preconflict_dlg;
 }
 

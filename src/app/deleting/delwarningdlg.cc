@@ -43,7 +43,7 @@ Widget create_del_warning_dlg(const char* name, Widget parent) {
                   XmDIALOG_CANCEL_BUTTON, nullptr);
     XtAddCallback(wi_del_warning_dlg, XmNokCallback, ok_cb, nullptr);
     XtAddCallback(wi_del_warning_dlg, XmNcancelCallback, cancel_cb, nullptr);
-    gw::on_close_box(wi_del_warning_dlg, cancel_cb);
+    gw::end_dialog(wi_del_warning_dlg, {.close = cancel_cb});
     return wi_del_warning_dlg;
 }
 

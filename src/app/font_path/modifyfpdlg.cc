@@ -91,14 +91,7 @@ void set_current_fpe_list(EditSet& set) {
 
 void display_fpe_list() {
     displayed = current->elements;
-    XmListDeleteAllItems(_fpe_list);
-    std::vector<gw::XmText> texts;
-    std::vector<XmString> items;
-    for (const std::string& element : displayed) {
-        texts.push_back(gw::xm_text(element));
-        items.push_back(texts.back().get());
-    }
-    if (!items.empty()) XmListAddItemsUnselected(_fpe_list, items.data(), static_cast<int>(items.size()), 1);
+    gw::fill_list(_fpe_list, displayed);
 }
 
 void set_fpe_list_label() {
@@ -107,12 +100,6 @@ void set_fpe_list_label() {
 
 int displayed_fpe_count() {
     return static_cast<int>(displayed.size());
-}
-
-/// The selected position; 0 when there is none.
-int selected_position() {
-    const std::vector<int> positions = gw::selected_positions(_fpe_list);
-    return positions.empty() ? 0 : positions.front();
 }
 
 /// Puts an element at the 1-based position, and selects it as the user would.
@@ -170,7 +157,7 @@ void fpe_list_cb(Widget, XtPointer, XtPointer call_data) {
 }
 
 void move_by(int step) {
-    const int position = selected_position();
+    const int position = gw::selected_position(_fpe_list);
     const int target = position + step;
     if (position == 0 || target < 1 || target > displayed_fpe_count()) return;
     const std::string element = displayed[static_cast<std::size_t>(position) - 1];
@@ -188,7 +175,7 @@ void move_down_cb(Widget, XtPointer, XtPointer) {
 }
 
 void delete_cb(Widget, XtPointer, XtPointer) {
-    const int position = selected_position();
+    const int position = gw::selected_position(_fpe_list);
     if (position == 0) return;
     take_away(position);
     if (displayed.empty()) {
@@ -322,27 +309,25 @@ Widget create_list(Widget dialog, Widget above) {
     return column;
 }
 
+/// Returns the separator above them.
 Widget create_buttons(Widget dialog) {
-    _msg_label = gw::label(dialog, "_msg_label", " ");
-    Attach(_msg_label).sides(GAP).bottom_form(2);
-    Widget form = gw::form(dialog, "_button_form");
-    Attach(form).sides(0).above(_msg_label, GAP);
-    const std::vector<Widget> buttons =
-        gw::fill_with_buttons(form, {{"_ok_button", Message::MODIFY_FP_OK, ok_cb},
-                                     {"_apply_button", Message::MODIFY_FP_APPLY, apply_cb},
-                                     {"_reset_button", Message::MODIFY_FP_RESET, reset_cb},
-                                     {"_cancel_button", Message::MODIFY_FP_CANCEL, cancel_cb},
-                                     {"_help_button", Message::MODIFY_FP_HELP, nullptr}});
-    _ok_button = buttons[0];
-    _apply_button = buttons[1];
-    _reset_button = buttons[2];
-    XtVaSetValues(dialog, XmNcancelButton, buttons[3], nullptr);
-    return form;
+    const gw::BottomRow row = gw::bottom_row(dialog, {"_msg_label", "_button_form", "separator1"},
+                                             {{"_ok_button", Message::MODIFY_FP_OK, ok_cb},
+                                              {"_apply_button", Message::MODIFY_FP_APPLY, apply_cb},
+                                              {"_reset_button", Message::MODIFY_FP_RESET, reset_cb},
+                                              {"_cancel_button", Message::MODIFY_FP_CANCEL, cancel_cb},
+                                              {"_help_button", Message::MODIFY_FP_HELP, nullptr}});
+    _msg_label = row.message;
+    _ok_button = row.buttons[0];
+    _apply_button = row.buttons[1];
+    _reset_button = row.buttons[2];
+    gw::end_dialog(
+        dialog, {.cancel_button = row.buttons[3], .initial_focus = XtParent(_fpe_list), .close = cancel_cb});
+    return row.separator;
 }
 
 void create_lower_part(Widget dialog) {
-    Widget line = gw::separator(dialog, "separator1");
-    Attach(line).sides(0).above(create_buttons(dialog), GAP);
+    Widget line = create_buttons(dialog);
     _dir_dlg_button = gw::push_button(dialog, "_dir_dlg_button", Message::NEW_FPE_DIRECTORY);
     Attach(_dir_dlg_button).right_form(GAP).above(line, GAP);
     XtAddCallback(_dir_dlg_button, XmNactivateCallback, new_fpe_dir_dlg_cb, nullptr);
@@ -383,8 +368,7 @@ Widget create_modify_fp_dlg(const char* name, Widget parent) {
     create_list(wi_modify_fp_dlg, line);
     create_lower_part(wi_modify_fp_dlg);
     Attach(XtParent(_fpe_list)).above(_new_fp_textfield, GAP);
-    XtVaSetValues(wi_modify_fp_dlg, XmNresizePolicy, XmRESIZE_GROW, XmNinitialFocus, XtParent(_fpe_list),
-                  nullptr);
+    XtVaSetValues(wi_modify_fp_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
 
     clear_and_set_fpe_list(default_inst, gw::INSTALLATION_ROOT);
     set_current_fpe_list(default_inst);
@@ -393,7 +377,6 @@ Widget create_modify_fp_dlg(const char* name, Widget parent) {
     XmToggleButtonSetState(_default_fp_toggle, True, True);
     init_widget_activation();
     XtAddCallback(XtParent(wi_modify_fp_dlg), XmNpopupCallback, begin_cb, nullptr);
-    gw::on_close_box(wi_modify_fp_dlg, cancel_cb);
     return wi_modify_fp_dlg;
 }
 

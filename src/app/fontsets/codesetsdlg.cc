@@ -7,7 +7,7 @@
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/dialogs.h"
-#include "app/kit/handles.h"
+#include "app/kit/kept_text.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
@@ -27,21 +27,11 @@ constexpr int GAP = 8;
 constexpr short TEXT_COLUMNS = 45;
 constexpr int MOST_CODESETS = 10;  // that the dialog has room for
 
-std::vector<Widget> wi_sample_text_dlg_cs_text;  // by codeset
-
-// A field drops the characters that its font lacks: what it shows of a part stands for the whole.
-std::vector<std::string> kept_parts;
-std::vector<std::string> shown_of_them;
-
-std::string part(std::size_t codeset) {
-    std::string text = gw::field_text(wi_sample_text_dlg_cs_text[codeset]);
-    return text == shown_of_them[codeset] ? kept_parts[codeset] : text;
-}
+std::vector<gw::KeptText> wi_sample_text_dlg_cs_text;  // by codeset
 
 void apply_cb(Widget, XtPointer, XtPointer) {
     std::string text;
-    for (std::size_t codeset = 0; codeset < wi_sample_text_dlg_cs_text.size(); ++codeset)
-        text += part(codeset);
+    for (const gw::KeptText& part : wi_sample_text_dlg_cs_text) text += part.text();
     set_sample(text);
 }
 
@@ -80,7 +70,7 @@ Widget create_sample_text_dlg(const char* name, Widget parent) {
             Attach(field).below(above, GAP);
         }
         above = field;
-        wi_sample_text_dlg_cs_text.push_back(field);
+        wi_sample_text_dlg_cs_text.emplace_back(field);
     }
     const std::vector<Widget> buttons =
         gw::button_row(wi_sample_text_dlg, above,
@@ -89,18 +79,14 @@ Widget create_sample_text_dlg(const char* name, Widget parent) {
                         {"reset_button", Message::CODESETS_RESET, reset_cb},
                         {"cancel_button", Message::CODESETS_CANCEL, cancel_cb},
                         {"help_button", Message::CODESETS_HELP, nullptr}});
-    XtVaSetValues(wi_sample_text_dlg, XmNdefaultButton, buttons[0], XmNcancelButton, buttons[3],
-                  XmNinitialFocus, wi_sample_text_dlg_cs_text.front(), nullptr);
-    gw::on_close_box(wi_sample_text_dlg, cancel_cb);
+    gw::end_dialog(wi_sample_text_dlg,
+                   {buttons[0], buttons[3], wi_sample_text_dlg_cs_text.front().field(), cancel_cb});
     return wi_sample_text_dlg;
 }
 
 void set_wi_sample_text_dlg(const char* text) {
-    kept_parts = gw::split_by_codeset(text, static_cast<unsigned>(wi_sample_text_dlg_cs_text.size()));
-    shown_of_them.clear();
-    for (std::size_t codeset = 0; codeset < wi_sample_text_dlg_cs_text.size(); ++codeset) {
-        Widget field = wi_sample_text_dlg_cs_text[codeset];
-        XmTextFieldSetString(field, gw::name_arg(kept_parts[codeset].c_str()));
-        shown_of_them.push_back(gw::field_text(field));
-    }
+    const std::vector<std::string> parts =
+        gw::split_by_codeset(text, static_cast<unsigned>(wi_sample_text_dlg_cs_text.size()));
+    for (std::size_t codeset = 0; codeset < parts.size(); ++codeset)
+        wi_sample_text_dlg_cs_text[codeset].show(parts[codeset]);
 }

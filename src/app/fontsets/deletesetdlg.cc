@@ -94,20 +94,18 @@ Widget create_delete_set_dlg(const char* name, Widget parent) {
                         {"help_button", Message::DELETE_SET_HELP, nullptr}});
     wi_delete_set_dlg_delete_button = buttons[0];
     activate(wi_delete_set_dlg_delete_button, 0);
-    XtVaSetValues(wi_delete_set_dlg, XmNcancelButton, buttons[1], nullptr);
-    gw::on_close_box(wi_delete_set_dlg, cancel_cb);
+    gw::end_dialog(wi_delete_set_dlg, {.cancel_button = buttons[1], .close = cancel_cb});
     gw::BusyWindows::include(wi_delete_set_dlg);
     return wi_delete_set_dlg;
 }
 
 void init_wi_delete_set_dlg_scrolledlist() {
-    XmListDeleteAllItems(wi_delete_set_dlg_scrolledlist);
-    activate(wi_delete_set_dlg_delete_button, 0);
-    if (!fontsetdlg_cb.file) return;
-    for (const GWFontSet* set : fontsetdlg_cb.file->get_fontsets()) {
-        const gw::XmText name = gw::xm_text(set->get_name());
-        XmListAddItemUnselected(wi_delete_set_dlg_scrolledlist, name.get(), 0);
+    std::vector<std::string> names;
+    if (fontsetdlg_cb.file) {
+        for (const GWFontSet* set : fontsetdlg_cb.file->get_fontsets()) names.emplace_back(set->get_name());
     }
+    gw::fill_list(wi_delete_set_dlg_scrolledlist, names);
+    activate(wi_delete_set_dlg_delete_button, 0);
 }
 
 void fontsetsdlg::add_to_delete_list(const char* name) {

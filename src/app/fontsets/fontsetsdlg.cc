@@ -10,7 +10,7 @@
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
-#include "app/kit/handles.h"
+#include "app/kit/kept_text.h"
 #include "app/kit/lists.h"
 #include "app/kit/menus.h"
 #include "app/kit/messages.h"
@@ -44,7 +44,7 @@ gw::OptionMenu wi_fontsets_dlg_choose_menu;
 Widget wi_fontsets_dlg_scrolledlist, wi_fontsets_dlg_sample_text, wi_fontsets_dlg_msg_label;
 
 std::vector<std::string> listed_names;  // the XLFD names in the list
-std::string sample_text_of_dialog;
+gw::KeptText dialog_sample;
 
 /// The fonts offered for fontsets, ascending.
 GW_SORTED_LIST<GWFont> xlfd_font_list(0);
@@ -84,14 +84,6 @@ void collect_fonts() {
             }
         }
     }
-}
-
-// --- the sample --------------------------------------------------------------
-
-void sample_edited_cb(Widget field, XtPointer, XtPointer call_data) {
-    const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
-    // A change without an event is the program's own.
-    if (change != nullptr && change->event != nullptr) sample_text_of_dialog = gw::field_text(field);
 }
 
 // --- callbacks ---------------------------------------------------------------
@@ -205,28 +197,24 @@ Widget create_choice(Widget dialog) {
     return line;
 }
 
+/// Returns the separator above them.
 Widget create_buttons(Widget dialog) {
-    wi_fontsets_dlg_msg_label = gw::label(dialog, "msg_label", " ");
-    Attach(wi_fontsets_dlg_msg_label).sides(GAP).bottom_form(2);
-    Widget form = gw::form(dialog, "button_form");
-    Attach(form).sides(0).above(wi_fontsets_dlg_msg_label, GAP);
-    const std::vector<Widget> buttons =
-        gw::fill_with_buttons(form, {{"ok_button", Message::FONTSETS_OK, ok_fontset_cb},
-                                     {"apply_button", Message::FONTSETS_APPLY, apply_fontset_cb},
-                                     {"reset_button", Message::FONTSETS_RESET, reset_fontset_cb},
-                                     {"cancel_button", Message::FONTSETS_CANCEL, cancel_cb},
-                                     {"help_button", Message::FONTSETS_HELP, nullptr}});
-    XtVaSetValues(dialog, XmNcancelButton, buttons[3], nullptr);
-    return form;
+    const gw::BottomRow row = gw::bottom_row(dialog, {"msg_label", "button_form", "separator1"},
+                                             {{"ok_button", Message::FONTSETS_OK, ok_fontset_cb},
+                                              {"apply_button", Message::FONTSETS_APPLY, apply_fontset_cb},
+                                              {"reset_button", Message::FONTSETS_RESET, reset_fontset_cb},
+                                              {"cancel_button", Message::FONTSETS_CANCEL, cancel_cb},
+                                              {"help_button", Message::FONTSETS_HELP, nullptr}});
+    wi_fontsets_dlg_msg_label = row.message;
+    gw::end_dialog(dialog, {.cancel_button = row.buttons[3], .close = cancel_cb});
+    return row.separator;
 }
 
 void create_list_and_sample(Widget dialog, Widget above, Widget below) {
-    Widget line = gw::separator(dialog, "separator1");
-    Attach(line).sides(0).above(below, GAP);
     wi_fontsets_dlg_sample_text = gw::text_field(dialog, "sample_text");
     XtVaSetValues(wi_fontsets_dlg_sample_text, XmNheight, SAMPLE_HEIGHT, nullptr);
-    Attach(wi_fontsets_dlg_sample_text).sides(GAP).above(line, GAP);
-    XtAddCallback(wi_fontsets_dlg_sample_text, XmNvalueChangedCallback, sample_edited_cb, nullptr);
+    Attach(wi_fontsets_dlg_sample_text).sides(GAP).above(below, GAP);
+    dialog_sample = gw::KeptText(wi_fontsets_dlg_sample_text);
     Widget sample_label = gw::label(dialog, "sample_label", Message::FONTSET_SAMPLE_LABEL);
     Attach(sample_label).left_form(GAP).above(wi_fontsets_dlg_sample_text, 2);
 
@@ -284,20 +272,11 @@ void init_wi_installed_fontsets_choose_menu() {
 
 void init_wi_fontsets_dlg_scrolledlist() {
     collect_fonts();
-    XmListDeleteAllItems(wi_fontsets_dlg_scrolledlist);
     listed_names.clear();
-    std::vector<gw::XmText> texts;
-    std::vector<XmString> items;
-    for (GWFont* font : xlfd_font_list) {
-        listed_names.emplace_back(font->get_xlfd_name());
-        texts.push_back(gw::xm_text(listed_names.back()));
-        items.push_back(texts.back().get());
-    }
+    for (GWFont* font : xlfd_font_list) listed_names.emplace_back(font->get_xlfd_name());
     // The fonts belong to the installed list, which may be filled anew.
     xlfd_font_list.clear();
-    if (!items.empty())
-        XmListAddItemsUnselected(wi_fontsets_dlg_scrolledlist, items.data(), static_cast<int>(items.size()),
-                                 1);
+    gw::fill_list(wi_fontsets_dlg_scrolledlist, listed_names);
 }
 
 void init_wi_fontsets_dlg_sample_text() {
@@ -327,8 +306,10 @@ void select_scrolled_list(Widget list, const GWFontSet* set) {
 void display_sample_text(const GWFontSet* set) {
     if (set == nullptr) return;
     const char* names = set->get_base_names();
-    const bool shown = names != nullptr &&
-                       display_text_in_fontset(wi_fontsets_dlg_sample_text, names, sample().c_str()) != 0;
+    const std::string text = sample();
+    const bool shown =
+        names != nullptr && display_text_in_fontset(wi_fontsets_dlg_sample_text, names, text.c_str()) != 0;
+    if (shown) dialog_sample.shown_again(text);
     set_message(shown ? " " : gw::text_of(Message::FONTS_NOT_FOUND));
 }
 
@@ -338,13 +319,12 @@ void set_message(const std::string& text) {
     gw::set_label(wi_fontsets_dlg_msg_label, text);
 }
 
-const std::string& sample() {
-    return sample_text_of_dialog;
+std::string sample() {
+    return dialog_sample.text();
 }
 
 void set_sample(const std::string& text) {
-    sample_text_of_dialog = text;
-    XmTextFieldSetString(wi_fontsets_dlg_sample_text, gw::name_arg(text.c_str()));
+    dialog_sample.show(text);
 }
 
 namespace {
@@ -416,7 +396,6 @@ Widget create_fontsets_dlg(const char* name, Widget parent) {
     Widget line = create_choice(wi_fontsets_dlg);
     create_list_and_sample(wi_fontsets_dlg, line, create_buttons(wi_fontsets_dlg));
     XtVaSetValues(wi_fontsets_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
-    gw::on_close_box(wi_fontsets_dlg, cancel_cb);
     gw::BusyWindows::include(wi_fontsets_dlg);
     create_delete_set_dlg("delete_set_dlg", parent);
     create_new_set_dlg("new_set_dlg", parent);

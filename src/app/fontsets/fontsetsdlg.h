@@ -53,7 +53,7 @@ namespace fontsetsdlg {
 void set_message(const std::string& text);
 
 /// The sample text of the dialog, which is more than its field can show in some fonts.
-[[nodiscard]] const std::string& sample();
+[[nodiscard]] std::string sample();
 void set_sample(const std::string& text);
 
 /// Adds a fontset to the menu, or takes the entries of that name away.

@@ -74,8 +74,6 @@ Widget create_new_set_dlg(const char* name, Widget parent) {
                                                         {"cancel_button", Message::NEW_SET_CANCEL, cancel_cb},
                                                         {"help_button", Message::NEW_SET_HELP, nullptr}},
                                                        &wi_new_set_dlg_msg_label);
-    XtVaSetValues(wi_new_set_dlg, XmNdefaultButton, buttons[0], XmNcancelButton, buttons[1], XmNinitialFocus,
-                  wi_new_set_dlg_text, nullptr);
-    gw::on_close_box(wi_new_set_dlg, cancel_cb);
+    gw::end_dialog(wi_new_set_dlg, {buttons[0], buttons[1], wi_new_set_dlg_text, cancel_cb});
     return wi_new_set_dlg;
 }

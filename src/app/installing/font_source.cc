@@ -6,7 +6,6 @@
 
 #include "app/installing/rmediadlg.h"
 #include "app/kit/busy_windows.h"
-#include "app/kit/handles.h"
 #include "app/kit/lists.h"
 #include "app/kit/messages.h"
 #include "app/kit/toolkit.h"
@@ -109,16 +108,14 @@ void select_all_of_source(Widget list) {
     XmListDeselectAllItems(list);
     int count = 0;
     XtVaGetValues(list, XmNitemCount, &count, nullptr);
-    std::vector<XmText> names;
-    std::vector<XmString> items;
+    std::vector<std::string> names;
     for (int position = 1; position <= count; ++position) {
         const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(position);
         if (elem == nullptr) break;
-        names.push_back(xm_text(elem->get_name()));
-        items.push_back(names.back().get());
+        names.emplace_back(elem->get_name());
     }
-    XtVaSetValues(list, XmNselectedItems, items.data(), XmNselectedItemCount, static_cast<int>(items.size()),
-                  nullptr);
+    XmTexts items(names);
+    XtVaSetValues(list, XmNselectedItems, items.table(), XmNselectedItemCount, items.count(), nullptr);
 }
 
 // The position is compared with the length of the main window's list, not of this one.

@@ -56,7 +56,7 @@ constexpr int GAP = 8;
 constexpr int VISIBLE_NAMES = 10;
 constexpr mode_t DIRECTORY_MODE = 0755;
 
-Widget _fontlist_label, _hrn_list, _sample_textfield, _dest_label;
+Widget _media_choice, _fontlist_label, _hrn_list, _sample_textfield, _dest_label;
 Widget _req_space_val, _avail_space_val, _message_label;
 Widget _install_button, _attr_button;
 
@@ -265,7 +265,7 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
 // --- creation ----------------------------------------------------------------
 
 Widget create_media_choice(Widget dialog) {
-    Widget form = gw::form(dialog, "MediaChoiceTemplate");
+    Widget form = _media_choice = gw::form(dialog, "MediaChoiceTemplate");
     Attach(form).top_form(GAP).sides(GAP);
     Widget label = gw::label(form, "_media_label", Message::LIST_FONTS_FROM);
     Attach(label).top_form(0).bottom_form(0).left_form(0);
@@ -275,9 +275,7 @@ Widget create_media_choice(Widget dialog) {
     Attach(directory).top_form(0).right_of(media, GAP);
     XtAddCallback(media, XmNactivateCallback, other_media_dlg_cb, nullptr);
     XtAddCallback(directory, XmNactivateCallback, from_dir_dlg_cb, nullptr);
-    // By keyboard too, the source is chosen first.
     XtVaSetValues(form, XmNinitialFocus, directory, nullptr);
-    XtVaSetValues(dialog, XmNinitialFocus, form, nullptr);
     Widget line = gw::separator(dialog, "separator");
     Attach(line).below(form, GAP).sides(0);
     return line;
@@ -305,24 +303,21 @@ Widget space_row(Widget dialog, const char* label_name, Message text, const char
     return value;
 }
 
+/// Returns the separator above them.
 Widget create_buttons(Widget dialog) {
-    _message_label = gw::label(dialog, "_message_label", " ");
-    Attach(_message_label).sides(GAP).bottom_form(2);
-    Widget form = gw::form(dialog, "_button_form");
-    Attach(form).sides(0).above(_message_label, GAP);
-    const std::vector<Widget> buttons =
-        gw::fill_with_buttons(form, {{"_install_button", Message::INSTALL_BUTTON, install_cb},
-                                     {"_select_all_button", Message::SELECT_ALL, select_all_cb},
-                                     {"_attr_button", Message::INSTALL_ATTRIBUTES, attr_dlg_cb},
-                                     {"_cancel_button", Message::INSTALL_CANCEL, cancel_cb},
-                                     {"_help_button", Message::INSTALL_HELP, nullptr}});
-    _install_button = buttons[0];
-    _attr_button = buttons[2];
+    const gw::BottomRow row = gw::bottom_row(dialog, {"_message_label", "_button_form", "separator3"},
+                                             {{"_install_button", Message::INSTALL_BUTTON, install_cb},
+                                              {"_select_all_button", Message::SELECT_ALL, select_all_cb},
+                                              {"_attr_button", Message::INSTALL_ATTRIBUTES, attr_dlg_cb},
+                                              {"_cancel_button", Message::INSTALL_CANCEL, cancel_cb},
+                                              {"_help_button", Message::INSTALL_HELP, nullptr}});
+    _message_label = row.message;
+    _install_button = row.buttons[0];
+    _attr_button = row.buttons[2];
     for (Widget w : {_install_button, _attr_button}) activate(w, 0);
-    XtVaSetValues(dialog, XmNdefaultButton, _install_button, XmNcancelButton, buttons[3], nullptr);
-    Widget line = gw::separator(dialog, "separator3");
-    Attach(line).sides(0).above(form, GAP);
-    return line;
+    // By keyboard too, the source is chosen first.
+    gw::end_dialog(dialog, {_install_button, row.buttons[3], _media_choice, cancel_cb});
+    return row.separator;
 }
 
 /// The parts keep to the bottom, from the buttons upwards; the list takes what height there is.
@@ -447,7 +442,6 @@ Widget create_install_dlg(const char* name, Widget parent) {
     XmTextFieldSetString(_sample_textfield, gw::name_arg(" "));
     set_default_destination();
     XtAddCallback(XtParent(wi_install_dlg), XmNpopupCallback, installdlg::popup_cb, nullptr);
-    gw::on_close_box(wi_install_dlg, cancel_cb);
     gw::BusyWindows::include(wi_install_dlg);
     return wi_install_dlg;
 }

@@ -3,10 +3,13 @@
 
 #include <unistd.h>
 
+#include <vector>
+
 #include "app/common/warningdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
+#include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
 #include "app/kit/menus.h"
 #include "app/kit/messages.h"
@@ -90,13 +93,6 @@ Widget create_option_menu(Widget parent) {
     return menu;
 }
 
-Widget button(const char* name, Message text, Widget above, int column, XtCallbackProc callback) {
-    Widget w = gw::push_button(wi_rmedia_dlg, name, text);
-    Attach(w).below(above, GAP).columns(column * 33 + 3, column * 33 + 30);
-    if (callback != nullptr) XtAddCallback(w, XmNactivateCallback, callback, nullptr);
-    return w;
-}
-
 }  // namespace
 
 Widget create_rmedia_dlg(const char* name, Widget parent) {
@@ -108,19 +104,21 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
     Widget line = gw::separator(wi_rmedia_dlg, "separator");
     Attach(line).below(menu, GAP).sides(0);
 
-    button("eject_button", Message::RMEDIA_EJECT, line, 0, eject_cb);
-    Widget close = button("close_button", Message::RMEDIA_CLOSE, line, 1, close_cb);
-    Widget help = button("help_dlg_button", Message::RMEDIA_HELP, line, 2, nullptr);
+    const std::vector<Widget> buttons = gw::make_buttons(
+        wi_rmedia_dlg, {{"eject_button", Message::RMEDIA_EJECT, eject_cb, nullptr, 3, 30},
+                        {"close_button", Message::RMEDIA_CLOSE, close_cb, nullptr, 36, 63},
+                        {"help_dlg_button", Message::RMEDIA_HELP, nullptr, nullptr, 69, 96}});
+    for (Widget button : buttons) Attach(button).below(line, GAP);
+    // It does nothing and yet can be pressed.
+    activate(buttons[2], 1);
     Widget message = gw::label(wi_rmedia_dlg, "msg_label", " ");
-    Attach(message).below(help, 0).sides(GAP).bottom_form(0);
-    XtVaSetValues(wi_rmedia_dlg, XmNdefaultButton, check, XmNcancelButton, close, XmNinitialFocus, check,
-                  nullptr);
+    Attach(message).below(buttons.back(), 0).sides(GAP).bottom_form(0);
+    gw::end_dialog(wi_rmedia_dlg, {check, buttons[1], check, close_cb});
     // Now, because the ring around a default button makes it higher.
     Attach(check)
         .top_form(GAP + gw::centring_offset(check, menu))
         .right_of(menu, 2 * GAP)
         .right_form(2 * GAP);
-    gw::on_close_box(wi_rmedia_dlg, close_cb);
     gw::BusyWindows::include(wi_rmedia_dlg);
     return wi_rmedia_dlg;
 }

@@ -14,4 +14,8 @@ void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
     Function(w, static_cast<Record*>(client_data), call_data);
 }
 
+/// The callback of a control that does nothing and yet is not insensitive; of a close box, a window that
+/// stays.
+inline void do_nothing_cb(Widget, XtPointer, XtPointer) {}
+
 }  // namespace gw

@@ -18,6 +18,9 @@ namespace gw {
 
 namespace {
 
+constexpr int GAP = 8;
+constexpr int MESSAGE_GAP = 2;
+
 void name_windows_cb(Widget dialog, XtPointer, XtPointer) {
     name_windows(dialog);
 }
@@ -31,15 +34,28 @@ void fit_shell_cb(Widget dialog, XtPointer, XtPointer) {
     XtVaSetValues(XtParent(dialog), XmNwidth, width, XmNheight, height, nullptr);
 }
 
-void press_ok(Widget dialog, XEvent*, String*, Cardinal*) {
-    if (!XtIsManaged(XmMessageBoxGetChild(dialog, XmDIALOG_OK_BUTTON))) return;
-    XtUnmanageChild(dialog);
-    XtCallCallbacks(dialog, XmNokCallback, nullptr);
+void hide_cb(Widget, XtPointer dialog, XtPointer) {
+    XtUnmanageChild(static_cast<Widget>(dialog));
+}
+
+/// Nothing where the box has no such button.
+void press_ok(Widget box) {
+    if (!XtIsManaged(XmMessageBoxGetChild(box, XmDIALOG_OK_BUTTON))) return;
+    XtUnmanageChild(box);
+    XtCallCallbacks(box, XmNokCallback, nullptr);
+}
+
+void press_ok_cb(Widget, XtPointer box, XtPointer) {
+    press_ok(static_cast<Widget>(box));
+}
+
+void press_ok_action(Widget box, XEvent*, String*, Cardinal*) {
+    press_ok(box);
 }
 
 /// A message box knows its own Cancel button only, and that is not there.
 void let_escape_press_ok(Widget dialog) {
-    static XtActionsRec actions[] = {{name_arg("PressOk"), press_ok}};
+    static XtActionsRec actions[] = {{name_arg("PressOk"), press_ok_action}};
     static const XtTranslations ON_ESCAPE = [] {
         XtAppAddActions(app, actions, XtNumber(actions));
         return XtParseTranslationTable("<Key>osfCancel: PressOk()");
@@ -75,7 +91,10 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
     for (const unsigned char part : without) {
         if (Widget w = XmMessageBoxGetChild(dialog, part); w != nullptr) XtUnmanageChild(w);
     }
-    if (!XtIsManaged(XmMessageBoxGetChild(dialog, XmDIALOG_CANCEL_BUTTON))) let_escape_press_ok(dialog);
+    if (!XtIsManaged(XmMessageBoxGetChild(dialog, XmDIALOG_CANCEL_BUTTON))) {
+        let_escape_press_ok(dialog);
+        end_dialog(dialog, {.close = press_ok_cb});
+    }
     add_map_callbacks(dialog);
     return dialog;
 }
@@ -99,13 +118,18 @@ void name_windows(Widget w) {
     }
 }
 
-std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>& buttons) {
+std::vector<Widget> make_buttons(Widget parent, const std::vector<RowButton>& buttons) {
+    constexpr int MARGIN = 2;
     const int step = 100 / static_cast<int>(buttons.size());
     int column = 0;
     std::vector<Widget> made;
     for (const RowButton& button : buttons) {
-        Widget w = push_button(form, button.name, button.text);
-        Attach(w).top_form(0).bottom_form(0).columns(column + 2, column + step - 2);
+        Widget w = push_button(parent, button.name, button.text);
+        if (button.right > 0) {
+            Attach(w).columns(button.left, button.right);
+        } else {
+            Attach(w).columns(column + MARGIN, column + step - MARGIN);
+        }
         if (button.callback != nullptr) {
             XtAddCallback(w, XmNactivateCallback, button.callback, button.client_data);
         } else {
@@ -117,26 +141,50 @@ std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>&
     return made;
 }
 
+std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>& buttons) {
+    const std::vector<Widget> made = make_buttons(form, buttons);
+    for (Widget w : made) Attach(w).top_form(0).bottom_form(0);
+    return made;
+}
+
 std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<RowButton>& buttons,
                                Widget* message) {
-    constexpr int GAP = 8;
     Widget line = separator(dialog, "separator");
     Attach(line).below(above, GAP).sides(0);
     Widget row = form(dialog, "button_form");
     Attach(row).below(line, GAP).sides(0);
     std::vector<Widget> made = fill_with_buttons(row, buttons);
     Widget text = label(dialog, "msg_label", " ");
-    Attach(text).below(row, 2).sides(GAP).bottom_form(2);
+    Attach(text).below(row, MESSAGE_GAP).sides(GAP).bottom_form(MESSAGE_GAP);
     if (message != nullptr) *message = text;
     return made;
 }
 
-void on_close_box(Widget dialog, XtCallbackProc callback) {
-    Widget shell = dialog;
+BottomRow bottom_row(Widget dialog, const BottomRowNames& names, const std::vector<RowButton>& buttons) {
+    BottomRow row;
+    row.message = label(dialog, names.message, " ");
+    Attach(row.message).sides(GAP).bottom_form(MESSAGE_GAP);
+    Widget form = gw::form(dialog, names.form);
+    Attach(form).sides(0).above(row.message, GAP);
+    row.buttons = fill_with_buttons(form, buttons);
+    row.separator = separator(dialog, names.separator);
+    Attach(row.separator).sides(0).above(form, GAP);
+    return row;
+}
+
+void end_dialog(Widget dialog, const DialogEnd& end) {
+    if (end.default_button != nullptr) XtVaSetValues(dialog, XmNdefaultButton, end.default_button, nullptr);
+    if (end.cancel_button != nullptr) XtVaSetValues(dialog, XmNcancelButton, end.cancel_button, nullptr);
+    if (end.initial_focus != nullptr) XtVaSetValues(dialog, XmNinitialFocus, end.initial_focus, nullptr);
+    on_close_box(dialog, end.close != nullptr ? end.close : hide_cb, dialog);
+}
+
+void on_close_box(Widget window, XtCallbackProc callback, XtPointer client_data) {
+    Widget shell = window;
     while (!XtIsShell(shell)) shell = XtParent(shell);
     XtVaSetValues(shell, XmNdeleteResponse, XmDO_NOTHING, nullptr);
     XmAddWMProtocolCallback(shell, XmInternAtom(XtDisplay(shell), name_arg("WM_DELETE_WINDOW"), False),
-                            callback, nullptr);
+                            callback, client_data);
 }
 
 }  // namespace gw

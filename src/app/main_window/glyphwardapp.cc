@@ -133,10 +133,12 @@ Widget create_menu_bar(Widget main_window) {
 Widget create_commands(Widget parent) {
     Widget commands = gw::form(parent, "_command_form");
     Attach(commands).sides(0).bottom_form(GAP);
-    wi_delete_button = gw::push_button(commands, "_delete_button", Message::DELETE_BUTTON);
-    Attach(wi_delete_button).top_form(0).bottom_form(0).columns(15, 40);
-    wi_attributes_button = gw::push_button(commands, "_attributes_button1", Message::ATTRIBUTES_BUTTON);
-    Attach(wi_attributes_button).top_form(0).bottom_form(0).columns(60, 85);
+    const std::vector<Widget> buttons = gw::fill_with_buttons(
+        commands, {{"_delete_button", Message::DELETE_BUTTON, delete_btn_cb, nullptr, 15, 40},
+                   {"_attributes_button1", Message::ATTRIBUTES_BUTTON, gw::show_selected_attributes_cb,
+                    nullptr, 60, 85}});
+    wi_delete_button = buttons[0];
+    wi_attributes_button = buttons[1];
     return commands;
 }
 
@@ -234,7 +236,6 @@ void props_dlg_cb(Widget, XtPointer, XtPointer) {
 void attach_callbacks() {
     XtAddCallback(wi_install_entry, XmNactivateCallback, install_dlg_cb, nullptr);
     XtAddCallback(wi_delete_entry, XmNactivateCallback, delete_btn_cb, nullptr);
-    XtAddCallback(wi_delete_button, XmNactivateCallback, delete_btn_cb, nullptr);
     XtAddCallback(wi_help_entry, XmNactivateCallback, help_dlg_cb, nullptr);
     XtAddCallback(wi_about_entry, XmNactivateCallback, about_dlg_cb, nullptr);
     XtAddCallback(wi_modify_fp_entry, XmNactivateCallback, modify_fp_dlg_cb, nullptr);
@@ -243,7 +244,6 @@ void attach_callbacks() {
     XtAddCallback(wi_pr_delete_entry, XmNactivateCallback, pr_delete_dlg_cb, nullptr);
     XtAddCallback(wi_pr_modify_fp_entry, XmNactivateCallback, pr_modify_fp_dlg_cb, nullptr);
     XtAddCallback(wi_attributes_entry, XmNactivateCallback, gw::show_selected_attributes_cb, nullptr);
-    XtAddCallback(wi_attributes_button, XmNactivateCallback, gw::show_selected_attributes_cb, nullptr);
     XtAddCallback(wi_exit_entry, XmNactivateCallback, exit_btn_cb, nullptr);
     XtAddCallback(wi_properties_entry, XmNactivateCallback, props_dlg_cb, nullptr);
     gw::on_close_box(wi_mainwindow, exit_btn_cb);

@@ -249,8 +249,8 @@ Widget create_pr_install_dlg(const char* name, Widget parent) {
                     {"help_dlg_button", Message::PR_HELP, nullptr}});
     wi_pr_install_dlg_msg_label = rows.label("msg_label", Message::PR_MESSAGE);
     rows.end();
-    XtVaSetValues(dialog, XmNcancelButton, buttons[3], XmNresizePolicy, XmRESIZE_GROW, nullptr);
-    gw::on_close_box(dialog, cancel_cb);
+    XtVaSetValues(dialog, XmNresizePolicy, XmRESIZE_GROW, nullptr);
+    gw::end_dialog(dialog, {.cancel_button = buttons[3], .close = cancel_cb});
     gw::BusyWindows::include(wi_pr_install_dlg);
     gw::on_source_change(show_source);
     update_wi_pr_install_dlg_for_menu();

@@ -5,6 +5,7 @@
 
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
+#include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/messages.h"
@@ -33,8 +34,6 @@ void close_cb(Widget, XtPointer, XtPointer) {
     XtUnmanageChild(wi_attr_dlg);
     attr_dlg_managed = 0;
 }
-
-void help_cb(Widget, XtPointer, XtPointer) {}
 
 void show_dialog() {
     if (attr_dlg_managed != 0) return;
@@ -124,16 +123,14 @@ void create_alias_section(Widget parent) {
 void create_buttons(Widget dialog, Widget above) {
     Widget form = gw::form(dialog, "button_form");
     Attach(form).sides(0).below(above, GAP);
-    Widget close = gw::push_button(form, "close_button", Message::ATTR_CLOSE);
-    Attach(close).top_form(0).bottom_form(0).columns(20, 40);
-    XtAddCallback(close, XmNactivateCallback, close_cb, nullptr);
-    Widget help = gw::push_button(form, "help_dlg_button", Message::ATTR_HELP);
-    Attach(help).top_form(0).bottom_form(0).columns(60, 80);
-    XtAddCallback(help, XmNactivateCallback, help_cb, nullptr);
+    Widget close = gw::fill_with_buttons(
+                       form, {{"close_button", Message::ATTR_CLOSE, close_cb, nullptr, 20, 40},
+                              {"help_dlg_button", Message::ATTR_HELP, gw::do_nothing_cb, nullptr, 60, 80}})
+                       .front();
 
     Widget message = gw::label(dialog, "msg_label", " ");
     Attach(message).sides(GAP).below(form, 0).bottom_form(0);
-    XtVaSetValues(dialog, XmNdefaultButton, close, XmNcancelButton, close, XmNinitialFocus, form, nullptr);
+    gw::end_dialog(dialog, {close, close, form, close_cb});
 }
 
 /// The words for the spacing codes; a code of its own stands as it is.
@@ -166,7 +163,6 @@ Widget create_attr_dlg(const char* name, Widget parent) {
     line = section(wi_attr_dlg, "alias_template", "separator4", line, part);
     create_alias_section(part);
     create_buttons(wi_attr_dlg, line);
-    gw::on_close_box(wi_attr_dlg, close_cb);
     gw::BusyWindows::include(wi_attr_dlg);
     return wi_attr_dlg;
 }

@@ -16,7 +16,6 @@ Widget create_init_dlg(const char* name, Widget parent) {
                                      gw::text_of(gw::Message::NOTICE_TITLE), gw::text_of(gw::Message::NOTICE),
                                      {XmDIALOG_SEPARATOR, XmDIALOG_OK_BUTTON, XmDIALOG_CANCEL_BUTTON,
                                       XmDIALOG_HELP_BUTTON, XmDIALOG_DEFAULT_BUTTON, XmDIALOG_SYMBOL_LABEL});
-    gw::on_close_box(wi_init_dlg, [](Widget, XtPointer, XtPointer) {});
     return wi_init_dlg;
 }
 
