@@ -19,9 +19,9 @@ class GW_BUF_FILE : public GW_FILE {
     /// onto itself, whichever path names its directory, and one that cannot be copied completely is skipped
     /// silently. Returns 1 in every case.
     int copy(GW_DIR* target);
-    /// Writes the bytes into `copy` and finishes it, without putting it in place. Returns 0, or the `errno`
-    /// of what went wrong; `copy` knows whether that was its own failure.
-    [[nodiscard]] int copy_into(gw::NewFile& copy);
+    /// Writes the bytes into `copy` and finishes it, without putting it in place. A failure is about the file
+    /// that could not be read or written, this one or the copy.
+    gw::Outcome copy_into(gw::NewFile& copy);
 
   private:
     std::array<char, 1024> buffer{};

@@ -7,7 +7,6 @@
 #include <cstring>
 #include <memory>
 #include <set>
-#include <string_view>
 #include <utility>
 
 #include "core/gw_file.h"
@@ -15,8 +14,6 @@
 #include "core/gw_token_string.h"
 #include "core/gw_token_table.h"
 #include "core/text.h"
-#include "platform/host_paths.h"
-#include "platform/shell_command.h"
 
 namespace {
 
@@ -100,12 +97,4 @@ int GW_DIR::get_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, int recursive, const 
         GW_DIR(spec->get_path()).get_dir_file_spec_list(out, table);
     }
     return result;
-}
-
-int GW_DIR::make_upr_file(int rescan_all, const char* work_dir) const {
-    const std::string_view dir = work_dir != nullptr ? work_dir : get_path();
-    gw::run_shell("cd %s; rm -rf %s %s~", {dir, gw::UPR_FILE_NAME, gw::UPR_FILE_NAME});
-    gw::run_shell(rescan_all != 0 ? "cd %s; makepsres -q -o %s %s" : "cd %s; makepsres -nr -q -o %s %s",
-                  {dir, gw::UPR_FILE_NAME, get_path()});
-    return 1;
 }

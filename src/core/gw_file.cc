@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstring>
 
 GW_FILE::GW_FILE(const char* file_name, const char* file_dir, int type)
@@ -12,11 +13,23 @@ GW_FILE::GW_FILE(const GW_FILE_SPEC* spec) : GW_FILE_SPEC(spec) {}
 
 int GW_FILE::open(const char* mode) {
     if (fp) return 0;
+    error = 0;
     fp.reset(std::fopen(get_path(), mode));
-    if (!fp) return 0;
+    if (!fp) {
+        note_error();
+        return 0;
+    }
     if (std::strpbrk(mode, "aw") != nullptr)
         ::fchmod(::fileno(fp.get()), S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
     return 1;
+}
+
+void GW_FILE::note_error() {
+    if (error == 0) error = errno;
+}
+
+gw::Outcome GW_FILE::outcome() const {
+    return error == 0 ? gw::done() : gw::Outcome(gw::Failure::of_system(get_path(), error));
 }
 
 int GW_FILE::close() {
@@ -39,15 +52,18 @@ int GW_FILE::file_flush() {
 
 int GW_FILE::read(char* buf, int n) {
     if (!fp || n <= 0) return 0;
-    return static_cast<int>(std::fread(buf, 1, static_cast<std::size_t>(n), fp.get()));
+    const std::size_t got = std::fread(buf, 1, static_cast<std::size_t>(n), fp.get());
+    if (std::ferror(fp.get()) != 0) note_error();
+    return static_cast<int>(got);
 }
 
 int GW_FILE::write(const char* buf, int n) {
     if (!fp || n <= 0) return 0;
     const auto written = static_cast<int>(std::fwrite(buf, 1, static_cast<std::size_t>(n), fp.get()));
     // A block that the disk has no room for is found here, not at the end of the process.
-    if (written > 0 && std::fflush(fp.get()) != 0) return 0;
-    return written;
+    const bool flushed = written == 0 || std::fflush(fp.get()) == 0;
+    if (written != n || !flushed) note_error();
+    return flushed ? written : 0;
 }
 
 char* GW_FILE::get_line(char* buf, int size) {

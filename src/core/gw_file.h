@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "core/failure.h"
 #include "core/gw_file_spec.h"
 
 class GW_FILE : public GW_FILE_SPEC {
@@ -30,8 +31,9 @@ class GW_FILE : public GW_FILE_SPEC {
 
     /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
     int read(char* buf, int n);
-    /// Whether reading or writing has failed since the file was opened.
-    [[nodiscard]] bool has_failed() const { return fp && std::ferror(fp.get()) != 0; }
+    /// How opening, reading and writing went since the last `open` that was tried: the first failure, if
+    /// there was one. The end of the file is none.
+    [[nodiscard]] gw::Outcome outcome() const;
     /// Writes and flushes `n` bytes; returns the count written, 0 when the file is closed.
     int write(const char* buf, int n);
 
@@ -49,5 +51,8 @@ class GW_FILE : public GW_FILE_SPEC {
     struct Closer {
         void operator()(std::FILE* stream) const { std::fclose(stream); }
     };
+    void note_error();
+
     std::unique_ptr<std::FILE, Closer> fp;
+    int error = 0;  // the `errno` of the first failure
 };

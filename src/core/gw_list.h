@@ -15,6 +15,17 @@
 
 class GW_FILE;
 
+namespace gw {
+
+/// What an index over a sorted list stands for: it is out of date when the list has another state.
+struct ListState {
+    unsigned long revision = 0;    ///< of the list's structure
+    unsigned long generation = 0;  ///< of the keys that the elements have
+    bool operator==(const ListState&) const = default;
+};
+
+}  // namespace gw
+
 /// Storage, traversal and removal.
 template <class T>
 class GW_LIST_BASE {
@@ -158,8 +169,7 @@ class GW_LIST_BASE {
     Node* head = nullptr;
     Node* tail = nullptr;
     Node* cursor = nullptr;
-    /// Incremented with every change of the structure, so that an index over the nodes can see that it is out
-    /// of date.
+    /// Incremented with every change of the structure.
     unsigned long revision = 0;
 
   private:
@@ -215,11 +225,13 @@ class GW_LIST : public GW_LIST_BASE<T> {
     }
 };
 
-/// How elements of type `T` are ordered in a sorted list; a type whose key is not its own `compare`
-/// specialises this.
+/// How elements of type `T` are ordered in a sorted list; a type whose key is not its own `compare`, or may
+/// change while it is in a list, specialises this.
 template <class T>
 struct GW_SORT_KEY {
     static int compare(const T& a, const T& b) { return a.compare(&b); }
+    /// Moves on whenever the key of any `T` may have changed.
+    static unsigned long generation() { return 0; }
 };
 
 /// Adds ordered insertion. Among equal keys the most recently inserted element comes first, ascending and
@@ -242,7 +254,7 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
 
     /// Inserts `e` before the first element for which `compare(e, element)` is 1; returns 1.
     int insert(T* e) {
-        if (index_revision_ != this->revision) rebuild_index();
+        if (index_state_ != state()) rebuild_index();
         if (!index_valid_) {
             insert_by_walking(e);
             return 1;
@@ -250,9 +262,12 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         const auto next = index_.lower_bound(e);
         Node* before = next == index_.begin() ? nullptr : *std::prev(next);
         index_.insert(next, this->link_after(before, e));
-        index_revision_ = this->revision;
+        index_state_ = state();
         return 1;
     }
+
+    /// Changes whenever an index over the elements may have gone out of date.
+    [[nodiscard]] gw::ListState state() const { return {this->revision, GW_SORT_KEY<T>::generation()}; }
 
   private:
     struct GoesBefore {
@@ -280,7 +295,7 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
             before = node;
         }
         if (!index_valid_) index_.clear();
-        index_revision_ = this->revision;
+        index_state_ = state();
     }
 
     void insert_by_walking(T* e) {
@@ -291,7 +306,7 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
     }
 
     std::multiset<Node*, GoesBefore> index_;
-    unsigned long index_revision_ = 0;
+    gw::ListState index_state_;
     bool index_valid_ = true;
 };
 

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "core/gw_base.h"
-#include "platform/pattern.h"
+#include "core/pattern.h"
 
 class GW_REG_EXP : public GW_BASE {
   public:

@@ -27,10 +27,12 @@ std::string hidden_name(const std::string& path, const char* suffix) {
     return path.substr(0, name) + '.' + path.substr(name) + suffix;
 }
 
-bool set_aside(const std::string& path, const std::string& other_name) {
+Outcome set_aside(const std::string& path, const std::string& other_name) {
     ::unlink(other_name.c_str());
-    return ::link(path.c_str(), other_name.c_str()) == 0 ||
-           std::rename(path.c_str(), other_name.c_str()) == 0;
+    if (::link(path.c_str(), other_name.c_str()) == 0 || std::rename(path.c_str(), other_name.c_str()) == 0) {
+        return done();
+    }
+    return Failure::of_system(path, errno);
 }
 
 NewFile::NewFile(const std::string& file_path)
@@ -38,15 +40,15 @@ NewFile::NewFile(const std::string& file_path)
     struct stat old {};
     replaces = ::lstat(path.c_str(), &old) == 0;
     if (replaces && S_ISDIR(old.st_mode)) {
-        failure = EISDIR;
+        fail(EISDIR);
     } else if (replaces && S_ISREG(old.st_mode) &&
                ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
-        fail();
+        fail(errno);
     } else {
         ::unlink(temporary.c_str());
         fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
                     S_IRUSR | S_IWUSR);
-        if (fd < 0) fail();
+        if (fd < 0) fail(errno);
     }
     if (failure != 0) state = State::OVER;
 }
@@ -71,55 +73,67 @@ NewFile::~NewFile() {
     }
 }
 
-bool NewFile::fail() {
-    if (failure == 0) failure = errno;
+bool NewFile::fail(int error) {
+    if (failure == 0) failure = error;
     return false;
 }
 
+Outcome NewFile::outcome() const {
+    return failure == 0 ? done() : Outcome(Failure::of_system(path, failure));
+}
+
 void NewFile::close() {
-    if (fd >= 0 && ::close(std::exchange(fd, -1)) != 0) fail();
+    if (fd >= 0 && ::close(std::exchange(fd, -1)) != 0) fail(errno);
 }
 
 bool NewFile::write(std::string_view bytes) {
     while (failure == 0 && !bytes.empty()) {
         const ssize_t written = ::write(fd, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return fail();
+        if (written < 0) return fail(errno);
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
     return failure == 0;
 }
 
-bool NewFile::finish() {
-    if (failure != 0) return false;
+Outcome NewFile::finish() {
+    if (failure != 0) return outcome();
     struct stat old {};
     struct stat made {};
     if (replaces && ::stat(path.c_str(), &old) == 0 && ::fstat(fd, &made) == 0 && old.st_uid != made.st_uid) {
         [[maybe_unused]] const int kept = ::fchown(fd, old.st_uid, old.st_gid);
     }
     // Otherwise an index that names the file could reach the disk before the file.
-    if (::fchmod(fd, NEW_FILE_MODE) != 0 || ::fdatasync(fd) != 0) fail();
+    if (::fchmod(fd, NEW_FILE_MODE) != 0 || ::fdatasync(fd) != 0) fail(errno);
     close();
-    return failure == 0;
+    return outcome();
 }
 
 bool NewFile::changes_a_file() const {
-    return replaces && read_file(path) != read_file(temporary);
+    if (!replaces) return false;
+    const Result<std::string> old = read_file(path);
+    const Result<std::string> made = read_file(temporary);
+    return !old || !made || *old != *made;
 }
 
-bool NewFile::put_in_place() {
-    if (failure != 0 || state != State::BEGUN) return false;
-    if (replaces && !set_aside(path, old_file)) return fail();
+Outcome NewFile::put_in_place() {
+    if (failure != 0 || state != State::BEGUN) return outcome();
+    if (replaces) {
+        if (const Outcome aside = set_aside(path, old_file); !aside) {
+            fail(aside.failure().error);
+            return aside;
+        }
+    }
     if (std::rename(temporary.c_str(), path.c_str()) != 0) {
-        fail();
+        fail(errno);
         if (replaces) {
             std::rename(old_file.c_str(), path.c_str());
             ::unlink(old_file.c_str());  // between two links to the same file `rename` does nothing
         }
-        return false;
+        return outcome();
     }
     state = State::IN_PLACE;
-    return true;
+    return done();
 }
 
 void NewFile::keep() {

@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "core/failure.h"
+
 namespace gw {
 
 /// The hidden name, beside the file at `path`, of a file that is being made or was set aside. It is the same
@@ -15,13 +17,13 @@ namespace gw {
 std::string hidden_name(const std::string& path, const char* suffix);
 
 /// Keeps the file at `path` under another name on the same file system: as a second link, or by renaming
-/// where links are not possible. False, with `errno` set, when neither can be done.
-[[nodiscard]] bool set_aside(const std::string& path, const std::string& other_name);
+/// where links are not possible.
+Outcome set_aside(const std::string& path, const std::string& other_name);
 
 class NewFile {
   public:
     /// Begins the new file for `path`. An existing file that may not be written, or a directory, is not
-    /// replaced; `error` then says why.
+    /// replaced; `outcome` then says why.
     explicit NewFile(const std::string& path);
     /// Undoes everything unless `keep` was called.
     ~NewFile();
@@ -30,18 +32,20 @@ class NewFile {
     NewFile& operator=(const NewFile&) = delete;
     NewFile& operator=(NewFile&&) = delete;
 
-    /// Appends bytes. After a failure everything that follows fails too.
+    // After a failure everything that follows fails too, for the same reason.
+
+    /// Appends bytes; whether that went well.
     bool write(std::string_view bytes);
     /// Writes the file to the disk, and gives it the permissions 0644 and, where the system allows it, the
-    /// owner of the file that it replaces. False when the file is not complete.
-    [[nodiscard]] bool finish();
+    /// owner of the file that it replaces. A failure when the file is not complete.
+    Outcome finish();
     /// Gives the finished file its name; an old file of that name is set aside.
-    [[nodiscard]] bool put_in_place();
+    Outcome put_in_place();
     /// Makes the new file final. Without this the destructor restores the old state.
     void keep();
 
-    /// The `errno` of the first failure; 0 when there was none.
-    [[nodiscard]] int error() const { return failure; }
+    /// How it went so far: the first failure, if there was one.
+    [[nodiscard]] Outcome outcome() const;
     [[nodiscard]] const std::string& get_path() const { return path; }
     /// Whether the finished file, which is not in place yet, will replace a file with other content.
     [[nodiscard]] bool changes_a_file() const;
@@ -49,14 +53,14 @@ class NewFile {
   private:
     enum class State { BEGUN, IN_PLACE, OVER };
 
-    bool fail();
+    bool fail(int error);
     void close();
 
     std::string path;
     std::string temporary;
     std::string old_file;
     int fd = -1;
-    int failure = 0;
+    int failure = 0;  // the `errno` of the first one
     bool replaces = false;
     State state = State::BEGUN;
 };

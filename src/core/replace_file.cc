@@ -10,7 +10,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
 #include "core/new_file.h"
@@ -39,14 +38,18 @@ class Descriptor {
     int fd_;
 };
 
-bool write_all(int fd, std::string_view bytes) {
+/// What a step of the writing answers: 0, or the `errno` of what went wrong.
+using Error = int;
+
+Error write_all(int fd, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = ::write(fd, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) continue;
-        if (written <= 0) return false;
+        if (written < 0) return errno;
+        if (written == 0) return EIO;
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    return true;
+    return 0;
 }
 
 void sync_directory_of(const std::string& path) {
@@ -63,76 +66,101 @@ void move_time_on(int fd, const struct stat& old) {
     ::futimens(fd, times);
 }
 
-/// Writes the new content to the temporary file. False when the directory does not allow it, or the owner
-/// cannot be kept.
-bool write_temporary(const std::string& temporary, std::string_view bytes, const struct stat* old,
-                     mode_t mode) {
+/// Gives the new file the owner of the old one. A number of `errno` or 0, as below.
+Error keep_owner(int fd, const struct stat& old) {
+    struct stat made {};
+    if (::fstat(fd, &made) != 0) return errno;
+    if (made.st_uid == old.st_uid && made.st_gid == old.st_gid) return 0;
+    return ::fchown(fd, old.st_uid, old.st_gid) == 0 ? 0 : errno;
+}
+
+/// Writes the new content to the temporary file. Some directories do not allow it, and some owners cannot be
+/// kept.
+Error write_temporary(const std::string& temporary, std::string_view bytes, const struct stat* old,
+                      mode_t mode) {
     ::unlink(temporary.c_str());
     Descriptor file(
         ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!file.is_open()) return false;
-    struct stat made {};
-    const bool owner_kept = old == nullptr || (::fstat(file.get(), &made) == 0 &&
-                                               ((made.st_uid == old->st_uid && made.st_gid == old->st_gid) ||
-                                                ::fchown(file.get(), old->st_uid, old->st_gid) == 0));
-    if (!owner_kept || ::fchmod(file.get(), mode) != 0 || !write_all(file.get(), bytes)) return false;
+    if (!file.is_open()) return errno;
+    if (old != nullptr) {
+        if (const Error error = keep_owner(file.get(), *old); error != 0) return error;
+    }
+    if (::fchmod(file.get(), mode) != 0) return errno;
+    if (const Error error = write_all(file.get(), bytes); error != 0) return error;
     if (old != nullptr) move_time_on(file.get(), *old);
-    return ::fsync(file.get()) == 0 && file.close();
+    if (::fsync(file.get()) != 0) return errno;
+    return file.close() ? 0 : errno;
 }
 
-bool write_in_place(const std::string& path, std::string_view bytes, const struct stat& old,
-                    std::optional<mode_t> mode) {
+Error write_in_place(const std::string& path, std::string_view bytes, const struct stat& old,
+                     std::optional<mode_t> mode) {
     const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
-    if (!file.is_open()) return false;
+    if (!file.is_open()) return errno;
     // Growing the file first finds out whether the disk is full, before the old content is overwritten.
     const auto size = static_cast<off_t>(bytes.size());
-    if (size > old.st_size && ::posix_fallocate(file.get(), 0, size) != 0) {
-        (void)::ftruncate(file.get(), old.st_size);
-        return false;
+    if (S_ISREG(old.st_mode) && size > old.st_size) {
+        if (const Error error = ::posix_fallocate(file.get(), 0, size); error != 0) {
+            (void)::ftruncate(file.get(), old.st_size);
+            return error;
+        }
     }
-    if (!write_all(file.get(), bytes) || ::ftruncate(file.get(), size) != 0) return false;
+    if (const Error error = write_all(file.get(), bytes); error != 0) return error;
+    if (::ftruncate(file.get(), size) != 0) return errno;
     // Only the owner can change the mode; somebody else's file keeps its mode.
-    if (mode && ::fchmod(file.get(), *mode) != 0 && errno != EPERM) return false;
+    if (mode && ::fchmod(file.get(), *mode) != 0 && errno != EPERM) return errno;
     move_time_on(file.get(), old);
-    return ::fsync(file.get()) == 0;
+    return ::fsync(file.get()) == 0 ? 0 : errno;
+}
+
+/// Puts a new file with the content in the place of `path`.
+Error put_new_file(const std::string& path, std::string_view bytes, const struct stat* old, mode_t mode) {
+    const std::string temporary = hidden_name(path, ".gwtmp");
+    Error error = write_temporary(temporary, bytes, old, mode);
+    if (error == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) error = errno;
+    if (error == 0) {
+        sync_directory_of(path);
+    } else {
+        ::unlink(temporary.c_str());
+    }
+    return error;
 }
 
 }  // namespace
 
-std::optional<std::string> read_file(const std::string& path) {
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+Result<std::string> read_file(const std::string& path) {
+    // Opening a pipe would wait for its writer.
+    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info {};
-    if (!file.is_open() || ::fstat(file.get(), &info) != 0 || !S_ISREG(info.st_mode)) return std::nullopt;
+    if (!file.is_open() || ::fstat(file.get(), &info) != 0) return Failure::of_system(path, errno);
+    if (!S_ISREG(info.st_mode)) return Failure::of_system(path, S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(info.st_size));
     char block[65536];
     for (;;) {
         const ssize_t got = ::read(file.get(), block, sizeof block);
         if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return std::nullopt;
+        if (got < 0) return Failure::of_system(path, errno);
         if (got == 0) return bytes;
         bytes.append(block, static_cast<std::size_t>(got));
     }
 }
 
-bool replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode) {
+Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode) {
     struct stat old {};
     const bool exists = ::lstat(path.c_str(), &old) == 0;
-    const bool replaceable = !exists || (S_ISREG(old.st_mode) && old.st_nlink == 1);
     // A file that we may not write is refused, even where the directory would let us replace it.
-    if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) return false;
-    if (replaceable) {
-        const std::string temporary = hidden_name(path, ".gwtmp");
+    if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)
+        return Failure::of_system(path, errno);
+    if (!exists || (S_ISREG(old.st_mode) && old.st_nlink == 1)) {
         const mode_t bits = mode ? *mode : exists ? old.st_mode & PERMISSION_BITS : NEW_FILE_MODE;
-        if (write_temporary(temporary, bytes, exists ? &old : nullptr, bits) &&
-            ::rename(temporary.c_str(), path.c_str()) == 0) {
-            sync_directory_of(path);
-            return true;
-        }
-        ::unlink(temporary.c_str());
+        const Error error = put_new_file(path, bytes, exists ? &old : nullptr, bits);
+        if (error == 0) return done();
+        if (!exists) return Failure::of_system(path, error);
     }
-    if (!exists || ::stat(path.c_str(), &old) != 0) return false;
-    return write_in_place(path, bytes, old, mode);
+    if (::stat(path.c_str(), &old) != 0) return Failure::of_system(path, errno);
+    if (const Error error = write_in_place(path, bytes, old, mode); error != 0)
+        return Failure::of_system(path, error);
+    return done();
 }
 
 }  // namespace gw

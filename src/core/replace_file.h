@@ -12,16 +12,17 @@
 #include <string>
 #include <string_view>
 
+#include "core/failure.h"
+
 namespace gw {
 
-/// The bytes of a regular file; no value when it cannot be read.
-[[nodiscard]] std::optional<std::string> read_file(const std::string& path);
+/// The bytes of a regular file, or why they cannot be read.
+Result<std::string> read_file(const std::string& path);
 
 /// Gives the file at `path` the content `bytes`, creating it when it is missing (mode 0644 unless `mode` is
 /// given). An existing file keeps its owner, and its permission bits unless `mode` is given. Its modification
 /// time grows by at least one whole second, because the X server compares whole seconds to decide whether it
-/// rereads an index. Returns false, with the old content in place, when that failed.
-[[nodiscard]] bool replace_file(const std::string& path, std::string_view bytes,
-                                std::optional<mode_t> mode = {});
+/// rereads an index. After a failure the old content is in place.
+Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode = {});
 
 }  // namespace gw

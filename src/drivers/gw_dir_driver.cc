@@ -21,7 +21,7 @@ std::string below_staging(const char* name) {
 GWDirDriver::GWDirDriver(const char* dir) : user_dir(dir) {}
 
 void GWDirDriver::get_hrn_list(GWHRNList& out) {
-    if (!gw::prepare_staging(gw::STAGING_DIR, USER_DIR_LINK, user_dir.c_str())) return;
+    if (!gw::tell_unless_done(gw::prepare_staging(gw::STAGING_DIR, USER_DIR_LINK, user_dir.c_str()))) return;
     // A link that exists already is left as it is.
     [[maybe_unused]] const int made = ::symlink(gw::SCRATCH_ROOT, below_staging(SCRATCH_LINK).c_str());
     preview_dir = gw::STAGING_DIR;

@@ -39,7 +39,9 @@ void GW_REM_MEDIA_DRIVER::get_hrn_list(GWHRNList& out) {
 
 void GW_REM_MEDIA_DRIVER::get_fsml_hrn_list(GWHRNList& out, GW_FSM_LIST* modules) {
     const Medium* medium = medium_of(medium_kind);
-    if (medium == nullptr || !gw::prepare_staging(medium->staging, medium->word, medium->link_target)) return;
+    if (medium == nullptr) return;
+    const gw::Outcome ready = gw::prepare_staging(medium->staging, medium->word, medium->link_target);
+    if (!gw::tell_unless_done(ready)) return;
     GWHRNList found(0);
     gw::stage_fonts(found, *modules, medium->mount_point, 1, medium->staging);
     out.merge(found);

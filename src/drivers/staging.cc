@@ -5,8 +5,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
 
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
@@ -19,18 +17,19 @@ constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
 
 }  // namespace
 
-bool prepare_staging(const char* staging, const std::string& link_name, const char* link_target) {
+Outcome prepare_staging(const char* staging, const std::string& link_name, const char* link_target) {
     // First make the directory, then check it: the other way round, somebody else could make it after the
     // check.
     ::mkdir(staging, ANYBODY_BEFORE_UMASK);
-    if (refuses_foreign_dir(staging)) return false;
+    if (Outcome usable = may_use_scratch_dir(staging); !usable) return usable;
     const std::string link = staging + link_name;
     ::unlink(link.c_str());
-    if (::symlink(link_target, link.c_str()) != 0) return false;
+    if (::symlink(link_target, link.c_str()) != 0)
+        return Failure::of_system(link, errno).with(Sequel::NOT_USED);
     GW_FONTDIR_FILE index(staging, FILE_TYPE_REGULAR);
     if (index.exist() != 0) index.remove();
     index.create();
-    return true;
+    return done();
 }
 
 void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int recursive,
@@ -44,10 +43,7 @@ void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int r
         modules.make_font_visible(font, &fpe);
         out.add_font(font);
     }
-    if (lines.write() == 0) {
-        std::fprintf(stderr, "glyphward: %s: %s; these fonts have no samples\n",
-                     fpe.get_fontdir_file().get_path(), std::strerror(errno));
-    }
+    tell_unless_done(lines.write().with(Sequel::NO_SAMPLES));
 }
 
 }  // namespace gw

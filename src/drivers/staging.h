@@ -12,10 +12,9 @@
 namespace gw {
 
 /// Prepares the directory `staging`: makes it (mode 0777 before the umask) unless it exists, makes the link
-/// `link_name` in it point to `link_target`, and writes an index without entries. False, after one line on
-/// standard error, when something that is not ours has this name.
-[[nodiscard]] bool prepare_staging(const char* staging, const std::string& link_name,
-                                   const char* link_target);
+/// `link_name` in it point to `link_target`, and writes an index without entries. A failure when something
+/// that is not ours has this name.
+Outcome prepare_staging(const char* staging, const std::string& link_name, const char* link_target);
 
 /// Adds every font that the modules find in `source` to the index of `staging` and to `out`, which owns it.
 void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int recursive,

@@ -7,8 +7,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
-#include <cstdio>
-#include <cstring>
 
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
@@ -23,42 +21,38 @@ FontsetWorkingCopy::~FontsetWorkingCopy() {
 
 void FontsetWorkingCopy::set_bytes(std::string_view new_bytes) {
     bytes = std::string(new_bytes);
-    if (in_memory || (make_file() && write_file())) return;
-    std::fprintf(stderr, "glyphward: %s: %s; changed fontsets stand in memory only\n", file.get_path(),
-                 std::strerror(errno));
+    if (in_memory) return;
+    Outcome step = make_file();
+    if (step) step = write_file();
+    if (tell_unless_done(step.with(Sequel::FONTSETS_IN_MEMORY))) return;
     if (is_own_file()) file.remove();
     in_memory = true;
 }
 
-/// Makes an empty scratch file, in place of an old one that belongs to this user. Sets `errno` when it
-/// cannot.
-bool FontsetWorkingCopy::make_file() {
+/// Makes an empty scratch file, in place of an old one that belongs to this user.
+Outcome FontsetWorkingCopy::make_file() {
     struct stat info {};
     if (::lstat(file.get_path(), &info) == 0) {
-        if (!S_ISREG(info.st_mode) || info.st_uid != ::geteuid()) {
-            errno = EEXIST;
-            return false;
-        }
+        if (!S_ISREG(info.st_mode) || info.st_uid != ::geteuid())
+            return Failure{file.get_path(), Reason::NOT_OURS};
         file.remove();
     }
-    if (!create_scratch_file(file.get_path()) || ::lstat(file.get_path(), &info) != 0) return false;
+    if (Outcome made = create_scratch_file(file.get_path()); !made) return made;
+    if (::lstat(file.get_path(), &info) != 0) return Failure::of_system(file.get_path(), errno);
     device = info.st_dev;
     inode = info.st_ino;
-    return true;
+    return done();
 }
 
-bool FontsetWorkingCopy::write_file() {
-    if (file.open("w") == 0) return false;
-    bool whole = true;
-    for (std::string_view rest = bytes; whole && !rest.empty();) {
+Outcome FontsetWorkingCopy::write_file() {
+    file.open("w");
+    for (std::string_view rest = bytes; file.outcome() && !rest.empty();) {
         const std::size_t block = std::min<std::size_t>(rest.size(), INT_MAX);
-        whole = file.write(rest.data(), static_cast<int>(block)) == static_cast<int>(block);
+        file.write(rest.data(), static_cast<int>(block));
         rest.remove_prefix(block);
     }
-    const int failure = errno;
     file.close();
-    errno = failure;
-    return whole;
+    return file.outcome();
 }
 
 bool FontsetWorkingCopy::is_own_file() const {

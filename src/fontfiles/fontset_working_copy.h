@@ -28,13 +28,13 @@ class FontsetWorkingCopy {
     [[nodiscard]] const char* get_name() const { return file.get_name(); }
     /// Writes no scratch file from now on.
     void keep_in_memory() { in_memory = true; }
-    /// Replaces the content, here and in the scratch file. When that file cannot be made, or is not ours,
-    /// this is said in one line on standard error, once, and no more is written there.
+    /// Replaces the content, here and in the scratch file. When that file cannot be made, or is not ours, the
+    /// listener for failures hears of it, once, and no more is written there.
     void set_bytes(std::string_view new_bytes);
 
   private:
-    bool make_file();
-    bool write_file();
+    Outcome make_file();
+    Outcome write_file();
     [[nodiscard]] bool is_own_file() const;
 
     GW_BUF_FILE file;

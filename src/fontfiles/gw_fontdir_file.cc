@@ -6,8 +6,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <limits>
-#include <optional>
 #include <string_view>
 #include <utility>
 
@@ -46,9 +44,13 @@ std::string with_count_adjusted(std::string_view bytes, int delta) {
 GW_FONTDIR_FILE::GW_FONTDIR_FILE(const char* index_dir, int type)
     : GW_FILE(gw::FONT_INDEX_NAME, index_dir, type) {}
 
+gw::Outcome GW_FONTDIR_FILE::make() {
+    // The X server rejects a directory whose index is empty, as a full disk would leave it.
+    return exist() == 0 ? gw::replace_file(get_path(), "0\n", INDEX_MODE) : gw::done();
+}
+
 int GW_FONTDIR_FILE::create() {
-    // The X server rejects a directory whose index is an empty file, which is what a full disk would leave.
-    if (exist() == 0) (void)gw::replace_file(get_path(), "0\n", INDEX_MODE);
+    (void)make();
     return 1;
 }
 
@@ -118,67 +120,58 @@ GW_FONTDIR_FILE::Batch::Batch(GW_FONTDIR_FILE& the_index) : index(the_index) {
 }
 
 GW_FONTDIR_FILE::Batch::~Batch() {
-    write();
+    gw::tell_unless_done(write());
     index.gathered.reset();
 }
 
-int GW_FONTDIR_FILE::Batch::write() {
+gw::Outcome GW_FONTDIR_FILE::Batch::write() {
     const Lines lines = std::exchange(*index.gathered, {});
-    return lines.count == 0 ? 1 : index.append(lines);
+    return lines.count == 0 ? gw::done() : index.append(lines);
 }
 
-int GW_FONTDIR_FILE::append_line(const char* line) {
+gw::Outcome GW_FONTDIR_FILE::enter(const char* line) {
     GW_STRING text(line);
     GW_STRING_LIST lines;
     lines.append(&text);
-    return append_line(&lines);
+    return enter(lines);
 }
 
-int GW_FONTDIR_FILE::append_line(const GW_STRING_LIST* lines) {
+gw::Outcome GW_FONTDIR_FILE::enter(const GW_STRING_LIST& lines) {
     Lines added{};
     Lines& target = gathered ? *gathered : added;
-    for (const GW_STRING* line : *lines) target.text += line->get_str();
-    target.count += lines->get_count();
-    return gathered ? 1 : append(added);
+    for (const GW_STRING* line : lines) target.text += line->get_str();
+    target.count += lines.get_count();
+    return gathered ? gw::done() : append(added);
 }
 
-int GW_FONTDIR_FILE::append(const Lines& lines) {
+gw::Outcome GW_FONTDIR_FILE::append(const Lines& lines) {
     std::string old;
     if (exist() != 0) {
-        std::optional<std::string> bytes = gw::read_file(get_path());
-        if (!bytes) return 0;
+        gw::Result<std::string> bytes = gw::read_file(get_path());
+        if (!bytes) return bytes.failure();
         old = std::move(*bytes);
     }
     std::string bytes = with_count(old, parsed_count(old) + lines.count, lines.text.size() + 1);
-    // Another program may have left the last line without its newline; the new entry must not be joined to
-    // it.
+    // What an earlier writer left without its newline must not swallow the new entry.
     if (!bytes.ends_with('\n')) bytes += '\n';
     bytes += lines.text;
-    return gw::replace_file(get_path(), bytes, INDEX_MODE) ? 1 : 0;
+    return gw::replace_file(get_path(), bytes, INDEX_MODE);
 }
 
-int GW_FONTDIR_FILE::take_back_line(const char* line) {
-    const std::optional<std::string> bytes = gw::read_file(get_path());
+gw::Outcome GW_FONTDIR_FILE::withdraw(const char* line) {
+    const gw::Result<std::string> bytes = gw::read_file(get_path());
+    if (!bytes) return bytes.failure();
     const std::string_view entry(line);
-    if (!bytes || entry.empty()) return 0;
-    const std::size_t newline = bytes->rfind('\n' + std::string(entry));
-    if (newline == std::string::npos) return 0;
+    const std::size_t newline = entry.empty() ? std::string::npos : bytes->rfind('\n' + std::string(entry));
+    if (newline == std::string::npos) return gw::Failure{get_path(), gw::Reason::NOT_IN_THE_INDEX};
     std::string rest = *bytes;
     rest.erase(newline + 1, entry.size());
-    return gw::replace_file(get_path(), with_count_adjusted(rest, -1)) ? 1 : 0;
+    return gw::replace_file(get_path(), with_count_adjusted(rest, -1));
 }
 
-int GW_FONTDIR_FILE::delete_font_file_line(const char* file_name) {
-    return delete_entries(file_name, 1);
-}
-
-int GW_FONTDIR_FILE::delete_font_file_lines(const char* file_name) {
-    return delete_entries(file_name, std::numeric_limits<int>::max());
-}
-
-int GW_FONTDIR_FILE::delete_entries(const char* file_name, int most) {
-    std::optional<std::string> bytes = gw::read_file(get_path());
-    if (!bytes) return 0;
+gw::Result<int> GW_FONTDIR_FILE::strike_out(const char* file_name, int most) {
+    gw::Result<std::string> bytes = gw::read_file(get_path());
+    if (!bytes) return bytes.failure();
     int deleted = 0;
     for (std::size_t start = line_end(*bytes, 0); start < bytes->size() && deleted < most;) {
         const std::size_t end = line_end(*bytes, start);
@@ -192,11 +185,35 @@ int GW_FONTDIR_FILE::delete_entries(const char* file_name, int most) {
         }
     }
     if (deleted == 0) return 0;
-    return gw::replace_file(get_path(), with_count_adjusted(*bytes, -deleted)) ? 1 : 0;
+    const gw::Outcome written = gw::replace_file(get_path(), with_count_adjusted(*bytes, -deleted));
+    if (!written) return written.failure();
+    return deleted;
+}
+
+int GW_FONTDIR_FILE::append_line(const char* line) {
+    return enter(line) ? 1 : 0;
+}
+
+int GW_FONTDIR_FILE::append_line(const GW_STRING_LIST* lines) {
+    return enter(*lines) ? 1 : 0;
+}
+
+int GW_FONTDIR_FILE::take_back_line(const char* line) {
+    return withdraw(line) ? 1 : 0;
+}
+
+int GW_FONTDIR_FILE::delete_font_file_line(const char* file_name) {
+    const gw::Result<int> struck = strike_out(file_name, 1);
+    return struck && *struck > 0 ? 1 : 0;
+}
+
+int GW_FONTDIR_FILE::delete_font_file_lines(const char* file_name) {
+    const gw::Result<int> struck = strike_out(file_name);
+    return struck && *struck > 0 ? 1 : 0;
 }
 
 int GW_FONTDIR_FILE::delete_line(int n) {
-    const std::optional<std::string> bytes = gw::read_file(get_path());
+    const gw::Result<std::string> bytes = gw::read_file(get_path());
     if (!bytes || n < 1) return 0;
     std::size_t start = line_end(*bytes, 0);
     for (int i = 1; i < n && start < bytes->size(); ++i) start = line_end(*bytes, start);
@@ -207,7 +224,7 @@ int GW_FONTDIR_FILE::delete_line(int n) {
 }
 
 int GW_FONTDIR_FILE::adjust_font_count(int delta) {
-    const std::optional<std::string> bytes = gw::read_file(get_path());
+    const gw::Result<std::string> bytes = gw::read_file(get_path());
     if (!bytes) return -1;
     const int count = parsed_count(*bytes) + delta;
     return gw::replace_file(get_path(), with_count(*bytes, count)) ? count : -1;

@@ -5,11 +5,13 @@
 // it too, so it is edited with care: the number on line 1 is always right, and a rewrite is atomic.
 #pragma once
 
+#include <limits>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "core/failure.h"
 #include "core/gw_file.h"
 #include "core/gw_string_list.h"
 
@@ -36,15 +38,16 @@ class GW_FONTDIR_FILE : public GW_FILE {
         ~Batch();
         Batch(const Batch&) = delete;
         Batch& operator=(const Batch&) = delete;
-        /// Writes the lines collected so far. Returns 1, or 0 when they could not be written; they are
-        /// dropped then.
-        int write();
+        /// Writes the lines collected so far. After a failure they are dropped.
+        gw::Outcome write();
 
       private:
         GW_FONTDIR_FILE& index;
     };
 
-    /// Makes an index without entries ("0\n") unless there is an index already; returns 1.
+    /// Makes an index without entries ("0\n") unless there is an index already.
+    gw::Outcome make();
+    /// `make`, whatever came of it; returns 1.
     int create();
     /// The number on line 1 (0 when it is not a number), or -1 when the file cannot be opened. The file is
     /// closed again.
@@ -64,17 +67,22 @@ class GW_FONTDIR_FILE : public GW_FILE {
     /// Splits an entry line at the first blank; the font name keeps further blanks and loses its newline.
     static void split_line(const char* line, std::string& file_name, std::string& font_name);
 
-    /// Appends the entry `line` (its newline included) and raises the count. Returns 1 when the line is in
-    /// the index or in the current batch, 0 when it could not be written.
+    /// Appends the entry `line` (which brings its newline) and counts it. Where there is a batch it is done
+    /// when the line is in the batch.
+    gw::Outcome enter(const char* line);
+    gw::Outcome enter(const GW_STRING_LIST& lines);
+    /// Undoes `enter(line)`: removes the last entry that reads so and counts it off.
+    gw::Outcome withdraw(const char* line);
+    /// Removes entries of that file, from the first on and `most` at the most, in one rewrite, and counts
+    /// them off. Returns their number.
+    gw::Result<int> strike_out(const char* file_name, int most = std::numeric_limits<int>::max());
+
+    // The same as numbers: 1 when something was done, else 0.
+
     int append_line(const char* line);
     int append_line(const GW_STRING_LIST* lines);
-    /// Undoes `append_line(line)`: removes the last entry with this text and lowers the count. Returns 1, or
-    /// 0 when there is none or the file cannot be changed.
     int take_back_line(const char* line);
-    /// Removes the first entry of that file and lowers the count; returns 1, or 0 when there is none or the
-    /// file cannot be changed.
     int delete_font_file_line(const char* file_name);
-    /// Removes every entry of that file, in one rewrite, and lowers the count; returns the same.
     int delete_font_file_lines(const char* file_name);
     /// Removes the `n`-th entry line (1 is the first behind the count line), without touching the count.
     /// Returns 0 when the file cannot be changed or has no such line, else 1.
@@ -87,8 +95,7 @@ class GW_FONTDIR_FILE : public GW_FILE {
         std::string text;
         int count;
     };
-    int append(const Lines& lines);
-    int delete_entries(const char* file_name, int most);
+    gw::Outcome append(const Lines& lines);
 
     std::optional<Lines> gathered;  // while there is a batch
 };

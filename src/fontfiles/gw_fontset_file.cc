@@ -2,7 +2,6 @@
 #include "fontfiles/gw_fontset_file.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <optional>
 #include <string>
@@ -57,10 +56,8 @@ bool take_base_font(GWFontSet& fontset, std::string_view text) {
 
 GW_FONTSET_FILE::GW_FONTSET_FILE(const char* file_dir, const char* file_name, int type)
     : GW_FILE(file_name, file_dir, type) {
-    const int found = get_file_type_from_stat();
-    std::optional<std::string> bytes;
-    if (found == gw::FILE_TYPE_REGULAR) bytes = gw::read_file(get_path());
-    unread = !bytes && exist() != 0;
+    const gw::Result<std::string> bytes = gw::read_file(get_path());
+    if (!bytes && exist() != 0) reading = bytes.failure();
     if (bytes) read_fontsets(*bytes);
     // In that directory the scratch file would be this file itself.
     if (is_in_directory(gw::SCRATCH_ROOT)) work.keep_in_memory();
@@ -128,10 +125,12 @@ int GW_FONTSET_FILE::delete_fontset(const GWFontSet* fontset) {
     return removed != nullptr ? 1 : 0;
 }
 
-int GW_FONTSET_FILE::sync() {
+gw::Outcome GW_FONTSET_FILE::put_in_place() {
+    if (!reading) return reading.with(gw::Sequel::FONTSETS_STAY);
     const std::string target = std::string(get_dir()) + work.get_name();
-    if (!unread && gw::replace_file(target, work.get_bytes())) return 1;
-    std::fprintf(stderr, "glyphward: %s cannot be %s; the fontsets in it stay\n", target.c_str(),
-                 unread ? "read" : "written");
-    return 0;
+    return gw::replace_file(target, work.get_bytes()).with(gw::Sequel::FONTSETS_STAY);
+}
+
+int GW_FONTSET_FILE::sync() {
+    return gw::tell_unless_done(put_in_place()) ? 1 : 0;
 }

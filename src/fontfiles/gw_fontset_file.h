@@ -40,9 +40,10 @@ class GW_FONTSET_FILE : public GW_FILE {
     /// working copy; `fontset` itself is only compared with, and may be any object of that name. Returns 1,
     /// or 0 when the list has none.
     int delete_fontset(const GWFontSet* fontset);
-    /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay.
-    /// Returns 1, or 0 after one line on standard error, with the old file intact: it could not be written,
-    /// or it was there and could not be read.
+    /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay. A
+    /// failure, with the old file intact, when it could not be written, or was there and could not be read.
+    gw::Outcome put_in_place();
+    /// The same as a number: 1, or 0 after the listener for failures has heard of it.
     int sync();
 
   private:
@@ -51,5 +52,5 @@ class GW_FONTSET_FILE : public GW_FILE {
     GW_LIST<GWFontSet> fontsets;
     std::vector<gw::Ref<GWFontSet>> deleted;
     gw::FontsetWorkingCopy work;
-    bool unread = false;  // the file exists but could not be read
+    gw::Outcome reading;  // why a file that exists could not be read
 };

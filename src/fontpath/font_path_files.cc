@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "core/gw_token_string.h"
+#include "core/replace_file.h"
 #include "platform/config_db.h"
 
 namespace gw {
@@ -144,33 +145,34 @@ void read_config_font_path(const std::string& path, ElementList& list, const cha
     config_db_close(nullptr);
 }
 
-int write_to_vtconfig(const std::string& path, const char* value) {
+Outcome write_to_vtconfig(const std::string& path, const char* value) {
     const int opened = open_config(path);
-    const bool usable = opened == OPENED || opened == NEW_OR_EMPTY;
-    if (usable && (value == nullptr || config_db_set_attribute(FONT_PATH_CLASS, FONT_PATH_INSTANCE,
-                                                               FONT_PATH_ATTRIBUTE, value) == 0)) {
-        return config_db_close(path.c_str()) == 0 ? 1 : 0;
+    if (opened != OPENED && opened != NEW_OR_EMPTY) {
+        config_db_close(nullptr);
+        const Result<std::string> bytes = read_file(path);
+        return bytes ? Failure{path, Reason::NOT_A_DATABASE} : bytes.failure();
     }
-    config_db_close(nullptr);
-    return 0;
+    if (value != nullptr)
+        config_db_set_attribute(FONT_PATH_CLASS, FONT_PATH_INSTANCE, FONT_PATH_ATTRIBUTE, value);
+    return save_config_db(path);
 }
 
-int insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
-                                 const std::string& path) {
+Outcome insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
+                                     const std::string& path) {
     const bool at_end = pos == -1 || pos >= list.get_count();
     list_insert(list, pos, element);
-    if (write_to_vtconfig(path, create_fpe_string(list)->c_str()) != 0) return 1;
-    list_delete(list, at_end ? -1 : pos + 1);
-    return 0;
+    Outcome written = write_to_vtconfig(path, create_fpe_string(list)->c_str());
+    if (!written) list_delete(list, at_end ? -1 : pos + 1);
+    return written;
 }
 
-int delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path) {
+Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path) {
     const int position = pos == -1 ? list.get_count() : pos;
     const std::unique_ptr<GW_STRING> removed = list_delete(list, position);
-    if (!removed) return 0;
-    if (write_to_vtconfig(path, create_fpe_string(list).value_or("").c_str()) != 0) return 1;
-    list_insert(list, position - 1, removed.get());
-    return 0;
+    if (!removed) return Failure{path, Reason::NO_SUCH_ELEMENT};
+    Outcome written = write_to_vtconfig(path, create_fpe_string(list).value_or("").c_str());
+    if (!written) list_insert(list, position - 1, removed.get());
+    return written;
 }
 
 bool writable_by_uid(const std::string& path, uid_t uid) {

@@ -11,6 +11,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/failure.h"
 #include "core/gw_list.h"
 #include "core/gw_string.h"
 
@@ -44,12 +45,12 @@ std::optional<std::string> create_fpe_string(const ElementList& list);
 /// Appends the font path of the database at `path`. A database that opens without one gives the elements of
 /// `fallback`, unless that is null.
 void read_config_font_path(const std::string& path, ElementList& list, const char* fallback);
-/// Writes the font path attribute; with a null value only probes whether the database can be written. 1 or 0.
-int write_to_vtconfig(const std::string& path, const char* value);
-/// Change the list and write it; a failed write takes the change back. 1 or 0.
-int insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
-                                 const std::string& path);
-int delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path);
+/// Writes the font path attribute; with a null value only probes whether the database can be written.
+Outcome write_to_vtconfig(const std::string& path, const char* value);
+/// Change the list and write it; a failed write takes the change back.
+Outcome insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
+                                     const std::string& path);
+Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path);
 
 /// Whether the permission bits let the user write: the owner's bit for the owner, the others' bit for anybody
 /// else. The group bits are not looked at.

@@ -7,12 +7,13 @@
 #include <unistd.h>
 
 #include <clocale>
-#include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "core/gw_file.h"
+#include "core/replace_file.h"
 #include "core/text.h"
 #include "fontpath/font_path_files.h"
 #include "platform/host_paths.h"
@@ -27,6 +28,7 @@ constexpr const char* REMOVE = "/bin/rm -f %s";
 constexpr const char* EXPAND_LINES =
     "cat %s |  while read input\n\t\t\t  do \n\t\t\t    eval echo $input \n\t\t\t  done  > %s";
 constexpr int LONGEST_READ = 500;
+constexpr mode_t USER_FILE_MODE = 0644;
 
 Display* session_display = nullptr;
 
@@ -34,23 +36,21 @@ bool is_superuser(uid_t uid) {
     return uid == 0;
 }
 
-/// Runs `xset` on the session font path; its complaints go to the scratch file for errors. False when it was
-/// not run.
-bool run_xset(const char* operation, const char* element) {
+/// Runs `xset` on the session font path; its complaints go to the scratch file for errors. A failure when it
+/// was not run.
+gw::Outcome run_xset(const char* operation, const char* element) {
     gw::run_shell(REMOVE, {gw::SCRATCH_ERRORS});
-    if (!gw::create_scratch_file(gw::SCRATCH_ERRORS)) {
-        std::fprintf(stderr, "glyphward: %s belongs to someone else; the session font path is left alone\n",
-                     gw::SCRATCH_ERRORS);
-        return false;
-    }
+    if (gw::Outcome made = gw::create_scratch_file(gw::SCRATCH_ERRORS); !made)
+        return made.with(gw::Sequel::SESSION_PATH_STAYS);
     gw::run_shell("%s fp%s %s 2> %s", {gw::XSET, operation, element, gw::SCRATCH_ERRORS});
-    return true;
+    return gw::done();
 }
 
-int _append_to_current_session(const char* element) {
-    if (!run_xset("+", element)) return 0;
+gw::Outcome _append_to_current_session(const char* element) {
+    if (gw::Outcome run = run_xset("+", element); !run) return run;
     const GW_FILE_SPEC errors("errors", gw::SCRATCH_ROOT, gw::FILE_TYPE_REGULAR, gw::EXT_UNKNOWN);
-    return errors.file_size() == 0 ? 1 : 0;
+    if (errors.file_size() == 0) return gw::done();
+    return gw::Failure{element, gw::Reason::REFUSED_BY_SERVER};
 }
 
 /// The directory and name of a path, for the file classes.
@@ -96,6 +96,14 @@ void read_sections(const std::string& path, GW_LIST<GW_STRING>& append_list,
             prepend_list.insert_after_pos(position++, element);
         }
     }
+}
+
+/// 1 or 0. What was refused is the answer; what went wrong is told besides.
+int number_of(const gw::Outcome& outcome) {
+    if (outcome) return 1;
+    const gw::Reason reason = outcome.failure().reason;
+    if (reason == gw::Reason::SYSTEM || reason == gw::Reason::NOT_OURS) gw::tell(outcome.failure());
+    return 0;
 }
 
 }  // namespace
@@ -179,36 +187,27 @@ void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_lis
         }
     }
     gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
-    if (!gw::create_scratch_file(gw::SCRATCH_FONT_PATH)) {
-        std::fprintf(stderr, "glyphward: %s belongs to someone else; %s is not read\n", gw::SCRATCH_FONT_PATH,
-                     path.c_str());
-        return;
-    }
+    const gw::Outcome made = gw::create_scratch_file(gw::SCRATCH_FONT_PATH);
+    if (!gw::tell_unless_done(made.with(gw::Sequel::FILE_NOT_READ, path))) return;
     gw::run_shell(EXPAND_LINES, {path, gw::SCRATCH_FONT_PATH});
     read_sections(gw::SCRATCH_FONT_PATH, append_list, prepend_list);
     gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
 }
 
-int GWFontPath::_write_to_vtfontpath(const std::string& path, const List& append_list,
-                                     const List& prepend_list) {
+gw::Outcome GWFontPath::_write_to_vtfontpath(const std::string& path, const List& append_list,
+                                             const List& prepend_list) {
     const std::optional<std::string> text = gw::vtfontpath_text(append_list, prepend_list);
-    if (!text) return 0;
+    if (!text) return gw::Failure{path, gw::Reason::NAME_UNFIT_FOR_PATH};
     const bool backed_up = gw::file_exists(path);
     if (backed_up) gw::run_shell("/bin/mv -f %s %s.bak", {path, path});
-    GW_FILE file = file_at(path);
-    const bool opened = file.open("w") != 0;
-    const bool written = opened && file.put_line(text->c_str()) != 0 && file.file_flush() == 0;
-    file.close();
-    if (!written && backed_up) {
-        gw::run_shell("/bin/mv -f %s.bak %s", {path, path});
-    } else if (!written && opened) {
-        ::unlink(path.c_str());
-    }
-    return written ? 1 : 0;
+    gw::Outcome written = gw::replace_file(path, *text, USER_FILE_MODE);
+    if (!written && backed_up) gw::run_shell("/bin/mv -f %s.bak %s", {path, path});
+    return written;
 }
 
-int GWFontPath::write_user_file(const List& append_list, const List& prepend_list) const {
-    return user_file ? _write_to_vtfontpath(*user_file, append_list, prepend_list) : 0;
+gw::Outcome GWFontPath::write_user_file(const List& append_list, const List& prepend_list) const {
+    if (!user_file) return gw::Failure{gw::USER_FONT_PATH_FILE, gw::Reason::NOT_ALLOWED};
+    return _write_to_vtfontpath(*user_file, append_list, prepend_list);
 }
 
 GW_LIST<GW_STRING>* GWFontPath::get_fpe_list(TYPE t, unsigned int& count) {
@@ -227,23 +226,46 @@ bool GWFontPath::refuses(TYPE t) const {
     return is_superuser(effective_uid) ? is_user : is_config;
 }
 
-int GWFontPath::insert_after_pos(TYPE t, const GW_STRING* element, int pos) {
-    if (pos < -1 || element == nullptr || refuses(t)) return 0;
+GWFontPath::Change GWFontPath::refusal(std::string subject, gw::Reason reason) {
+    return {gw::Failure{std::move(subject), reason}, false};
+}
+
+std::string GWFontPath::store_of(TYPE t) const {
+    switch (t) {
+        case INSTALLATION_FP:
+            return installation_config;
+        case HOST_FP:
+            return gw::HOST_CONFIG;
+        case USER_PREPEND_FP:
+        case USER_APPEND_FP:
+            return user_file.value_or(gw::USER_FONT_PATH_FILE);
+        default:
+            return locale_file;
+    }
+}
+
+gw::Outcome GWFontPath::insert(TYPE t, const GW_STRING& element, int pos) {
+    if (pos < -1) return gw::Failure{store_of(t), gw::Reason::NO_SUCH_ELEMENT};
+    if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
     // The element may be one of ours, which a failing write takes away again.
-    const GW_STRING copy(element);
-    return finish(insert_by_type(t, &copy, pos));
+    const GW_STRING copy(&element);
+    return finish(insert_by_type(t, copy, pos));
+}
+
+int GWFontPath::insert_after_pos(TYPE t, const GW_STRING* element, int pos) {
+    return element != nullptr ? number_of(insert(t, *element, pos)) : 0;
 }
 
 /// A refusal returns at once; whatever else was tried, the composed list follows.
-int GWFontPath::finish(Outcome outcome) {
-    if (outcome != REFUSED) _set_all_fpe_list();
-    return outcome.value_or(0);
+gw::Outcome GWFontPath::finish(const Change& change) {
+    if (change.was_tried) _set_all_fpe_list();
+    return change.outcome;
 }
 
-GWFontPath::Outcome GWFontPath::insert_by_type(TYPE t, const GW_STRING* element, int pos) {
+GWFontPath::Change GWFontPath::insert_by_type(TYPE t, const GW_STRING& element, int pos) {
     switch (t) {
         case INSTALLATION_FP:
-            return gw::insert_and_write_to_vtconfig(list(t), pos, element, installation_config);
+            return {gw::insert_and_write_to_vtconfig(list(t), pos, &element, installation_config)};
         case HOST_FP:
             return insert_host(element, pos);
         case USER_PREPEND_FP:
@@ -252,7 +274,7 @@ GWFontPath::Outcome GWFontPath::insert_by_type(TYPE t, const GW_STRING* element,
         case SESSION_FP:
             return insert_session(element, pos);
         default:
-            return 0;
+            return {gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED}};
     }
 }
 
@@ -267,90 +289,95 @@ void GWFontPath::take_seeds_back() {
     for (int pos = 1; pos <= list(HOST_FP).get_count(); ++pos) gw::list_delete(list(HOST_FP), pos);
 }
 
-GWFontPath::Outcome GWFontPath::insert_host(const GW_STRING* element, int pos) {
-    if (_host_vtconfig_writeable() == 0) return REFUSED;
+GWFontPath::Change GWFontPath::insert_host(const GW_STRING& element, int pos) {
+    if (_host_vtconfig_writeable() == 0) return refusal(gw::HOST_CONFIG, gw::Reason::NOT_ALLOWED);
     const bool seeded = seed_host_list();
-    if (gw::insert_and_write_to_vtconfig(list(HOST_FP), pos, element, gw::HOST_CONFIG) != 0) return 1;
-    if (seeded) take_seeds_back();
-    return 0;
+    gw::Outcome written = gw::insert_and_write_to_vtconfig(list(HOST_FP), pos, &element, gw::HOST_CONFIG);
+    if (!written && seeded) take_seeds_back();
+    return {written};
 }
 
-GWFontPath::Outcome GWFontPath::insert_user(TYPE t, const GW_STRING* element, int pos) {
-    if (_user_vtfontpath_writeable() == 0 || !gw::vtfontpath_line(element->get_str())) return REFUSED;
+GWFontPath::Change GWFontPath::insert_user(TYPE t, const GW_STRING& element, int pos) {
+    if (_user_vtfontpath_writeable() == 0) return refusal(store_of(t), gw::Reason::NOT_ALLOWED);
+    if (!gw::vtfontpath_line(element.get_str()))
+        return refusal(element.get_str(), gw::Reason::NAME_UNFIT_FOR_PATH);
     const bool at_end = pos == -1 || pos >= list(t).get_count();
-    gw::list_insert(list(t), pos, element);
-    if (write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP)) != 0) return 1;
-    gw::list_delete(list(t), at_end ? -1 : pos + 1);
-    return 0;
+    gw::list_insert(list(t), pos, &element);
+    gw::Outcome written = write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP));
+    if (!written) gw::list_delete(list(t), at_end ? -1 : pos + 1);
+    return {written};
 }
 
 // The server always gets the element at the end of its path. On success the session list holds it twice, at
 // its position and at the end.
-GWFontPath::Outcome GWFontPath::insert_session(const GW_STRING* element, int pos) {
-    if (session_display == nullptr) return REFUSED;
+GWFontPath::Change GWFontPath::insert_session(const GW_STRING& element, int pos) {
+    if (session_display == nullptr) return refusal(element.get_str(), gw::Reason::NO_X_SERVER);
     if (list(SESSION_FP).is_empty()) load_session();
     const bool at_end = pos == -1 || pos >= list(SESSION_FP).get_count();
-    gw::list_insert(list(SESSION_FP), pos, element);
-    if (_append_to_current_session(element->get_str()) != 0) {
-        list(SESSION_FP).append(new GW_STRING(element));
-        return 1;
+    gw::list_insert(list(SESSION_FP), pos, &element);
+    gw::Outcome added = _append_to_current_session(element.get_str());
+    if (added) {
+        list(SESSION_FP).append(new GW_STRING(&element));
+    } else {
+        gw::list_delete(list(SESSION_FP), at_end ? -1 : pos + 1);
     }
-    gw::list_delete(list(SESSION_FP), at_end ? -1 : pos + 1);
-    return 0;
+    return {added};
 }
 
-int GWFontPath::set_font_path(TYPE t, GW_LIST<GW_STRING>* elements) {
-    if (elements == nullptr || refuses(t)) return 0;
+gw::Outcome GWFontPath::replace(TYPE t, const List& elements) {
+    if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
     // The list may be one of our own.
     List copies;
     const gw::ElementsOwner owner(copies);
-    gw::list_replace(copies, *elements);
+    gw::list_replace(copies, elements);
     return finish(set_by_type(t, copies));
 }
 
-GWFontPath::Outcome GWFontPath::set_by_type(TYPE t, const List& elements) {
-    const std::optional<std::string> value = gw::create_fpe_string(elements);
-    const char* text = value ? value->c_str() : nullptr;
-    switch (t) {
-        case INSTALLATION_FP:
-            if (gw::write_to_vtconfig(installation_config, text) == 0) return 0;
-            gw::list_replace(list(INSTALLATION_FP), elements);
-            return 1;
-        case HOST_FP:
-            // The installation's list takes the new path over, not the host's.
-            if (_host_vtconfig_writeable() == 0) return REFUSED;
-            if (gw::write_to_vtconfig(gw::HOST_CONFIG, text) == 0) return 0;
-            gw::list_replace(list(INSTALLATION_FP), elements);
-            return 1;
-        case USER_PREPEND_FP:
-            // The list keeps the old path after a write, and takes the new one over when the write fails.
-            if (_user_vtfontpath_writeable() == 0 || !gw::fits_vtfontpath(elements)) return REFUSED;
-            if (write_user_file(list(USER_APPEND_FP), elements) != 0) return 1;
-            gw::list_replace(list(USER_PREPEND_FP), elements);
-            return 0;
-        case USER_APPEND_FP:
-            if (_user_vtfontpath_writeable() == 0 || !gw::fits_vtfontpath(elements)) return REFUSED;
-            if (write_user_file(elements, list(USER_PREPEND_FP)) == 0) return 0;
-            gw::list_replace(list(USER_APPEND_FP), elements);
-            return 1;
-        // The session is changed one element at a time.
-        case SESSION_FP:
-            return REFUSED;
-        default:
-            return 0;
-    }
+int GWFontPath::set_font_path(TYPE t, GW_LIST<GW_STRING>* elements) {
+    return elements != nullptr ? number_of(replace(t, *elements)) : 0;
 }
 
-int GWFontPath::delete_pos(TYPE t, int pos) {
-    if ((pos < 1 && pos != -1) || refuses(t)) return 0;
+GWFontPath::Change GWFontPath::set_by_type(TYPE t, const List& elements) {
+    if (t == USER_PREPEND_FP || t == USER_APPEND_FP) return set_user(t, elements);
+    // The session is changed one element at a time.
+    if (t == SESSION_FP) return refusal(store_of(t), gw::Reason::NOT_ALLOWED);
+    if (t != INSTALLATION_FP && t != HOST_FP) return {gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED}};
+    if (t == HOST_FP && _host_vtconfig_writeable() == 0)
+        return refusal(gw::HOST_CONFIG, gw::Reason::NOT_ALLOWED);
+    const std::optional<std::string> value = gw::create_fpe_string(elements);
+    gw::Outcome written = gw::write_to_vtconfig(store_of(t), value ? value->c_str() : nullptr);
+    // Kept: the installation's list takes the host's new path over, the host's list does not.
+    if (written) gw::list_replace(list(INSTALLATION_FP), elements);
+    return {written};
+}
+
+GWFontPath::Change GWFontPath::set_user(TYPE t, const List& elements) {
+    if (_user_vtfontpath_writeable() == 0) return refusal(store_of(t), gw::Reason::NOT_ALLOWED);
+    if (!gw::fits_vtfontpath(elements)) return refusal(store_of(t), gw::Reason::NAME_UNFIT_FOR_PATH);
+    const bool prepend = t == USER_PREPEND_FP;
+    gw::Outcome written = prepend ? write_user_file(list(USER_APPEND_FP), elements)
+                                  : write_user_file(elements, list(USER_PREPEND_FP));
+    // Kept: the prepended list keeps the old path after a write, and takes the new one over when the write
+    // fails.
+    if (static_cast<bool>(written) != prepend) gw::list_replace(list(t), elements);
+    return {written};
+}
+
+gw::Outcome GWFontPath::remove(TYPE t, int pos) {
+    if (pos < 1 && pos != -1) return gw::Failure{store_of(t), gw::Reason::NO_SUCH_ELEMENT};
+    if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
     return finish(delete_by_type(t, pos));
 }
 
-GWFontPath::Outcome GWFontPath::delete_by_type(TYPE t, int pos) {
+int GWFontPath::delete_pos(TYPE t, int pos) {
+    return number_of(remove(t, pos));
+}
+
+GWFontPath::Change GWFontPath::delete_by_type(TYPE t, int pos) {
     switch (t) {
         case INSTALLATION_FP:
-            if (list(t).is_empty()) return REFUSED;
-            return gw::delete_and_write_to_vtconfig(list(t), pos, installation_config);
+            if (list(t).is_empty()) return refusal(store_of(t), gw::Reason::NO_SUCH_ELEMENT);
+            return {gw::delete_and_write_to_vtconfig(list(t), pos, installation_config)};
         case HOST_FP:
             return delete_host(pos);
         case USER_PREPEND_FP:
@@ -359,37 +386,38 @@ GWFontPath::Outcome GWFontPath::delete_by_type(TYPE t, int pos) {
         case SESSION_FP:
             return delete_session(pos);
         default:
-            return 0;
+            return {gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED}};
     }
 }
 
-GWFontPath::Outcome GWFontPath::delete_host(int pos) {
-    if (list(INSTALLATION_FP).is_empty() && list(HOST_FP).is_empty()) return REFUSED;
-    if (_host_vtconfig_writeable() == 0) return REFUSED;
+GWFontPath::Change GWFontPath::delete_host(int pos) {
+    if (list(INSTALLATION_FP).is_empty() && list(HOST_FP).is_empty())
+        return refusal(gw::HOST_CONFIG, gw::Reason::NO_SUCH_ELEMENT);
+    if (_host_vtconfig_writeable() == 0) return refusal(gw::HOST_CONFIG, gw::Reason::NOT_ALLOWED);
     const bool seeded = seed_host_list();
-    if (gw::delete_and_write_to_vtconfig(list(HOST_FP), pos, gw::HOST_CONFIG) != 0) return 1;
-    if (seeded) take_seeds_back();
-    return 0;
+    gw::Outcome written = gw::delete_and_write_to_vtconfig(list(HOST_FP), pos, gw::HOST_CONFIG);
+    if (!written && seeded) take_seeds_back();
+    return {written};
 }
 
-GWFontPath::Outcome GWFontPath::delete_user(TYPE t, int pos) {
-    if (list(t).is_empty() || _user_vtfontpath_writeable() == 0) return REFUSED;
+GWFontPath::Change GWFontPath::delete_user(TYPE t, int pos) {
+    if (_user_vtfontpath_writeable() == 0) return refusal(store_of(t), gw::Reason::NOT_ALLOWED);
     const int position = pos == -1 ? list(t).get_count() : pos;
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(t), position);
-    if (!removed) return REFUSED;
-    if (write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP)) != 0) return 1;
-    // It comes back one place further on than it was.
-    gw::list_insert(list(t), position + 1, removed.get());
-    return 0;
+    if (!removed) return refusal(store_of(t), gw::Reason::NO_SUCH_ELEMENT);
+    gw::Outcome written = write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP));
+    // Kept: it comes back one place further on than it was.
+    if (!written) gw::list_insert(list(t), position + 1, removed.get());
+    return {written};
 }
 
-GWFontPath::Outcome GWFontPath::delete_session(int pos) {
-    if (session_display == nullptr) return REFUSED;
+GWFontPath::Change GWFontPath::delete_session(int pos) {
+    if (session_display == nullptr) return refusal(gw::XSET, gw::Reason::NO_X_SERVER);
     if (list(SESSION_FP).is_empty()) load_session();
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(SESSION_FP), pos);
-    if (!removed) return REFUSED;
-    run_xset("-", removed->get_str());
-    return 1;
+    if (!removed) return refusal(gw::XSET, gw::Reason::NO_SUCH_ELEMENT);
+    gw::tell_unless_done(run_xset("-", removed->get_str()));
+    return {};
 }
 
 void GWFontPath::rehash_session_fp() {
@@ -415,10 +443,8 @@ int GWFontPath::is_writeable(TYPE t) {
 }
 
 int GWFontPath::_installation_vtconfig_writeable() const {
-    return gw::writable_by_uid(installation_config, effective_uid) &&
-                   gw::write_to_vtconfig(installation_config, nullptr) != 0
-               ? 1
-               : 0;
+    const bool may_write = gw::writable_by_uid(installation_config, effective_uid);
+    return may_write && gw::write_to_vtconfig(installation_config, nullptr) ? 1 : 0;
 }
 
 int GWFontPath::_host_vtconfig_writeable() const {

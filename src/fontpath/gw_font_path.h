@@ -14,6 +14,7 @@
 #include <optional>
 #include <string>
 
+#include "core/failure.h"
 #include "core/gw_list.h"
 #include "core/gw_string.h"
 
@@ -48,6 +49,16 @@ class GWFontPath {
     GW_LIST<GW_STRING>* get_fpe_list(TYPE t, unsigned int& count);
 
     /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change
+    /// through. A refused change, and one that could not be written, leaves everything as it was.
+    gw::Outcome insert(TYPE t, const GW_STRING& element, int pos);
+    /// Replaces the whole font path of `t` by copies and writes it through.
+    gw::Outcome replace(TYPE t, const GW_LIST<GW_STRING>& elements);
+    /// Removes the element at `pos` (1-based, -1 the last) and writes the change through.
+    gw::Outcome remove(TYPE t, int pos);
+
+    // The same as numbers.
+
+    /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change
     /// through. 1 on success, 0 on failure or refusal.
     int insert_after_pos(TYPE t, const GW_STRING* element, int pos);
     /// Replaces the whole font path of `t` by copies and writes it through. 1 or 0 as above.
@@ -70,25 +81,31 @@ class GWFontPath {
     bool read_host_and_locale();
     void _set_all_fpe_list();
     void _read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) const;
-    static int _write_to_vtfontpath(const std::string& path, const List& append_list,
-                                    const List& prepend_list);
-    int write_user_file(const List& append_list, const List& prepend_list) const;
+    static gw::Outcome _write_to_vtfontpath(const std::string& path, const List& append_list,
+                                            const List& prepend_list);
+    gw::Outcome write_user_file(const List& append_list, const List& prepend_list) const;
     void load_session();
 
-    /// 1 or 0 for a change that was tried; nothing for one that was refused.
-    using Outcome = std::optional<int>;
-    static constexpr Outcome REFUSED = std::nullopt;
-    int finish(Outcome outcome);
+    /// What became of a change, and whether it was tried at all: one that was refused changes no list.
+    struct Change {
+        gw::Outcome outcome;
+        bool was_tried = true;
+    };
+    static Change refusal(std::string subject, gw::Reason reason);
+    gw::Outcome finish(const Change& change);
+    /// What a change of `t` that this user may not make is about.
+    [[nodiscard]] std::string store_of(TYPE t) const;
 
-    Outcome insert_by_type(TYPE t, const GW_STRING* element, int pos);
-    Outcome insert_host(const GW_STRING* element, int pos);
-    Outcome insert_user(TYPE t, const GW_STRING* element, int pos);
-    Outcome insert_session(const GW_STRING* element, int pos);
-    Outcome set_by_type(TYPE t, const List& elements);
-    Outcome delete_by_type(TYPE t, int pos);
-    Outcome delete_host(int pos);
-    Outcome delete_user(TYPE t, int pos);
-    Outcome delete_session(int pos);
+    Change insert_by_type(TYPE t, const GW_STRING& element, int pos);
+    Change insert_host(const GW_STRING& element, int pos);
+    Change insert_user(TYPE t, const GW_STRING& element, int pos);
+    Change insert_session(const GW_STRING& element, int pos);
+    Change set_by_type(TYPE t, const List& elements);
+    Change set_user(TYPE t, const List& elements);
+    Change delete_by_type(TYPE t, int pos);
+    Change delete_host(int pos);
+    Change delete_user(TYPE t, int pos);
+    Change delete_session(int pos);
     /// Gives an empty host list copies of the installation's elements; true when it did.
     bool seed_host_list();
     void take_seeds_back();

@@ -8,8 +8,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
-#include <optional>
 #include <utility>
 
 #include "core/new_file.h"
@@ -29,7 +27,8 @@ std::string kept_name(const std::string& path) {
 FontBackup::FontBackup(const GWFont& font) {
     if (font.get_font_file_list() == nullptr) return;
     for (const GW_FILE_SPEC* spec : *font.get_font_file_list()) {
-        complete = complete && keep_file(spec->get_path()) && keep_directory(spec->get_dir());
+        if (complete) complete = keep_file(spec->get_path());
+        if (complete) complete = keep_directory(spec->get_dir());
     }
 }
 
@@ -37,45 +36,44 @@ FontBackup::~FontBackup() {
     for (const std::string& path : files) ::unlink(kept_name(path).c_str());
 }
 
-bool FontBackup::keep_file(const std::string& path) {
+Outcome FontBackup::keep_file(const std::string& path) {
     const std::string kept = kept_name(path);
     ::unlink(kept.c_str());
     if (::link(path.c_str(), kept.c_str()) == 0) {
         files.push_back(path);
-        return true;
+        return done();
     }
-    if (errno == ENOENT || errno == ENOTDIR) return true;  // there is nothing to keep
-    const std::optional<std::string> bytes = read_file(path);
-    if (bytes && replace_file(kept, *bytes)) {
-        files.push_back(path);
-        return true;
-    }
-    std::fprintf(stderr, "glyphward: %s: %s; the font is not replaced\n", path.c_str(), std::strerror(errno));
-    return false;
+    if (errno == ENOENT || errno == ENOTDIR) return done();  // there is nothing to keep
+    const Result<std::string> bytes = read_file(path);
+    if (!bytes) return bytes.failure().with(Sequel::FONT_NOT_REPLACED);
+    if (const Outcome copied = replace_file(kept, *bytes); !copied)
+        return Failure::of_system(path, copied.failure().error).with(Sequel::FONT_NOT_REPLACED);
+    files.push_back(path);
+    return done();
 }
 
-bool FontBackup::keep_directory(const std::string& dir) {
+Outcome FontBackup::keep_directory(const std::string& dir) {
     const std::string path = dir + FONT_INDEX_NAME;
     const bool known =
         std::any_of(indexes.begin(), indexes.end(), [&](const Index& index) { return index.path == path; });
-    if (known) return true;
-    if (std::optional<std::string> bytes = read_file(path)) indexes.push_back({path, std::move(*bytes)});
+    if (known) return done();
+    if (Result<std::string> bytes = read_file(path)) indexes.push_back({path, std::move(*bytes)});
     return keep_file(dir + UPR_FILE_NAME);
 }
 
 void FontBackup::restore() {
     for (const std::string& path : std::exchange(files, {})) {
-        if (std::rename(kept_name(path).c_str(), path.c_str()) == 0) {
-            ::unlink(kept_name(path).c_str());  // a link to what had never gone
+        const std::string kept = kept_name(path);
+        if (std::rename(kept.c_str(), path.c_str()) == 0) {
+            ::unlink(kept.c_str());  // a link to what had never gone
             continue;
         }
-        std::fprintf(stderr, "glyphward: %s: %s; it is now called %s\n", path.c_str(), std::strerror(errno),
-                     kept_name(path).c_str());
+        tell(Failure::of_system(path, errno).with(Sequel::KEPT_UNDER_ANOTHER_NAME, kept));
     }
     for (const Index& index : indexes) {
-        if (read_file(index.path) == index.bytes || replace_file(index.path, index.bytes)) continue;
-        std::fprintf(stderr, "glyphward: %s: the entry of a font that stays cannot be put back\n",
-                     index.path.c_str());
+        const Result<std::string> now = read_file(index.path);
+        if (now && *now == index.bytes) continue;
+        tell_unless_done(replace_file(index.path, index.bytes).with(Sequel::ENTRY_LOST));
     }
 }
 

@@ -7,22 +7,24 @@
 #include <string>
 #include <vector>
 
+#include "core/failure.h"
 #include "model/gw_font.h"
 
 namespace gw {
 
 class FontBackup {
   public:
-    /// Keeps the font; says in one line on standard error when it cannot.
+    /// Keeps the font, or as much of it as can be kept: see `is_complete`.
     explicit FontBackup(const GWFont& font);
     /// Gives up what was kept.
     ~FontBackup();
     FontBackup(const FontBackup&) = delete;
     FontBackup& operator=(const FontBackup&) = delete;
 
-    /// Whether `restore` can bring everything back.
-    [[nodiscard]] bool is_complete() const { return complete; }
-    /// Puts files and indexes back as they were.
+    /// Done when `restore` can bring everything back, otherwise why it cannot.
+    [[nodiscard]] Outcome is_complete() const { return complete; }
+    /// Puts files and indexes back as they were. What cannot be put back is handed to the listener for
+    /// failures, each by itself.
     void restore();
 
   private:
@@ -30,12 +32,12 @@ class FontBackup {
         std::string path;
         std::string bytes;
     };
-    [[nodiscard]] bool keep_file(const std::string& path);
-    [[nodiscard]] bool keep_directory(const std::string& dir);
+    Outcome keep_file(const std::string& path);
+    Outcome keep_directory(const std::string& dir);
 
     std::vector<std::string> files;
     std::vector<Index> indexes;
-    bool complete = true;
+    Outcome complete;
 };
 
 }  // namespace gw

@@ -92,50 +92,47 @@ std::string GWConflict::get_conflict_dir_name() const {
 }
 
 // The old font goes first, but it comes back when the new one does not take its place.
-bool GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const {
+gw::Outcome GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const {
     gw::FontBackup backup(old);
-    if (!backup.is_complete()) return false;
-    old.delete_font(modules);
-    if (!modules.was_done()) return false;
-    font.install_font(dir_name->c_str(), 0, modules);
-    if (!modules.was_done()) backup.restore();
-    return modules.was_done();
+    if (!backup.is_complete()) return backup.is_complete();
+    if (gw::Outcome removed = old.remove(modules); !removed) return removed;
+    gw::Outcome installed = font.install(*dir_name, modules);
+    if (!installed) backup.restore();
+    return installed;
 }
 
 // A font that is installed from where it lies already (the source is itself on the font path) has its files
 // in common with the one it replaces: those must not be gone before they are copied.
-void GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules) {
-    if (!modules.can_install(font.get())) {
-        font->install_font(dir_name->c_str(), 0, modules);  // reports it; what is installed stays
-        return;
-    }
+gw::Outcome GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old,
+                                    GW_FSM_LIST& modules) {
+    if (gw::Outcome fit = modules.can_install(*font); !fit) return fit;
     const bool moves = old && have_a_file_in_common(*font, *old);
-    if (moves && is_in_directory(*old, *dir_name)) return;
-    if (old && !moves) {
-        if (!replace_on_disk(*font, *old, modules)) return;
-    } else {
-        font->install_font(dir_name->c_str(), 0, modules);
-        if (!modules.was_done()) return;
-        if (moves) old->delete_font(modules);
-    }
+    if (moves && is_in_directory(*old, *dir_name)) return gw::done();
+    gw::Outcome installed =
+        old && !moves ? replace_on_disk(*font, *old, modules) : font->install(*dir_name, modules);
+    if (!installed) return installed;
+    // What lies in two places now is installed all the same.
+    if (moves) gw::tell_unless_done(old->remove(modules));
     if (old) other_element->del_font(old.get());
-    const gw::Ref<GWFont> installed = new GWFont(*font, dir_name->c_str());
-    other_element->add_font(installed.get(), 1);
+    const gw::Ref<GWFont> copy = new GWFont(*font, dir_name->c_str());
+    other_element->add_font(copy.get(), 1);
+    return installed;
 }
 
-void GWConflict::install_force(GW_FSM_LIST& modules) {
+void GWConflict::install_force(GW_FSM_LIST& modules, gw::FontReport& report) {
     if (refuses_force() || !element || !other_element || !dir_name) return;
     const auto& slots = element->get_slots();
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
             gw::Ref<GWFont> old;
             if (auto cell = conflicting_fonts.extract({group, index})) old = std::move(cell.mapped());
-            install_one(slots[group].fonts[index], old, modules);
+            const gw::Ref<GWFont>& font = slots[group].fonts[index];
+            report.note(*font, install_one(font, old, modules));
         }
     }
 }
 
-void GWConflict::delete_force(GW_FSM_LIST& modules) {
+void GWConflict::delete_force(GW_FSM_LIST& modules, gw::FontReport& report) {
     if (refuses_force() || !element) return;
     std::vector<gw::Ref<GWFont>> fonts;
     for (const GWHRNElement::PointSize& slot : element->get_slots()) {
@@ -143,12 +140,23 @@ void GWConflict::delete_force(GW_FSM_LIST& modules) {
     }
     bool all_deleted = true;
     for (const gw::Ref<GWFont>& font : fonts) {
-        font->delete_font(modules);
-        if (modules.was_done()) {
+        if (report.note(*font, font->remove(modules))) {
             element->del_font(font.get());
         } else {
             all_deleted = false;
         }
     }
     if (all_deleted && hrn_list != nullptr) hrn_list->delete_hrn_elem(element.get());
+}
+
+void GWConflict::install_force(GW_FSM_LIST& modules) {
+    gw::FontReport report;
+    install_force(modules, report);
+    report.tell();
+}
+
+void GWConflict::delete_force(GW_FSM_LIST& modules) {
+    gw::FontReport report;
+    delete_force(modules, report);
+    report.tell();
 }

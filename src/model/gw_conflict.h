@@ -37,9 +37,12 @@ class GWConflict : public GW_BASE {
 
     /// Installs in spite of the conflict, replacing what is in the way; nothing for a read-only or alias
     /// conflict. What cannot be installed leaves the font that it was to replace as it was.
-    void install_force(GW_FSM_LIST& modules);
+    void install_force(GW_FSM_LIST& modules, gw::FontReport& report);
     /// Deletes in spite of the conflict; nothing for a read-only or alias conflict. An element keeps the
     /// fonts that could not be deleted, and its place in the list.
+    void delete_force(GW_FSM_LIST& modules, gw::FontReport& report);
+    // The same without a report: failures go to the listener for failures.
+    void install_force(GW_FSM_LIST& modules);
     void delete_force(GW_FSM_LIST& modules);
 
     [[nodiscard]] TYPE get_type() const { return type; }
@@ -54,8 +57,8 @@ class GWConflict : public GW_BASE {
 
   private:
     [[nodiscard]] bool refuses_force() const { return read_only || is_alias; }
-    [[nodiscard]] bool replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const;
-    void install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules);
+    gw::Outcome replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const;
+    gw::Outcome install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules);
 
     TYPE type;
     std::string name;

@@ -354,15 +354,23 @@ int GWFont::fontcmp(GWFont* other) {
     return ::strcasecmp(mine, theirs) == 0 ? 1 : 0;
 }
 
-int GWFont::install_font(const char* dir, char /*ignored*/, GW_FSM_LIST& modules) {
-    GW_FPE destination(dir);
+gw::Outcome GWFont::install(const std::string& dir, GW_FSM_LIST& modules) {
+    GW_FPE destination(dir.c_str());
     destination.get_fontdir_file().create();
-    modules.install_font(this, &destination);
+    return modules.install(*this, destination);
+}
+
+gw::Outcome GWFont::remove(GW_FSM_LIST& modules) {
+    return modules.remove(*this);
+}
+
+int GWFont::install_font(const char* dir, char /*ignored*/, GW_FSM_LIST& modules) {
+    gw::tell_unless_done(install(dir, modules));
     return 1;
 }
 
 int GWFont::delete_font(GW_FSM_LIST& modules) {
-    modules.delete_font(this);
+    gw::tell_unless_done(remove(modules));
     return 0;
 }
 

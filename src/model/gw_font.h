@@ -11,6 +11,7 @@
 #include <optional>
 #include <string>
 
+#include "core/failure.h"
 #include "core/gw_base.h"
 #include "core/gw_fspec_list.h"
 #include "core/gw_list.h"
@@ -108,9 +109,14 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// 1 when both records are the same font, by name and without regard to case.
     int fontcmp(GWFont* other);
 
-    /// Has the type's module install the font into `dir`, whose index is created when missing. Returns 1.
+    /// Has the type's module install the font into `dir`, whose index is created when missing.
+    gw::Outcome install(const std::string& dir, GW_FSM_LIST& modules);
+    /// Has the type's module delete the font.
+    gw::Outcome remove(GW_FSM_LIST& modules);
+    // The same without the answer: a failure goes to the listener for failures.
+    /// Returns 1.
     int install_font(const char* dir, char ignored, GW_FSM_LIST& modules);
-    /// Has the type's module delete the font. Returns 0.
+    /// Returns 0.
     int delete_font(GW_FSM_LIST& modules);
 
     /// Kilobytes that the files occupy; measured once. Missing files count 0.
@@ -143,4 +149,5 @@ class GWFont : public GW_BASE, public gw::RefCounted {
 template <>
 struct GW_SORT_KEY<GWFont> {
     static int compare(GWFont& a, GWFont& b);
+    static unsigned long generation() { return 0; }
 };

@@ -181,7 +181,8 @@ int GWHRNElement::_hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWCon
 }
 
 int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
-                                GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts) {
+                                GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts,
+                                gw::FontReport& report) {
     const GWFont* representative = get_representative();
     if (representative == nullptr) return DONE;  // nothing to do
     const GWFont::GW_FONT_TYPE type = representative->get_type();
@@ -190,23 +191,18 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
         if (other == nullptr || other->get_type() != type) continue;
         if (_hrn_elem_conflict(elem, conflicts, dir) != 0) return CONFLICT;
     }
-    if (!representative->is_postscript_named()) {
-        for (const PointSize& slot : slots) {
-            for (const gw::Ref<GWFont>& font : slot.fonts) {
-                const bool taken = std::any_of(aliases.begin(), aliases.end(), [&](const GWAlias* alias) {
-                    return ::strcasecmp(font->get_xlfd_name(), alias->get_alias_name()) == 0;
-                });
-                if (taken) return CONFLICT;
-            }
-        }
-    }
-    // The number of point sizes bounds the fonts of each size: a size of more fonts installs only that many.
+    if (!representative->is_postscript_named() && is_named_like(aliases, report)) return CONFLICT;
+    // Kept: the number of point sizes bounds the fonts of each size. Of a size with more fonts only that many
+    // are installed.
     int result = FAILED;
     for (const PointSize& slot : slots) {
-        const std::size_t bound = std::min(slots.size(), slot.fonts.size());
-        for (std::size_t j = 0; j < bound; ++j) {
+        for (std::size_t j = 0; j < slot.fonts.size(); ++j) {
             GWFont& font = *slot.fonts[j];
-            if (font.install_font(dir, 0, modules) == 0 || !modules.was_done()) continue;
+            if (j >= slots.size()) {
+                report.note(font, gw::Failure{font.get_xlfd_name(), gw::Reason::TOO_MANY_OF_ONE_SIZE});
+                continue;
+            }
+            if (!report.note(font, font.install(dir, modules))) continue;
             installed.add_font(new GWFont(font, dir));
             result = DONE;
         }
@@ -214,7 +210,31 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
     return result;
 }
 
-int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list) {
+int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
+                                GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts) {
+    gw::FontReport report;
+    const int result = install_fonts(dir, installed, aliases, modules, conflicts, report);
+    report.tell();
+    return result;
+}
+
+/// Whether an alias has the name of one of the fonts, which is noted in the report.
+bool GWHRNElement::is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::FontReport& report) const {
+    for (const PointSize& slot : slots) {
+        for (const gw::Ref<GWFont>& font : slot.fonts) {
+            const bool taken = std::any_of(aliases.begin(), aliases.end(), [&](const GWAlias* alias) {
+                return ::strcasecmp(font->get_xlfd_name(), alias->get_alias_name()) == 0;
+            });
+            if (!taken) continue;
+            report.note(*font, gw::Failure{font->get_xlfd_name(), gw::Reason::NAME_OF_AN_ALIAS});
+            return true;
+        }
+    }
+    return false;
+}
+
+int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list,
+                               gw::FontReport& report) {
     std::unique_ptr<GWConflict> conflict;
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
@@ -236,8 +256,7 @@ int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& confli
     for (const PointSize& slot : slots) fonts.insert(fonts.end(), slot.fonts.begin(), slot.fonts.end());
     bool all_deleted = true;
     for (const gw::Ref<GWFont>& font : fonts) {
-        font->delete_font(modules);
-        if (modules.was_done()) {
+        if (report.note(*font, font->remove(modules))) {
             del_font(font.get());
         } else {
             all_deleted = false;
@@ -246,6 +265,13 @@ int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& confli
     if (!all_deleted) return FAILED;
     slots.clear();
     return DONE;
+}
+
+int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list) {
+    gw::FontReport report;
+    const int result = delete_fonts(modules, conflicts, list, report);
+    report.tell();
+    return result;
 }
 
 GWHRNList::~GWHRNList() {
@@ -259,8 +285,9 @@ void GWHRNList::clear() {
 
 int GWHRNList::insert(GWHRNElement* elem) {
     gw::Ref<GWHRNElement> owned(elem);
-    notice_renamings();
+    const bool index_is_current = index.is_current(*this);
     GW_SORTED_LIST<GWHRNElement>::insert(elem);
+    if (index_is_current) index.follow_insertion(elem, *this);
     owned.leave();
     return 1;
 }
@@ -269,61 +296,23 @@ gw::Ref<GWHRNElement> GWHRNList::release_at_pos(int pos) {
     return gw::Ref<GWHRNElement>::adopt(zap_elem_at_pos(pos));
 }
 
-// Every index over the list was made with the old name.
-void GWHRNList::notice_renamings() {
-    if (noticed_renamings == GWHRNElement::get_renamings()) return;
-    noticed_renamings = GWHRNElement::get_renamings();
-    ++revision;
-}
-
-void GWHRNList::update_index() {
-    notice_renamings();
-    if (indexed_revision == revision && in_order) return;
-    candidates.clear();
-    in_order = true;
-    GWHRNElement* before = nullptr;
-    for (GWHRNElement* elem : *this) {
-        if (const GWFont* font = elem->get_representative(); is_bitmap(font))
-            candidates[font->hrn_key()].push_back(elem);
-        if (before != nullptr && compare(before, elem) == 0) in_order = false;
-        before = elem;
-    }
-    indexed_revision = revision;
-}
-
+// Only elements of the font's key can take it, so asking those in list order asks all that matter.
 void GWHRNList::add_font(GWFont* font) {
     const gw::Ref<GWFont> shared(font);
     if (is_bitmap(font)) {
-        add_bitmap_font(font);
-        return;
+        const gw::BitmapIndex::Elements& elements = index.elements_for(*font, *this);
+        if (std::any_of(elements.begin(), elements.end(),
+                        [font](GWHRNElement* elem) { return elem->add_font(font, 0) != 0; })) {
+            return;
+        }
     }
-    notice_renamings();
-    const bool was_indexed = indexed_revision == revision;
     insert(new GWHRNElement(font));
-    if (was_indexed) indexed_revision = revision;
-}
-
-// Only elements of the font's key can take it, so asking those in list order asks all that matter.
-void GWHRNList::add_bitmap_font(GWFont* font) {
-    update_index();
-    Candidates& elements = candidates[font->hrn_key()];
-    if (std::any_of(elements.begin(), elements.end(),
-                    [font](GWHRNElement* elem) { return elem->add_font(font, 0) != 0; })) {
-        return;
-    }
-    auto* added = new GWHRNElement(font);
-    insert(added);
-    // In a list that is in order the new element stands in front of all that do not go before it.
-    const auto next = std::find_if(elements.begin(), elements.end(),
-                                   [=, this](GWHRNElement* elem) { return compare(added, elem) != 0; });
-    elements.insert(next, added);
-    indexed_revision = revision;
 }
 
 int GWHRNList::delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts) {
     GWHRNElement* elem = get_elem_at_pos(static_cast<int>(pos));
     if (elem == nullptr) return 0;
-    const int result = elem->delete_fonts(modules, conflicts, *this);
+    const int result = elem->delete_fonts(modules, conflicts, *this, report);
     if (result == GWHRNElement::DONE) release_at_pos(static_cast<int>(pos));
     return result;
 }
@@ -332,7 +321,7 @@ int GWHRNList::install_at_pos(unsigned pos, const char* dir, GWHRNList& installe
                               GW_SORTED_LIST<GWAlias>& aliases, GW_FSM_LIST& modules,
                               GW_LIST<GWConflict>& conflicts) {
     GWHRNElement* elem = get_elem_at_pos(static_cast<int>(pos));
-    return elem != nullptr ? elem->install_fonts(dir, installed, aliases, modules, conflicts) : 0;
+    return elem != nullptr ? elem->install_fonts(dir, installed, aliases, modules, conflicts, report) : 0;
 }
 
 unsigned GWHRNList::get_disk_space(unsigned pos) const {

@@ -9,12 +9,13 @@
 #pragma once
 
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 #include "core/gw_base.h"
 #include "core/gw_list.h"
 #include "core/ref.h"
+#include "model/bitmap_index.h"
+#include "model/font_report.h"
 #include "model/gw_font.h"
 
 class GWAlias;
@@ -66,13 +67,19 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// The first font of the first size that has one; null when there is none.
     [[nodiscard]] GWFont* get_representative() const;
 
+    // What installing and deleting notes in `report` is what becomes of each font. Without one, failures go
+    // to the listener for failures.
+
     /// DONE, or CONFLICT when a conflict stopped it and nothing was written. FAILED when the modules
-    /// installed none of the fonts; they have said why.
+    /// installed none of the fonts.
+    int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
+                      GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, gw::FontReport& report);
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// DONE, and the element is without sizes, or CONFLICT when a conflict stopped it and nothing was
-    /// deleted. FAILED when a font could not be deleted: the element keeps that one, and the module has said
-    /// why.
+    /// deleted. FAILED when a font could not be deleted: the element keeps that one.
+    int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list,
+                     gw::FontReport& report);
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list);
     /// 1 when a font of this element is the same as one of `installed_elem` and a conflict was recorded, else
     /// 0. The conflict belongs to `conflicts`' owner.
@@ -88,17 +95,25 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] unsigned get_disk_space() const { return disk_space; }
     [[nodiscard]] const std::vector<PointSize>& get_slots() const { return slots; }
 
-    /// Moves on whenever any element may have come under another name, so that an index by name knows when it
-    /// is out of date.
+    /// Moves on whenever any element may have come under another name.
     [[nodiscard]] static unsigned long get_renamings() { return renamings; }
 
   private:
+    [[nodiscard]] bool is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::FontReport& report) const;
+
     static unsigned long renamings;
 
     int read_only = 0;
     unsigned disk_space = 0;
     std::vector<PointSize> slots;
     std::string name;
+};
+
+/// Elements are ordered by their names, and these may change.
+template <>
+struct GW_SORT_KEY<GWHRNElement> {
+    static int compare(const GWHRNElement& a, const GWHRNElement& b) { return a.compare(&b); }
+    static unsigned long generation() { return GWHRNElement::get_renamings(); }
 };
 
 class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
@@ -133,18 +148,11 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     /// Releases that very element, if it is here.
     void delete_hrn_elem(GWHRNElement* elem);
 
+    /// The fonts of this list that `install_at_pos` did not install, and `delete_at_pos` not delete, since
+    /// the report was last cleared. Fonts in a conflict are not among them.
+    [[nodiscard]] gw::FontReport& get_report() { return report; }
+
   private:
-    /// The elements that one key's fonts can join, in list order.
-    using Candidates = std::vector<GWHRNElement*>;
-
-    void notice_renamings();
-    void update_index();
-    void add_bitmap_font(GWFont* font);
-
-    // By `GWFont::hrn_key` of an element's representative. Stands for the list as long as that has the noted
-    // revision.
-    std::unordered_map<std::string, Candidates> candidates;
-    unsigned long indexed_revision = 0;
-    unsigned long noticed_renamings = 0;
-    bool in_order = true;  // false when an element was renamed where it stands
+    gw::BitmapIndex index;
+    gw::FontReport report;
 };

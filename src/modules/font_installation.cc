@@ -3,8 +3,7 @@
 
 #include <unistd.h>
 
-#include <cstdio>
-#include <cstring>
+#include <cerrno>
 #include <utility>
 
 #include "modules/index_access.h"
@@ -17,51 +16,53 @@ std::string afm_dir(const GW_FPE& fpe) {
     return std::string(fpe.get_element()) + "afm";
 }
 
+Result<std::string> line_of(GWFont& font) {
+    const GW_FILE_SPEC* first = first_file(font);
+    if (first == nullptr) return Failure{font.get_hrn_name(), Reason::NO_FILE};
+    return index_line(font, first->get_name());
+}
+
 }  // namespace
 
-FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element) : font(the_font), fpe(element) {
-    if (const GW_FILE_SPEC* first = first_file(font); first != nullptr)
-        line = index_line(font, first->get_name());
-}
+FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element)
+    : font(the_font), fpe(element), line(line_of(the_font)) {}
 
 // The line goes first: a reader never finds one that points nowhere.
 FontInstallation::~FontInstallation() {
     if (kept) return;
-    if (entered) fpe.get_fontdir_file().take_back_line(line->c_str());
+    if (entered) tell_unless_done(fpe.get_fontdir_file().withdraw(line->c_str()));
     copies.clear();
     if (made_afm_dir) ::rmdir(afm_dir(fpe).c_str());
 }
 
+Outcome FontInstallation::can_begin() const {
+    return line ? done() : Outcome(line.failure());
+}
+
 void FontInstallation::make_afm_dir() {
     made_afm_dir = fpe.make_afm_dir() == 0;
+    const int error = errno;
+    if (!made_afm_dir && error != EEXIST) metrics_dir = Failure::of_system(afm_dir(fpe), error);
 }
 
-bool FontInstallation::accept(NewFile copy, const GW_FILE_SPEC& source, int failure) {
-    if (failure != 0) {
-        report_left_out(copy.error() != 0 ? copy.get_path() : source.get_path(), std::strerror(failure));
-        return false;
-    }
-    if (copy.changes_a_file() && is_file_of_another(source.get_name(), font, fpe)) {
-        report_left_out(copy.get_path(), "this is a file of another font");
-        return false;
-    }
+Outcome FontInstallation::accept(NewFile copy, const GW_FILE_SPEC& source) {
+    if (copy.changes_a_file() && is_file_of_another(source.get_name(), font, fpe))
+        return Failure{copy.get_path(), Reason::FILE_OF_ANOTHER_FONT};
     copies.push_back(std::move(copy));
-    return true;
+    return done();
 }
 
-bool FontInstallation::enter_in_index() {
-    entered = fpe.get_fontdir_file().append_line(line->c_str()) != 0;
-    if (!entered) report_left_out(fpe.get_fontdir_file().get_path(), "the index cannot be written");
-    return entered;
+Outcome FontInstallation::enter_in_index() {
+    Outcome outcome = fpe.get_fontdir_file().enter(line->c_str());
+    entered = static_cast<bool>(outcome);
+    return outcome;
 }
 
-bool FontInstallation::put_in_place(std::size_t number) {
+Outcome FontInstallation::put_in_place(std::size_t number) {
     for (; placed < number; ++placed) {
-        if (copies[placed].put_in_place()) continue;
-        report_left_out(copies[placed].get_path(), std::strerror(copies[placed].error()));
-        return false;
+        if (Outcome outcome = copies[placed].put_in_place(); !outcome) return outcome;
     }
-    return true;
+    return done();
 }
 
 void FontInstallation::keep() {

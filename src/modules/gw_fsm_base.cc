@@ -1,6 +1,25 @@
 // SPDX-License-Identifier: MIT
 #include "modules/gw_fsm_base.h"
 
+gw::Outcome GW_FSM_BASE::install(GWFont& font, GW_FPE& fpe) {
+    install_font(&font, &fpe);
+    return gw::done();
+}
+
+gw::Outcome GW_FSM_BASE::make_visible(GWFont& font, GW_FPE& fpe) {
+    make_font_visible(&font, &fpe);
+    return gw::done();
+}
+
+gw::Outcome GW_FSM_BASE::remove(GWFont& font) {
+    delete_font(&font);
+    return gw::done();
+}
+
+gw::Outcome GW_FSM_BASE::can_install(GWFont& /*font*/) const {
+    return gw::done();
+}
+
 void GW_FSM_BASE::list_font_file_names(GW_FSPEC_LIST& out, GW_LIST<GW_DIR>& dirs, int recursive) {
     for (GW_DIR* dir : dirs) list_font_file_names(out, dir, recursive);
 }

@@ -4,6 +4,7 @@
 // out of a directory or an index, and how to install, expose and delete a font of its format.
 #pragma once
 
+#include "core/failure.h"
 #include "core/gw_base.h"
 #include "core/gw_fspec_list.h"
 #include "core/gw_list.h"
@@ -31,8 +32,15 @@ class GW_FSM_BASE : public GW_BASE {
     virtual void make_font_visible(GWFont* font, GW_FPE* fpe) = 0;
     /// Removes the font's files and its registrations. A font whose file cannot be removed stays registered.
     virtual void delete_font(GWFont* font) = 0;
-    /// Whether `install_font` takes the font. It reports one that it leaves out, and writes nothing for it.
-    [[nodiscard]] virtual bool can_install(GWFont* /*font*/) const { return true; }
+
+    // The last three with an answer. A module of ours answers these, and tells the listener for failures what
+    // the ones above would keep to themselves; for another one, what it did is done.
+
+    virtual gw::Outcome install(GWFont& font, GW_FPE& fpe);
+    virtual gw::Outcome make_visible(GWFont& font, GW_FPE& fpe);
+    virtual gw::Outcome remove(GWFont& font);
+    /// Whether `install` takes the font. Nothing is written for one that it does not take.
+    virtual gw::Outcome can_install(GWFont& font) const;
 
     // The same for every item of a list, in list order.
     void list_font_file_names(GW_FSPEC_LIST& out, GW_LIST<GW_DIR>& dirs, int recursive);
@@ -44,14 +52,29 @@ class GW_FSM_BASE : public GW_BASE {
     void make_font_visible(GW_LIST<GWFont>* fonts, GW_FPE* fpe);
     void delete_font(GW_LIST<GWFont>* fonts);
 
-    /// Whether the last `install_font` or `delete_font` did all that it was asked to. What failed was taken
-    /// back and said on standard error.
-    [[nodiscard]] bool was_done() const { return done; }
-
-  protected:
-    void note_outcome(bool all_done) { done = all_done; }
-
   private:
     int type_id;
-    bool done = true;
 };
+
+namespace gw {
+
+/// A module whose three changing operations have answers.
+class AnsweringModule : public GW_FSM_BASE {
+  public:
+    using GW_FSM_BASE::delete_font;
+    using GW_FSM_BASE::GW_FSM_BASE;
+    using GW_FSM_BASE::install_font;
+    using GW_FSM_BASE::make_font_visible;
+
+    void install_font(GWFont* font, GW_FPE* fpe) override { tell_unless_done(install(*font, *fpe)); }
+    void make_font_visible(GWFont* font, GW_FPE* fpe) override {
+        tell_unless_done(make_visible(*font, *fpe));
+    }
+    void delete_font(GWFont* font) override { tell_unless_done(remove(*font)); }
+
+    Outcome install(GWFont& font, GW_FPE& fpe) override = 0;
+    Outcome make_visible(GWFont& font, GW_FPE& fpe) override = 0;
+    Outcome remove(GWFont& font) override = 0;
+};
+
+}  // namespace gw

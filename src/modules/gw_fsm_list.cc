@@ -50,9 +50,7 @@ void GW_FSM_LIST::make_installed_font_list(GW_LIST<GWFont>& out, GW_LIST<GW_FPE>
 }
 
 void GW_FSM_LIST::install_font(GWFont* font, GW_FPE* fpe) {
-    GW_FSM_BASE* fsm = get_fsm(font->get_type());
-    if (fsm != nullptr) fsm->install_font(font, fpe);
-    done = fsm == nullptr || fsm->was_done();
+    if (GW_FSM_BASE* fsm = get_fsm(font->get_type()); fsm != nullptr) fsm->install_font(font, fpe);
 }
 
 void GW_FSM_LIST::make_font_visible(GWFont* font, GW_FPE* fpe) {
@@ -60,14 +58,27 @@ void GW_FSM_LIST::make_font_visible(GWFont* font, GW_FPE* fpe) {
 }
 
 void GW_FSM_LIST::delete_font(GWFont* font) {
-    GW_FSM_BASE* fsm = get_fsm(font->get_type());
-    if (fsm != nullptr) fsm->delete_font(font);
-    done = fsm == nullptr || fsm->was_done();
+    if (GW_FSM_BASE* fsm = get_fsm(font->get_type()); fsm != nullptr) fsm->delete_font(font);
 }
 
-bool GW_FSM_LIST::can_install(GWFont* font) {
-    const GW_FSM_BASE* fsm = get_fsm(font->get_type());
-    return fsm == nullptr || fsm->can_install(font);
+gw::Outcome GW_FSM_LIST::install(GWFont& font, GW_FPE& fpe) {
+    GW_FSM_BASE* fsm = get_fsm(font.get_type());
+    return fsm != nullptr ? fsm->install(font, fpe) : gw::done();
+}
+
+gw::Outcome GW_FSM_LIST::make_visible(GWFont& font, GW_FPE& fpe) {
+    GW_FSM_BASE* fsm = get_fsm(font.get_type());
+    return fsm != nullptr ? fsm->make_visible(font, fpe) : gw::done();
+}
+
+gw::Outcome GW_FSM_LIST::remove(GWFont& font) {
+    GW_FSM_BASE* fsm = get_fsm(font.get_type());
+    return fsm != nullptr ? fsm->remove(font) : gw::done();
+}
+
+gw::Outcome GW_FSM_LIST::can_install(GWFont& font) {
+    const GW_FSM_BASE* fsm = get_fsm(font.get_type());
+    return fsm != nullptr ? fsm->can_install(font) : gw::done();
 }
 
 void GW_FSM_LIST::install_font(GW_LIST<GWFont>* fonts, GW_FPE* fpe) {

@@ -29,15 +29,13 @@ class GW_FSM_LIST : public GW_LIST<GW_FSM_BASE> {
     void install_font(GWFont* font, GW_FPE* fpe);
     void make_font_visible(GWFont* font, GW_FPE* fpe);
     void delete_font(GWFont* font);
+    /// The same with the module's answer; done when no module has the font's type.
+    gw::Outcome install(GWFont& font, GW_FPE& fpe);
+    gw::Outcome make_visible(GWFont& font, GW_FPE& fpe);
+    gw::Outcome remove(GWFont& font);
     /// Whether the module of its type, if there is one, takes the font.
-    bool can_install(GWFont* font);
-    /// Whether the last `install_font` or `delete_font` of one font did all that it was asked to; true when
-    /// no module had its type.
-    [[nodiscard]] bool was_done() const { return done; }
+    gw::Outcome can_install(GWFont& font);
     void install_font(GW_LIST<GWFont>* fonts, GW_FPE* fpe);
     void make_font_visible(GW_LIST<GWFont>* fonts, GW_FPE* fpe);
     void delete_font(GW_LIST<GWFont>* fonts);
-
-  private:
-    bool done = true;
 };

@@ -2,19 +2,18 @@
 #include "modules/gw_t1_buf_file.h"
 
 #include <algorithm>
-#include <cerrno>
 
 #include "core/gw_dir.h"
 
 int GW_T1_BUF_FILE::copy(GW_DIR* dest) {
     if (is_in_directory(dest->get_path())) return 1;
     gw::NewFile target(std::string(dest->get_path()) + get_name());
-    if (copy_into(target) == 0 && target.put_in_place()) target.keep();
+    if (copy_into(target) && target.put_in_place()) target.keep();
     return 1;
 }
 
-int GW_T1_BUF_FILE::copy_into(gw::NewFile& copy) {
-    if (open("r") == 0) return errno;
+gw::Outcome GW_T1_BUF_FILE::copy_into(gw::NewFile& copy) {
+    if (open("r") == 0) return outcome();
     int got = read(block.data(), BLOCK_SIZE);
     block[static_cast<std::size_t>(got)] = '\0';
     const char* end = block.data() + got;
@@ -25,8 +24,6 @@ int GW_T1_BUF_FILE::copy_into(gw::NewFile& copy) {
         std::replace(block.data(), block.data() + got, '\r', '\n');
         going_well = copy.write({block.data(), static_cast<std::size_t>(got)});
     }
-    const int source_failure = has_failed() ? errno : 0;
     close();
-    if (source_failure != 0) return source_failure;
-    return copy.finish() ? 0 : copy.error();
+    return outcome() ? copy.finish() : outcome();
 }

@@ -21,9 +21,9 @@ class GW_T1_BUF_FILE : public GW_FILE {
     /// in all later blocks carriage returns become line feeds. A file is not copied onto itself, by whatever
     /// way its directory is named, and one that cannot be copied whole is skipped. Returns 1 in every case.
     int copy(GW_DIR* dest);
-    /// Writes the converted bytes into `copy` and finishes it, without putting it in place. Returns 0, or the
-    /// `errno` of what went wrong; `copy` knows whether that was its own failure.
-    [[nodiscard]] int copy_into(gw::NewFile& copy);
+    /// Writes the converted bytes into `copy` and finishes it, without putting it in place. A failure is
+    /// about the file that could not be read or written, this one or the copy.
+    gw::Outcome copy_into(gw::NewFile& copy);
 
   private:
     std::array<char, BLOCK_SIZE + 1> block{};  // the byte behind a block is a NUL

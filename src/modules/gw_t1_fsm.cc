@@ -66,11 +66,11 @@ class UnclaimedFiles {
     std::size_t next_ = 0;
 };
 
-/// Whether the element has an outline file of the font's prefix that is another font's. The two would share
-/// their metrics, and deleting one would take the files of both.
-bool prefix_is_taken(GWFont& font, GW_FPE& fpe) {
+/// Fails where the element has an outline file of the font's prefix that is another font's. The two would
+/// share their metrics, and deleting one would take the files of both.
+gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe) {
     const GW_FILE_SPEC& first = *gw::first_file(font);
-    if (first.is_in_directory(fpe.get_element())) return false;
+    if (first.is_in_directory(fpe.get_element())) return gw::done();
     const std::string prefix = GW_T1_FSM::get_matching_file_spec_prefix(&first);
     for (const char* extension : {".pfb", ".pfa"}) {
         const GW_FILE_SPEC outline((prefix + extension).c_str(), fpe.get_element(), gw::FILE_TYPE_REGULAR,
@@ -80,10 +80,23 @@ bool prefix_is_taken(GWFont& font, GW_FPE& fpe) {
         const bool own = std::any_of(files.begin(), files.end(),
                                      [&](const GW_FILE_SPEC* spec) { return spec->equal(&outline) != 0; });
         if (own || outline.exist() == 0 || !gw::is_file_of_another(outline.get_name(), font, fpe)) continue;
-        gw::report_left_out(outline.get_path(), "this is a file of another font");
-        return true;
+        return gw::Failure{outline.get_path(), gw::Reason::FILE_OF_ANOTHER_FONT};
     }
-    return false;
+    return gw::done();
+}
+
+gw::Outcome copy_and_register(GWFont& font, GW_FPE& fpe) {
+    gw::FontInstallation installation(font, fpe);
+    gw::Outcome step = installation.can_begin();
+    if (step) step = prefix_is_free(font, fpe);
+    if (!step) return step;
+    installation.make_afm_dir();
+    step = gw::font_policy().copies_outlines_exactly() ? installation.copy_files<GW_BUF_FILE>()
+                                                       : installation.copy_files<GW_T1_BUF_FILE>();
+    if (step) step = installation.enter_in_index();
+    if (step) step = installation.put_all_in_place();
+    if (step) installation.keep();
+    return step;
 }
 
 }  // namespace
@@ -94,7 +107,7 @@ GW_FSM_BASE& gw::type1_module() {
 }
 
 GW_T1_FSM::GW_T1_FSM()
-    : GW_FSM_BASE(GWFont::TYPE1_FONT),
+    : AnsweringModule(GWFont::TYPE1_FONT),
       file_names(FILE_NAME_TOKENS, FILE_NAME_CHARS, gw::EXT_UNKNOWN),
       header_keys(HEADER_KEYS, HEADER_KEY_CHARS, GW_T1_FONT_FILE::UNKNOWN_KEY) {
     file_names.add_token(gw::EXT_PFB, ".pfb");
@@ -161,34 +174,27 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
     }
 }
 
-void GW_T1_FSM::install_font(GWFont* font, GW_FPE* fpe) {
-    note_outcome(false);
-    gw::FontInstallation installation(*font, *fpe);
-    if (!installation.can_begin() || prefix_is_taken(*font, *fpe)) return;
-    installation.make_afm_dir();
-    const bool copied = gw::font_policy().copies_outlines_exactly()
-                            ? installation.copy_files<GW_BUF_FILE>()
-                            : installation.copy_files<GW_T1_BUF_FILE>();
-    if (!copied || !installation.enter_in_index() || !installation.put_all_in_place()) return;
-    installation.keep();
-    note_outcome(true);
+gw::Outcome GW_T1_FSM::install(GWFont& font, GW_FPE& fpe) {
+    return copy_and_register(font, fpe).with(gw::Sequel::FONT_LEFT_OUT);
 }
 
-void GW_T1_FSM::make_font_visible(GWFont* font, GW_FPE* fpe) {
-    if (const GW_FILE_SPEC* first = gw::first_file(*font); first != nullptr) {
-        gw::enter_in_index(*font, *fpe, fpe->index_name(*first));
-    }
+gw::Outcome GW_T1_FSM::make_visible(GWFont& font, GW_FPE& fpe) {
+    const GW_FILE_SPEC* first = gw::first_file(font);
+    if (first == nullptr) return gw::done();
+    return gw::enter_in_index(font, fpe, fpe.index_name(*first)).with(gw::Sequel::FONT_LEFT_OUT);
 }
 
-void GW_T1_FSM::delete_font(GWFont* font) {
-    note_outcome(gw::remove_files_and_entry(*font));
-    if (!was_done() || gw::first_file(*font) == nullptr) return;
-    const GW_FSPEC_LIST& files = *font->get_font_file_list();
+gw::Outcome GW_T1_FSM::remove(GWFont& font) {
+    gw::Outcome removed = gw::remove_files_and_entry(font);
+    if (!removed) return removed.with(gw::Sequel::FONT_STAYS);
+    if (gw::first_file(font) == nullptr) return removed;
+    const GW_FSPEC_LIST& files = *font.get_font_file_list();
     GW_DIR(files.get_elem_at_pos(files.get_count())->get_dir()).make_upr_file(0, nullptr);
+    return removed;
 }
 
-bool GW_T1_FSM::can_install(GWFont* font) const {
-    return gw::can_be_indexed(*font);
+gw::Outcome GW_T1_FSM::can_install(GWFont& font) const {
+    return gw::can_be_indexed(font).with(gw::Sequel::FONT_LEFT_OUT);
 }
 
 std::string GW_T1_FSM::get_matching_file_spec_prefix(const GW_FILE_SPEC* spec) {

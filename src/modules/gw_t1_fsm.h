@@ -12,7 +12,7 @@
 #include "fontfiles/gw_foundry_file.h"
 #include "modules/gw_fsm_base.h"
 
-class GW_T1_FSM : public GW_FSM_BASE {
+class GW_T1_FSM : public gw::AnsweringModule {
   public:
     GW_T1_FSM();
 
@@ -21,17 +21,14 @@ class GW_T1_FSM : public GW_FSM_BASE {
     void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) override;
     void make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) override;
     void make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) override;
-    void install_font(GWFont* font, GW_FPE* fpe) override;
-    void make_font_visible(GWFont* font, GW_FPE* fpe) override;
-    void delete_font(GWFont* font) override;
-    [[nodiscard]] bool can_install(GWFont* font) const override;
-    using GW_FSM_BASE::delete_font;
-    using GW_FSM_BASE::install_font;
+    gw::Outcome install(GWFont& font, GW_FPE& fpe) override;
+    gw::Outcome make_visible(GWFont& font, GW_FPE& fpe) override;
+    gw::Outcome remove(GWFont& font) override;
+    gw::Outcome can_install(GWFont& font) const override;
     using GW_FSM_BASE::list_font_file_names;
     using GW_FSM_BASE::list_installed_font_file_names;
     using GW_FSM_BASE::list_installed_font_names;
     using GW_FSM_BASE::make_font_list;
-    using GW_FSM_BASE::make_font_visible;
     using GW_FSM_BASE::make_installed_font_list;
 
     // The specifications that the following append belong to `out`'s owner; those that they return are

@@ -7,13 +7,14 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
+#include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/font_policy.h"
 #include "core/gw_reg_exp.h"
 #include "core/replace_file.h"
+#include "platform/host_paths.h"
 
 namespace gw {
 
@@ -24,36 +25,48 @@ bool can_be_read_back(const std::string& file_name, const std::string& line) {
            line.size() < static_cast<std::size_t>(GW_FONTDIR_FILE::LINE_BUFFER);
 }
 
-/// Whether the file's directory lets this user remove it; a missing file is no obstacle. Leaves the reason in
-/// `errno`.
-bool can_be_removed(const GW_FILE_SPEC& spec) {
+/// Whether the file's directory lets this user remove it; a missing file is no obstacle.
+Outcome can_be_removed(const GW_FILE_SPEC& spec) {
     const std::string path(spec.get_path());
     const std::string dir = path.substr(0, path.rfind('/') + 1);  // that of "afm/NAME" is the subdirectory
     struct stat file {};
     struct stat home {};
-    if (::lstat(path.c_str(), &file) != 0 || ::stat(dir.c_str(), &home) != 0) return true;
+    if (::lstat(path.c_str(), &file) != 0 || ::stat(dir.c_str(), &home) != 0) return done();
     const uid_t user = ::geteuid();
-    if ((home.st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid && user != home.st_uid) {
-        errno = EPERM;
-        return false;
-    }
-    return ::faccessat(AT_FDCWD, dir.c_str(), W_OK | X_OK, AT_EACCESS) == 0;
+    if ((home.st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid && user != home.st_uid)
+        return Failure::of_system(path, EPERM);
+    if (::faccessat(AT_FDCWD, dir.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
+        return Failure::of_system(path, errno);
+    return done();
 }
 
-/// Says why a font that was to be deleted stays; always false.
-bool report_staying(const GW_FILE_SPEC& spec, int reason) {
-    std::fprintf(stderr, "glyphward: %s: %s; the font stays\n", spec.get_path(), std::strerror(reason));
-    return false;
+/// Whether this user may change the index, as far as it lists the file.
+Outcome can_be_struck_out(const GW_FILE_SPEC& spec) {
+    GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
+    if (::faccessat(AT_FDCWD, index.get_path(), W_OK, AT_EACCESS) == 0) return done();
+    const int error = errno;
+    if (index.get_font_name(spec.get_name())) return Failure::of_system(index.get_path(), error);
+    return done();
 }
 
 bool is_latin1(std::string_view font_name) {
     return font_name.ends_with("-iso8859-1");
 }
 
-/// Strikes the file out of the index, as many of its lines as stand for the font; 0 when nothing was done.
-int strike_out(GW_FONTDIR_FILE& index, const char* file_name, const GWFont& font) {
+/// Strikes the file out of the index, as many of its lines as stand for the font. Returns how many it had. An
+/// index that cannot be read has none.
+Result<int> strike_out(const GW_FILE_SPEC& spec, const GWFont& font) {
+    GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
     const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
-    return all ? index.delete_font_file_lines(file_name) : index.delete_font_file_line(file_name);
+    const Result<int> struck = all ? index.strike_out(spec.get_name()) : index.strike_out(spec.get_name(), 1);
+    if (!struck && !index.get_font_name(spec.get_name())) return 0;
+    return struck;
+}
+
+/// Removes the file; one that is not there is as good as removed.
+Outcome remove_file(const GW_FILE_SPEC& spec) {
+    if (::unlink(spec.get_path()) == 0 || errno == ENOENT || errno == ENOTDIR) return done();
+    return Failure::of_system(spec.get_path(), errno);
 }
 
 std::string line_text(GWFont& font, const std::string& file_name) {
@@ -62,20 +75,17 @@ std::string line_text(GWFont& font, const std::string& file_name) {
 
 }  // namespace
 
-std::optional<std::string> index_line(GWFont& font, const std::string& file_name) {
+Result<std::string> index_line(GWFont& font, const std::string& file_name) {
     std::string line = line_text(font, file_name);
     if (can_be_read_back(file_name, line)) return line;
-    report_left_out(file_name, "this name does not fit into a font index");
-    return std::nullopt;
+    return Failure{file_name, Reason::NAME_UNFIT_FOR_INDEX};
 }
 
-void report_left_out(const std::string& path, const char* reason) {
-    std::fprintf(stderr, "glyphward: %s: %s; the font is left out\n", path.c_str(), reason);
-}
-
-bool can_be_indexed(GWFont& font) {
+Outcome can_be_indexed(GWFont& font) {
     const GW_FILE_SPEC* first = first_file(font);
-    return first != nullptr && can_be_read_back(first->get_name(), line_text(font, first->get_name()));
+    if (first == nullptr) return Failure{font.get_hrn_name(), Reason::NO_FILE};
+    const Result<std::string> line = index_line(font, first->get_name());
+    return line ? done() : Outcome(line.failure());
 }
 
 bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe) {
@@ -90,9 +100,9 @@ bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe) {
     return listed;
 }
 
-bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name) {
-    const std::optional<std::string> line = index_line(font, file_name);
-    return line && fpe.get_fontdir_file().append_line(line->c_str()) != 0;
+Outcome enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name) {
+    const Result<std::string> line = index_line(font, file_name);
+    return line ? fpe.get_fontdir_file().enter(line->c_str()) : Outcome(line.failure());
 }
 
 const GW_FILE_SPEC* first_file(const GWFont& font) {
@@ -100,33 +110,33 @@ const GW_FILE_SPEC* first_file(const GWFont& font) {
     return files != nullptr && !files->is_empty() ? *files->begin() : nullptr;
 }
 
-bool remove_files_and_entry(const GWFont& font) {
-    if (font.get_font_file_list() == nullptr) return true;
+Outcome remove_files_and_entry(const GWFont& font) {
+    if (font.get_font_file_list() == nullptr) return done();
     const GW_FSPEC_LIST& files = *font.get_font_file_list();
     for (const GW_FILE_SPEC* spec : files) {
-        if (!can_be_removed(*spec)) return report_staying(*spec, errno);
-        GW_FONTDIR_FILE index(spec->get_dir(), FILE_TYPE_REGULAR);
-        if (::faccessat(AT_FDCWD, index.get_path(), W_OK, AT_EACCESS) == 0) continue;
-        const int reason = errno;
-        if (index.get_font_name(spec->get_name())) return report_staying(index, reason);
+        if (Outcome allowed = can_be_removed(*spec); !allowed) return allowed;
+        if (Outcome allowed = can_be_struck_out(*spec); !allowed) return allowed;
     }
-    bool struck_out = false;
+    std::optional<std::string> before;  // the index as it was, once the font is struck out
     for (const GW_FILE_SPEC* spec : files) {
-        GW_FONTDIR_FILE index(spec->get_dir(), FILE_TYPE_REGULAR);
-        const std::optional<std::string> before = struck_out ? std::nullopt : read_file(index.get_path());
-        if (!struck_out) {
-            struck_out = strike_out(index, spec->get_name(), font) != 0;
-            const int reason = errno;
-            if (!struck_out && index.get_font_name(spec->get_name())) return report_staying(index, reason);
+        const std::string index = std::string(spec->get_dir()) + FONT_INDEX_NAME;
+        if (!before) {
+            Result<std::string> bytes = read_file(index);
+            const Result<int> struck = strike_out(*spec, font);
+            if (!struck) return struck.failure();
+            if (bytes && *struck > 0) before = std::move(*bytes);
         }
-        if (::unlink(spec->get_path()) == 0 || errno == ENOENT || errno == ENOTDIR) continue;
-        report_staying(*spec, errno);
+        const Outcome removed = remove_file(*spec);
+        if (removed) continue;
         // Without its first file a font is gone, whatever remains of it.
-        if (spec != *files.begin()) continue;
-        if (struck_out && before && !replace_file(index.get_path(), *before)) report_staying(index, errno);
-        return false;
+        if (spec != *files.begin()) {
+            tell(removed.failure().with(Sequel::FILE_REMAINS));
+            continue;
+        }
+        if (before) tell_unless_done(replace_file(index, *before).with(Sequel::ENTRY_LOST));
+        return removed;
     }
-    return true;
+    return done();
 }
 
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {

@@ -5,43 +5,38 @@
 #pragma once
 
 #include <initializer_list>
-#include <optional>
 #include <string>
 #include <unordered_map>
 
+#include "core/failure.h"
 #include "core/gw_string_list.h"
 #include "fontpath/gw_fpe.h"
 #include "model/gw_font.h"
 
 namespace gw {
 
-/// The index line of the font under `file_name`. Nothing when a reader could not read it back (a blank or
-/// newline in the file name, a line of 120 characters or more): that is said in one line on standard error,
-/// and the font must be left out before anything is written.
-std::optional<std::string> index_line(GWFont& font, const std::string& file_name);
+/// The index line of the font under `file_name`. A failure when a reader could not read it back (a blank or
+/// newline in the file name, a line of 120 characters or more): the font must be left out before anything is
+/// written.
+Result<std::string> index_line(GWFont& font, const std::string& file_name);
 
-/// Says in one line on standard error that the font of the file at `path` is left out, and why.
-void report_left_out(const std::string& path, const char* reason);
-
-/// Whether the font has a file and `index_line` a line for it; says nothing.
-bool can_be_indexed(GWFont& font);
+/// Whether the font has a file and `index_line` a line for it.
+Outcome can_be_indexed(GWFont& font);
 
 /// Whether the element's index lists that file, and under none of its names as this font. A file that is
 /// listed under several names belongs to the fonts of all of them.
 bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe);
 
-/// Enters the font in the element's index under `file_name`; false when it was left out or could not be
-/// written.
-bool enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);
+/// Enters the font in the element's index under `file_name`.
+Outcome enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);
 
 /// The font's first file, or null.
 const GW_FILE_SPEC* first_file(const GWFont& font);
 
 /// Strikes the font out of the index of its files' directory (one line, found by the first file that the
-/// index knows; all lines of that file for an outline that is listed once) and removes its files. False when
-/// the font stays as it was, because its files or its line cannot be removed: that is said in one line on
-/// standard error.
-[[nodiscard]] bool remove_files_and_entry(const GWFont& font);
+/// index knows; all lines of that file for an outline that is listed once) and removes its files. After a
+/// failure the font stays as it was.
+Outcome remove_files_and_entry(const GWFont& font);
 
 /// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
 /// grouped by pattern, in index order within a group.

@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -25,8 +25,19 @@ constexpr int TABLE_TOKENS = 4;
 constexpr int TABLE_CHARS = 32;
 constexpr mode_t SCRATCH_MODE = 0744;
 
-void run_and_report(const char* format, const char* argument) {
-    if (run_shell(format, {argument}) == -1) std::perror(shell_text(format, {argument}).c_str());
+void run_and_tell(const char* format, const char* argument) {
+    if (run_shell(format, {argument}) == -1) tell(Failure::of_system(shell_text(format, {argument}), errno));
+}
+
+Outcome copy_and_register(GWFont& font, GW_FPE& fpe) {
+    FontInstallation installation(font, fpe);
+    Outcome step = installation.can_begin();
+    if (step) step = installation.copy_files<GW_BUF_FILE>();
+    if (step) step = installation.put_first_in_place();
+    if (step) step = installation.enter_in_index();
+    if (step) step = installation.put_all_in_place();
+    if (step) installation.keep();
+    return step;
 }
 
 }  // namespace
@@ -34,7 +45,7 @@ void run_and_report(const char* format, const char* argument) {
 IndexedModule::IndexedModule(int type, std::initializer_list<Extension> extensions,
                              std::pair<const char*, const char*> suffix_patterns, const char* scratch,
                              const std::optional<GzippedForm>& gzipped)
-    : GW_FSM_BASE(type),
+    : AnsweringModule(type),
       file_names(TABLE_TOKENS, TABLE_CHARS, EXT_UNKNOWN),
       file_names_with_gzipped(TABLE_TOKENS, TABLE_CHARS, EXT_UNKNOWN),
       suffixes(suffix_patterns),
@@ -74,13 +85,17 @@ std::unique_ptr<GWFont> IndexedModule::make_font(GW_DIR* dir, const GW_STRING* f
     return font;
 }
 
-int IndexedModule::mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files) {
-    if (::mkdir(tmp_dir, SCRATCH_MODE) != 0) return 1;
-    for (const GW_FILE_SPEC* spec : *files) {
-        const std::string link = std::string(tmp_dir) + '/' + spec->get_name();
-        if (::symlink(spec->get_path(), link.c_str()) != 0) return 1;
+Outcome IndexedModule::link_into_new_directory(const std::string& tmp_dir, const GW_FSPEC_LIST& files) {
+    if (::mkdir(tmp_dir.c_str(), SCRATCH_MODE) != 0) return Failure::of_system(tmp_dir, errno);
+    for (const GW_FILE_SPEC* spec : files) {
+        const std::string link = tmp_dir + '/' + spec->get_name();
+        if (::symlink(spec->get_path(), link.c_str()) != 0) return Failure::of_system(link, errno);
     }
-    return 0;
+    return done();
+}
+
+int IndexedModule::mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files) {
+    return link_into_new_directory(tmp_dir, *files) ? 0 : 1;
 }
 
 void IndexedModule::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recursive) {
@@ -120,9 +135,11 @@ void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_F
 }
 
 bool IndexedModule::make_scratch_index(const GW_FSPEC_LIST& files) const {
-    if (refuses_foreign_dir(scratch_dir)) return false;
-    if (mkdir_and_slink(scratch_dir, &files) != 0) std::perror("make_font_list");
-    run_and_report("mkfontdir %s;", scratch_dir);
+    if (!tell_unless_done(may_use_scratch_dir(scratch_dir))) return false;
+    // Kept: the listing goes on with the index that is there, and the operation is named instead of the file.
+    if (const Outcome linked = link_into_new_directory(scratch_dir, files); !linked)
+        tell(Failure::of_system("make_font_list", linked.failure().error));
+    run_and_tell("mkfontdir %s;", scratch_dir);
     return true;
 }
 
@@ -142,7 +159,7 @@ void IndexedModule::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recurs
     if (!make_scratch_index(files)) return;
     GW_FONTDIR_FILE scratch_index(scratch_dir, FILE_TYPE_REGULAR);
     append_indexed_fonts(out, *dir, scratch_index, &files);
-    run_and_report("\\rm -r %s;", scratch_dir);
+    run_and_tell("\\rm -r %s;", scratch_dir);
 }
 
 void IndexedModule::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
@@ -150,30 +167,22 @@ void IndexedModule::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) 
     append_indexed_fonts(out, dir, fpe->get_fontdir_file(), nullptr);
 }
 
-void IndexedModule::install_font(GWFont* font, GW_FPE* fpe) {
-    note_outcome(false);
-    FontInstallation installation(*font, *fpe);
-    if (!installation.can_begin() || !installation.copy_files<GW_BUF_FILE>() ||
-        !installation.put_first_in_place() || !installation.enter_in_index() ||
-        !installation.put_all_in_place()) {
-        return;
-    }
-    installation.keep();
-    note_outcome(true);
+Outcome IndexedModule::install(GWFont& font, GW_FPE& fpe) {
+    return copy_and_register(font, fpe).with(Sequel::FONT_LEFT_OUT);
 }
 
-void IndexedModule::make_font_visible(GWFont* font, GW_FPE* fpe) {
-    if (const GW_FILE_SPEC* first = first_file(*font); first != nullptr) {
-        enter_in_index(*font, *fpe, visible_name(*first, *fpe));
-    }
+Outcome IndexedModule::make_visible(GWFont& font, GW_FPE& fpe) {
+    const GW_FILE_SPEC* first = first_file(font);
+    if (first == nullptr) return done();
+    return enter_in_index(font, fpe, visible_name(*first, fpe)).with(Sequel::FONT_LEFT_OUT);
 }
 
-void IndexedModule::delete_font(GWFont* font) {
-    note_outcome(remove_files_and_entry(*font));
+Outcome IndexedModule::remove(GWFont& font) {
+    return remove_files_and_entry(font).with(Sequel::FONT_STAYS);
 }
 
-bool IndexedModule::can_install(GWFont* font) const {
-    return can_be_indexed(*font);
+Outcome IndexedModule::can_install(GWFont& font) const {
+    return can_be_indexed(font).with(Sequel::FONT_LEFT_OUT);
 }
 
 }  // namespace gw

@@ -16,7 +16,7 @@
 
 namespace gw {
 
-class IndexedModule : public GW_FSM_BASE {
+class IndexedModule : public AnsweringModule {
   public:
     using Extension = std::pair<int, const char*>;
 
@@ -25,24 +25,22 @@ class IndexedModule : public GW_FSM_BASE {
     void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) override;
     void make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) override;
     void make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) override;
-    void install_font(GWFont* font, GW_FPE* fpe) override;
-    void make_font_visible(GWFont* font, GW_FPE* fpe) override;
-    void delete_font(GWFont* font) override;
-    [[nodiscard]] bool can_install(GWFont* font) const override;
-    using GW_FSM_BASE::delete_font;
-    using GW_FSM_BASE::install_font;
+    Outcome install(GWFont& font, GW_FPE& fpe) override;
+    Outcome make_visible(GWFont& font, GW_FPE& fpe) override;
+    Outcome remove(GWFont& font) override;
+    Outcome can_install(GWFont& font) const override;
     using GW_FSM_BASE::list_font_file_names;
     using GW_FSM_BASE::list_installed_font_file_names;
     using GW_FSM_BASE::list_installed_font_names;
     using GW_FSM_BASE::make_font_list;
-    using GW_FSM_BASE::make_font_visible;
     using GW_FSM_BASE::make_installed_font_list;
 
     /// A new font of the module's type made of one file in `dir`; the caller owns it.
     [[nodiscard]] std::unique_ptr<GWFont> make_font(GW_DIR* dir, const GW_STRING* file_name,
                                                     const GW_STRING* font_name) const;
-    /// Makes the directory `tmp_dir` (mode 0744) and in it a link to each file. Returns 1 at the first
-    /// failure, else 0.
+    /// Makes the directory `tmp_dir` (mode 0744) and in it a link to each file, up to the first failure.
+    static Outcome link_into_new_directory(const std::string& tmp_dir, const GW_FSPEC_LIST& files);
+    /// The same; 1 after a failure, else 0.
     static int mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files);
 
   protected:

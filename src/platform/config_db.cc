@@ -134,7 +134,7 @@ int config_db_open(const char* path, int, int, int, int) {
         current().emplace();
         return NEW_OR_EMPTY;
     }
-    const std::optional<std::string> bytes = gw::read_file(path);
+    const gw::Result<std::string> bytes = gw::read_file(path);
     // The resource manager stops at a NUL byte, so the next write would lose the rest.
     if (!bytes || bytes->find('\0') != std::string::npos) return NOT_A_DATABASE;
     XrmInitialize();
@@ -170,16 +170,22 @@ int config_db_set_attribute(const char* class_name, const char* instance, const 
     return 0;
 }
 
-int config_db_close(const char* path) {
-    if (!current()) return 1;
+gw::Outcome gw::save_config_db(const std::string& path) {
+    if (!current()) return gw::Failure{path, gw::Reason::NOT_A_DATABASE};
     const OpenDatabase database = std::move(*current());
     current().reset();
-    if (path == nullptr) return 0;
     // A database that was only probed is written back unchanged, comments included.
     std::string text = database.original;
     if (database.changed) {
         text.clear();
         for (const std::string& line : lines_of(database.attributes)) text += line;
     }
-    return gw::replace_file(path, text) ? 0 : 1;
+    return gw::replace_file(path, text);
+}
+
+int config_db_close(const char* path) {
+    if (!current()) return 1;
+    if (path != nullptr) return gw::save_config_db(path) ? 0 : 1;
+    current().reset();
+    return 0;
 }

@@ -6,16 +6,18 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
+#include <cerrno>
 #include <string>
 
 namespace gw {
 
-bool create_scratch_file(const char* path) {
-    const int fd = ::open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (fd < 0) return false;
+Outcome create_scratch_file(const std::string& path) {
+    const int fd =
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (fd < 0 && errno == EEXIST) return Failure{path, Reason::NOT_OURS};
+    if (fd < 0) return Failure::of_system(path, errno);
     ::close(fd);
-    return true;
+    return done();
 }
 
 // Without MFD_CLOEXEC, so that the commands inherit it.
@@ -37,10 +39,9 @@ bool is_foreign_dir(const char* dir) {
     return ::lstat(path.c_str(), &info) == 0 && (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid());
 }
 
-bool refuses_foreign_dir(const char* dir) {
-    if (!is_foreign_dir(dir)) return false;
-    std::fprintf(stderr, "glyphward: %s is a link or belongs to someone else; it is not used\n", dir);
-    return true;
+Outcome may_use_scratch_dir(const std::string& dir) {
+    if (!is_foreign_dir(dir.c_str())) return done();
+    return Failure{dir, Reason::NOT_OURS}.with(Sequel::NOT_USED);
 }
 
 }  // namespace gw

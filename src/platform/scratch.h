@@ -6,11 +6,13 @@
 
 #include <string>
 
+#include "core/failure.h"
+
 namespace gw {
 
-/// Makes an empty file (mode 0600) at `path`, for a command to write into. False when something is there
+/// Makes an empty file (mode 0600) at `path`, for a command to write into. A failure when something is there
 /// already, a link included.
-[[nodiscard]] bool create_scratch_file(const char* path);
+Outcome create_scratch_file(const std::string& path);
 
 /// A scratch file in memory, without a name in any directory. No other user can open it, and it is gone with
 /// the object.
@@ -33,7 +35,7 @@ class UnnamedScratchFile {
 /// to.
 [[nodiscard]] bool is_foreign_dir(const char* dir);
 
-/// The same, and writes one line to standard error if so.
-[[nodiscard]] bool refuses_foreign_dir(const char* dir);
+/// The same as an outcome: done unless the directory is foreign.
+Outcome may_use_scratch_dir(const std::string& dir);
 
 }  // namespace gw

@@ -63,14 +63,18 @@ class RecordingModule : public GW_FSM_BASE {
     }
     void install_font(GWFont* font, GW_FPE* fpe) override {
         note("install " + std::string(font->get_xlfd_name()) + " " + at(fpe));
-        note_outcome(refused != font->get_xlfd_name());
     }
     void make_font_visible(GWFont* font, GW_FPE* fpe) override {
         note("show " + std::string(font->get_xlfd_name()) + " " + at(fpe));
     }
-    void delete_font(GWFont* font) override {
-        note("delete " + std::string(font->get_xlfd_name()));
-        note_outcome(refused != font->get_xlfd_name());
+    void delete_font(GWFont* font) override { note("delete " + std::string(font->get_xlfd_name())); }
+    Outcome install(GWFont& font, GW_FPE& fpe) override {
+        install_font(&font, &fpe);
+        return answer(font);
+    }
+    Outcome remove(GWFont& font) override {
+        delete_font(&font);
+        return answer(font);
     }
     using GW_FSM_BASE::delete_font;
     using GW_FSM_BASE::install_font;
@@ -93,6 +97,10 @@ class RecordingModule : public GW_FSM_BASE {
   private:
     static std::string at(const GW_FPE* fpe) { return fpe->get_element(); }
     void note(const std::string& what) const { calls().push_back(label_ + what); }
+    [[nodiscard]] Outcome answer(GWFont& font) const {
+        if (refused != font.get_xlfd_name()) return done();
+        return Failure{refused, Reason::NOT_ALLOWED};
+    }
     std::string label_;
 };
 

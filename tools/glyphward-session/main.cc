@@ -12,6 +12,7 @@
 #include <string>
 #include <string_view>
 
+#include "core/failure.h"
 #include "platform/host_paths.h"
 #include "session_path.h"
 
@@ -40,6 +41,11 @@ void complain(const std::string& line) {
 
 void complain(const Remark& remark, const char* consequence = "") {
     complain(remark.what + ": " + remark.why + consequence);
+}
+
+/// What the font path store hands on: what it could not read, or the server would not take.
+void complain_of(const gw::Failure& failure) {
+    complain(failure.text());
 }
 
 void print(const std::string& element, const std::string& remark = "") {
@@ -154,6 +160,7 @@ int carry_out(Task task) {
 int main(int argc, char** argv) {
     open_standard_descriptors();
     std::setlocale(LC_ALL, "");
+    gw::listen_to_failures(complain_of);
     const std::optional<Task> task = task_of(argc, argv);
     if (!task) return USAGE_ERROR;
     const int status = carry_out(*task);

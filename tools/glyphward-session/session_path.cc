@@ -130,7 +130,7 @@ Plan make_plan(const Elements& configured, const Elements& server, bool server_i
 }
 
 Outcome put(const Elements& wanted, const Elements& current, const SetPath& set) {
-    if (wanted.empty()) return {};  // the server takes an empty path for "the default path"
+    if (wanted.empty()) return {};  // an empty path would give the server its default path
     if (set(wanted)) return {wanted, {}};
 
     std::set<std::string> on_server;

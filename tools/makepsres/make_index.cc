@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <optional>
 #include <string_view>
@@ -157,8 +155,9 @@ bool write(const std::string& path, const std::string& bytes, Notices& notices) 
         return false;
     }
     NewFile file(path);
-    if (!file.write(bytes) || !file.finish() || !file.put_in_place()) {
-        notices.failed(path, std::string(std::strerror(file.error())) + "; nothing is written");
+    file.write(bytes);
+    if (!file.finish() || !file.put_in_place()) {
+        notices.failed(path, file.outcome().failure().reason_text() + "; nothing is written");
         return false;
     }
     file.keep();

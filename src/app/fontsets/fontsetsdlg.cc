@@ -60,8 +60,7 @@ std::string fontset_directory() {
     if (home == nullptr || locale == nullptr) return "";
     std::string directory = std::string(home) + gw::LOCALE_FONT_PATH_DIR + locale + gw::FONTSET_DIR;
     if (directory.size() < DIRECTORY_LIMIT) return directory;
-    std::fprintf(stderr, "glyphward: %s: this name is too long for a directory of fontsets\n",
-                 directory.c_str());
+    gw::tell(gw::Failure{directory, gw::Reason::NAME_TOO_LONG});
     return "";
 }
 

@@ -6,7 +6,6 @@
 #include "app/program/conflict_lists.h"
 #include "modules/font_modules.h"
 
-GW_FSM_LIST the_fsm_list;
 GWHRNList the_installed_hrn_list(0);
 GWInstalledFontsDriver the_installed_fonts_driver;
 GWAliasDriver the_alias_driver;
@@ -17,7 +16,6 @@ GW_LIST<GWConflict> the_conflict_list;
 GW_T1_FSM& the_t1_fsm = static_cast<GW_T1_FSM&>(gw::type1_module());
 GW_PCF_FSM& the_pcf_fsm = static_cast<GW_PCF_FSM&>(gw::bitmap_module());
 
-GWFontPath* the_font_path = nullptr;
 int the_installed_hrn_count = 0;
 int the_alias_count = 0;
 

@@ -49,11 +49,14 @@ std::string get_rc_sample_text() {
     return DEFAULT_SAMPLE_TEXT;
 }
 
-int write_rc_sample_text(const char* text) {
-    if (is_superuser()) return 0;
+gw::Outcome keep_rc_sample_text(const std::string& text) {
+    if (is_superuser()) return gw::Failure{gw::USER_SETTINGS_FILE, gw::Reason::NOT_ALLOWED};
     const std::optional<std::string> path = settings_path();
-    if (!path) return 1;
-    return gw::replace_file(*path, std::string(KEYWORD) + text) ? 1 : 0;
+    return path ? gw::replace_file(*path, std::string(KEYWORD) + text) : gw::done();
+}
+
+int write_rc_sample_text(const char* text) {
+    return keep_rc_sample_text(text) ? 1 : 0;
 }
 
 std::string convert_to_decipoint(const char* pt) {

@@ -30,6 +30,7 @@
 #include "app/main_window/helpdlg.h"
 #include "app/main_window/propsdlg.h"
 #include "app/printer/printerdlg.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/samples/attrdlg.h"
 #include "app/start/fallback_resources.h"
@@ -131,6 +132,7 @@ void create_dialogs() {
 
 void begin_program() {
     gw_init();
+    gw::listen_to_failures(gw::say_on_standard_error);
     uid = static_cast<int>(::geteuid());
     std::atexit(release_program_objects);
 }

@@ -104,14 +104,14 @@ TEST(NewFile, ReplacesALinkAndNotWhatItPointsTo) {
 TEST(NewFile, SaysWhyItCannotBegin) {
     const TempDir dir;
     dir.make_dir("d");
-    EXPECT_EQ(NewFile(dir.file("d")).error(), EISDIR);
-    EXPECT_EQ(NewFile(dir.file("missing/f")).error(), ENOENT);
+    EXPECT_EQ(NewFile(dir.file("d")).outcome().failure().error, EISDIR);
+    EXPECT_EQ(NewFile(dir.file("missing/f")).outcome().failure().error, ENOENT);
     NewFile refused(dir.file("d"));
     EXPECT_FALSE(refused.write("x") || refused.finish() || refused.put_in_place());
     EXPECT_TRUE(std::filesystem::is_directory(dir.file("d")));
     if (::geteuid() == 0) return;  // the superuser can write every file
     ::chmod(dir.write("closed", "old").c_str(), 0444);
-    EXPECT_EQ(NewFile(dir.file("closed")).error(), EACCES);
+    EXPECT_EQ(NewFile(dir.file("closed")).outcome().failure().error, EACCES);
     EXPECT_EQ(dir.read("closed"), "old");
 }
 
@@ -135,7 +135,7 @@ TEST(NewFile, LeavesTheOldOneOnAFullDisk) {
     {
         NewFile file(disk.file("f"));
         EXPECT_FALSE(file.write(std::string(50000, 'x')) && file.finish());
-        EXPECT_EQ(file.error(), ENOSPC);
+        EXPECT_EQ(file.outcome().failure().error, ENOSPC);
         EXPECT_FALSE(file.put_in_place());
     }
     EXPECT_EQ(disk.read("f"), "old");

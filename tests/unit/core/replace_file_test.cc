@@ -6,15 +6,23 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 
 #include "core/ref.h"
+#include "support/heard_failures.h"
 #include "support/temp_dir.h"
 
 namespace {
 
+using gw::Failure;
 using gw::test::TempDir;
+
+/// Why it failed, for which file.
+Failure why(const gw::Outcome& outcome) {
+    return outcome ? Failure{} : outcome.failure();
+}
 
 struct stat stat_of(const std::string& path) {
     struct stat info {};
@@ -96,7 +104,8 @@ TEST(ReplaceFile, WritesInPlaceWhereTheDirectoryAllowsNoNewFile) {
     ::chmod(dir.file("closed").c_str(), 0555);
     EXPECT_TRUE(gw::replace_file(dir.file("closed/f"), "new"));
     EXPECT_EQ(dir.read("closed/f"), "new");
-    EXPECT_FALSE(gw::replace_file(dir.file("closed/g"), "new"));
+    EXPECT_EQ(why(gw::replace_file(dir.file("closed/g"), "new")),
+              Failure::of_system(dir.file("closed/g"), EACCES));
 }
 
 TEST(ReplaceFile, RefusesAFileThatMayNotBeWritten) {
@@ -104,7 +113,7 @@ TEST(ReplaceFile, RefusesAFileThatMayNotBeWritten) {
     const TempDir dir;
     const std::string path = dir.write("f", "old");
     ::chmod(path.c_str(), 0444);
-    EXPECT_FALSE(gw::replace_file(path, "new"));
+    EXPECT_EQ(why(gw::replace_file(path, "new")), Failure::of_system(path, EACCES));
     EXPECT_EQ(dir.read("f"), "old");
 }
 
@@ -112,19 +121,19 @@ TEST(ReplaceFile, RefusesAFileThatMayNotBeWritten) {
 TEST(ReplaceFile, ReportsAFullDisk) {
     const TempDir dir;
     std::filesystem::create_symlink("/dev/full", dir.file("f"));
-    EXPECT_FALSE(gw::replace_file(dir.file("f"), "new"));
+    EXPECT_EQ(why(gw::replace_file(dir.file("f"), "new")), Failure::of_system(dir.file("f"), ENOSPC));
 }
 
-TEST(ReplaceFile, AnswersFalseForAMissingDirectory) {
-    EXPECT_FALSE(gw::replace_file("/nonexistent/f", "new"));
+TEST(ReplaceFile, SaysThatTheDirectoryIsMissing) {
+    EXPECT_EQ(why(gw::replace_file("/nonexistent/f", "new")), Failure::of_system("/nonexistent/f", ENOENT));
 }
 
 TEST(ReadFile, GivesEveryByteOrNothing) {
     const TempDir dir;
     const std::string bytes = std::string("a\0b", 3) + std::string(200000, 'x');
-    EXPECT_EQ(gw::read_file(dir.write("f", bytes)), bytes);
-    EXPECT_EQ(gw::read_file(dir.file("missing")), std::nullopt);
-    EXPECT_EQ(gw::read_file(dir.path()), std::nullopt);
+    EXPECT_EQ(*gw::read_file(dir.write("f", bytes)), bytes);
+    EXPECT_EQ(gw::read_file(dir.file("missing")).failure(), Failure::of_system(dir.file("missing"), ENOENT));
+    EXPECT_EQ(gw::read_file(dir.path()).failure(), Failure::of_system(dir.path(), EISDIR));
 }
 
 struct Counted : gw::RefCounted {

@@ -23,6 +23,7 @@
 #include "modules/gw_pcf_fsm.h"
 #include "modules/gw_t1_fsm.h"
 #include "support/font_maker.h"
+#include "support/heard_failures.h"
 #include "support/own_commands.h"
 #include "support/small_disk.h"
 #include "support/temp_dir.h"
@@ -200,10 +201,9 @@ TEST_F(Drivers, FontsThatCannotBeStagedAreListedAllTheSame) {
     ASSERT_TRUE(gw::prepare_staging(staging.c_str(), "link", home.file("fonts").c_str()));
     disk.leave_blocks(1);
     GWHRNList list(0);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     gw::stage_fonts(list, the_fsm_list, (staging + "link").c_str(), 0, staging.c_str());
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "glyphward: " + staging + "fonts.dir: No space left on device; these fonts have no samples\n");
+    EXPECT_EQ(heard.text(), staging + "fonts.dir: No space left on device; these fonts have no samples\n");
     EXPECT_EQ(TempDir::read_bytes(staging + "fonts.dir"), "0\n");
     EXPECT_EQ(list.get_count(), 200);
 }
@@ -223,11 +223,11 @@ TEST_F(Drivers, AStagingDirectoryThatIsNotOursIsNotUsed) {
     home.write("fonts/t.pfa", HEADER);
     const std::string victim = home.make_dir("victim");
     std::filesystem::create_directory_symlink(victim, "/tmp/gw_dir");
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     GWHRNList list(0);
     GWDirDriver driver(home.file("fonts").c_str());
     driver.get_hrn_list(list);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("/tmp/gw_dir/ is a link"), std::string::npos);
+    EXPECT_NE(heard.text().find("/tmp/gw_dir/: this is a link"), std::string::npos);
     EXPECT_EQ(list.get_count(), 0);
     EXPECT_TRUE(std::filesystem::is_empty(victim));
     EXPECT_FALSE(driver.get_preview_dir().has_value());
@@ -246,10 +246,10 @@ TEST_F(Drivers, AStagingDirectoryOfAnotherUserIsNotUsed) {
     GW_REM_MEDIA_DRIVER medium(GW_REM_MEDIA_DRIVER::CDROM);
     for (GWDriverBase* driver :
          {static_cast<GWDriverBase*>(&directory), static_cast<GWDriverBase*>(&medium)}) {
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         GWHRNList list(0);
         driver->get_hrn_list(list);
-        const std::string said = testing::internal::GetCapturedStderr();
+        const std::string said = heard.text();
         EXPECT_NE(said.find("belongs to someone else"), std::string::npos);
         EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 1) << said;
         EXPECT_EQ(list.get_count(), 0);
@@ -410,7 +410,7 @@ TEST_F(Preview, AStagingDirectoryThatIsNotOursIsNeverPreviewed) {
     for (const char* dir : {"/tmp/gw_dir", "/tmp/gw_floppy"})
         std::filesystem::create_directory_symlink(staging, dir);
     GW_REM_MEDIA_DRIVER medium(GW_REM_MEDIA_DRIVER::FLOPPY);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     for (GWDriverBase* driver :
          {static_cast<GWDriverBase*>(&directory), static_cast<GWDriverBase*>(&medium)}) {
         GWHRNList none(0);
@@ -419,7 +419,6 @@ TEST_F(Preview, AStagingDirectoryThatIsNotOursIsNeverPreviewed) {
         driver->start_preview();
         EXPECT_EQ(session.font_path(), before) << *driver->get_preview_dir();
     }
-    testing::internal::GetCapturedStderr();
     EXPECT_EQ(home.read("staging/fonts.dir"), "0\n");
     EXPECT_FALSE(home.exists("staging/glyphwd.upr"));
 }

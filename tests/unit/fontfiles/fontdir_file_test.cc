@@ -141,7 +141,7 @@ TEST_F(FontdirFile, ABatchWritesItsLinesAllAtOnceAndInOrder) {
             GW_FONTDIR_FILE::Batch batch(file);
             for (int i = 1; i <= 3; ++i) EXPECT_EQ(file.append_line(entry(before + i).c_str()), 1);
             EXPECT_EQ(bytes(), index_of(before, before));
-            EXPECT_EQ(batch.write(), 1);
+            EXPECT_TRUE(batch.write());
             EXPECT_EQ(bytes(), index_of(before + 3, before + 3));
             file.append_line(entry(before + 4).c_str());
         }
@@ -153,7 +153,7 @@ TEST_F(FontdirFile, ABatchWritesItsLinesAllAtOnceAndInOrder) {
 
 TEST_F(FontdirFile, ABatchWithoutLinesWritesNothing) {
     GW_FONTDIR_FILE file = index();
-    { EXPECT_EQ(GW_FONTDIR_FILE::Batch(file).write(), 1); }
+    { EXPECT_TRUE(GW_FONTDIR_FILE::Batch(file).write()); }
     EXPECT_FALSE(dir.exists("fonts.dir"));
 }
 
@@ -161,8 +161,8 @@ TEST(FontdirFileBatch, SaysWhenItsLinesCouldNotBeWritten) {
     GW_FONTDIR_FILE file("/nonexistent/", 0);
     GW_FONTDIR_FILE::Batch batch(file);
     EXPECT_EQ(file.append_line("a -a\n"), 1);
-    EXPECT_EQ(batch.write(), 0);
-    EXPECT_EQ(batch.write(), 1) << "they are given up";
+    EXPECT_FALSE(batch.write());
+    EXPECT_TRUE(batch.write()) << "they are given up";
 }
 
 TEST_F(FontdirFile, TakingALineBackUndoesItsAppending) {

@@ -13,6 +13,7 @@
 
 #include "model/gw_font.h"
 #include "platform/host_paths.h"
+#include "support/heard_failures.h"
 #include "support/small_disk.h"
 #include "support/temp_dir.h"
 
@@ -321,14 +322,15 @@ TEST_F(FontsetFile, TakesThePlaceOfAnOldWorkingCopyAndLeavesANewerOne) {
 /// Works with a file while something that is not ours has the name of the working copy.
 void expect_work_in_memory(const TempDir& dir) {
     const std::string path = dir.write("Vantor.fs", "! c\n-a:definition,\\\n\t-f1\n");
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     GW_FONTSET_FILE file(dir.c_str(), "Vantor.fs", 0);
     const GWFontSet same_name("-a");
     EXPECT_EQ(file.delete_fontset(&same_name), 1);
     file.append_fontset(made({"-b", {"-f2"}}));
     EXPECT_EQ(file.sync(), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "glyphward: /tmp/Vantor.fs: File exists; changed fontsets stand in memory only\n");
+    EXPECT_EQ(
+        heard.text(),
+        "/tmp/Vantor.fs: this is a link or belongs to someone else; changed fontsets stand in memory only\n");
     EXPECT_EQ(TempDir::read_bytes(path), "! c\n-b:definition,\\\n\t-f2\n");
 }
 
@@ -404,10 +406,9 @@ TEST_F(FontsetFile, AFullDiskLeavesTheOldFile) {
     GW_FONTSET_FILE file(disk.path().c_str(), "Vantor.fs", 0);
     file.append_fontset(made({"-b", std::vector<std::string>(200, KANJI)}));
     disk.leave_blocks(0);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     EXPECT_EQ(file.sync(), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "glyphward: " + disk.file("Vantor.fs") + " cannot be written; the fontsets in it stay\n");
+    EXPECT_EQ(heard.text(), disk.file("Vantor.fs") + ": No space left on device; the fontsets in it stay\n");
     EXPECT_EQ(disk.read("Vantor.fs"), bytes);
     EXPECT_EQ(disk.entries(), 1);
 }
@@ -415,10 +416,9 @@ TEST_F(FontsetFile, AFullDiskLeavesTheOldFile) {
 TEST_F(FontsetFile, ADirectoryThatIsGoneIsReported) {
     const std::string gone = dir.file("gone/");
     GW_FONTSET_FILE file(gone.c_str(), "Vantor.fs", 0);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     EXPECT_EQ(file.sync(), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "glyphward: " + gone + "Vantor.fs cannot be written; the fontsets in it stay\n");
+    EXPECT_EQ(heard.text(), gone + "Vantor.fs: No such file or directory; the fontsets in it stay\n");
 }
 
 TEST_F(FontsetFile, AFileThatMayNotBeWrittenStays) {
@@ -426,11 +426,10 @@ TEST_F(FontsetFile, AFileThatMayNotBeWrittenStays) {
     const auto file = opened_on("! c\n");
     ASSERT_EQ(::chmod(dir.file("Vantor.fs").c_str(), 0444), 0);
     file->append_fontset(made({"-a", {}}));
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     EXPECT_EQ(file->sync(), 0);
-    EXPECT_THAT(
-        testing::internal::GetCapturedStderr(),
-        StrEq("glyphward: " + dir.file("Vantor.fs") + " cannot be written; the fontsets in it stay\n"));
+    EXPECT_THAT(heard.text(),
+                StrEq(dir.file("Vantor.fs") + ": Permission denied; the fontsets in it stay\n"));
     EXPECT_EQ(dir.read("Vantor.fs"), "! c\n");
 }
 
@@ -443,10 +442,9 @@ TEST_F(FontsetFile, AFileThatCouldNotBeReadStays) {
     std::filesystem::remove(dir.file("Vantor.fs"));
     dir.write("Vantor.fs", "! c\n");
     file->append_fontset(made({"-a", {}}));
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     EXPECT_EQ(file->sync(), 0);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "glyphward: " + dir.file("Vantor.fs") + " cannot be read; the fontsets in it stay\n");
+    EXPECT_EQ(heard.text(), dir.file("Vantor.fs") + ": Is a directory; the fontsets in it stay\n");
     EXPECT_EQ(dir.read("Vantor.fs"), "! c\n");
 }
 
@@ -454,11 +452,12 @@ TEST_F(FontsetFile, LosesNoFontsetWithItsWorkingCopy) {
     const auto file = opened_on(text_of({"-a", {LATIN1}}));
     std::filesystem::remove(gw::SCRATCH_FONTSETS);
     std::filesystem::create_directory(gw::SCRATCH_FONTSETS);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     file->append_fontset(made({"-b", {KANJI}}));
     file->append_fontset(made({"-c", {KANJI}}));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "glyphward: /tmp/Vantor.fs: File exists; changed fontsets stand in memory only\n");
+    EXPECT_EQ(
+        heard.text(),
+        "/tmp/Vantor.fs: this is a link or belongs to someone else; changed fontsets stand in memory only\n");
     EXPECT_EQ(file->sync(), 1);
     EXPECT_THAT(reread(), testing::SizeIs(3));
 }

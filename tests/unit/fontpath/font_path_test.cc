@@ -17,6 +17,7 @@
 #include "core/gw_file_spec.h"
 #include "font_path_fixture.h"
 
+#include "support/heard_failures.h"
 #include "support/session.h"
 
 namespace {
@@ -105,9 +106,9 @@ TEST_F(FontPath, AForeignScratchFileIsNotReadThrough) {
     if (is_root()) GTEST_SKIP() << "the superuser removes any scratch file";
     home.write(".VTfontpath", "/a/\n");
     std::filesystem::create_directory("/tmp/.VTfontpath");
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     const auto store = main_store();
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("/tmp/.VTfontpath"), std::string::npos);
+    EXPECT_NE(heard.text().find("/tmp/.VTfontpath"), std::string::npos);
     EXPECT_TRUE(elements(*store, GWFontPath::USER_APPEND_FP).empty());
     std::filesystem::remove("/tmp/.VTfontpath");
 }
@@ -418,9 +419,9 @@ TEST_F(SessionFontPath, WithAForeignFileForComplaintsTheSessionIsLeftAlone) {
     const Texts before = session.font_path();
     const GW_STRING element(font_dir("fonts").c_str());
     std::filesystem::create_directory("/tmp/errors");
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     EXPECT_EQ(store->insert_after_pos(GWFontPath::SESSION_FP, &element, -1), 0);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("glyphward: /tmp/errors"), std::string::npos);
+    EXPECT_NE(heard.text().find("/tmp/errors"), std::string::npos);
     EXPECT_EQ(session.font_path(), before);
     EXPECT_EQ(elements(*store, GWFontPath::SESSION_FP), before);
     std::filesystem::remove("/tmp/errors");

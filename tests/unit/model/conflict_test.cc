@@ -12,6 +12,7 @@
 
 #include "model/gw_alias.h"
 #include "modules/gw_pcf_fsm.h"
+#include "support/heard_failures.h"
 #include "support/small_disk.h"
 #include "unit/model/model_test_support.h"
 
@@ -321,9 +322,9 @@ TEST_F(ConflictFiles, AFontThatCannotBeCopiedElsewhereStays) {
     const Ref<GWFont> again = make_font(Xlfd{});
     place(*again, dir.file("old") + '/', {"font.pcf"});
     dir.make_dir("new/font.pcf");  // so that the copy fails
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     force(again, "new");
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("new/font.pcf"), std::string::npos);
+    EXPECT_NE(heard.text().find("new/font.pcf"), std::string::npos);
     EXPECT_EQ(dir.read("old/font.pcf"), "old");
     EXPECT_EQ(dir.read("old/fonts.dir"), index_of_one());
     EXPECT_EQ(installed.get_elem_at_pos(1)->get_representative()->get_dir_name(), dir.file("old") + '/');
@@ -341,11 +342,10 @@ TEST_F(ConflictFiles, TheOldFontComesBackWhenTheNewOneCannotBeCopied) {
         installed.add_font(old.get());
         const Ref<GWFont> unreadable = make_font(Xlfd{});
         place(*unreadable, dir.file("gone") + '/', {"font.pcf"});
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         force(unreadable, target);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(),
-                  "glyphward: " + dir.file("gone/font.pcf") +
-                      ": No such file or directory; the font is left out\n");
+        EXPECT_EQ(heard.text(),
+                  dir.file("gone/font.pcf") + ": No such file or directory; the font is left out\n");
         EXPECT_EQ(dir.read("old/font.pcf"), "old") << target;
         EXPECT_EQ(dir.read("old/fonts.dir"), "2\nfont.pcf " + Xlfd{}.str() + "\nother.pcf other\n");
         EXPECT_EQ(dir.read("old/glyphwd.upr"), "resources");
@@ -372,9 +372,9 @@ TEST_F(ConflictFiles, TheOldFontComesBackOnAFullDisk) {
     GW_SORTED_LIST<GWAlias> aliases(0);
     ASSERT_EQ(source.install_at_pos(1, disk.path().c_str(), installed, aliases, modules, conflicts),
               GWHRNElement::CONFLICT);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     conflicts.get_elem_at_pos(1)->install_force(modules);
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("No space left on device"), std::string::npos);
+    EXPECT_NE(heard.text().find("No space left on device"), std::string::npos);
     EXPECT_EQ(disk.read("font.pcf"), "old");
     EXPECT_EQ(disk.read("fonts.dir"), index);
     EXPECT_EQ(disk.entries(), 2);
@@ -387,9 +387,9 @@ TEST_F(ConflictFiles, AFontThatCannotBeDeletedIsNotReplaced) {
     installed.add_font(old.get());
     const Ref<GWFont> font = font_in("source");
     std::filesystem::permissions(dir.file("old/fonts.dir"), std::filesystem::perms::owner_read);
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     force(font, "new");
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("the font stays"), std::string::npos);
+    EXPECT_NE(heard.text().find("the font stays"), std::string::npos);
     EXPECT_EQ(dir.read("old/font.pcf"), "old");
     EXPECT_EQ(dir.read("old/fonts.dir"), index_of_one());
     EXPECT_FALSE(dir.exists("new/font.pcf"));
@@ -401,9 +401,9 @@ TEST_F(ConflictFiles, AFontThatNoIndexCanHoldReplacesNothing) {
     dir.write("source/two words.pcf", "source");
     const Ref<GWFont> refused = make_font(Xlfd{});
     place(*refused, dir.file("source") + '/', {"two words.pcf"});
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     force(refused, "old");
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("two words.pcf"), std::string::npos);
+    EXPECT_NE(heard.text().find("two words.pcf"), std::string::npos);
     EXPECT_EQ(dir.read("old/font.pcf"), "old");
     EXPECT_EQ(dir.read("old/fonts.dir"), index_of_one());
     EXPECT_FALSE(dir.exists("old/two words.pcf"));

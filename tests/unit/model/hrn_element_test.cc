@@ -9,6 +9,7 @@
 #include "model/gw_conflict.h"
 #include "model/gw_hrn_list.h"
 #include "modules/gw_pcf_fsm.h"
+#include "support/heard_failures.h"
 #include "unit/model/model_test_support.h"
 
 namespace {
@@ -434,9 +435,9 @@ TEST_F(HrnElementInstall, ListsOnlyWhatTheModulesTake) {
     place(*taken, dir.path(), {"a.pcf"});
     const std::string target = dir.make_dir("target");
     const auto install_into_target = [&](GWHRNElement& elem) {
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         const int result = elem.install_fonts(target.c_str(), installed, aliases, modules.list, conflicts);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("two words.pcf"), std::string::npos);
+        EXPECT_NE(heard.text().find("two words.pcf"), std::string::npos);
         return result;
     };
     EXPECT_EQ(install_into_target(*element_of({refused})), GWHRNElement::FAILED);
@@ -460,10 +461,9 @@ TEST_F(HrnElementInstall, ListsOnlyWhatCouldBeCopied) {
     place(*taken, dir.path(), {"a.pcf"});
     const std::string target = dir.make_dir("target");
     const auto install_into_target = [&](GWHRNElement& elem) {
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         const int result = elem.install_fonts(target.c_str(), installed, aliases, modules.list, conflicts);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("vanished.pcf: No such file"),
-                  std::string::npos);
+        EXPECT_NE(heard.text().find("vanished.pcf: No such file"), std::string::npos);
         return result;
     };
     EXPECT_EQ(install_into_target(*element_of({vanished})), GWHRNElement::FAILED);

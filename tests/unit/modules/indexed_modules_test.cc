@@ -19,6 +19,7 @@
 #include "modules/gw_t3_fsm.h"
 #include "platform/host_paths.h"
 #include "support/font_maker.h"
+#include "support/heard_failures.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -106,9 +107,9 @@ TEST_F(Indexed, AScratchDirectoryLeftOverIsReportedAndItsStaleIndexUsed) {
     make_pcf("new.pcf");
     make_pcf("old.pcf", "-test-old-bold-r-normal--8-80-75-75-c-80-iso8859-1");
     std::filesystem::rename(dir.file("old.pcf"), "/tmp/pcf/old.pcf");
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     list(pcf, dir.path());
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("make_font_list: "), std::string::npos);
+    EXPECT_NE(heard.text().find("make_font_list: "), std::string::npos);
     ASSERT_EQ(fonts.get_count(), 1);
     EXPECT_EQ(paths(), Texts{dir.file("old.pcf")});
 }
@@ -117,9 +118,9 @@ TEST_F(Indexed, AForeignScratchDirectoryIsNotUsed) {
     make_pcf("8x13.pcf");
     const std::string victim = dir.make_dir("victim");
     std::filesystem::create_directory_symlink(victim, "/tmp/pcf");
-    testing::internal::CaptureStderr();
+    const gw::test::HeardFailures heard;
     list(pcf, dir.path());
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("it is not used"), std::string::npos);
+    EXPECT_NE(heard.text().find("it is not used"), std::string::npos);
     EXPECT_EQ(fonts.get_count(), 0);
     EXPECT_TRUE(std::filesystem::is_empty(victim));
     EXPECT_TRUE(std::filesystem::is_symlink("/tmp/pcf"));
@@ -186,10 +187,10 @@ TEST_F(Indexed, AFontThatNoIndexCanHoldIsRefusedBeforeAnythingIsWritten) {
         dir.write(name, "x");
         gw::test::give_file(*font, name, dir.c_str());
         GW_FPE fpe(target.c_str());
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         pcf.install_font(font.get(), &fpe);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find(name), std::string::npos);
-        EXPECT_FALSE(pcf.can_install(font.get())) << name;
+        EXPECT_NE(heard.text().find(name), std::string::npos);
+        EXPECT_FALSE(pcf.can_install(*font)) << name;
         EXPECT_EQ(dir.read("to/fonts.dir"), "0\n");
         EXPECT_FALSE(dir.exists(std::string("to/") + name));
     }
@@ -197,13 +198,13 @@ TEST_F(Indexed, AFontThatNoIndexCanHoldIsRefusedBeforeAnythingIsWritten) {
 
 TEST_F(Indexed, TakesAFontWithAFileOfAPlainName) {
     const gw::Ref<GWFont> font(gw::test::make_font(GWFont::BITMAP_FONT, XLFD));
-    EXPECT_FALSE(pcf.can_install(font.get())) << "without a file";
+    EXPECT_FALSE(pcf.can_install(*font)) << "without a file";
     gw::test::give_file(*font, "a.pcf", dir.c_str());
-    testing::internal::CaptureStderr();
-    EXPECT_TRUE(pcf.can_install(font.get()));
+    const gw::test::HeardFailures heard;
+    EXPECT_TRUE(pcf.can_install(*font));
     gw::test::give_file(*font, "a b.pcf", dir.c_str());
-    EXPECT_FALSE(pcf.can_install(font.get()));
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "") << "asking reports nothing";
+    EXPECT_FALSE(pcf.can_install(*font));
+    EXPECT_EQ(heard.text(), "") << "asking reports nothing";
 }
 
 TEST_F(Indexed, Type0TakesEveryEntryAndShowsItsFullPath) {

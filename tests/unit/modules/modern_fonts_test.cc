@@ -99,8 +99,7 @@ TEST_P(ModernFonts, AType1FileIsCopiedExactlyOrAsText) {
     Fonts fonts;
     list_source(fonts, dir.path());
     ASSERT_EQ(fonts.list.get_count(), 1);
-    fonts.list.get_elem_at_pos(1)->install_font(destination.c_str(), 0, modules);
-    ASSERT_TRUE(modules.was_done());
+    ASSERT_TRUE(fonts.list.get_elem_at_pos(1)->install(destination.path(), modules));
 
     const std::string copy = destination.read("tiny.pfb");
     if (modern()) {
@@ -157,15 +156,13 @@ TEST_P(ModernFonts, ADirectoryOfGzippedBitmapsWithoutAnIndexIsIndexedOrEmpty) {
     EXPECT_STREQ(font.get_dir_name(), dir.c_str());
     EXPECT_STREQ(font.get_field(GWFont::TYPEFACE_NAME), "fixed");
 
-    font.install_font(destination.c_str(), 0, modules);
-    ASSERT_TRUE(modules.was_done());
+    ASSERT_TRUE(font.install(destination.path(), modules));
     EXPECT_EQ(destination.read("a.pcf.gz"), dir.read("a.pcf.gz"));
     EXPECT_EQ(destination.read("fonts.dir"), std::string("1\na.pcf.gz ") + font.get_xlfd_name() + "\n");
     Fonts installed;
     list_installed(installed, destination.path());
     ASSERT_EQ(installed.list.get_count(), 1);
-    installed.list.get_elem_at_pos(1)->delete_font(modules);
-    EXPECT_TRUE(modules.was_done());
+    EXPECT_TRUE(installed.list.get_elem_at_pos(1)->remove(modules));
     EXPECT_FALSE(destination.exists("a.pcf.gz"));
     EXPECT_EQ(destination.read("fonts.dir"), "0\n");
 }
@@ -214,8 +211,7 @@ TEST_P(ListedTwice, IsOneOutlineUnderItsLatinNameOrElseItsFirst) {
 TEST_P(ListedTwice, GoesWithAllItsLinesOrWithOne) {
     Fonts fonts;
     list_installed(fonts, dir.path());
-    fonts.list.get_elem_at_pos(1)->delete_font(modules);
-    EXPECT_TRUE(modules.was_done());
+    EXPECT_TRUE(fonts.list.get_elem_at_pos(1)->remove(modules));
     EXPECT_FALSE(dir.exists("a.pfb"));
     const std::string others =
         "b.pfa -x-b-koi8-r\nb.pfa -x-b-iso8859-2\nc.pcf -x-c-iso8859-1\nc.pcf -x-c-iso8859-2\n";
@@ -226,8 +222,7 @@ TEST_P(ListedTwice, GoesWithAllItsLinesOrWithOne) {
 TEST_P(ListedTwice, ABitmapGoesWithOneLineWhateverThePolicy) {
     Fonts fonts;
     list_installed(fonts, dir.path());
-    fonts.list.get_elem_at_pos(fonts.list.get_count())->delete_font(modules);
-    EXPECT_TRUE(modules.was_done());
+    EXPECT_TRUE(fonts.list.get_elem_at_pos(fonts.list.get_count())->remove(modules));
     const std::string index = dir.read("fonts.dir");
     EXPECT_TRUE(index.starts_with("6\n")) << index;
     EXPECT_TRUE(index.ends_with("\nc.pcf -x-c-iso8859-2\n")) << index;
@@ -243,8 +238,7 @@ class TodaysFonts : public ModernFonts {
         list_source(fonts, source);
         int installed = 0;
         for (GWFont* font : fonts.list) {
-            font->install_font(destination.c_str(), 0, modules);
-            installed += modules.was_done() ? 1 : 0;
+            installed += font->install(destination.path(), modules) ? 1 : 0;
         }
         EXPECT_EQ(installed, fonts.list.get_count());
         return installed;

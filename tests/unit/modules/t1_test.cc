@@ -11,6 +11,7 @@
 #include "modules/gw_t1_fsm.h"
 #include "platform/host_paths.h"
 #include "support/font_maker.h"
+#include "support/heard_failures.h"
 #include "support/own_commands.h"
 #include "support/temp_dir.h"
 
@@ -310,11 +311,10 @@ TEST_F(Type1, AFontThatNoIndexCanHoldIsRefusedBeforeAnythingIsWritten) {
         module.make_font_list(fonts, &source, 0);
         ASSERT_EQ(fonts.get_count(), 1) << name;
         GW_FPE fpe(target.c_str());
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         module.install_font(fonts.get_elem_at_pos(1), &fpe);
-        EXPECT_NE(testing::internal::GetCapturedStderr().find("the font is left out"), std::string::npos)
-            << name;
-        EXPECT_FALSE(module.can_install(fonts.get_elem_at_pos(1))) << name;
+        EXPECT_NE(heard.text().find("the font is left out"), std::string::npos) << name;
+        EXPECT_FALSE(module.can_install(*fonts.get_elem_at_pos(1))) << name;
         EXPECT_EQ(dir.read("to/fonts.dir"), "0\n") << name;
         EXPECT_FALSE(dir.exists("to/" + name));
         EXPECT_FALSE(dir.exists("to/afm"));
@@ -328,9 +328,8 @@ TEST_F(Type1, ALineOf119CharactersFitsAndOneMoreDoesNot) {
         GWFont* font = read(HEADER, name.c_str());
         dir.write("fonts.dir", "0\n");
         GW_FPE fpe(dir.c_str());
-        testing::internal::CaptureStderr();
+        const gw::test::HeardFailures heard;
         module.make_font_visible(font, &fpe);
-        testing::internal::GetCapturedStderr();
         EXPECT_EQ(fpe.get_fontdir_file().get_font_count(), length == 119 ? 1 : 0) << length;
         GW_FILE_SPEC(name.c_str(), dir.c_str(), 0, 0).remove();
     }

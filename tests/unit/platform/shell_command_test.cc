@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/pattern.h"
+#include "core/pattern.h"
 #include "platform/scratch.h"
 #include "support/temp_dir.h"
 

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
-//
-// Defines the two program-wide objects that the drivers use, for tests without the program.
 #include "drivers/engine_globals.h"
-#include "fontpath/gw_font_path.h"
+
 #include "modules/gw_fsm_list.h"
 
 GWFontPath* the_font_path = nullptr;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The host's pattern matcher (POSIX `regcomp` and `regexec`).
+// A compiled pattern: the one place that calls the pattern matcher of POSIX (`regcomp` and `regexec`).
 #pragma once
 
 #include <cstddef>

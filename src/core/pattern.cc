@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "platform/pattern.h"
+#include "core/pattern.h"
 
 #include <regex.h>
 

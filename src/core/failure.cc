@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+#include "core/failure.h"
+
+#include <cerrno>
+#include <cstring>
+
+namespace gw {
+
+namespace {
+
+const char* text_of(Reason reason) {
+    switch (reason) {
+        case Reason::SYSTEM:
+            break;
+#define REASON(name, text) \
+    case Reason::name:     \
+        return text;
+#include "core/failures.def"
+    }
+    return "";
+}
+
+const char* text_of(Sequel sequel) {
+    switch (sequel) {
+        case Sequel::NONE:
+            break;
+#define SEQUEL(name, text) \
+    case Sequel::name:     \
+        return text;
+#include "core/failures.def"
+    }
+    return "";
+}
+
+FailureListener& listener() {
+    static FailureListener current = nullptr;
+    return current;
+}
+
+}  // namespace
+
+Failure Failure::of_system(std::string subject, int error) {
+    // A call that failed and left no reason is no success.
+    return {.subject = std::move(subject), .error = error != 0 ? error : EIO};
+}
+
+Failure Failure::with(Sequel what_follows, std::string its_detail) const {
+    Failure same = *this;
+    same.sequel = what_follows;
+    same.detail = std::move(its_detail);
+    return same;
+}
+
+std::string Failure::reason_text() const {
+    return reason == Reason::SYSTEM ? std::strerror(error) : text_of(reason);
+}
+
+std::string Failure::text() const {
+    const std::string what = subject + ": " + reason_text();
+    if (sequel == Sequel::NONE) return what;
+    std::string follows = text_of(sequel);
+    if (const std::size_t place = follows.find("%s"); place != std::string::npos)
+        follows.replace(place, 2, detail);
+    return what + "; " + follows;
+}
+
+Outcome Outcome::with(Sequel what_follows, std::string detail) const {
+    return failure_ ? Outcome(failure_->with(what_follows, std::move(detail))) : *this;
+}
+
+FailureListener listen_to_failures(FailureListener new_listener) {
+    return std::exchange(listener(), new_listener);
+}
+
+void tell(const Failure& failure) {
+    if (listener() != nullptr) listener()(failure);
+}
+
+bool tell_unless_done(const Outcome& outcome) {
+    if (!outcome) tell(outcome.failure());
+    return static_cast<bool>(outcome);
+}
+
+}  // namespace gw
