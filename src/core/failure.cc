@@ -40,7 +40,7 @@ FailureListener& listener() {
 }  // namespace
 
 Failure Failure::of_system(std::string subject, int error) {
-    // A call that failed and left no reason is no success.
+    // A failed call without `errno` must not look like a success.
     return {.subject = std::move(subject), .error = error != 0 ? error : EIO};
 }
 

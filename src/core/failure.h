@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 //
-// A step that was refused or failed, as a value: what it was about, why, and what follows from it for the
-// user's fonts. Steps answer with an `Outcome`, or with a `Result` where they have something to give; whoever
-// asked decides what becomes of it. What happens where nobody asks (in the functions whose answer is a number
-// or nothing) is handed to the program's listener. The engine itself prints nothing.
+// A refused or failed operation as a value: its subject, the reason, and the consequence for the user's
+// fonts. Operations return an `Outcome`, or a `Result` if they have a value to return, and the caller decides
+// what to do with it. Functions that return a number or nothing pass their failures to the program's
+// listener. The engine itself prints nothing.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@
 namespace gw {
 
 enum class Reason {
-    SYSTEM,  ///< what the system said: `Failure::error`
+    SYSTEM,  ///< a reason of the system: see `Failure::error`
 #define REASON(name, text) name,
 #include "core/failures.def"
 };
@@ -26,35 +26,35 @@ enum class Sequel {
 };
 
 struct Failure {
-    std::string subject;  ///< a path, mostly; otherwise what was tried
+    std::string subject;  ///< usually a path; otherwise the operation
     Reason reason = Reason::SYSTEM;
-    int error = 0;  ///< the `errno` of a reason of the system's
+    int error = 0;  ///< the `errno`, for a reason of the system
     Sequel sequel = Sequel::NONE;
-    std::string detail = {};  ///< what the text of the sequel has a place for
+    std::string detail = {};  ///< inserted into the text of the sequel
 
-    /// The failure of a call of the system about `subject`.
+    /// The failure of a system call for `subject`.
     [[nodiscard]] static Failure of_system(std::string subject, int error);
-    /// The same failure with what follows from it.
+    /// The same failure with its consequence.
     [[nodiscard]] Failure with(Sequel what_follows, std::string its_detail = {}) const;
 
-    /// Why, in English or, for a reason of the system's, in the language of the locale.
+    /// The reason, in English; a reason of the system is in the language of the locale.
     [[nodiscard]] std::string reason_text() const;
-    /// "SUBJECT: REASON" and, where something follows, "; SEQUEL".
+    /// "SUBJECT: REASON", and "; SEQUEL" if there is a consequence.
     [[nodiscard]] std::string text() const;
 
     bool operator==(const Failure&) const = default;
 };
 
-/// Done, or why not. True when it was done.
+/// Success, or the failure. True for success.
 class [[nodiscard]] Outcome {
   public:
     Outcome() = default;
     Outcome(Failure failure) : failure_(std::move(failure)) {}  // NOLINT(google-explicit-constructor)
 
     explicit operator bool() const { return !failure_; }
-    /// Only of one that was not done.
+    /// Only for a failure.
     [[nodiscard]] const Failure& failure() const { return *failure_; }
-    /// The same outcome; a failure with what follows from it.
+    /// The same outcome; a failure gets this consequence.
     [[nodiscard]] Outcome with(Sequel what_follows, std::string detail = {}) const;
 
     bool operator==(const Outcome&) const = default;
@@ -67,7 +67,7 @@ inline Outcome done() {
     return {};
 }
 
-/// A value, or why there is none. True when there is one.
+/// A value, or the failure. True when there is a value.
 template <class T>
 class [[nodiscard]] Result {
   public:
@@ -79,7 +79,7 @@ class [[nodiscard]] Result {
     [[nodiscard]] const T& operator*() const { return std::get<T>(content_); }
     [[nodiscard]] T* operator->() { return &std::get<T>(content_); }
     [[nodiscard]] const T* operator->() const { return &std::get<T>(content_); }
-    /// Only of one without a value.
+    /// Only for a failure.
     [[nodiscard]] const Failure& failure() const { return std::get<Failure>(content_); }
 
   private:
@@ -88,12 +88,11 @@ class [[nodiscard]] Result {
 
 using FailureListener = void (*)(const Failure&);
 
-/// From now on `listener` hears of the failures that nobody asks for; null for nobody. Returns the one
-/// before.
+/// Sets the listener, which gets the failures that no caller can get; null for none. Returns the old one.
 FailureListener listen_to_failures(FailureListener listener);
-/// Hands a failure, or that of an outcome that was not done, to the listener.
+/// Passes a failure to the listener.
 void tell(const Failure& failure);
-/// Returns whether it was done.
+/// Passes the failure of an outcome, if it is one, to the listener. Returns whether the outcome is a success.
 bool tell_unless_done(const Outcome& outcome);
 
 }  // namespace gw

@@ -18,7 +18,8 @@ class GW_BASE {
     virtual int compare(const GW_BASE* other) const;
 
     /// Non-zero when both count as equal. The base answers -1 (true) for any argument, so a list that removes
-    /// by equality takes its first element when the element type has no equality of its own.
+    /// by equality takes its first element when the element type has no equality of its own. Kept: objects
+    /// without an equality of their own are all equal.
     virtual int equal(const GW_BASE* other) const;
 
   protected:

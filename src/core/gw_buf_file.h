@@ -17,10 +17,10 @@ class GW_BUF_FILE : public GW_FILE {
 
     /// Copies this file under its own name into `target` (mode 0644), byte for byte. A file is never copied
     /// onto itself, whichever path names its directory, and one that cannot be copied completely is skipped
-    /// silently. Returns 1 in every case.
+    /// silently. Kept: removing, seeking and copying always return 1.
     int copy(GW_DIR* target);
-    /// Writes the bytes into `copy` and finishes it, without putting it in place. A failure is about the file
-    /// that could not be read or written, this one or the copy.
+    /// Writes the bytes into `copy` and finishes it, without putting it in place. A failure names the file
+    /// that could not be read or written: this one or the copy.
     gw::Outcome copy_into(gw::NewFile& copy);
 
   private:

@@ -28,17 +28,17 @@ class GW_DIR {
     int equal(const GW_DIR* other) const;
 
     /// Whether `name` has an extension that `table` knows: 1 or 0. `ext_type` becomes its id, or the table's
-    /// default id. The extension is what follows the first dot; only names of two or three parts have one, so
-    /// "Foo.Bold.pfa" and "a.b.c.d" are refused.
+    /// default id. The extension is everything after the first dot. Kept: a font file has at most two dots in
+    /// its name. So "Foo.Bold.pfa" and "a.b.c.d" are refused.
     static int file_name_check(const char* name, const GW_TOKEN_TABLE* table, int& ext_type);
 
     /// Appends the subdirectories and, with a `table`, the files whose names it accepts, in the order of
     /// `readdir`. Returns 0 when the directory cannot be opened, else 1. The specifications belong to `out`'s
     /// owner.
     int get_dir_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, const GW_TOKEN_TABLE* table) const;
-    /// The same; with `recursive` the directories in `out` are then listed in turn, breadth first. When a
-    /// directory is the last entry at its turn, its entries are listed, but its subdirectories are not. Each
-    /// directory is listed once, however many links lead to it. Moves `out`'s cursor.
+    /// The same; with `recursive` the directories in `out` are then listed in turn, breadth first. Kept: the
+    /// last directory of a recursive listing is not descended into. Each directory is listed once, however
+    /// many links lead to it. Moves `out`'s cursor.
     int get_file_spec_list(GW_LIST<GW_FILE_SPEC>& out, int recursive, const GW_TOKEN_TABLE* table) const;
     /// As `get_dir_file_spec_list`, with only the entries whose names match `re`.
     int get_matching_file_spec_list(GW_LIST<GW_FILE_SPEC>* out, GW_REG_EXP* re,

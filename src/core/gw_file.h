@@ -23,7 +23,7 @@ class GW_FILE : public GW_FILE_SPEC {
     int close();
     [[nodiscard]] bool is_open() const { return fp != nullptr; }
 
-    /// `fseek`; always returns 1.
+    /// `fseek`. Kept: removing, seeking and copying always return 1.
     int seek(long offset, int whence);
     /// The position in bytes from the start; -1 when the file is closed.
     [[nodiscard]] long get_pos() const;
@@ -31,8 +31,8 @@ class GW_FILE : public GW_FILE_SPEC {
 
     /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
     int read(char* buf, int n);
-    /// How opening, reading and writing went since the last `open` that was tried: the first failure, if
-    /// there was one. The end of the file is none.
+    /// The first failure of opening, reading or writing since the last call of `open`; a success when there
+    /// was none. The end of the file is not a failure.
     [[nodiscard]] gw::Outcome outcome() const;
     /// Writes and flushes `n` bytes; returns the count written, 0 when the file is closed.
     int write(const char* buf, int n);

@@ -36,8 +36,8 @@ class GW_FILE_SPEC {
   public:
     /// `dir` gets a trailing "/" when it has none. The codes are those of `gw::FileType` and `gw::ExtType`.
     GW_FILE_SPEC(const char* name, const char* dir, int file_type, int ext_type);
-    /// A copy of name, directory and file type. The extension type is not carried over: a copy is of unknown
-    /// extension (7).
+    /// A copy of name, directory and file type. Kept: a copy of a file specification has no extension type.
+    /// Its type is unknown (7).
     explicit GW_FILE_SPEC(const GW_FILE_SPEC* other);
     GW_FILE_SPEC(const GW_FILE_SPEC&) = delete;
     GW_FILE_SPEC& operator=(const GW_FILE_SPEC&) = delete;
@@ -56,13 +56,13 @@ class GW_FILE_SPEC {
 
     /// Writes "[prefix  ]PATH" as a line to `file`; nothing when `file` is null.
     void print(const char* prefix, GW_FILE* file) const;
-    /// `strcmp` of the names; directories do not count, so same-named files of two directories are equal.
+    /// `strcmp` of the names. Kept: files of the same name are equal in all directories.
     int compare(const GW_FILE_SPEC* other) const;
     int equal(const GW_FILE_SPEC* other) const;
 
-    /// Calls `stat` (which follows links): 1 directory, 0 regular, -1 other or missing. A file for which
-    /// `stat` fails for any other reason than being missing counts as a directory. The result is returned,
-    /// not stored.
+    /// Calls `stat` (which follows links): 1 directory, 0 regular, -1 other or missing. Kept: a file that
+    /// cannot be examined is a directory of size 1. That is one for which `stat` fails although it is not
+    /// missing. The result is returned, not stored.
     [[nodiscard]] int get_file_type_from_stat() const;
     /// 1 unless the file is missing.
     [[nodiscard]] int exist() const;
@@ -70,7 +70,7 @@ class GW_FILE_SPEC {
     [[nodiscard]] bool is_in_directory(const char* other) const;
     /// The size in bytes; 0 when the file is missing, 1 when `stat` fails for another reason.
     [[nodiscard]] long file_size() const;
-    /// Unlinks the file; always returns 1.
+    /// Unlinks the file. Kept: removing, seeking and copying always return 1.
     int remove() const;
 
     /// 1 when the file type is one of `types`, else 0.

@@ -23,8 +23,8 @@ class GW_FSPEC_LIST : public GW_LIST<GW_FILE_SPEC> {
     /// The same for elements whose names match `re`.
     void separate_by_matching_file_name(GW_FSPEC_LIST& out, GW_REG_EXP* re) const;
 
-    /// The sum of the files' sizes in bytes. Afterwards the list's own count is the size of the last file, so
-    /// the list must not be counted or indexed any more.
+    /// The sum of the files' sizes in bytes. Kept: asking a list for its size overwrites its count. The count
+    /// is then the size of the last file, so the list must not be counted or indexed any more.
     long file_size();
     /// 1 when every file exists (1 for an empty list), else 0.
     [[nodiscard]] int exist() const;

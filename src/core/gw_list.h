@@ -17,10 +17,11 @@ class GW_FILE;
 
 namespace gw {
 
-/// What an index over a sorted list stands for: it is out of date when the list has another state.
+/// The state of a sorted list for which an index was made. When the list has another state, the index is out
+/// of date.
 struct ListState {
-    unsigned long revision = 0;    ///< of the list's structure
-    unsigned long generation = 0;  ///< of the keys that the elements have
+    unsigned long revision = 0;    ///< changes with the list's structure
+    unsigned long generation = 0;  ///< changes with the elements' keys
     bool operator==(const ListState&) const = default;
 };
 
@@ -230,12 +231,12 @@ class GW_LIST : public GW_LIST_BASE<T> {
 template <class T>
 struct GW_SORT_KEY {
     static int compare(const T& a, const T& b) { return a.compare(&b); }
-    /// Moves on whenever the key of any `T` may have changed.
+    /// Incremented whenever the key of any `T` may have changed.
     static unsigned long generation() { return 0; }
 };
 
-/// Adds ordered insertion. Among equal keys the most recently inserted element comes first, ascending and
-/// descending alike: in the font lists, fonts of one name stand in reverse order of insertion.
+/// Adds ordered insertion. Kept: of equal names the newest comes first. This is so in ascending and in
+/// descending lists.
 template <class T>
 class GW_SORTED_LIST : public GW_LIST_BASE<T> {
     using Node = typename GW_LIST_BASE<T>::Node;

@@ -2,8 +2,7 @@
 //
 // Matches a file or font name against a pattern and remembers the parts of the match.
 //
-// The patterns in use (".pfa$", ".pcf.Z$", ...) are loose on purpose: their dot matches any character, so a
-// name that ends in "xps" matches ".ps$" too.
+// Kept: the dot of a file pattern matches any character. So a name that ends in "xps" matches ".ps$".
 #pragma once
 
 #include <array>

@@ -28,6 +28,7 @@ int GW_STRING::get_len() const {
 
 const char* GW_STRING::reset_str(const char* s) {
     const std::size_t length = std::strlen(s);
+    // Kept: a text of the same length gets a new buffer.
     if (std::strlen(str.get()) <= length) {
         str = duplicate(s);
     } else {

@@ -19,7 +19,7 @@ class GW_TOKEN_STRING : public GW_STRING {
 
     /// Starts tokenising the working copy at any of the characters `delims` and returns the first token, or
     /// null. A second start without `reset_str(nullptr)` in between sees only the first token, because the
-    /// copy was cut after it.
+    /// copy was cut after it. Kept: a second tokenisation sees only the first token.
     const char* get_first_token(const char* delims);
     /// The same; also stores the token in `dst`, which is left alone when there is none.
     const char* get_first_token(std::string& dst, const char* delims);

@@ -32,9 +32,9 @@ class NewFile {
     NewFile& operator=(const NewFile&) = delete;
     NewFile& operator=(NewFile&&) = delete;
 
-    // After a failure everything that follows fails too, for the same reason.
+    // After a failure all further calls fail for the same reason.
 
-    /// Appends bytes; whether that went well.
+    /// Appends bytes; false when that failed.
     bool write(std::string_view bytes);
     /// Writes the file to the disk, and gives it the permissions 0644 and, where the system allows it, the
     /// owner of the file that it replaces. A failure when the file is not complete.
@@ -44,7 +44,7 @@ class NewFile {
     /// Makes the new file final. Without this the destructor restores the old state.
     void keep();
 
-    /// How it went so far: the first failure, if there was one.
+    /// The first failure, or a success when there was none so far.
     [[nodiscard]] Outcome outcome() const;
     [[nodiscard]] const std::string& get_path() const { return path; }
     /// Whether the finished file, which is not in place yet, will replace a file with other content.
@@ -60,7 +60,7 @@ class NewFile {
     std::string temporary;
     std::string old_file;
     int fd = -1;
-    int failure = 0;  // the `errno` of the first one
+    int failure = 0;  // the `errno` of the first failure
     bool replaces = false;
     State state = State::BEGUN;
 };

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A compiled pattern: the one place that calls the pattern matcher of POSIX (`regcomp` and `regexec`).
+// A compiled pattern. Only this file calls the pattern matcher of POSIX (`regcomp` and `regexec`).
 #pragma once
 
 #include <cstddef>
@@ -16,7 +16,7 @@ class Pattern {
   public:
     struct Match {
         std::size_t start;
-        std::size_t end;  ///< just behind the match
+        std::size_t end;  ///< just after the match
     };
 
     explicit Pattern(const std::string& pattern);

@@ -38,7 +38,7 @@ class Descriptor {
     int fd_;
 };
 
-/// What a step of the writing answers: 0, or the `errno` of what went wrong.
+/// The result of a step of writing: 0 or an `errno`.
 using Error = int;
 
 Error write_all(int fd, std::string_view bytes) {
@@ -66,7 +66,7 @@ void move_time_on(int fd, const struct stat& old) {
     ::futimens(fd, times);
 }
 
-/// Gives the new file the owner of the old one. A number of `errno` or 0, as below.
+/// Gives the new file the owner of the old one.
 Error keep_owner(int fd, const struct stat& old) {
     struct stat made {};
     if (::fstat(fd, &made) != 0) return errno;
@@ -74,8 +74,8 @@ Error keep_owner(int fd, const struct stat& old) {
     return ::fchown(fd, old.st_uid, old.st_gid) == 0 ? 0 : errno;
 }
 
-/// Writes the new content to the temporary file. Some directories do not allow it, and some owners cannot be
-/// kept.
+/// Writes the new content to the temporary file. This fails when the directory does not allow it, or the
+/// owner cannot be kept.
 Error write_temporary(const std::string& temporary, std::string_view bytes, const struct stat* old,
                       mode_t mode) {
     ::unlink(temporary.c_str());
@@ -112,7 +112,7 @@ Error write_in_place(const std::string& path, std::string_view bytes, const stru
     return ::fsync(file.get()) == 0 ? 0 : errno;
 }
 
-/// Puts a new file with the content in the place of `path`.
+/// Replaces `path` by a new file with this content.
 Error put_new_file(const std::string& path, std::string_view bytes, const struct stat* old, mode_t mode) {
     const std::string temporary = hidden_name(path, ".gwtmp");
     Error error = write_temporary(temporary, bytes, old, mode);
@@ -128,7 +128,7 @@ Error put_new_file(const std::string& path, std::string_view bytes, const struct
 }  // namespace
 
 Result<std::string> read_file(const std::string& path) {
-    // Opening a pipe would wait for its writer.
+    // Opening a pipe would wait for a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
     struct stat info {};
     if (!file.is_open() || ::fstat(file.get(), &info) != 0) return Failure::of_system(path, errno);

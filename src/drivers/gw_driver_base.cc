@@ -27,6 +27,7 @@ int GWDriverBase::set_font_path(const char* dir) {
     if (position_in(GWFontPath::ALL_FP, dir) == 0) {
         the_font_path->insert_after_pos(GWFontPath::USER_APPEND_FP, &element, -1);
     }
+    // Kept: a directory that is on the path already counts as not added.
     if (position_in(GWFontPath::SESSION_FP, dir) != 0) return 0;
     return the_font_path->insert_after_pos(GWFontPath::SESSION_FP, &element, -1);
 }

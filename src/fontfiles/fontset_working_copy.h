@@ -28,8 +28,8 @@ class FontsetWorkingCopy {
     [[nodiscard]] const char* get_name() const { return file.get_name(); }
     /// Writes no scratch file from now on.
     void keep_in_memory() { in_memory = true; }
-    /// Replaces the content, here and in the scratch file. When that file cannot be made, or is not ours, the
-    /// listener for failures hears of it, once, and no more is written there.
+    /// Replaces the content, in memory and in the scratch file. When that file cannot be made or belongs to
+    /// somebody else, the listener for failures is told once, and the file is not written any more.
     void set_bytes(std::string_view new_bytes);
 
   private:

@@ -10,11 +10,14 @@
 namespace {
 
 constexpr int LISTING_BUFFER = 510;
+// Kept: a long alias line is not found by its font name.
 constexpr int ALIAS_LOOKUP_BUFFER = 120;
+// Kept: a line of three characters is found but not listed.
 constexpr std::size_t SHORTEST_ALIAS_LINE = 4;  // its newline included
 constexpr std::string_view BLANKS = " \t";
 
-/// Drops an opening double quote, with its closing partner, and every backslash.
+/// Removes an opening double quote together with the closing one. Kept: every backslash of an alias line is
+/// removed.
 std::string cleaned(std::string_view field) {
     if (field.starts_with('"')) {
         field.remove_prefix(1);
@@ -29,6 +32,7 @@ std::string_view without_leading_blanks(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(BLANKS), text.size()));
 }
 
+// Kept: comments in an alias file are aliases.
 bool is_comment(std::string_view line) {
     return gw::font_policy().knows_alias_comments() && without_leading_blanks(line).starts_with('!');
 }

@@ -45,7 +45,7 @@ GW_FONTDIR_FILE::GW_FONTDIR_FILE(const char* index_dir, int type)
     : GW_FILE(gw::FONT_INDEX_NAME, index_dir, type) {}
 
 gw::Outcome GW_FONTDIR_FILE::make() {
-    // The X server rejects a directory whose index is empty, as a full disk would leave it.
+    // The X server rejects a directory whose index is an empty file, which is what a full disk would leave.
     return exist() == 0 ? gw::replace_file(get_path(), "0\n", INDEX_MODE) : gw::done();
 }
 
@@ -152,7 +152,8 @@ gw::Outcome GW_FONTDIR_FILE::append(const Lines& lines) {
         old = std::move(*bytes);
     }
     std::string bytes = with_count(old, parsed_count(old) + lines.count, lines.text.size() + 1);
-    // What an earlier writer left without its newline must not swallow the new entry.
+    // Another program may have left the last line without its newline; the new entry must not be joined to
+    // it.
     if (!bytes.ends_with('\n')) bytes += '\n';
     bytes += lines.text;
     return gw::replace_file(get_path(), bytes, INDEX_MODE);

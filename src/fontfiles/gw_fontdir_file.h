@@ -23,7 +23,7 @@ class GW_FONTDIR_FILE : public GW_FILE {
         std::string font_name;
     };
     /// Lines are read in pieces of at most this many characters; an entry line with its newline must be
-    /// shorter to be read back whole.
+    /// shorter to be read back whole. Kept: an index line has at most 119 characters.
     static constexpr int LINE_BUFFER = 120;
 
     GW_FONTDIR_FILE(const char* dir, int file_type);
@@ -47,7 +47,7 @@ class GW_FONTDIR_FILE : public GW_FILE {
 
     /// Makes an index without entries ("0\n") unless there is an index already.
     gw::Outcome make();
-    /// `make`, whatever came of it; returns 1.
+    /// `make`, ignoring failures; returns 1.
     int create();
     /// The number on line 1 (0 when it is not a number), or -1 when the file cannot be opened. The file is
     /// closed again.
@@ -67,17 +67,17 @@ class GW_FONTDIR_FILE : public GW_FILE {
     /// Splits an entry line at the first blank; the font name keeps further blanks and loses its newline.
     static void split_line(const char* line, std::string& file_name, std::string& font_name);
 
-    /// Appends the entry `line` (which brings its newline) and counts it. Where there is a batch it is done
-    /// when the line is in the batch.
+    /// Appends the entry `line` (its newline included) and raises the count. During a batch, succeeds when
+    /// the line is in the batch.
     gw::Outcome enter(const char* line);
     gw::Outcome enter(const GW_STRING_LIST& lines);
-    /// Undoes `enter(line)`: removes the last entry that reads so and counts it off.
+    /// Undoes `enter(line)`: removes the last entry with this text and lowers the count.
     gw::Outcome withdraw(const char* line);
-    /// Removes entries of that file, from the first on and `most` at the most, in one rewrite, and counts
-    /// them off. Returns their number.
+    /// Removes the entries of that file, but at most the first `most`, in one rewrite, and lowers the count.
+    /// Returns their number.
     gw::Result<int> strike_out(const char* file_name, int most = std::numeric_limits<int>::max());
 
-    // The same as numbers: 1 when something was done, else 0.
+    // The same with numbers as results: 1 when something was done, else 0.
 
     int append_line(const char* line);
     int append_line(const GW_STRING_LIST* lines);
@@ -85,7 +85,8 @@ class GW_FONTDIR_FILE : public GW_FILE {
     int delete_font_file_line(const char* file_name);
     int delete_font_file_lines(const char* file_name);
     /// Removes the `n`-th entry line (1 is the first behind the count line), without touching the count.
-    /// Returns 0 when the file cannot be changed or has no such line, else 1.
+    /// Returns 0 when the file cannot be changed or has no such line, else 1. Kept: removing a line by its
+    /// number leaves the count.
     int delete_line(int n);
     /// Adds `delta` to the number on line 1; returns the new count, or -1 when the file cannot be changed.
     int adjust_font_count(int delta);

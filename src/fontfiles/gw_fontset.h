@@ -32,9 +32,9 @@ class GWFontSet : public GW_BASE, public gw::RefCounted {
     /// Adds a bitmap font of that XLFD name after the others.
     void append_base_font(const char* xlfd);
     /// Gives the first base font of the same character set the new name, in its place; appends a font when
-    /// there is none. A character set is the same when "REGISTRY-ENCODING" of the base font occurs anywhere
-    /// in `xlfd`, in the same case: "iso8859-1" also in a name of iso8859-15, and the "-" of a base font
-    /// whose name has not fourteen fields in every XLFD name.
+    /// there is none. Kept: the character set of a base font is searched for anywhere in a name. The text
+    /// that is searched for is "REGISTRY-ENCODING", so "iso8859-1" is found in a name of iso8859-15, and the
+    /// "-" of a base font whose name has not fourteen fields is found in every XLFD name.
     void update_base_font(const char* xlfd);
     /// Joins the names again from the font records.
     void update_base_names();

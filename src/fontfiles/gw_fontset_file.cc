@@ -118,6 +118,7 @@ int GW_FONTSET_FILE::delete_fontset(const GWFontSet* fontset) {
     for_each_line(work.get_bytes(), [&](std::string_view line) {
         const std::string_view text = text_of(line);
         if (text.starts_with('!')) skips = false;
+        // Kept: deleting a fontset removes all definitions of its name.
         if (text.starts_with('-')) skips = fontset_name(text) == unwanted;
         if (!skips) kept.append(line);
     });
@@ -127,6 +128,7 @@ int GW_FONTSET_FILE::delete_fontset(const GWFontSet* fontset) {
 
 gw::Outcome GW_FONTSET_FILE::put_in_place() {
     if (!reading) return reading.with(gw::Sequel::FONTSETS_STAY);
+    // Kept: fontsets are always written under one file name.
     const std::string target = std::string(get_dir()) + work.get_name();
     return gw::replace_file(target, work.get_bytes()).with(gw::Sequel::FONTSETS_STAY);
 }

@@ -40,10 +40,10 @@ class GW_FONTSET_FILE : public GW_FILE {
     /// working copy; `fontset` itself is only compared with, and may be any object of that name. Returns 1,
     /// or 0 when the list has none.
     int delete_fontset(const GWFontSet* fontset);
-    /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay. A
-    /// failure, with the old file intact, when it could not be written, or was there and could not be read.
+    /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay.
+    /// Fails, and leaves the old file, when it cannot be written, or when it existed but could not be read.
     gw::Outcome put_in_place();
-    /// The same as a number: 1, or 0 after the listener for failures has heard of it.
+    /// The same with a number as result: 1, or 0 after the listener for failures was told.
     int sync();
 
   private:

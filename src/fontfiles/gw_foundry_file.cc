@@ -7,8 +7,8 @@
 
 namespace {
 
-// The first empty row ends the table. Two names share the symbol "linotype", and "daewoo" is its own display
-// name.
+// The first empty row ends the table. Kept: two names of foundries have the same symbol. They are "Linotype
+// AG" and "Linotype".
 constexpr std::array<const char*, GW_FOUNDRY_FILE::MAX_ROWS> FOUNDRY_ROWS = {
     "'Adobe'\t\t'adobe'",
     "'Linotype AG'\t'linotype'",
@@ -101,6 +101,7 @@ bool GW_FOUNDRY_FILE::get_foundry_symbol_from_line(std::string& symbol_out, cons
     const std::string_view text(line);
     for (const GW_STRING* stored : rows) {
         const Row row(stored);
+        // Kept: a foundry is recognised inside a longer word.
         if (text.find(row.display_name) == std::string_view::npos) continue;
         symbol_out = row.symbol;
         return true;

@@ -32,7 +32,8 @@ class GW_UPR_FILE : public GW_FILE {
     /// The context in which the lines behind a section header are read: the section's own number.
     [[nodiscard]] int get_context(int res_type) const;
     /// Reads the open file to its end and classifies every line that does not begin with "."; `res_type` and
-    /// `data` are not written anywhere. Returns 1.
+    /// `data` are not written anywhere. Returns 1. Kept: a line for a resource file is classified and not
+    /// written.
     int put_res_data_line(int res_type, const char* data);
 
   private:

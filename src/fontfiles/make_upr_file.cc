@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The one operation of a directory that runs a command. It stands here and not beside the others because the
-// core knows no host.
+// The only operation of a directory that runs a command. It is not in the same file as the others because the
+// core knows nothing of the host.
 #include <string_view>
 
 #include "core/gw_dir.h"
@@ -10,6 +10,7 @@
 
 int GW_DIR::make_upr_file(int rescan_all, const char* work_dir) const {
     const std::string_view dir = work_dir != nullptr ? work_dir : get_path();
+    // Kept: the old resource file is removed even when no new one can be made.
     gw::run_shell("cd %s; rm -rf %s %s~", {dir, gw::UPR_FILE_NAME, gw::UPR_FILE_NAME});
     gw::run_shell(rescan_all != 0 ? "cd %s; makepsres -q -o %s %s" : "cd %s; makepsres -nr -q -o %s %s",
                   {dir, gw::UPR_FILE_NAME, get_path()});

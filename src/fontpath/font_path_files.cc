@@ -35,7 +35,8 @@ bool is_name_character(char c) {
     return is_letter(c) || (c >= '0' && c <= '9');
 }
 
-/// How much of `text`, which begins with '$', is "$NAME" or "${NAME}"; 0 when it is neither.
+/// The length of "$NAME" or "${NAME}" at the beginning of `text`, which begins with '$'; 0 when it is
+/// neither.
 std::size_t reference_length(std::string_view text) {
     const bool braced = text.size() > 1 && text[1] == '{';
     const std::size_t name = braced ? 2 : 1;
@@ -46,7 +47,7 @@ std::size_t reference_length(std::string_view text) {
     return end < text.size() && text[end] == '}' ? end + 1 : 0;
 }
 
-/// Whether the shell hands the text on as it is, but for the variables it names.
+/// Whether the shell leaves the text unchanged, except for references to variables.
 bool is_inert(std::string_view text) {
     while (!text.empty()) {
         const char c = text.front();
@@ -113,7 +114,7 @@ std::optional<std::string> vtfontpath_line(std::string_view element) {
     if (is_inert(element)) return std::string(element);
     std::string quoted = "'";
     for (const char c : element) {
-        // `read` takes one of the two backslashes away.
+        // `read` removes one of the two backslashes.
         if (c == '\'') {
             quoted += R"('\\'')";
         } else {

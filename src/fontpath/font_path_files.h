@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the font path store does with lists of directory texts and with a database's font path attribute,
-// apart from deciding who may.
+// The operations of the font path store on lists of directory texts, font path files and the font path
+// attribute of a database. Permissions are not decided here.
 #pragma once
 
 #include <sys/types.h>
@@ -19,7 +19,7 @@ namespace gw {
 
 using ElementList = GW_LIST<GW_STRING>;
 
-/// Inserts a new copy of `s` behind `pos`; at the end for -1 and for a position at or beyond the end.
+/// Inserts a new copy of `s` after `pos`; at the end for -1 and for a position at or beyond the end.
 void list_insert(ElementList& list, int pos, const GW_STRING* s);
 /// Unlinks the element at `pos` (-1 the last) and returns it; the caller owns it. Null for a position
 /// outside 1..count.
@@ -33,27 +33,28 @@ void split_fpe_string(ElementList& list, const char* value);
 std::optional<std::string> create_fpe_string(const ElementList& list);
 
 /// The line of a font path file, without its newline, from which the shell that reads the file gets `element`
-/// again: the element as it stands, references to variables included, or in single quotes when the shell
-/// would otherwise act on it. Nothing for an element that no line can hold: one that is blank, or has a
-/// newline, a tab, a backslash, or blanks at an end or next to each other.
+/// again. It is the element itself, with its references to variables, or the element in single quotes when it
+/// has other characters that are special to the shell. No value for an element that no line can hold: one
+/// that is empty or blank, or has a newline, a tab, a backslash, a blank at an end, or two blanks in a row.
 [[nodiscard]] std::optional<std::string> vtfontpath_line(std::string_view element);
 [[nodiscard]] bool fits_vtfontpath(const ElementList& list);
-/// A whole font path file; nothing when an element does not fit.
+/// The text of a font path file; no value when an element does not fit.
 [[nodiscard]] std::optional<std::string> vtfontpath_text(const ElementList& append_list,
                                                          const ElementList& prepend_list);
 
-/// Appends the font path of the database at `path`. A database that opens without one gives the elements of
-/// `fallback`, unless that is null.
+/// Appends the font path of the database at `path`. When the database can be opened but has no font path,
+/// appends the elements of `fallback`, unless that is null.
 void read_config_font_path(const std::string& path, ElementList& list, const char* fallback);
-/// Writes the font path attribute; with a null value only probes whether the database can be written.
+/// Writes the font path attribute. With a null value only finds out whether the database can be written.
+/// Kept: asking whether a database can be written writes it.
 Outcome write_to_vtconfig(const std::string& path, const char* value);
-/// Change the list and write it; a failed write takes the change back.
+/// Change the list and write it; when writing fails, the change is undone.
 Outcome insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
                                      const std::string& path);
 Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path);
 
 /// Whether the permission bits let the user write: the owner's bit for the owner, the others' bit for anybody
-/// else. The group bits are not looked at.
+/// else. Kept: permissions of the group are ignored.
 [[nodiscard]] bool writable_by_uid(const std::string& path, uid_t uid);
 [[nodiscard]] bool file_exists(const std::string& path);
 

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Who may change what, in which order things are read, and what is put back when a write fails. The files
-// themselves are dealt with in font_path_files.
+// Who may change which font path, the order in which they are read, and what is undone when a write fails.
+// The files themselves are read and written in font_path_files.
 #include "fontpath/gw_font_path.h"
 
 #include <unistd.h>
@@ -36,8 +36,8 @@ bool is_superuser(uid_t uid) {
     return uid == 0;
 }
 
-/// Runs `xset` on the session font path; its complaints go to the scratch file for errors. A failure when it
-/// was not run.
+/// Runs `xset` on the session font path; its error messages go to the scratch file for errors. A failure when
+/// it was not run.
 gw::Outcome run_xset(const char* operation, const char* element) {
     gw::run_shell(REMOVE, {gw::SCRATCH_ERRORS});
     if (gw::Outcome made = gw::create_scratch_file(gw::SCRATCH_ERRORS); !made)
@@ -59,7 +59,7 @@ GW_FILE file_at(const std::string& path) {
     return {path.substr(slash + 1).c_str(), path.substr(0, slash + 1).c_str(), gw::FILE_TYPE_REGULAR};
 }
 
-/// The lines of a file without their newlines. One that is longer than a read takes is put together again.
+/// The lines of a file without their newlines. A line that is longer than one read is put together again.
 std::vector<std::string> lines_of(const std::string& path) {
     std::vector<std::string> lines;
     GW_FILE file = file_at(path);
@@ -76,8 +76,8 @@ std::vector<std::string> lines_of(const std::string& path) {
     return lines;
 }
 
-// The first blank line of a font path file ends the append section; each further one starts a group that goes
-// in front of the groups before it.
+// The first blank line of a font path file ends the append section. Kept: later groups of a font path file
+// come first.
 void read_sections(const std::string& path, GW_LIST<GW_STRING>& append_list,
                    GW_LIST<GW_STRING>& prepend_list) {
     bool in_append_section = true;
@@ -98,7 +98,7 @@ void read_sections(const std::string& path, GW_LIST<GW_STRING>& append_list,
     }
 }
 
-/// 1 or 0. What was refused is the answer; what went wrong is told besides.
+/// 1 or 0. A refusal is only returned; a failure is also passed to the listener.
 int number_of(const gw::Outcome& outcome) {
     if (outcome) return 1;
     const gw::Reason reason = outcome.failure().reason;
@@ -134,8 +134,7 @@ bool GWFontPath::is_main_installation() const {
     return root == gw::INSTALLATION_ROOT;
 }
 
-/// False when the reading ends for good: a user without a home directory gets no session and no composed
-/// list.
+/// False when nothing more is to be read. Kept: without a home directory a user has no composed font path.
 bool GWFontPath::read_host_and_locale() {
     gw::read_config_font_path(gw::HOST_CONFIG, list(HOST_FP), nullptr);
 
@@ -175,7 +174,7 @@ void GWFontPath::load_session() {
     if (path != nullptr) XFreeFontPath(path);
 }
 
-// Each line goes through the shell, so that it may name "$HOME/fonts".
+// Kept: lines of a font path file are run by the shell. So they may contain variables ("$HOME/fonts").
 void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) const {
     if (!gw::file_exists(path)) return;
     if (scratch == Scratch::UNNAMED) {
@@ -198,6 +197,7 @@ gw::Outcome GWFontPath::_write_to_vtfontpath(const std::string& path, const List
                                              const List& prepend_list) {
     const std::optional<std::string> text = gw::vtfontpath_text(append_list, prepend_list);
     if (!text) return gw::Failure{path, gw::Reason::NAME_UNFIT_FOR_PATH};
+    // Kept: the backup of a font path file stays.
     const bool backed_up = gw::file_exists(path);
     if (backed_up) gw::run_shell("/bin/mv -f %s %s.bak", {path, path});
     gw::Outcome written = gw::replace_file(path, *text, USER_FILE_MODE);
@@ -247,7 +247,7 @@ std::string GWFontPath::store_of(TYPE t) const {
 gw::Outcome GWFontPath::insert(TYPE t, const GW_STRING& element, int pos) {
     if (pos < -1) return gw::Failure{store_of(t), gw::Reason::NO_SUCH_ELEMENT};
     if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
-    // The element may be one of ours, which a failing write takes away again.
+    // A copy, because `element` may be in one of our lists and be deleted when writing fails.
     const GW_STRING copy(&element);
     return finish(insert_by_type(t, copy, pos));
 }
@@ -256,7 +256,7 @@ int GWFontPath::insert_after_pos(TYPE t, const GW_STRING* element, int pos) {
     return element != nullptr ? number_of(insert(t, *element, pos)) : 0;
 }
 
-/// A refusal returns at once; whatever else was tried, the composed list follows.
+/// Composes the list again after every change that was tried, not after a refusal.
 gw::Outcome GWFontPath::finish(const Change& change) {
     if (change.was_tried) _set_all_fpe_list();
     return change.outcome;
@@ -284,7 +284,7 @@ bool GWFontPath::seed_host_list() {
     return true;
 }
 
-// Positions move up as elements go, so every other one stays.
+// Kept: a failed write leaves every second copied element.
 void GWFontPath::take_seeds_back() {
     for (int pos = 1; pos <= list(HOST_FP).get_count(); ++pos) gw::list_delete(list(HOST_FP), pos);
 }
@@ -308,8 +308,8 @@ GWFontPath::Change GWFontPath::insert_user(TYPE t, const GW_STRING& element, int
     return {written};
 }
 
-// The server always gets the element at the end of its path. On success the session list holds it twice, at
-// its position and at the end.
+// The server always gets the element at the end of its path. Kept: a new element of the session's path is in
+// the list twice.
 GWFontPath::Change GWFontPath::insert_session(const GW_STRING& element, int pos) {
     if (session_display == nullptr) return refusal(element.get_str(), gw::Reason::NO_X_SERVER);
     if (list(SESSION_FP).is_empty()) load_session();
@@ -326,7 +326,7 @@ GWFontPath::Change GWFontPath::insert_session(const GW_STRING& element, int pos)
 
 gw::Outcome GWFontPath::replace(TYPE t, const List& elements) {
     if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
-    // The list may be one of our own.
+    // A copy, because `elements` may be one of our lists.
     List copies;
     const gw::ElementsOwner owner(copies);
     gw::list_replace(copies, elements);
@@ -344,9 +344,10 @@ GWFontPath::Change GWFontPath::set_by_type(TYPE t, const List& elements) {
     if (t != INSTALLATION_FP && t != HOST_FP) return {gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED}};
     if (t == HOST_FP && _host_vtconfig_writeable() == 0)
         return refusal(gw::HOST_CONFIG, gw::Reason::NOT_ALLOWED);
+    // Kept: an empty font path is not written.
     const std::optional<std::string> value = gw::create_fpe_string(elements);
     gw::Outcome written = gw::write_to_vtconfig(store_of(t), value ? value->c_str() : nullptr);
-    // Kept: the installation's list takes the host's new path over, the host's list does not.
+    // Kept: setting the host's font path changes the installation's list.
     if (written) gw::list_replace(list(INSTALLATION_FP), elements);
     return {written};
 }
@@ -357,8 +358,7 @@ GWFontPath::Change GWFontPath::set_user(TYPE t, const List& elements) {
     const bool prepend = t == USER_PREPEND_FP;
     gw::Outcome written = prepend ? write_user_file(list(USER_APPEND_FP), elements)
                                   : write_user_file(elements, list(USER_PREPEND_FP));
-    // Kept: the prepended list keeps the old path after a write, and takes the new one over when the write
-    // fails.
+    // Kept: the prepend list takes a new path only when writing fails.
     if (static_cast<bool>(written) != prepend) gw::list_replace(list(t), elements);
     return {written};
 }
@@ -406,7 +406,7 @@ GWFontPath::Change GWFontPath::delete_user(TYPE t, int pos) {
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(t), position);
     if (!removed) return refusal(store_of(t), gw::Reason::NO_SUCH_ELEMENT);
     gw::Outcome written = write_user_file(list(USER_APPEND_FP), list(USER_PREPEND_FP));
-    // Kept: it comes back one place further on than it was.
+    // Kept: an element comes back one position further down.
     if (!written) gw::list_insert(list(t), position + 1, removed.get());
     return {written};
 }
@@ -416,6 +416,7 @@ GWFontPath::Change GWFontPath::delete_session(int pos) {
     if (list(SESSION_FP).is_empty()) load_session();
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(SESSION_FP), pos);
     if (!removed) return refusal(gw::XSET, gw::Reason::NO_SUCH_ELEMENT);
+    // Kept: deleting from the session's path always succeeds.
     gw::tell_unless_done(run_xset("-", removed->get_str()));
     return {};
 }
@@ -434,7 +435,7 @@ int GWFontPath::is_writeable(TYPE t) {
         case USER_PREPEND_FP:
         case USER_APPEND_FP:
             return _user_vtfontpath_writeable();
-        // The superuser changes the configuration, everybody else the session.
+        // Kept: the superuser's session is not writable.
         case SESSION_FP:
             return is_superuser(effective_uid) ? 0 : 1;
         default:
@@ -448,6 +449,7 @@ int GWFontPath::_installation_vtconfig_writeable() const {
 }
 
 int GWFontPath::_host_vtconfig_writeable() const {
+    // Kept: asking whether the host can be configured makes its directory.
     if (!gw::file_exists(gw::HOST_CONFIG_DIR)) {
         gw::run_shell("/bin/mkdir -p %s", {gw::HOST_CONFIG_DIR});
         gw::run_shell("/bin/chmod 755 %s", {gw::HOST_CONFIG_DIR});

@@ -1,11 +1,10 @@
 // SPDX-License-Identifier: MIT
 //
-// Every font path that matters to one installation, and the only place that reads or writes them: the
-// installation's and the host's configuration database, the per-locale and per-user files, and the running X
-// server. Each is an ordered list of directory texts; the configured ones are composed into one effective
-// list.
+// Every font path of one installation; only this class reads or writes them. They are in the installation's
+// and the host's configuration database, in the per-locale and per-user files, and in the running X server.
+// Each is an ordered list of directory texts; the configured ones are composed into one effective list.
 //
-// Owner of the elements: this object, for lists 0 to 7; the composed list shares them.
+// This object owns the elements of lists 0 to 7; the composed list shares them.
 #pragma once
 
 #include <sys/types.h>
@@ -33,8 +32,8 @@ class GWFontPath {
     };
     static constexpr int TYPE_COUNT = 9;
 
-    /// Where the shell puts an expanded font path file for the reader: under the fixed name in the directory
-    /// for scratch files, which one process at a time can have, or in memory of this process's own.
+    /// Where the shell writes an expanded font path file: to the scratch file with the fixed name, which only
+    /// one process at a time can use, or to private memory of this process.
     enum class Scratch { NAMED, UNNAMED };
 
     /// Reads everything that belongs to the installation below `root`, without a trailing slash. The server's
@@ -45,27 +44,28 @@ class GWFontPath {
     GWFontPath& operator=(const GWFontPath&) = delete;
 
     /// The list for `t` and its length; null and 0 for a value outside the enumeration. An empty session list
-    /// is read from the server first. The list stays with this object and changes with it.
+    /// is read from the server first. The list belongs to this object and changes with it.
     GW_LIST<GW_STRING>* get_fpe_list(TYPE t, unsigned int& count);
 
-    /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change
-    /// through. A refused change, and one that could not be written, leaves everything as it was.
+    /// Inserts a copy of `element` after position `pos` (0 at the beginning, -1 at the end) and writes the
+    /// change. A change that is refused or cannot be written leaves everything as it was, but see
+    /// docs/COMPATIBILITY.md.
     gw::Outcome insert(TYPE t, const GW_STRING& element, int pos);
-    /// Replaces the whole font path of `t` by copies and writes it through.
+    /// Replaces the whole font path of `t` by copies and writes it.
     gw::Outcome replace(TYPE t, const GW_LIST<GW_STRING>& elements);
-    /// Removes the element at `pos` (1-based, -1 the last) and writes the change through.
+    /// Removes the element at `pos` (1-based, -1 the last) and writes the change.
     gw::Outcome remove(TYPE t, int pos);
 
-    // The same as numbers.
+    // The same with 1 or 0 as results.
 
-    /// Inserts a copy of `element` behind position `pos` (0 in front, -1 at the end) and writes the change
-    /// through. 1 on success, 0 on failure or refusal.
+    /// Inserts a copy of `element` after position `pos` (0 at the beginning, -1 at the end) and writes the
+    /// change. 1 on success, 0 on failure or refusal.
     int insert_after_pos(TYPE t, const GW_STRING* element, int pos);
-    /// Replaces the whole font path of `t` by copies and writes it through. 1 or 0 as above.
+    /// Replaces the whole font path of `t` by copies and writes it. 1 or 0 as above.
     int set_font_path(TYPE t, GW_LIST<GW_STRING>* list);
-    /// Removes the element at `pos` (1-based, -1 the last) and writes the change through. 1 or 0 as above.
+    /// Removes the element at `pos` (1-based, -1 the last) and writes the change. 1 or 0 as above.
     int delete_pos(TYPE t, int pos);
-    /// Has the server reread its font directories.
+    /// Makes the server reread its font directories.
     void rehash_session_fp();
     /// 1 when this user may change `t` now, else 0.
     int is_writeable(TYPE t);
@@ -75,7 +75,7 @@ class GWFontPath {
 
     List& list(TYPE t) { return lists[static_cast<std::size_t>(t)]; }
     [[nodiscard]] bool is_main_installation() const;
-    /// The refusals that all changes have in common.
+    /// The reasons for a refusal that all changes share.
     [[nodiscard]] bool refuses(TYPE t) const;
 
     bool read_host_and_locale();
@@ -86,14 +86,14 @@ class GWFontPath {
     gw::Outcome write_user_file(const List& append_list, const List& prepend_list) const;
     void load_session();
 
-    /// What became of a change, and whether it was tried at all: one that was refused changes no list.
+    /// The outcome of a change, and whether it was tried; a refused change is not tried and changes no list.
     struct Change {
         gw::Outcome outcome;
         bool was_tried = true;
     };
     static Change refusal(std::string subject, gw::Reason reason);
     gw::Outcome finish(const Change& change);
-    /// What a change of `t` that this user may not make is about.
+    /// The file or command that a refused change of `t` would have used.
     [[nodiscard]] std::string store_of(TYPE t) const;
 
     Change insert_by_type(TYPE t, const GW_STRING& element, int pos);
@@ -106,7 +106,7 @@ class GWFontPath {
     Change delete_host(int pos);
     Change delete_user(TYPE t, int pos);
     Change delete_session(int pos);
-    /// Gives an empty host list copies of the installation's elements; true when it did.
+    /// Fills an empty host list with copies of the installation's elements; true when it did.
     bool seed_host_list();
     void take_seeds_back();
 

@@ -14,19 +14,19 @@
 
 class GW_FPE : public GW_DIR {
   public:
-    /// `dir` is used as given: elements of a font path normally end in "/".
+    /// `dir` is used unchanged; elements of a font path normally end in "/".
     explicit GW_FPE(const char* dir);
 
     /// The path text as given to the constructor.
     [[nodiscard]] const char* get_element() const { return element.get_str(); }
     [[nodiscard]] GW_FONTDIR_FILE& get_fontdir_file() { return fontdir_file; }
 
-    /// Non-zero when both path texts, as given, are equal; with and without a trailing slash are two
-    /// elements.
+    /// Non-zero when both path texts are equal as given, so a path with and one without a trailing slash are
+    /// different.
     int equal(const GW_FPE* other) const;
 
     /// Makes the directory named by the element's text followed directly by "afm" (mode 0777 before the
-    /// umask); returns `mkdir`'s result. Without a trailing slash that is a sibling, not a subdirectory.
+    /// umask); returns `mkdir`'s result. Kept: the directory for metrics is named without a slash.
     int make_afm_dir();
 
     /// The file of the font that `alias_name` stands for, looked up in this element's alias file and index

@@ -9,7 +9,7 @@ namespace gw {
 
 namespace {
 
-/// The font that gives a bitmap element its key; null for any other element.
+/// The font whose key a bitmap element has; null for any other element.
 const GWFont* bitmap_of(const GWHRNElement& elem) {
     const GWFont* font = elem.get_representative();
     return font != nullptr && font->is_bitmap() ? font : nullptr;
@@ -40,7 +40,7 @@ const BitmapIndex::Elements& BitmapIndex::elements_for(const GWFont& font, const
 
 void BitmapIndex::follow_insertion(GWHRNElement* elem, const GWHRNList& list) {
     if (const GWFont* font = bitmap_of(*elem); font != nullptr) {
-        // In a list that is in order the new element stands in front of all that do not go before it.
+        // In a sorted list, the new element comes before the first one that does not sort before it.
         Elements& elements = by_key[font->hrn_key()];
         const auto next = std::find_if(elements.begin(), elements.end(),
                                        [&](GWHRNElement* other) { return list.compare(elem, other) != 0; });

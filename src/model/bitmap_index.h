@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Finds the name elements that a bitmap font may join by the font's key, instead of asking every element of a
-// list.
+// Finds the name elements that a bitmap font may join, by the font's key, so that not every element of a list
+// must be asked.
 #pragma once
 
 #include <string>
@@ -21,11 +21,11 @@ class BitmapIndex {
     /// The elements of one key, in list order.
     using Elements = std::vector<GWHRNElement*>;
 
-    /// The elements of `list` whose fonts differ from `font` in sizes and resolutions alone.
+    /// The elements of `list` whose fonts differ from `font` only in sizes and resolutions.
     const Elements& elements_for(const GWFont& font, const GWHRNList& list);
-    /// Whether it stands for the list as that is now.
+    /// Whether the index is up to date for the list.
     [[nodiscard]] bool is_current(const GWHRNList& list) const;
-    /// Takes `elem` over, the only change of the list since the index was current.
+    /// Adds `elem`, which must be the only change of the list since the index was up to date.
     void follow_insertion(GWHRNElement* elem, const GWHRNList& list);
 
   private:
@@ -33,7 +33,7 @@ class BitmapIndex {
 
     std::unordered_map<std::string, Elements> by_key;  // `GWFont::hrn_key` of the representative
     ListState indexed;
-    bool in_order = true;  // an element that is renamed keeps its place, and then the list is out of order
+    bool in_order = true;  // false when an element was renamed and kept its position
 };
 
 }  // namespace gw

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The file at PATH is kept as a second link ".NAME.gwkept", or as a copy where links are not to be had.
+// The backup of the file NAME is a second link ".NAME.gwkept", or a copy where links are not possible.
 #include "model/font_backup.h"
 
 #include <unistd.h>
@@ -43,7 +43,7 @@ Outcome FontBackup::keep_file(const std::string& path) {
         files.push_back(path);
         return done();
     }
-    if (errno == ENOENT || errno == ENOTDIR) return done();  // there is nothing to keep
+    if (errno == ENOENT || errno == ENOTDIR) return done();  // the file does not exist
     const Result<std::string> bytes = read_file(path);
     if (!bytes) return bytes.failure().with(Sequel::FONT_NOT_REPLACED);
     if (const Outcome copied = replace_file(kept, *bytes); !copied)
@@ -65,7 +65,7 @@ void FontBackup::restore() {
     for (const std::string& path : std::exchange(files, {})) {
         const std::string kept = kept_name(path);
         if (std::rename(kept.c_str(), path.c_str()) == 0) {
-            ::unlink(kept.c_str());  // a link to what had never gone
+            ::unlink(kept.c_str());  // the file was never removed, so `rename` did nothing
             continue;
         }
         tell(Failure::of_system(path, errno).with(Sequel::KEPT_UNDER_ANOTHER_NAME, kept));

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What a font is on the disk (its files, the index lines of their directories, the PostScript resource file),
-// kept under hidden names while another font takes its place, so that it can be put back as it was.
+// A backup of a font on the disk (its files, the indexes of their directories, the PostScript resource file)
+// while another font replaces it. The files are kept under hidden names.
 #pragma once
 
 #include <string>
@@ -14,17 +14,17 @@ namespace gw {
 
 class FontBackup {
   public:
-    /// Keeps the font, or as much of it as can be kept: see `is_complete`.
+    /// Makes the backup, or as much of it as possible: see `is_complete`.
     explicit FontBackup(const GWFont& font);
-    /// Gives up what was kept.
+    /// Removes the backup.
     ~FontBackup();
     FontBackup(const FontBackup&) = delete;
     FontBackup& operator=(const FontBackup&) = delete;
 
-    /// Done when `restore` can bring everything back, otherwise why it cannot.
+    /// A success when `restore` can restore everything, otherwise the failure.
     [[nodiscard]] Outcome is_complete() const { return complete; }
-    /// Puts files and indexes back as they were. What cannot be put back is handed to the listener for
-    /// failures, each by itself.
+    /// Restores files and indexes. The listener for failures gets each one that cannot be
+    /// restored.
     void restore();
 
   private:

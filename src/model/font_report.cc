@@ -15,7 +15,7 @@ void FontReport::append(const FontReport& other) {
 void FontReport::tell() const {
     for (const Entry& entry : entries) {
         const Reason reason = entry.why.reason;
-        // Kept: such fonts are left out, and standard error has no line about them.
+        // Kept: some fonts are left out without a line on standard error.
         const bool silent = reason == Reason::NAME_OF_AN_ALIAS || reason == Reason::TOO_MANY_OF_ONE_SIZE;
         if (!silent) gw::tell(entry.why);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What became of the fonts that were to be installed or deleted, gathered font by font, so that the user can
-// be told at the end which of them were not, and why.
+// The results of installing or deleting fonts, collected font by font, so that the user can be told at the
+// end which fonts failed and why.
 #pragma once
 
 #include <string>
@@ -14,18 +14,19 @@ namespace gw {
 
 class FontReport {
   public:
-    /// One font to which nothing was done.
+    /// A font that was not installed or deleted.
     struct Entry {
         std::string font;  ///< its human-readable name
         Failure why;
     };
 
-    /// Notes how it went with `font`; returns whether it was done.
+    /// Records the outcome for `font`; returns whether it is a success.
     bool note(GWFont& font, const Outcome& outcome);
-    /// Takes the entries of `other` over, behind its own.
+    /// Appends the entries of `other`.
     void append(const FontReport& other);
     void clear() { entries.clear(); }
-    /// Hands the failures to the listener for failures, but for what has always been left out without a word.
+    /// Passes the failures to the listener for failures, except those that were never reported in earlier
+    /// releases.
     void tell() const;
 
     [[nodiscard]] const std::vector<Entry>& failed() const { return entries; }

@@ -25,7 +25,7 @@ int GWAlias::compare(const GWAlias* other) const {
     return ::strcasecmp(get_hrn_name(), other->get_hrn_name());
 }
 
-// The set-width word never appears in a displayed name: names of fonts and of their aliases read alike.
+// Kept: the set width is not part of a name. Names of fonts and of their aliases are made alike.
 std::string GWAlias::_construct_hrn(const char* xlfd, int is_alias) {
     std::array<std::string, GWFont::FIELD_COUNT> fields;
     for (const char* source = xlfd; std::string & field : fields) {

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// One line of a "fonts.alias" file as the user sees it. Aliases are listed behind the fonts and are always
+// One line of a "fonts.alias" file as the user sees it. Aliases are listed after the fonts and are always
 // read-only.
 #pragma once
 

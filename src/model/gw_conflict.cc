@@ -91,7 +91,7 @@ std::string GWConflict::get_conflict_dir_name() const {
     return dir != nullptr ? dir : "";
 }
 
-// The old font goes first, but it comes back when the new one does not take its place.
+// The old font is deleted first, and restored when the new one cannot be installed.
 gw::Outcome GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const {
     gw::FontBackup backup(old);
     if (!backup.is_complete()) return backup.is_complete();
@@ -101,8 +101,8 @@ gw::Outcome GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& 
     return installed;
 }
 
-// A font that is installed from where it lies already (the source is itself on the font path) has its files
-// in common with the one it replaces: those must not be gone before they are copied.
+// When the source is itself on the font path, the new font and the old one may be the same files. Then the
+// old font must not be deleted before its files are copied.
 gw::Outcome GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old,
                                     GW_FSM_LIST& modules) {
     if (gw::Outcome fit = modules.can_install(*font); !fit) return fit;
@@ -111,7 +111,7 @@ gw::Outcome GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<G
     gw::Outcome installed =
         old && !moves ? replace_on_disk(*font, *old, modules) : font->install(*dir_name, modules);
     if (!installed) return installed;
-    // What lies in two places now is installed all the same.
+    // The font is installed, although its old copy could not be deleted.
     if (moves) gw::tell_unless_done(old->remove(modules));
     if (old) other_element->del_font(old.get());
     const gw::Ref<GWFont> copy = new GWFont(*font, dir_name->c_str());

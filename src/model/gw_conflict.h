@@ -1,7 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // Why one entry of a font list could not simply be installed or deleted, so that the user can decide. A
-// conflict keeps alive what it refers to, whatever happens to the lists meanwhile.
+// conflict shares the ownership of the fonts and elements that it refers to, so they stay valid when the
+// lists change.
 #pragma once
 
 #include <map>
@@ -35,24 +36,24 @@ class GWConflict : public GW_BASE {
     /// The directory of the first installed font in the way; "" when there is none.
     std::string get_conflict_dir_name() const;
 
-    /// Installs in spite of the conflict, replacing what is in the way; nothing for a read-only or alias
-    /// conflict. What cannot be installed leaves the font that it was to replace as it was.
+    /// Installs in spite of the conflict and replaces the old fonts. Does nothing for a read-only or alias
+    /// conflict. When a font cannot be installed, the old font stays.
     void install_force(GW_FSM_LIST& modules, gw::FontReport& report);
-    /// Deletes in spite of the conflict; nothing for a read-only or alias conflict. An element keeps the
-    /// fonts that could not be deleted, and its place in the list.
+    /// Deletes in spite of the conflict. Does nothing for a read-only or alias conflict. When a font cannot
+    /// be deleted, it stays in its element, and the element in the list.
     void delete_force(GW_FSM_LIST& modules, gw::FontReport& report);
-    // The same without a report: failures go to the listener for failures.
+    // The same without a report; failures are passed to the listener.
     void install_force(GW_FSM_LIST& modules);
     void delete_force(GW_FSM_LIST& modules);
 
     [[nodiscard]] TYPE get_type() const { return type; }
-    /// The name that the entry has in the lists, as it was when the conflict arose.
+    /// The entry's name in the lists at the time when the conflict was made.
     [[nodiscard]] const char* get_name() const { return name.c_str(); }
     /// The destination of an installation; null when there is none.
     [[nodiscard]] const char* get_dir_name() const { return dir_name ? dir_name->c_str() : nullptr; }
     [[nodiscard]] GWHRNElement* get_element() const { return element.get(); }
     [[nodiscard]] GWHRNElement* get_other_element() const { return other_element.get(); }
-    /// May be gone when the alias list has been filled anew.
+    /// No longer valid when the alias list has been filled again.
     [[nodiscard]] GWAlias* get_alias() const { return alias; }
 
   private:
@@ -70,7 +71,7 @@ class GWConflict : public GW_BASE {
     std::optional<std::string> dir_name;
     gw::Ref<GWHRNElement> element;
     gw::Ref<GWHRNElement> other_element;
-    // By group and index of the element's font table: the installed font in the way.
+    // The installed fonts of the same name, by group and index of the new font in the element's font table.
     std::map<std::pair<unsigned, unsigned>, gw::Ref<GWFont>> conflicting_fonts;
     GWHRNList* hrn_list;
     GWAlias* alias;

@@ -55,26 +55,26 @@ constexpr std::array<CharsetName, 21> CHARSET_NAMES = {{
     {"ksc5601.1987-1", "Korean-1987-1"},
 }};
 
-// The fields that one human-readable name has in common. Foundry and set-width are told apart although lists
-// show neither.
+// The fields that are equal for all fonts of a human-readable name. Kept: foundry and set width separate
+// fonts of one name.
 constexpr std::array<std::size_t, 9> HRN_FIELDS = {
     GWFont::FOUNDRY, GWFont::TYPEFACE_NAME,    GWFont::WEIGHT_NAME,
     GWFont::SLANT,   GWFont::SETWIDTH_NAME,    GWFont::ADD_STYLE_NAME,
     GWFont::SPACING, GWFont::CHARSET_REGISTRY, GWFont::CHARSET_ENCODING};
 
-// Read once: the program neither gains nor drops rights while it runs.
+// Read once, because the user never changes while the program runs.
 const uid_t effective_uid = ::geteuid();
 
 constexpr unsigned BLOCKS_PER_KILOBYTE = 2;
 constexpr mode_t OWNER_WRITE = 0200;
 constexpr mode_t OTHERS_WRITE = 0002;
 
-/// Whether the permission bits let this user write; the group bits are not consulted.
+/// Whether the permission bits let this user write. Kept: permissions of the group are ignored.
 bool bits_allow_writing(const struct stat& info) {
     return (info.st_mode & (info.st_uid == effective_uid ? OWNER_WRITE : OTHERS_WRITE)) != 0;
 }
 
-/// Whether `path` can be opened in that way; what was created is removed again.
+/// Whether `path` can be opened with these flags. With `remove_after` the file is then removed.
 bool can_open(const std::string& path, int flags, bool remove_after) {
     const int fd = ::open(path.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR);
     if (fd < 0) return false;
@@ -83,9 +83,10 @@ bool can_open(const std::string& path, int flags, bool remove_after) {
     return true;
 }
 
-/// The directory that took the last scratch file. A listing asks for the same one once per font, and making
-/// and removing a file costs more than all the rest of it: while the directory is as that left it the answer
-/// stands, but not for long, since a file system can become read-only or full behind its back.
+/// Remembers the directory in which a scratch file was last made. A listing asks about the same directory for
+/// every font, and making and removing a file takes longer than everything else. The answer is used again
+/// while the directory is unchanged, but only for a second, because a file system can become read-only or
+/// full without a change of the directory.
 class LastWritableDirectory {
   public:
     [[nodiscard]] bool is(const std::string& dir, const struct stat& info) const {
@@ -106,7 +107,7 @@ class LastWritableDirectory {
     Clock::time_point when_;
 };
 
-/// Whether a scratch file can be made in `dir`, whose state `info` is.
+/// Whether a scratch file can be made in `dir`; `info` is the result of `stat` for it.
 bool takes_scratch_file(const std::string& dir, const struct stat& info) {
     static LastWritableDirectory last;
     if (last.is(dir, info)) return true;
@@ -139,6 +140,7 @@ const FontType* find_type(GWFont::GW_FONT_TYPE type) {
 
 const char* type_tag(GWFont::GW_FONT_TYPE type) {
     if (const FontType* found = find_type(type); found != nullptr) return found->word;
+    // Kept: a wrong font type ends the program.
     std::fputs("construct_hrn: wrong font type\n", stdout);
     std::exit(-1);
 }
@@ -198,7 +200,7 @@ void GWFont::set_field(FIELD f, const char* value) {
     fields[static_cast<std::size_t>(f)] = std::move(text);
 }
 
-// The message names the setter for both.
+// Kept: reading a wrong field is reported in the words for writing one.
 const char* GWFont::get_field(FIELD f) const {
     if (f < FOUNDRY || f > CHARSET_ENCODING) {
         std::fputs("GWFont::set_field : Incorrect field specified\n", stdout);
@@ -208,7 +210,7 @@ const char* GWFont::get_field(FIELD f) const {
 }
 
 void GWFont::set_xlfd_name(const char* name) {
-    const std::string given = name;  // it may be this record's own text
+    const std::string given = name;  // `name` may point to this record's own text
     xlfd_name = gw::truncated(given, NAME_LIMIT);
     if (is_xlfd_name(given.c_str()) == 0) return;
     const char* source = given.c_str();
@@ -236,6 +238,7 @@ void GWFont::construct_xlfd_name(const char* /*ignored*/, char* dst, unsigned le
     }
     const std::string name = composed_xlfd_name();
     if (name.size() > len) {
+        // Kept: the library reports on standard output.
         std::fputs("Not enough space in the xlfd_name string\n", stdout);
         return;
     }
@@ -269,8 +272,7 @@ void GWFont::set_preset_hrn_name(const char* name) {
     preset_hrn_name = gw::truncated(name, NAME_LIMIT);
 }
 
-/// The words of a name, each with its leading blank. The set-width has none: it never reaches a
-/// human-readable name.
+/// The words of a name, each with its leading blank. Kept: the set width is not part of a name.
 struct GWFont::NamePieces {
     std::string family;
     std::string weight;
@@ -290,6 +292,7 @@ std::string GWFont::get_hrn_name() {
     if (is_postscript_named()) {
         name = gw::capitalized(ps_name) + tag;
     } else if (is_xlfd_name(get_xlfd_name()) == 0) {
+        // Kept: a name that is no XLFD name has two blanks before its type.
         name = xlfd_name + ' ' + tag;
     } else {
         const NamePieces pieces = name_pieces();
@@ -299,6 +302,7 @@ std::string GWFont::get_hrn_name() {
     return name;
 }
 
+// Kept: names of bitmap fonts have no charset.
 std::string GWFont::listed_charset() {
     const bool is_latin1 =
         gw::lower_case(fields[CHARSET_REGISTRY]) == "iso8859" && fields[CHARSET_ENCODING] == "1";
@@ -336,8 +340,8 @@ int GWFont::compare_hrn(const GWFont* other) const {
     return 1;
 }
 
-// A field never holds a dash, so dashes keep the fields apart. Case is that of the locale, as for
-// `strcasecmp`.
+// A field never contains a dash, so dashes can separate the fields. `tolower` uses the locale, as
+// `strcasecmp` does.
 std::string GWFont::hrn_key() const {
     std::string key = std::to_string(font_type);
     for (const std::size_t f : HRN_FIELDS) {
@@ -370,6 +374,7 @@ int GWFont::install_font(const char* dir, char /*ignored*/, GW_FSM_LIST& modules
 }
 
 int GWFont::delete_font(GW_FSM_LIST& modules) {
+    // Kept: deleting a font returns 0.
     gw::tell_unless_done(remove(modules));
     return 0;
 }
@@ -396,7 +401,7 @@ void GWFont::update_read_only() {
         read_only = true;
         return;
     }
-    // A scratch file that could be made outweighs bits that say otherwise.
+    // Kept: a directory that takes a scratch file is writable whatever its bits say.
     if (!bits_allow_writing(info)) return;
     for (const GW_FILE_SPEC* spec : *file_list) {
         if (::stat(spec->get_path(), &info) == 0 && bits_allow_writing(info) &&

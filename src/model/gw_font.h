@@ -75,8 +75,8 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// The stored name, composed from the fields first when there is none. Owned by this record.
     const char* get_xlfd_name();
     /// The name composed anew from the fields, or the stored one of a bitmap font that has no XLFD name, into
-    /// `dst`, which holds `len` characters and a terminating NUL. When it does not fit that is said on
-    /// standard output and `dst` stays as it was.
+    /// `dst`, which holds `len` characters and a terminating NUL. When it does not fit, a message is written
+    /// to standard output and `dst` stays as it was.
     void construct_xlfd_name(const char* ignored, char* dst, unsigned len);
     void set_ps_name(const char* name);
     const char* get_ps_name() const;
@@ -93,27 +93,27 @@ class GWFont : public GW_BASE, public gw::RefCounted {
 
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
     void set_preset_hrn_name(const char* name);
-    /// The name shown in lists ("Helvetica Bold Oblique [Type-1]", with "[Read Only]" at column 46). Where
-    /// the font policy has it, a bitmap font's charset stands before the bracket unless it is ISO 8859-1.
+    /// The name shown in lists ("Helvetica Bold Oblique [Type-1]", with "[Read Only]" at column 46). If the
+    /// font policy says so, a bitmap font's charset is before the bracket, unless it is ISO 8859-1.
     std::string get_hrn_name();
     /// The name in brackets with foundry and charset ("[Adobe Times Bold Italic ISO-Latin-1 Type-1]").
     std::string get_cli_hrn_name();
     /// A blank and the human-readable charset. Owned by this record.
     const char* get_charset_hrn_name();
 
-    /// 1 when both fonts fall under one human-readable name: they differ at most in sizes, resolutions and
-    /// average width.
+    /// 1 when both fonts belong to one human-readable name: they differ only in sizes, resolutions and
+    /// average width, or not at all.
     int compare_hrn(const GWFont* other) const;
-    /// A text that two fonts have in common exactly when `compare_hrn` says 1.
+    /// A text that is equal for two fonts exactly when `compare_hrn` returns 1.
     [[nodiscard]] std::string hrn_key() const;
-    /// 1 when both records are the same font, by name and without regard to case.
+    /// 1 when both records are the same font: their names are equal, ignoring case.
     int fontcmp(GWFont* other);
 
-    /// Has the type's module install the font into `dir`, whose index is created when missing.
+    /// Installs the font into `dir` with the module of its type; a missing index is created first.
     gw::Outcome install(const std::string& dir, GW_FSM_LIST& modules);
-    /// Has the type's module delete the font.
+    /// Deletes the font with the module of its type.
     gw::Outcome remove(GW_FSM_LIST& modules);
-    // The same without the answer: a failure goes to the listener for failures.
+    // The same without an outcome; a failure is passed to the listener.
     /// Returns 1.
     int install_font(const char* dir, char ignored, GW_FSM_LIST& modules);
     /// Returns 0.
@@ -121,7 +121,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
 
     /// Kilobytes that the files occupy; measured once. Missing files count 0.
     unsigned get_disk_space();
-    /// Sticky: once a font is read-only it stays so.
+    /// Kept: a font that was read-only once stays so.
     [[nodiscard]] bool is_read_only() const {
         return read_only;
     }
@@ -145,7 +145,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     std::array<std::string, FIELD_COUNT> fields;
 };
 
-/// Font lists are sorted by the bracketed name, without regard to case.
+/// Font lists are sorted by the bracketed name, ignoring case.
 template <>
 struct GW_SORT_KEY<GWFont> {
     static int compare(GWFont& a, GWFont& b);

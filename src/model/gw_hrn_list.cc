@@ -192,8 +192,7 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
         if (_hrn_elem_conflict(elem, conflicts, dir) != 0) return CONFLICT;
     }
     if (!representative->is_postscript_named() && is_named_like(aliases, report)) return CONFLICT;
-    // Kept: the number of point sizes bounds the fonts of each size. Of a size with more fonts only that many
-    // are installed.
+    // Kept: of each size only as many fonts are installed as there are sizes.
     int result = FAILED;
     for (const PointSize& slot : slots) {
         for (std::size_t j = 0; j < slot.fonts.size(); ++j) {
@@ -218,10 +217,11 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
     return result;
 }
 
-/// Whether an alias has the name of one of the fonts, which is noted in the report.
+/// Whether an alias has the name of one of the fonts; if so, the font is recorded in the report.
 bool GWHRNElement::is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::FontReport& report) const {
     for (const PointSize& slot : slots) {
         for (const gw::Ref<GWFont>& font : slot.fonts) {
+            // Kept: a font whose name is an alias is not installed and has no conflict.
             const bool taken = std::any_of(aliases.begin(), aliases.end(), [&](const GWAlias* alias) {
                 return ::strcasecmp(font->get_xlfd_name(), alias->get_alias_name()) == 0;
             });
@@ -296,7 +296,7 @@ gw::Ref<GWHRNElement> GWHRNList::release_at_pos(int pos) {
     return gw::Ref<GWHRNElement>::adopt(zap_elem_at_pos(pos));
 }
 
-// Only elements of the font's key can take it, so asking those in list order asks all that matter.
+// Only elements of the font's key can take it, so only these are asked, in list order.
 void GWHRNList::add_font(GWFont* font) {
     const gw::Ref<GWFont> shared(font);
     if (is_bitmap(font)) {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// What the font lists show: one element per human-readable name, holding all the fonts that share it (for
-// bitmap fonts all point sizes and resolutions of one face). Installation and deletion of what the user
-// selected start here.
+// The contents of the font lists: one element for each human-readable name, with all fonts of that name (for
+// bitmap fonts, all point sizes and resolutions of one face). Installing and deleting the user's selection
+// starts here.
 //
 // Owners: a `GWHRNList` owns its elements, and an element shares its fonts with its copies and with pending
 // conflicts.
@@ -25,12 +25,12 @@ class GW_FSM_LIST;
 
 class GWHRNElement : public GW_BASE, public gw::RefCounted {
   public:
-    /// What an element takes unforced. The font that no longer fits gets an element of its own.
+    /// The limits of an element, unless a font is forced on it. A font beyond the limits gets a new element.
     static constexpr unsigned MAX_POINT_SIZES = 100;
     static constexpr unsigned MAX_FONTS_PER_SIZE = 20;
     static constexpr std::size_t SIZE_TEXT_LIMIT = 19;  ///< characters of a point-size or resolution text
 
-    /// What `install_fonts` and `delete_fonts` answer.
+    /// The results of `install_fonts` and `delete_fonts`.
     static constexpr int DONE = 2;
     static constexpr int CONFLICT = 1;
     static constexpr int FAILED = 0;
@@ -43,18 +43,19 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     };
 
     explicit GWHRNElement(GWFont* font);
-    /// A copy that shares the fonts; its name is made anew.
+    /// A copy that shares the fonts; its name is composed again.
     GWHRNElement(const GWHRNElement& other);
     ~GWHRNElement() override;
     GWHRNElement& operator=(const GWHRNElement&) = delete;
 
     /// Makes this the element of `font` alone.
     void _initialize_hrn_element(GWFont* font);
-    /// 1 when the element took the font. A font that does not belong under this name gives 0, or with `force`
-    /// non-zero the element becomes one of this font alone; one that belongs here but finds the element full
-    /// gives 0, or with `force` is taken all the same.
+    /// 1 when the element took the font. A font that does not belong to this name is refused (0); with
+    /// `force` non-zero the element becomes one of this font alone. When the font belongs here but the
+    /// element is full, it is refused (0), and with `force` taken all the same.
     int add_font(GWFont* font, int force);
-    /// Removes that very font; 1, or 0 when it is not here. Its point size stays.
+    /// Removes this font object; 1, or 0 when it is not in the element. Kept: a size stays when its last font
+    /// goes.
     int del_font(GWFont* font);
 
     /// The point-size texts (decipoints) in ascending order, and their number.
@@ -67,8 +68,8 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// The first font of the first size that has one; null when there is none.
     [[nodiscard]] GWFont* get_representative() const;
 
-    // What installing and deleting notes in `report` is what becomes of each font. Without one, failures go
-    // to the listener for failures.
+    // Installing and deleting record the outcome for each font in `report`. Without a report, failures are
+    // passed to the listener.
 
     /// DONE, or CONFLICT when a conflict stopped it and nothing was written. FAILED when the modules
     /// installed none of the fonts.
@@ -77,7 +78,7 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
     /// DONE, and the element is without sizes, or CONFLICT when a conflict stopped it and nothing was
-    /// deleted. FAILED when a font could not be deleted: the element keeps that one.
+    /// deleted. FAILED when a font could not be deleted: the element keeps that font.
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list,
                      gw::FontReport& report);
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list);
@@ -95,7 +96,7 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] unsigned get_disk_space() const { return disk_space; }
     [[nodiscard]] const std::vector<PointSize>& get_slots() const { return slots; }
 
-    /// Moves on whenever any element may have come under another name.
+    /// Incremented whenever the name of any element may have changed.
     [[nodiscard]] static unsigned long get_renamings() { return renamings; }
 
   private:
@@ -145,11 +146,11 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     void merge(const GWHRNList& other);
     /// Releases every element.
     void clear();
-    /// Releases that very element, if it is here.
+    /// Releases this element object, if it is in the list.
     void delete_hrn_elem(GWHRNElement* elem);
 
-    /// The fonts of this list that `install_at_pos` did not install, and `delete_at_pos` not delete, since
-    /// the report was last cleared. Fonts in a conflict are not among them.
+    /// The fonts of this list that `install_at_pos` could not install or `delete_at_pos` could not delete
+    /// since the report was last cleared. Fonts with a conflict are not among them.
     [[nodiscard]] gw::FontReport& get_report() { return report; }
 
   private:

@@ -10,7 +10,7 @@ namespace {
 constexpr std::ptrdiff_t XLFD_DASHES = 14;
 constexpr std::size_t LONGEST_FIELD = 999;
 
-/// The name that is being split, where its next field begins, and the field handed out last.
+/// The name that is being split, the position of its next field, and the field that was returned last.
 struct Splitter {
     std::string name;
     std::size_t next = 0;

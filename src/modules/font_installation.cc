@@ -27,7 +27,7 @@ Result<std::string> line_of(GWFont& font) {
 FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element)
     : font(the_font), fpe(element), line(line_of(the_font)) {}
 
-// The line goes first: a reader never finds one that points nowhere.
+// The line is removed first, so that no reader finds a line without its file.
 FontInstallation::~FontInstallation() {
     if (kept) return;
     if (entered) tell_unless_done(fpe.get_fontdir_file().withdraw(line->c_str()));

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// One installation of a font into a directory: all of it is done or nothing. The files are copied aside
-// first, which is what takes long and may fail; then a module has the index line and the files appear in its
-// own order.
+// One installation of a font into a directory, which is done completely or not at all. First the files are
+// copied under hidden names, which takes long and may fail. Then the index line and the files get their
+// places, in an order that the module chooses.
 #pragma once
 
 #include <string>
@@ -20,22 +20,22 @@ class FontInstallation {
   public:
     /// Neither font nor element is owned; both must outlive this.
     FontInstallation(GWFont& font, GW_FPE& fpe);
-    /// Takes everything back unless `keep` was called.
+    /// Undoes everything unless `keep` was called.
     ~FontInstallation();
     FontInstallation(const FontInstallation&) = delete;
     FontInstallation& operator=(const FontInstallation&) = delete;
 
-    /// Whether the font has files and a line for the index. Nothing is written for one that has not.
+    /// Whether the font has files and a line for the index. Nothing is written for a font that has not.
     [[nodiscard]] Outcome can_begin() const;
-    /// Makes the element's subdirectory for metrics unless it is there. Fonts without metrics do without it.
+    /// Makes the element's subdirectory for metrics unless it exists. Fonts without metrics do not need it.
     void make_afm_dir();
-    /// Copies the font's files aside, each by `File`'s `copy_into`; those that lie in the element's directory
-    /// already need no copy. A failure when one could not be copied whole, or would overwrite a file that the
-    /// index knows as another font's.
+    /// Copies the font's files under hidden names, each with `copy_into` of a `File`. Files that are in the
+    /// element's directory already are not copied. Fails when a file cannot be copied completely, or would
+    /// overwrite a file that the index lists for another font.
     template <class File>
     Outcome copy_files();
     Outcome enter_in_index();
-    /// Gives the first file's copy its name; `put_all_in_place` those that have not got theirs yet.
+    /// Gives the copy of the first file its name; `put_all_in_place` gives the remaining copies theirs.
     Outcome put_first_in_place() { return put_in_place(first_is_copied ? 1 : 0); }
     Outcome put_all_in_place() { return put_in_place(copies.size()); }
     void keep();
@@ -52,7 +52,7 @@ class FontInstallation {
     std::vector<NewFile> copies;
     std::size_t placed = 0;
     bool first_is_copied = false;
-    Outcome metrics_dir;  // why the subdirectory for metrics could not be made
+    Outcome metrics_dir;  // whether the subdirectory for metrics could be made
     bool made_afm_dir = false;
     bool entered = false;
     bool kept = false;

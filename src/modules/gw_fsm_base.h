@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The interface of the font type modules. A module knows which files belong to its format, how to read fonts
-// out of a directory or an index, and how to install, expose and delete a font of its format.
+// from a directory or an index, and how to install, preview and delete a font of its format.
 #pragma once
 
 #include "core/failure.h"
@@ -26,23 +26,23 @@ class GW_FSM_BASE : public GW_BASE {
     virtual void list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) = 0;
     virtual void make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) = 0;
     virtual void make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) = 0;
-    /// Copies the font's files into the element's directory and registers them: all of it or nothing.
+    /// Copies the font's files into the element's directory and registers them, completely or not at all.
     virtual void install_font(GWFont* font, GW_FPE* fpe) = 0;
-    /// Registers a font whose files the element can reach already, without copying.
+    /// Registers a font whose files can already be found through the element, without copying them.
     virtual void make_font_visible(GWFont* font, GW_FPE* fpe) = 0;
     /// Removes the font's files and its registrations. A font whose file cannot be removed stays registered.
     virtual void delete_font(GWFont* font) = 0;
 
-    // The last three with an answer. A module of ours answers these, and tells the listener for failures what
-    // the ones above would keep to themselves; for another one, what it did is done.
+    // The last three operations with an outcome. Our modules implement these; the operations above then pass
+    // failures to the listener. For other modules every operation counts as a success.
 
     virtual gw::Outcome install(GWFont& font, GW_FPE& fpe);
     virtual gw::Outcome make_visible(GWFont& font, GW_FPE& fpe);
     virtual gw::Outcome remove(GWFont& font);
-    /// Whether `install` takes the font. Nothing is written for one that it does not take.
+    /// Whether `install` accepts the font. Nothing is written for a font that it does not accept.
     virtual gw::Outcome can_install(GWFont& font) const;
 
-    // The same for every item of a list, in list order.
+    // The same operations for every item of a list, in list order.
     void list_font_file_names(GW_FSPEC_LIST& out, GW_LIST<GW_DIR>& dirs, int recursive);
     void list_installed_font_file_names(GW_FSPEC_LIST& out, GW_LIST<GW_FPE>& fpes);
     void list_installed_font_names(GW_STRING_LIST& out, GW_LIST<GW_FPE>& fpes);
@@ -58,7 +58,7 @@ class GW_FSM_BASE : public GW_BASE {
 
 namespace gw {
 
-/// A module whose three changing operations have answers.
+/// A module whose three changing operations have outcomes.
 class AnsweringModule : public GW_FSM_BASE {
   public:
     using GW_FSM_BASE::delete_font;

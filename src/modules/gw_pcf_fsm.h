@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The module for PCF bitmap fonts (".pcf", ".pcf.Z"; ".pcf.gz" where the font policy has it).
+// The module for PCF bitmap fonts (".pcf", ".pcf.Z"; ".pcf.gz" if the font policy says so).
 #pragma once
 
 #include "modules/indexed_module.h"

@@ -7,6 +7,7 @@ GW_T0_FSM::GW_T0_FSM()
     : IndexedModule(GWFont::TYPE0_FONT, {{gw::EXT_PS, ".ps"}, {gw::EXT_PS_Z, ".ps.Z"}}, {".ps$", ".ps.Z$"},
                     gw::SCRATCH_TYPE0_DIR) {}
 
+// Kept: every entry of an index is a Type 0 font.
 bool GW_T0_FSM::takes(const char* /*file_name*/) {
     return true;
 }

@@ -18,7 +18,7 @@ gw::Outcome GW_T1_BUF_FILE::copy_into(gw::NewFile& copy) {
     block[static_cast<std::size_t>(got)] = '\0';
     const char* end = block.data() + got;
     const char* text = std::find(static_cast<const char*>(block.data()), end, '%');
-    // The byte behind the block goes along: readers of installed fonts take it for white space.
+    // The byte after the block is written too; readers of installed fonts take it for white space.
     bool going_well = copy.write({text, static_cast<std::size_t>(end - text) + 1});
     while (going_well && (got = read(block.data(), BLOCK_SIZE)) > 0) {
         std::replace(block.data(), block.data() + got, '\r', '\n');

@@ -12,7 +12,7 @@
 namespace {
 
 constexpr const char* UNKNOWN_FOUNDRY = "unknown";
-// What ends a name in PostScript: white space and the delimiters.
+// The characters that end a name in PostScript: white space and the delimiters.
 constexpr const char* NAME_ENDS = " \t\r\n\f()<>[]{}/%";
 
 /// The foundry found so far in the file that is being read.
@@ -21,7 +21,7 @@ std::string& current_foundry() {
     return foundry;
 }
 
-/// What stands between the first "(" and the next ")"; false when there are none.
+/// Sets `value` to the text between the first "(" and the next ")"; false when there are none.
 bool parenthesized(std::string& value, std::string_view text) {
     const std::size_t opening = text.find('(');
     if (opening == std::string_view::npos) return false;
@@ -35,7 +35,7 @@ bool is_line_end(char c) {
     return c == '\r' || c == '\n';
 }
 
-/// A comment is what begins with one "%"; "%!" and "%%" lines are structure.
+/// A comment begins with a single "%"; "%!" and "%%" lines are structure.
 bool is_comment(const std::string& line) {
     return line.starts_with('%') && (line.size() == 1 || (line[1] != '!' && line[1] != '%'));
 }
@@ -97,7 +97,7 @@ void GW_T1_FONT_FILE::skip_till_first_percent() {
     unread = static_cast<int>(percent - buffer.cbegin());
 }
 
-// A line that fills the whole buffer is cut there; what is left of it comes as a line of its own.
+// A line that is longer than the buffer is cut there; the rest is returned as the next line.
 bool GW_T1_FONT_FILE::get_line_from_buf(std::string& line) {
     if (unread + LINE_RESERVE > filled) read_buf();
     if (unread == filled) return false;
@@ -120,6 +120,7 @@ bool GW_T1_FONT_FILE::get_ascii_line(std::string& line) {
 void GW_T1_FONT_FILE::process_font_file_field(GWFont* font, const char* text) const {
     GW_TOKEN_STRING tokens(text);
     int key = UNKNOWN_KEY;
+    // Kept: a header key ends at a blank.
     tokens.get_first_token_id(key, keys, gw::font_policy().lets_values_touch_keys() ? NAME_ENDS : " ");
     std::string value;
     switch (key) {
@@ -130,7 +131,7 @@ void GW_T1_FONT_FILE::process_font_file_field(GWFont* font, const char* text) co
             if (parenthesized(value, text)) font->set_field(GWFont::WEIGHT_NAME, value.c_str());
             break;
         case ITALIC_ANGLE:
-            // An angle of less than one degree counts as upright.
+            // Kept: an italic angle of less than one degree is upright.
             tokens.get_next_token(value, " \t\n");
             font->set_field(GWFont::SLANT, std::atoi(value.c_str()) != 0 ? "i" : "r");
             break;
@@ -152,8 +153,7 @@ void GW_T1_FONT_FILE::process_font_file_field(GWFont* font, const char* text) co
     }
 }
 
-// A font with an encoding of its own has the foundry known at this line for its registry
-// ("adobe-fontspecific").
+// Kept: the registry of a special encoding is the foundry known so far. For example "adobe-fontspecific".
 void GW_T1_FONT_FILE::set_encoding(GWFont* font, const std::string& encoding) {
     const bool standard = encoding == "StandardEncoding";
     font->set_field(GWFont::CHARSET_REGISTRY, standard ? "iso8859" : current_foundry().c_str());

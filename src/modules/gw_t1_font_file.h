@@ -14,7 +14,7 @@
 
 class GW_T1_FONT_FILE : public GW_FILE {
   public:
-    /// The header keys, by the code that the key table gives them.
+    /// The codes of the header keys in the key table.
     enum KEY {
         FAMILY_NAME = 0,
         FULL_NAME = 1,
@@ -27,20 +27,20 @@ class GW_T1_FONT_FILE : public GW_FILE {
         UNKNOWN_KEY = -1,
     };
     static constexpr int BUFFER_SIZE = 1024;
-    /// With fewer unread bytes than this the buffer is filled up: a header line is expected to be shorter.
+    /// With fewer unread bytes than this the buffer is filled up. A header line is expected to be shorter.
     static constexpr int LINE_RESERVE = 341;
 
     GW_T1_FONT_FILE(const char* name, const char* dir, int file_type);
     explicit GW_T1_FONT_FILE(const GW_FILE_SPEC* spec);
 
     void set_skip_comment_flag(int flag) { skip_comment = flag; }
-    /// Both tables stay with the caller and must outlive the reading.
+    /// The caller keeps the ownership of both tables, which must outlive the reading.
     void set_token_table(const GW_TOKEN_TABLE* table) { keys = table; }
     void set_foundry_file(const GW_FOUNDRY_FILE* table) { foundries = table; }
 
     /// Reads the header and fills `font`; a file that cannot be opened leaves it untouched. Returns 1.
     int set_font_info(GWFont* font);
-    /// The fields that an outline font has whatever its header says.
+    /// Sets the fields that are the same for every outline font.
     static void set_default_font_info(GWFont* font);
 
   private:

@@ -31,7 +31,7 @@ const GW_FILE_SPEC* append_if_exists(GW_FSPEC_LIST& out, const std::string& name
     return appended;
 }
 
-/// Hands the first specification of each file name on to `out`, and frees the others.
+/// Moves the first specification of each file name to `out`, and deletes the others.
 void append_each_once(GW_FSPEC_LIST& out, GW_FSPEC_LIST& files) {
     std::unordered_set<std::string_view> listed;
     for (GW_FILE_SPEC* spec : files) {
@@ -41,7 +41,7 @@ void append_each_once(GW_FSPEC_LIST& out, GW_FSPEC_LIST& files) {
     files.clear();
 }
 
-/// The working list of `build_font_list`: the files that no font has claimed yet, in list order.
+/// The working list of `build_font_list`: the files that belong to no font yet, in list order.
 class UnclaimedFiles {
   public:
     explicit UnclaimedFiles(const GW_FSPEC_LIST& files) {
@@ -52,7 +52,7 @@ class UnclaimedFiles {
         while (next_ < order_.size() && !names_.contains(order_[next_]->get_name())) ++next_;
         return next_ < order_.size() ? order_[next_] : nullptr;
     }
-    /// Takes the font's files out; false when none of them was in.
+    /// Removes the font's files; false when none of them was in the list.
     bool claim(const GW_FSPEC_LIST& font_files) {
         std::size_t claimed = 0;
         for (const GW_FILE_SPEC* spec : font_files) claimed += names_.erase(spec->get_name());
@@ -66,8 +66,8 @@ class UnclaimedFiles {
     std::size_t next_ = 0;
 };
 
-/// Fails where the element has an outline file of the font's prefix that is another font's. The two would
-/// share their metrics, and deleting one would take the files of both.
+/// Fails when the element has an outline file with the font's prefix that belongs to another font. The two
+/// fonts would share their metrics, and deleting one would delete the files of both.
 gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe) {
     const GW_FILE_SPEC& first = *gw::first_file(font);
     if (first.is_in_directory(fpe.get_element())) return gw::done();
@@ -75,7 +75,7 @@ gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe) {
     for (const char* extension : {".pfb", ".pfa"}) {
         const GW_FILE_SPEC outline((prefix + extension).c_str(), fpe.get_element(), gw::FILE_TYPE_REGULAR,
                                    gw::EXT_UNKNOWN);
-        // A file of the font's own is looked at when it is copied: it may be the same.
+        // A file of the font itself is compared when it is copied: it may be the same.
         const GW_FSPEC_LIST& files = *font.get_font_file_list();
         const bool own = std::any_of(files.begin(), files.end(),
                                      [&](const GW_FILE_SPEC* spec) { return spec->equal(&outline) != 0; });
@@ -128,6 +128,7 @@ void GW_T1_FSM::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recurs
 }
 
 void GW_T1_FSM::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
+    // Kept: an outline is listed once for each line of the index.
     if (!gw::font_policy().lists_an_outline_once()) {
         gw::list_indexed_files(out, *fpe, {".pfb$", ".pfa$", ".afm$"});
         return;
@@ -213,6 +214,7 @@ const GW_FILE_SPEC* GW_T1_FSM::get_dir_aux_file_spec_list(GW_FSPEC_LIST& out, co
 }
 
 int GW_T1_FSM::get_afm_aux_file_spec_list(GW_FSPEC_LIST& out, const char* dir, const char* prefix) {
+    // Kept: metrics may have no extension in their subdirectory.
     const std::string metrics = std::string("afm/") + prefix;
     if (append_if_exists(out, metrics, dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN) == nullptr) {
         append_if_exists(out, metrics + ".afm", dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The module for Type 1 outline fonts: an outline file ".pfa" or ".pfb" and optional metrics ".afm", beside
-// it or in the subdirectory "afm". Files belong to one font by their common prefix, the name up to its first
-// dot.
+// it or in the subdirectory "afm". Files with the same prefix, which is the name up to its first dot, belong
+// to one font.
 #pragma once
 
 #include <memory>
@@ -31,8 +31,8 @@ class GW_T1_FSM : public gw::AnsweringModule {
     using GW_FSM_BASE::make_font_list;
     using GW_FSM_BASE::make_installed_font_list;
 
-    // The specifications that the following append belong to `out`'s owner; those that they return are
-    // elements of `out`.
+    // The following functions append specifications, which belong to `out`'s owner, and return elements of
+    // `out`.
 
     /// The file's name up to its first dot.
     static std::string get_matching_file_spec_prefix(const GW_FILE_SPEC* spec);
@@ -45,12 +45,11 @@ class GW_T1_FSM : public gw::AnsweringModule {
     /// Appends all files of the font of `spec`. Returns the outline file, or null.
     static const GW_FILE_SPEC* get_aux_fspec_list(GW_FSPEC_LIST* out, const GW_FILE_SPEC* spec);
 
-    /// A new font made of `files`, which it takes over, with its fields read from `outline`; the caller owns
-    /// it.
+    /// A new font that owns `files`, with its fields read from `outline`; the caller owns the font.
     std::unique_ptr<GWFont> make_font(const GW_FILE_SPEC* outline, std::unique_ptr<GW_FSPEC_LIST> files);
-    /// Appends the fonts that the files make up, one for each prefix, and removes from `files` the files of
-    /// these fonts (their specifications stay with their owner). Stops at a file that is not among its own
-    /// font's files.
+    /// Appends one font for each prefix among `files`, and removes the files of these fonts from `files` (the
+    /// specifications still belong to their owner). Kept: a file that is not one of its own font ends the
+    /// listing.
     void build_font_list(GW_LIST<GWFont>& out, GW_FSPEC_LIST& files);
 
   private:

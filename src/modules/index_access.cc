@@ -25,10 +25,10 @@ bool can_be_read_back(const std::string& file_name, const std::string& line) {
            line.size() < static_cast<std::size_t>(GW_FONTDIR_FILE::LINE_BUFFER);
 }
 
-/// Whether the file's directory lets this user remove it; a missing file is no obstacle.
+/// Whether the file's directory lets this user remove it; a success for a missing file.
 Outcome can_be_removed(const GW_FILE_SPEC& spec) {
     const std::string path(spec.get_path());
-    const std::string dir = path.substr(0, path.rfind('/') + 1);  // that of "afm/NAME" is the subdirectory
+    const std::string dir = path.substr(0, path.rfind('/') + 1);  // for "afm/NAME" this is the subdirectory
     struct stat file {};
     struct stat home {};
     if (::lstat(path.c_str(), &file) != 0 || ::stat(dir.c_str(), &home) != 0) return done();
@@ -40,7 +40,7 @@ Outcome can_be_removed(const GW_FILE_SPEC& spec) {
     return done();
 }
 
-/// Whether this user may change the index, as far as it lists the file.
+/// Whether this user may change the index, if it lists the file.
 Outcome can_be_struck_out(const GW_FILE_SPEC& spec) {
     GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
     if (::faccessat(AT_FDCWD, index.get_path(), W_OK, AT_EACCESS) == 0) return done();
@@ -53,17 +53,18 @@ bool is_latin1(std::string_view font_name) {
     return font_name.ends_with("-iso8859-1");
 }
 
-/// Strikes the file out of the index, as many of its lines as stand for the font. Returns how many it had. An
-/// index that cannot be read has none.
+/// Removes the lines of the font's file from the index: all of them or one. Returns their number, which is 0
+/// for an index that cannot be read.
 Result<int> strike_out(const GW_FILE_SPEC& spec, const GWFont& font) {
     GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
+    // Kept: deleting an outline removes one line of several.
     const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
     const Result<int> struck = all ? index.strike_out(spec.get_name()) : index.strike_out(spec.get_name(), 1);
     if (!struck && !index.get_font_name(spec.get_name())) return 0;
     return struck;
 }
 
-/// Removes the file; one that is not there is as good as removed.
+/// Removes the file; a missing file counts as removed.
 Outcome remove_file(const GW_FILE_SPEC& spec) {
     if (::unlink(spec.get_path()) == 0 || errno == ENOENT || errno == ENOTDIR) return done();
     return Failure::of_system(spec.get_path(), errno);
@@ -117,7 +118,7 @@ Outcome remove_files_and_entry(const GWFont& font) {
         if (Outcome allowed = can_be_removed(*spec); !allowed) return allowed;
         if (Outcome allowed = can_be_struck_out(*spec); !allowed) return allowed;
     }
-    std::optional<std::string> before;  // the index as it was, once the font is struck out
+    std::optional<std::string> before;  // the old index, once the font was removed from it
     for (const GW_FILE_SPEC* spec : files) {
         const std::string index = std::string(spec->get_dir()) + FONT_INDEX_NAME;
         if (!before) {
@@ -128,7 +129,7 @@ Outcome remove_files_and_entry(const GWFont& font) {
         }
         const Outcome removed = remove_file(*spec);
         if (removed) continue;
-        // Without its first file a font is gone, whatever remains of it.
+        // A font without its first file counts as deleted, whatever other files remain.
         if (spec != *files.begin()) {
             tell(removed.failure().with(Sequel::FILE_REMAINS));
             continue;

@@ -60,6 +60,7 @@ IndexedModule::IndexedModule(int type, std::initializer_list<Extension> extensio
     if (gzipped) file_names_with_gzipped.add_token(gzipped->extension.first, gzipped->extension.second);
 }
 
+// Kept: gzipped bitmap fonts are not seen.
 bool IndexedModule::takes_gzipped() const {
     return gzipped_form && font_policy().takes_gzipped_bitmaps();
 }
@@ -114,7 +115,7 @@ void IndexedModule::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) 
     append_font_names(out, files, *fpe);
 }
 
-// With `files` (fonts found below `dir`) a font is placed in the directory that holds its file, otherwise in
+// With `files` (fonts found below `dir`) the font's directory is the one that holds its file, otherwise it is
 // `dir`.
 void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_FONTDIR_FILE& index,
                                          const GW_FSPEC_LIST* files) {
@@ -136,7 +137,8 @@ void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_F
 
 bool IndexedModule::make_scratch_index(const GW_FSPEC_LIST& files) const {
     if (!tell_unless_done(may_use_scratch_dir(scratch_dir))) return false;
-    // Kept: the listing goes on with the index that is there, and the operation is named instead of the file.
+    // Kept: a scratch directory of this user is used as it was left. The message names the operation instead
+    // of the file.
     if (const Outcome linked = link_into_new_directory(scratch_dir, files); !linked)
         tell(Failure::of_system("make_font_list", linked.failure().error));
     run_and_tell("mkfontdir %s;", scratch_dir);

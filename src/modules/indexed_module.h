@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The pattern that the PCF, Type 0 and Type 3 modules follow: they never open a font file but take names from
-// a directory's index, and have `mkfontdir` make one in a scratch directory when a source directory has none.
-// Compressed files are handled as they are.
+// The common part of the PCF, Type 0 and Type 3 modules. They never open a font file but take names from a
+// directory's index; when a source directory has none, `mkfontdir` makes one in a scratch directory.
+// Compressed files are not unpacked.
 #pragma once
 
 #include <initializer_list>
@@ -40,11 +40,11 @@ class IndexedModule : public AnsweringModule {
                                                     const GW_STRING* font_name) const;
     /// Makes the directory `tmp_dir` (mode 0744) and in it a link to each file, up to the first failure.
     static Outcome link_into_new_directory(const std::string& tmp_dir, const GW_FSPEC_LIST& files);
-    /// The same; 1 after a failure, else 0.
+    /// The same with a number as result: 1 after a failure, else 0.
     static int mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files);
 
   protected:
-    /// A form of the files that the module takes only where the font policy has gzipped bitmaps.
+    /// A kind of file that the module accepts only if the font policy takes gzipped bitmaps.
     struct GzippedForm {
         Extension extension;
         const char* suffix;
@@ -54,9 +54,9 @@ class IndexedModule : public AnsweringModule {
                   std::pair<const char*, const char*> suffixes, const char* scratch_dir,
                   const std::optional<GzippedForm>& gzipped = std::nullopt);
 
-    /// Whether an index entry of that file is a font of this module.
+    /// Whether an index entry with this file name is a font of this module.
     [[nodiscard]] virtual bool takes(const char* file_name);
-    /// The name under which `make_font_visible` enters the font's file.
+    /// The file name that `make_font_visible` enters in the index.
     [[nodiscard]] virtual std::string visible_name(const GW_FILE_SPEC& spec, const GW_FPE& fpe) const;
 
   private:

@@ -28,7 +28,7 @@ int config_db_close(const char* path);
 
 namespace gw {
 
-/// `config_db_close` with a path, and why the file could not be written.
+/// `config_db_close` with a path; the outcome tells why the file could not be written.
 Outcome save_config_db(const std::string& path);
 
 }  // namespace gw

@@ -25,7 +25,7 @@ inline constexpr const char* DESKTOP_FONT_DIR_NO_LOCALE = "/usr/dt/config/xfonts
 inline constexpr const char* USER_FONT_PATH_FILE = "/.VTfontpath";
 inline constexpr const char* USER_SETTINGS_FILE = "/.glyphwdrc";
 
-// Scratch files and directories; their names are fixed, so one instance runs at a time.
+// Kept: scratch files have fixed names. So one instance runs at a time.
 inline constexpr const char* SCRATCH_ERRORS = "/tmp/errors";
 inline constexpr const char* SCRATCH_FONT_PATH = "/tmp/.VTfontpath";
 inline constexpr const char* SCRATCH_PCF_DIR = "/tmp/pcf/";
@@ -65,7 +65,8 @@ inline constexpr const char* DEFAULT_XFILESEARCHPATH =
     "/usr/dt/app-defaults/%L/%N:/usr/dt/lib/app-defaults/%N:/usr/vantor/lib/locale/%L/%T/%N%S:/usr/vantor/"
     "lib/%T/%N%S";
 
-/// The font path of an installation whose database names none.
+/// The font path of an installation whose database names none. Kept: the default font path names directories
+/// that may be missing.
 inline constexpr const char* DEFAULT_FONT_PATH =
     "/usr/vantor/lib/X11/fonts/Q7/,/usr/vantor/lib/X11/fonts/Q7bitmaps/,/usr/vantor/lib/X11/fonts/Type1/,"
     "/usr/vantor/lib/X11/fonts/Speedo/,/usr/vantor/lib/X11/fonts/misc/,/usr/vantor/lib/X11/fonts/75dpi/,"

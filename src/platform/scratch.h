@@ -35,7 +35,7 @@ class UnnamedScratchFile {
 /// to.
 [[nodiscard]] bool is_foreign_dir(const char* dir);
 
-/// The same as an outcome: done unless the directory is foreign.
+/// The same as an outcome: a failure when the directory is foreign.
 Outcome may_use_scratch_dir(const std::string& dir);
 
 }  // namespace gw

@@ -43,7 +43,7 @@ void complain(const Remark& remark, const char* consequence = "") {
     complain(remark.what + ": " + remark.why + consequence);
 }
 
-/// What the font path store hands on: what it could not read, or the server would not take.
+/// Gets the failures of the font path store: what it could not read, or the server did not accept.
 void complain_of(const gw::Failure& failure) {
     complain(failure.text());
 }
