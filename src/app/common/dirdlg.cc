@@ -66,7 +66,7 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
     popdown_dir_dlg();
 }
 
-// A directory that is typed in without being selected in the list is not taken.
+// Kept: a directory that is only typed is not taken.
 void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     const std::string directory = selected_directory();
     auto* const cb = _dir_cb;

@@ -152,6 +152,7 @@ void carry_out() {
     for (GWConflict* conflict : *shown.list()) {
         if (res_list[static_cast<std::size_t>(position++)] != FORCE) continue;
         force(*conflict);
+        // Kept: a font that is decided by force counts as done.
         ++success_count;
         if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
     }

@@ -186,7 +186,7 @@ void delete_cb(Widget, XtPointer, XtPointer) {
     note_change();
 }
 
-// A duplicate is looked for in the stored path only.
+// Kept: new elements are compared with the stored path only.
 void add_new_cb(Widget, XtPointer, XtPointer) {
     const std::string element = gw::field_text(_new_fp_textfield);
     if (element.empty() || fpe_exists(element.c_str(), current->elements) != 0) return;
@@ -253,7 +253,7 @@ std::string node_name() {
 }
 
 Widget create_toggle(Widget parent, const char* name, Message text, EditSet& set) {
-    // The text ends in a blank of its own.
+    // Kept: two blanks stand before the host's name.
     const gw::XmText label = gw::xm_text(std::string(gw::text_of(text)) + ' ' + node_name());
     Arg args[1];
     XtSetArg(args[0], XmNlabelString, label.get());

@@ -38,6 +38,7 @@ using namespace fontsetsdlg;
 constexpr int GAP = 8;
 constexpr int VISIBLE_FONTS = 10;
 constexpr Dimension SAMPLE_HEIGHT = 60;
+// Kept: a fontset directory has at most 67 bytes.
 constexpr std::size_t DIRECTORY_LIMIT = 68;  // bytes of the fontset file's directory and its end
 
 gw::OptionMenu wi_fontsets_dlg_choose_menu;
@@ -108,7 +109,8 @@ void fontsets_button_cb(Widget button, XtPointer, XtPointer) {
     }
 }
 
-/// The current fontset gets `xlfd` as its font of that character set; in the file it moves to the end.
+/// Gives the current fontset `xlfd` as its font of that character set. Kept: a fontset that is changed moves
+/// to the end of the file.
 void update_current(const std::string& xlfd) {
     GWFontSet* set = fontsetdlg_cb.current.get();
     // One without a name cannot stand in the file.

@@ -118,7 +118,8 @@ void select_all_of_source(Widget list) {
     XtVaSetValues(list, XmNselectedItems, items.table(), XmNselectedItemCount, items.count(), nullptr);
 }
 
-// The position is compared with the length of the main window's list, not of this one.
+// Kept: attributes of a source end with the length of the installed list. That is the main window's list, not
+// this one.
 void show_source_attributes(Widget list) {
     const std::vector<int> positions = selected_positions(list);
     if (positions.empty() || positions.front() >= the_installed_hrn_count) return;

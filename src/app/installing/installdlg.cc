@@ -177,7 +177,7 @@ void hrn_list_activate_cb(Widget list, XtPointer, XtPointer) {
     activate(_attr_button, selected == 1 ? 1 : 0);
 }
 
-// The selection callbacks are not called: the space required and the buttons stay as they are.
+// Kept: "Select All" adds nothing up. The selection callbacks are not called.
 void select_all_cb(Widget, XtPointer, XtPointer) {
     gw::select_all_of_source(_hrn_list);
 }
@@ -384,7 +384,7 @@ void from_dir_specified_cb(const char* dir) {
     gw::set_label(_fontlist_label, gw::source_label());
 }
 
-// When a medium was ejected nothing is looked up, and yet the labels are set.
+// Kept: labels are set although nothing is listed. This is so when a medium was ejected.
 void rmedia_specified_cb(int choice) {
     if (the_wp_cl_data.is_in_progress()) return;
     if (choice != NO_MEDIUM) {

@@ -23,11 +23,11 @@ Boolean install_work_proc(XtPointer work);
 
 /// Makes `dir`, with a slash at its end, the destination.
 void set_current_install_dir(const char* dir);
-/// The blocks that ordinary users may still fill on the file system of `path`, as it counts them: they are
-/// shown as Kbytes whatever their size. 0 when it cannot be asked.
+/// The number of blocks of the file system of `path` that ordinary users may still fill. Kept: free blocks
+/// are shown as kilobytes. 0 when it cannot be asked.
 int get_avail_space(const char* path);
 /// Whether files may be made in a directory of that owner and mode: by its owner's bit or the others' bit.
-/// The group's bit does not count, and the superuser is no exception.
+/// Kept: permissions of the group are ignored.
 bool is_writeable_by(unsigned owner, unsigned mode, unsigned user);
 
 }  // namespace installdlg

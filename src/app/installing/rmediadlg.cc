@@ -68,6 +68,7 @@ void check_cb(Widget, XtPointer, XtPointer) {
 }
 
 void eject_cb(Widget, XtPointer, XtPointer) {
+    // Kept: the result of ejecting is not checked.
     gw::run_shell("/bin/eject -f %s", {current_choice == CDROM_MEDIUM ? "cdrom" : "floppy"});
     tell_caller(NO_MEDIUM);
     popdown_rmedia_dlg();
@@ -109,7 +110,7 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
                         {"close_button", Message::RMEDIA_CLOSE, close_cb, nullptr, 36, 63},
                         {"help_dlg_button", Message::RMEDIA_HELP, nullptr, nullptr, 69, 96}});
     for (Widget button : buttons) Attach(button).below(line, GAP);
-    // It does nothing and yet can be pressed.
+    // Kept: help buttons of dialogs do nothing.
     activate(buttons[2], 1);
     Widget message = gw::label(wi_rmedia_dlg, "msg_label", " ");
     Attach(message).below(buttons.back(), 0).sides(GAP).bottom_form(0);

@@ -26,7 +26,7 @@ const char* text_or(Message message, const char* other_default);
 /// The same with `number` in the place of its "%d".
 std::string text_of(Message message, unsigned number);
 
-/// `number`, a blank, and the text.
+/// `number`, a blank, and the text. Kept: a count does not change the words after it.
 std::string count_text(unsigned number, Message message);
 
 /// One text as the catalogue numbers it.

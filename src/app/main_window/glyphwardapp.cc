@@ -146,6 +146,7 @@ Widget create_work_area(Widget main_window) {
     Widget form = gw::form(main_window, "form");
     Widget font_list = gw::form(form, "FontListTemplate");
     Widget commands = create_commands(form);
+    // Kept: one widget name is misspelled.
     Widget line = gw::separator(form, "_command_seperator");
     Attach(line).sides(0).above(commands, GAP);
     Widget disk_space = gw::create_disk_space_line(form, line);

@@ -100,7 +100,7 @@ Widget create_text(Widget parent) {
 
 }  // namespace
 
-// The button has no callback: the window manager closes the window.
+// Kept: the button of the help window does nothing. The window manager closes the window.
 Widget create_help_dlg(const char* name, Widget parent) {
     wi_help_dlg = gw::form_dialog(parent, name, Message::HELP_TITLE);
     Widget ok = gw::push_button(wi_help_dlg, "ok_button", Message::HELP_OK);

@@ -67,6 +67,7 @@ void from_dir_dlg_cb(Widget, XtPointer, XtPointer) {
 }
 
 void to_dir_dlg_cb(Widget, XtPointer, XtPointer) {
+    // Kept: both choosers of the printer dialog have one title.
     popup_dir_dlg(to_dir_specified_cb,
                   gw::text_or(Message::CHOOSE_SOURCE_TITLE, "Glyph Warden : Install To"));
 }
@@ -81,7 +82,7 @@ void select_all_cb(Widget, XtPointer, XtPointer) {
     gw::select_all_of_source(wi_pr_install_dlg_scrolledlist);
 }
 
-/// The position in `list` is looked up among the fonts of the source, whichever list that is.
+/// Kept: printer dialogs show attributes of the source. The position in `list` is looked up there.
 void attr_dlg_cb(Widget, XtPointer list, XtPointer) {
     gw::show_source_attributes(static_cast<Widget>(list));
 }

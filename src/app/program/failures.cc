@@ -25,7 +25,7 @@ const char* reason_message(Reason reason) {
 }  // namespace
 
 void say_on_standard_error(const Failure& failure) {
-    // Kept: a call that failed and is of no consequence is told as `perror` tells it.
+    // Kept: some lines on standard error do not name the program.
     const bool as_perror = failure.reason == Reason::SYSTEM && failure.sequel == Sequel::NONE;
     std::fprintf(stderr, "%s%s\n", as_perror ? "" : "glyphward: ", failure.text().c_str());
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What the program says of failures: on standard error, and in the user's language for the windows.
+// Texts for failures: on standard error, and in the user's language for the windows.
 #pragma once
 
 #include <string>
@@ -9,10 +9,10 @@
 
 namespace gw {
 
-/// One line on standard error. From start-up on, this hears of the failures that nobody asks for.
+/// Prints one line to standard error. This is the program's listener for failures.
 void say_on_standard_error(const Failure& failure);
 
-/// Why it failed, in the user's language.
+/// The reason, in the user's language.
 std::string reason_text(const Failure& failure);
 
 }  // namespace gw

@@ -53,8 +53,7 @@ void hrn_list_deactivate_cb(Widget list, XtPointer, XtPointer) {
     activate_selection_controls(gw::selected_count(list));
 }
 
-// The sum ends at the first position that is not below the number of fonts: aliases add nothing, and neither
-// does the last font.
+// Kept: the last font ends the sum of disk space. Aliases add nothing either.
 void calc_disk_space_cb(Widget list, XtPointer, XtPointer) {
     unsigned kilobytes = 0;
     for (const int position : gw::selected_positions(list)) {
@@ -144,7 +143,7 @@ void start_installed_list() {
     activate_selection_controls(0);
 }
 
-// From the last font's position on, the entry counts as an alias.
+// Kept: the last font counts as an alias.
 void show_selected_attributes_cb(Widget, XtPointer, XtPointer) {
     const std::vector<int> positions = selected_positions(wi_hrn_list);
     if (positions.empty()) return;

@@ -50,6 +50,7 @@ std::string get_rc_sample_text() {
 }
 
 gw::Outcome keep_rc_sample_text(const std::string& text) {
+    // Kept: the superuser has no sample text.
     if (is_superuser()) return gw::Failure{gw::USER_SETTINGS_FILE, gw::Reason::NOT_ALLOWED};
     const std::optional<std::string> path = settings_path();
     return path ? gw::replace_file(*path, std::string(KEYWORD) + text) : gw::done();
@@ -59,6 +60,7 @@ int write_rc_sample_text(const char* text) {
     return keep_rc_sample_text(text) ? 1 : 0;
 }
 
+// Kept: point sizes are converted by a digit.
 std::string convert_to_decipoint(const char* pt) {
     return std::string(pt) + '0';
 }

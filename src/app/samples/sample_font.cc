@@ -86,6 +86,7 @@ std::optional<SampleFont> make_sample_font(std::string name, const std::string& 
     std::replace(name.begin(), name.end(), ',', '?');
     FontSet set = open_font_set(name);
     if (has_letters(set)) return set;
+    // Kept: a sample without a font set is empty.
     if (font_policy().draws_with_the_font_itself()) {
         if (LoadedFont font = load_font(name); has_letters(font)) return font;
     }

@@ -61,7 +61,7 @@ bool is_font_noise(std::string_view warning) {
 
 namespace {
 
-// The two flags are declared four bytes wide although each is one: the converter writes the one.
+// Kept: flags of one byte are declared as four. The converter writes the one byte.
 constexpr Cardinal DECLARED_FLAG_SIZE = 4;
 
 XtResource Gw_resrcs[] = {

@@ -362,6 +362,16 @@ TEST(File, AMissingFileIsNotOpened) {
     EXPECT_EQ(file.write("abc", 3), 0);
 }
 
+TEST(File, SeekingAnswersOneWhateverHappens) {
+    const TempDir dir;
+    dir.write("f", "line\n");
+    GW_FILE file("f", dir.c_str(), 0);
+    EXPECT_EQ(file.seek(2, SEEK_SET), 1) << "the file is closed";
+    ASSERT_EQ(file.open("r"), 1);
+    EXPECT_EQ(file.seek(-7, SEEK_SET), 1);
+    EXPECT_EQ(file.get_pos(), 0);
+}
+
 TEST(File, ALongLineComesInPieces) {
     const TempDir dir;
     dir.write("f", "abcdefg\nx\n");

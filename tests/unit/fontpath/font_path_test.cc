@@ -288,6 +288,15 @@ TEST_F(ConfiguredFontPath, SettingReplacesAll) {
     EXPECT_EQ(own_config(), "XDISPLAY.0.fontpath:\t/x/,/y/,/z/\n");
 }
 
+// A database without a font path would get the default one when it is read again.
+TEST_F(ConfiguredFontPath, SettingAnEmptyPathChangesTheListOnly) {
+    const auto store = own_store("/a/,/b/");
+    GW_LIST<GW_STRING> nothing;
+    EXPECT_EQ(store->set_font_path(GWFontPath::INSTALLATION_FP, &nothing), 1);
+    EXPECT_TRUE(elements(*store, 0).empty());
+    EXPECT_EQ(own_config(), "XDISPLAY.0.fontpath:\t/a/,/b/\n");
+}
+
 TEST_F(ConfiguredFontPath, AFailedWriteTakesTheChangeBack) {
     const auto store = own_store("/a/,/b/");
     std::filesystem::remove_all(own_root());

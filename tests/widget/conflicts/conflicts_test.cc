@@ -410,6 +410,18 @@ TEST_F(FontConflicts, KeepTheOldFonts) {
     EXPECT_EQ(the_installed_hrn_count, 2);
 }
 
+TEST_F(FontConflicts, CountEveryDecisionEvenIfItFails) {
+    make_conflicts({"alpha"});
+    const std::string before = installed().index();
+    install_all();
+    ASSERT_TRUE(choose_resolutions());
+    home().make_dir("glyphwd_fonts/alpha.pcf");  // so that the copy fails
+    force_all();
+    EXPECT_EQ(main_status(), "1 fonts successfully installed.");
+    EXPECT_EQ(installed().index(), before);
+    EXPECT_TRUE(installed().exists("old-alpha.pcf"));
+}
+
 TEST_F(FontConflicts, LeaveTheOriginals) {
     make_conflicts({"alpha", "beta"});
     const std::string before = installed().index();
