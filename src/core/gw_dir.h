@@ -28,8 +28,8 @@ class GW_DIR {
     int equal(const GW_DIR* other) const;
 
     /// Whether `name` has an extension that `table` knows: 1 or 0. `ext_type` becomes its id, or the table's
-    /// default id. The extension is everything after the first dot. Kept: a font file has at most two dots in
-    /// its name. So "Foo.Bold.pfa" and "a.b.c.d" are refused.
+    /// default id. The extension is everything after the first dot. Kept: the extension of a font file begins
+    /// at its first dot. So "Foo.Bold.pfa" and "a.b.c.d" are refused.
     static int file_name_check(const char* name, const GW_TOKEN_TABLE* table, int& ext_type);
 
     /// Appends the subdirectories and, with a `table`, the files whose names it accepts, in the order of
