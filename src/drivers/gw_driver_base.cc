@@ -32,6 +32,20 @@ int GWDriverBase::set_font_path(const char* dir) {
     return the_font_path->insert_after_pos(GWFontPath::SESSION_FP, &element, -1);
 }
 
+std::vector<gw::Failure> GWDriverBase::put_on_font_path(const std::string& dir) {
+    const GW_STRING element(dir.c_str());
+    std::vector<gw::Failure> failures;
+    const auto add_to = [&](GWFontPath::TYPE t, gw::Sequel without) {
+        const gw::Outcome added = the_font_path->insert(t, element, -1);
+        if (!added) failures.push_back(added.failure().with(without, dir));
+    };
+    if (position_in(GWFontPath::ALL_FP, dir.c_str()) == 0)
+        add_to(GWFontPath::USER_APPEND_FP, gw::Sequel::NOT_LISTED_NEXT_TIME);
+    if (position_in(GWFontPath::SESSION_FP, dir.c_str()) == 0)
+        add_to(GWFontPath::SESSION_FP, gw::Sequel::UNKNOWN_TO_PROGRAMS);
+    return failures;
+}
+
 void GWDriverBase::start_preview() {
     // When the directory is not ours, the listing has reported it already.
     if (!preview_dir || preview_dir->empty() || gw::is_foreign_dir(preview_dir->c_str())) return;

@@ -6,7 +6,9 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "core/failure.h"
 #include "core/gw_dir.h"
 #include "model/gw_hrn_list.h"
 
@@ -22,6 +24,8 @@ class GWDriverBase {
     /// Makes sure that `dir` is on the configured and on the session font path. Returns 0 when it was on the
     /// session font path already, otherwise the result of adding it.
     virtual int set_font_path(const char* dir);
+    /// The same, and what of it could not be done.
+    std::vector<gw::Failure> put_on_font_path(const std::string& dir);
     /// Puts the preview directory on the session font path. When it is there already, only asks the server to
     /// read it again. A directory that is a link or belongs to someone else is not used.
     virtual void start_preview();

@@ -3,8 +3,19 @@
 
 namespace gw {
 
+namespace {
+
+/// The name up to the bracket that closes its type.
+std::string without_mark(const std::string& name) {
+    const std::size_t type = name.find('[');
+    const std::size_t end = type == std::string::npos ? type : name.find(']', type);
+    return end == std::string::npos ? name : name.substr(0, end + 1);
+}
+
+}  // namespace
+
 bool FontReport::note(GWFont& font, const Outcome& outcome) {
-    if (!outcome) entries.push_back({font.get_hrn_name(), outcome.failure()});
+    if (!outcome) entries.push_back({without_mark(font.get_hrn_name()), outcome.failure()});
     return static_cast<bool>(outcome);
 }
 
@@ -12,12 +23,14 @@ void FontReport::append(const FontReport& other) {
     entries.insert(entries.end(), other.entries.begin(), other.entries.end());
 }
 
+// Kept: some fonts are left out without a line on standard error.
+bool was_always_silent(Reason reason) {
+    return reason == Reason::NAME_OF_AN_ALIAS || reason == Reason::TOO_MANY_OF_ONE_SIZE;
+}
+
 void FontReport::tell() const {
     for (const Entry& entry : entries) {
-        const Reason reason = entry.why.reason;
-        // Kept: some fonts are left out without a line on standard error.
-        const bool silent = reason == Reason::NAME_OF_AN_ALIAS || reason == Reason::TOO_MANY_OF_ONE_SIZE;
-        if (!silent) gw::tell(entry.why);
+        if (!was_always_silent(entry.why.reason)) gw::tell(entry.why);
     }
 }
 

@@ -16,7 +16,7 @@ class FontReport {
   public:
     /// A font that was not installed or deleted.
     struct Entry {
-        std::string font;  ///< its human-readable name
+        std::string font;  ///< its human-readable name, without the mark "[Read Only]"
         Failure why;
     };
 
@@ -34,5 +34,8 @@ class FontReport {
   private:
     std::vector<Entry> entries;
 };
+
+/// Whether fonts have always been left out for this reason without a word on standard error.
+[[nodiscard]] bool was_always_silent(Reason reason);
 
 }  // namespace gw

@@ -4,6 +4,7 @@
 #include <dlfcn.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdlib>
 
@@ -61,7 +62,12 @@ void finish_start() {
 
 void start_program(const std::vector<std::string>& arguments) {
     if (wi_toplevel != nullptr) return;
-    start_toolkit(arguments);
+    const bool decides = std::any_of(arguments.begin(), arguments.end(), [](const std::string& argument) {
+        return argument.find("gw_modern_windows") != std::string::npos;
+    });
+    std::vector<std::string> all = arguments;
+    if (!decides) all.insert(all.end(), {"-xrm", "Glyphward*gw_modern_windows: False"});
+    start_toolkit(all);
     finish_start();
 }
 

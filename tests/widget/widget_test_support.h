@@ -15,7 +15,8 @@
 
 namespace gw::test {
 
-/// Starts the program once per process: everything up to its event loop. Later calls do nothing.
+/// Starts the program once per process: everything up to its event loop. Later calls do nothing. Unless the
+/// arguments mention `gw_modern_windows`, that is off.
 void start_program(const std::vector<std::string>& arguments = {});
 
 /// The two halves of `start_program`, for tests that check the state between them.

@@ -16,7 +16,9 @@
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/conflict_lists.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/samples/installed_list.h"
 #include "model/hrn_words.h"
 
@@ -135,35 +137,48 @@ void list_in_order(GWHRNElement* elem, const std::string& name_before) {
     if (elem->get_representative() != nullptr) the_installed_hrn_list.insert(elem);
 }
 
-void force(GWConflict& conflict) {
+void force(GWConflict& conflict, gw::FontReport& report) {
     if (!installs()) {
-        conflict.delete_force(the_fsm_list);
+        conflict.delete_force(the_fsm_list, report);
         return;
     }
     GWHRNElement* other = conflict.get_other_element();
     const std::string name = other != nullptr ? other->get_name() : "";
-    conflict.install_force(the_fsm_list);
+    conflict.install_force(the_fsm_list, report);
     if (other != nullptr) list_in_order(other, name);
 }
 
-void carry_out() {
+/// Carries out what was decided; returns lines for what was not done.
+std::vector<std::string> carry_out() {
+    gw::FontReport report;
     std::string destination;
     int position = 0;
     for (GWConflict* conflict : *shown.list()) {
         if (res_list[static_cast<std::size_t>(position++)] != FORCE) continue;
-        force(*conflict);
+        gw::FontReport own;
+        force(*conflict, own);
         // Kept: a font that is decided by force counts as done.
-        ++success_count;
+        if (own.failed().empty() || !gw::window_policy().shows_reasons()) ++success_count;
+        report.append(own);
         if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
     }
     the_installed_hrn_count = the_installed_hrn_list.get_count();
-    if (installs() && !destination.empty()) show_installation_to_server(destination.c_str());
+    gw::say_on_standard_error(report);
+    std::vector<std::string> lines = gw::failure_lines(report);
+    if (installs() && !destination.empty()) {
+        for (const gw::Failure& failure : show_installation_to_server(destination)) {
+            gw::tell(failure);
+            const std::vector<std::string> more = gw::failure_lines(failure);
+            lines.insert(lines.end(), more.begin(), more.end());
+        }
+    }
     if (!installs()) the_font_path->rehash_session_fp();
+    return lines;
 }
 
 void ok_cb(Widget, XtPointer, XtPointer) {
     if (shown.list() == nullptr) return;
-    carry_out();
+    const std::vector<std::string> failures = carry_out();
     update_label(
         wi_main_window_status_label,
         gw::count_text(success_count, installs() ? Message::FONTS_INSTALLED : Message::FONTS_DELETED).c_str(),
@@ -171,7 +186,7 @@ void ok_cb(Widget, XtPointer, XtPointer) {
     update_wi_installed_hrn_list();
     forget_selection();
     stop_conflict_dlg();
-    if (uid == 0) start_fp_info_dlg();
+    if (!start_summary({conflict_type, success_count, nullptr, failures}) && uid == 0) start_fp_info_dlg();
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {

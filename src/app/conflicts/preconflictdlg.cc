@@ -11,10 +11,12 @@
 #include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
+#include "app/kit/lists.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/conflict_lists.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 
 #include <Xm/Form.h>
 
@@ -26,8 +28,12 @@ using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 10;
+constexpr int VISIBLE_FAILURES = 6;
+constexpr std::size_t FAILURE_COLUMNS = 70;
 
 Widget wi_success_label, wi_read_only_label, wi_conflict_label, wi_detail_label;
+Widget wi_failed_label, wi_failed_list;  // null where windows show no reasons
+Widget wi_separator;
 Widget wi_ok_button, wi_resolve_button;
 
 gw::ConflictView shown;
@@ -50,6 +56,7 @@ const Texts* texts = &INSTALL_TEXTS;
 void count_conflicts() {
     read_only_conflict_count = 0;
     other_conflict_count = 0;
+    if (shown.list() == nullptr) return;
     for (const GWConflict* conflict : *shown.list())
         ++(conflict->is_conflict(GWConflict::READ_ONLY) != 0 ? read_only_conflict_count
                                                              : other_conflict_count);
@@ -62,8 +69,13 @@ void show_counts() {
     gw::set_label(wi_read_only_label,
                   gw::text_of(texts->read_only) + std::to_string(read_only_conflict_count));
     gw::set_label(wi_conflict_label, gw::text_of(texts->conflicts) + others + " *");
-    gw::set_label(wi_detail_label, other_conflict_count > 0 ? "* " + others + gw::text_of(texts->some)
-                                                            : gw::text_of(texts->none));
+    std::string detail = " ";
+    if (other_conflict_count > 0) {
+        detail = "* " + others + gw::text_of(texts->some);
+    } else if (shown.list() != nullptr) {
+        detail = gw::text_of(texts->none);
+    }
+    gw::set_label(wi_detail_label, detail);
 }
 
 void ok_cb(Widget, XtPointer, XtPointer) {
@@ -90,6 +102,31 @@ Widget text_line(const char* name, Widget above, int offset) {
     return w;
 }
 
+/// The fonts that were not done, and why: below the counts.
+void create_failures() {
+    wi_failed_label = gw::label(wi_preconflict_dlg, "failed_label", Message::NOT_DONE);
+    Attach(wi_failed_label).below(wi_detail_label, 2 * GAP).sides(GAP);
+    wi_failed_list = gw::scrolled_list(wi_preconflict_dlg, "failed_list");
+    XtVaSetValues(wi_failed_list, XmNvisibleItemCount, VISIBLE_FAILURES, nullptr);
+    gw::set_list_columns(wi_failed_list, FAILURE_COLUMNS);
+    Attach(XtParent(wi_failed_list)).below(wi_failed_label, 2).sides(GAP);
+}
+
+void show_failures(const std::vector<std::string>& lines) {
+    if (wi_failed_list == nullptr) return;
+    Widget scrolled = XtParent(wi_failed_list);
+    gw::fill_list(wi_failed_list, lines);
+    // What is not managed must not be what the separator hangs on.
+    Attach(wi_separator).below(lines.empty() ? wi_detail_label : scrolled, GAP);
+    for (Widget w : {wi_failed_label, scrolled}) {
+        if (lines.empty()) {
+            XtUnmanageChild(w);
+        } else {
+            XtManageChild(w);
+        }
+    }
+}
+
 }  // namespace
 
 Widget create_preconflict_dlg(const char* name, Widget parent) {
@@ -98,8 +135,9 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
     wi_read_only_label = text_line("read_only_label", wi_success_label, 2);
     wi_conflict_label = text_line("conflict_label", wi_read_only_label, 2);
     wi_detail_label = text_line("detail_label", wi_conflict_label, 2 * GAP);
-    Widget line = gw::separator(wi_preconflict_dlg, "separator");
-    Attach(line).below(wi_detail_label, GAP).sides(0);
+    if (gw::window_policy().shows_reasons()) create_failures();
+    wi_separator = gw::separator(wi_preconflict_dlg, "separator");
+    Attach(wi_separator).below(wi_detail_label, GAP).sides(0);
 
     Widget message = gw::label(wi_preconflict_dlg, "msg_label", " ");
     Attach(message).sides(GAP).bottom_form(0);
@@ -109,7 +147,7 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
          {"resolve_button", Message::REVIEW, resolve_cb, nullptr, 37, 63},
          {"help_dlg_button", Message::PRECONFLICT_HELP, gw::do_nothing_cb, nullptr, 70, 96}});
     // Tied to what is above and below them, the buttons keep one height under any label.
-    for (Widget button : buttons) Attach(button).below(line, GAP).above(message, 0);
+    for (Widget button : buttons) Attach(button).below(wi_separator, GAP).above(message, 0);
     wi_ok_button = buttons[0];
     wi_resolve_button = buttons[1];
     // Ok changes nothing: it is what leaving the window by any road means.
@@ -118,16 +156,29 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
 }
 
 void start_preconflict_dlg(unsigned success, GW_LIST<GWConflict>* list) {
-    if (list->is_empty()) return;
-    shown.show(list);
-    success_count = success;
-    texts = (*list->begin())->get_type() == GWConflict::INSTALL ? &INSTALL_TEXTS : &DELETE_TEXTS;
+    if (!list->is_empty()) start_summary({(*list->begin())->get_type(), success, list, {}});
+}
+
+bool start_summary(const WorkSummary& summary) {
+    const bool has_conflicts = summary.conflicts != nullptr && !summary.conflicts->is_empty();
+    const bool has_failures = !summary.failures.empty() && gw::window_policy().shows_reasons();
+    if (!has_conflicts && !has_failures) return false;
+    if (has_conflicts) {
+        shown.show(summary.conflicts);
+    } else {
+        shown.let_go();
+    }
+    success_count = summary.success;
+    texts = summary.type == GWConflict::INSTALL ? &INSTALL_TEXTS : &DELETE_TEXTS;
     count_conflicts();
     const bool undecided = other_conflict_count > 0;
     gw::set_label(wi_ok_button, gw::text_of(undecided ? Message::LEAVE_ORIGINALS : Message::PRECONFLICT_OK));
     gw::set_label(wi_resolve_button, gw::text_of(undecided ? Message::CHOOSE : Message::REVIEW));
+    activate(wi_resolve_button, has_conflicts ? 1 : 0);
     show_counts();
+    show_failures(summary.failures);
     XtManageChild(wi_preconflict_dlg);
+    return true;
 }
 
 void stop_preconflict_dlg() {

@@ -1,7 +1,11 @@
 // SPDX-License-Identifier: MIT
 //
-// The conflict summary: how many fonts were done, how many are read-only, and how many need a decision.
+// The summary: how many fonts were done, how many are read-only, how many need a decision, and, where windows
+// show reasons, which fonts were not done and why.
 #pragma once
+
+#include <string>
+#include <vector>
 
 #include "core/gw_list.h"
 #include "model/gw_conflict.h"
@@ -10,8 +14,19 @@
 
 extern Widget wi_preconflict_dlg;
 
+/// What became of an installation or a deletion.
+struct WorkSummary {
+    GWConflict::TYPE type;
+    unsigned success = 0;  ///< fonts that were done
+    GW_LIST<GWConflict>* conflicts = nullptr;
+    std::vector<std::string> failures;  ///< lines for what was not done
+};
+
 Widget create_preconflict_dlg(const char* name, Widget parent);
 /// Shows the summary of `list` (not owned, not empty); `success` fonts were done.
 void start_preconflict_dlg(unsigned success, GW_LIST<GWConflict>* list);
+/// Shows the summary when there is something to tell: conflicts or, where windows show reasons, failures.
+/// Returns whether it does.
+bool start_summary(const WorkSummary& summary);
 /// Writes the main window's status line and hides the summary.
 void stop_preconflict_dlg();

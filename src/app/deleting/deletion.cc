@@ -12,6 +12,7 @@
 #include "app/kit/messages.h"
 #include "app/kit/toolkit.h"
 #include "app/program/conflict_lists.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
@@ -46,8 +47,10 @@ void finish_deletion(int deleted) {
     stop_progress_dlg();
     permit_other_work();
     if (deleted > 0) the_font_path->rehash_session_fp();
-    if (!the_conflict_list.is_empty())
-        start_preconflict_dlg(static_cast<unsigned>(deleted), &the_conflict_list);
+    const gw::FontReport& report = the_installed_hrn_list.get_report();
+    gw::say_on_standard_error(report);
+    start_summary(
+        {GWConflict::DELETE, static_cast<unsigned>(deleted), &the_conflict_list, gw::failure_lines(report)});
     update_label(wi_main_window_status_label,
                  gw::count_text(static_cast<unsigned>(deleted), Message::FONTS_DELETED).c_str(), nullptr);
 }
@@ -80,7 +83,10 @@ void delete_confirmed_cb(char confirmed) {
 // Every deletion so far has moved what follows up by one.
 Boolean delete_work_proc(XtPointer data) {
     auto* work = static_cast<WorkRecord*>(data);
-    if (work->index == 0) gw::clear_conflict_list();
+    if (work->index == 0) {
+        gw::clear_conflict_list();
+        the_installed_hrn_list.get_report().clear();
+    }
     delete_entry(work->positions[work->index] - work->done, *work);
     ++work->index;
     if (work->is_in_progress()) return False;

@@ -16,7 +16,9 @@
 #include "app/kit/lists.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
@@ -209,12 +211,15 @@ void apply_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     GW_LIST<GW_STRING> list;
     const gw::ElementsOwner owner(list);
     for (const std::string& element : displayed) list.append(new GW_STRING(element.c_str()));
-    if (current->font_path->set_font_path(GWFontPath::INSTALLATION_FP, &list) != 0) {
+    const gw::Outcome written = current->font_path->replace(GWFontPath::INSTALLATION_FP, list);
+    if (gw::tell_unless_done(written)) {
         current->elements = displayed;
         if (current == &default_inst) relist_installed_fonts();
     } else {
         reset_cb(w, client_data, call_data);
-        start_warning_dlg(gw::text_of(Message::FP_WARNING_TITLE), gw::text_of(Message::FP_UNWRITEABLE));
+        std::string warning = gw::text_of(Message::FP_UNWRITEABLE);
+        if (gw::window_policy().shows_reasons()) warning += '\n' + gw::failure_line(written.failure());
+        start_warning_dlg(gw::text_of(Message::FP_WARNING_TITLE), warning.c_str());
     }
     activate_all({_ok_button, _apply_button, _reset_button}, false);
 }

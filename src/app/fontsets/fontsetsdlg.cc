@@ -15,7 +15,9 @@
 #include "app/kit/menus.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/samples/sample_field.h"
 #include "fontfiles/gw_fontset.h"
 #include "model/gw_font.h"
@@ -135,16 +137,26 @@ void update_base_names_cb(Widget list, XtPointer, XtPointer call_data) {
     display_sample_text(fontsetdlg_cb.current.get());
 }
 
-void apply_fontset_cb(Widget, XtPointer, XtPointer) {
+/// Writes the fontsets; whether there is nothing more to say about it.
+bool apply_fontsets() {
     const Operation operation;
-    if (!operation.is_first()) return;
-    if (user_is_root == 0) return set_message(gw::text_of(Message::FONTSETS_ROOT_ONLY));
-    if (!fontsetdlg_cb.file) return;
+    if (!operation.is_first()) return true;
+    if (user_is_root == 0) {
+        set_message(gw::text_of(Message::FONTSETS_ROOT_ONLY));
+        return false;
+    }
+    if (!fontsetdlg_cb.file) return true;
     const gw::BusyWindows busy;
     set_message(gw::text_of(Message::UPDATING_FONTSETS));
     process_xt_events();
-    fontsetdlg_cb.file->sync();
-    set_message(" ");
+    const gw::Outcome written = fontsetdlg_cb.file->put_in_place();
+    const bool is_shown = !gw::tell_unless_done(written) && gw::window_policy().shows_reasons();
+    set_message(is_shown ? gw::failure_line(written.failure()) : " ");
+    return !is_shown;
+}
+
+void apply_fontset_cb(Widget, XtPointer, XtPointer) {
+    apply_fontsets();
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {
@@ -152,8 +164,7 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
 }
 
 void ok_fontset_cb(Widget w, XtPointer client_data, XtPointer call_data) {
-    apply_fontset_cb(w, client_data, call_data);
-    if (user_is_root != 0) cancel_cb(w, client_data, call_data);
+    if (apply_fontsets() && user_is_root != 0) cancel_cb(w, client_data, call_data);
 }
 
 void reset_fontset_cb(Widget, XtPointer, XtPointer) {

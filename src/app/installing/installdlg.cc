@@ -29,6 +29,7 @@
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/program/conflict_lists.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
@@ -247,12 +248,17 @@ void finish_installation(int installed) {
     permit_other_work();
     update_wi_installed_hrn_list();
     forget_selection();
-    if (installed > 0) show_installation_to_server(current_install_dir.c_str());
-    if (!the_conflict_list.is_empty()) {
-        start_preconflict_dlg(static_cast<unsigned>(installed), &the_conflict_list);
-    } else if (uid == 0) {
-        start_fp_info_dlg();
+    WorkSummary summary{GWConflict::INSTALL, static_cast<unsigned>(installed), &the_conflict_list,
+                        gw::failure_lines(current_hrn_list.get_report())};
+    gw::say_on_standard_error(current_hrn_list.get_report());
+    if (installed > 0) {
+        for (const gw::Failure& failure : show_installation_to_server(current_install_dir)) {
+            gw::tell(failure);
+            const std::vector<std::string> lines = gw::failure_lines(failure);
+            summary.failures.insert(summary.failures.end(), lines.begin(), lines.end());
+        }
     }
+    if (!start_summary(summary) && uid == 0) start_fp_info_dlg();
     XmTextFieldSetString(wi_installed_sample_textfield, gw::name_arg(" "));
     update_label(wi_main_window_status_label,
                  gw::count_text(static_cast<unsigned>(installed), Message::FONTS_INSTALLED).c_str(), nullptr);
@@ -411,7 +417,10 @@ Boolean font_lookup_work_proc(XtPointer driver) {
 
 Boolean install_work_proc(XtPointer data) {
     auto* work = static_cast<WorkRecord*>(data);
-    if (work->index == 0) gw::clear_conflict_list();
+    if (work->index == 0) {
+        gw::clear_conflict_list();
+        current_hrn_list.get_report().clear();
+    }
     const int result = current_hrn_list.install_at_pos(static_cast<unsigned>(work->positions[work->index]),
                                                        current_install_dir.c_str(), the_installed_hrn_list,
                                                        the_alias_list, the_fsm_list, the_conflict_list);

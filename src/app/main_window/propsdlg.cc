@@ -8,6 +8,8 @@
 #include "app/kit/kept_text.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/failures.h"
+#include "app/program/window_policy.h"
 #include "app/samples/rc_sample_text.h"
 #include "app/samples/sample_text.h"
 
@@ -26,21 +28,42 @@ constexpr short TEXT_COLUMNS = 45;
 
 gw::KeptText sample;
 
+Widget message = nullptr;  // null where windows show no reasons
+
+void say(const std::string& text) {
+    if (message != nullptr) gw::set_label(message, text);
+}
+
 void reset_cb(Widget, XtPointer, XtPointer) {
     sample.show(get_rc_sample_text());
+    say(" ");
+}
+
+/// Whether the text is kept now.
+bool apply() {
+    const gw::Outcome kept = gw::keep_sample_text(sample.text());
+    say(kept ? " " : gw::failure_line(kept.failure()));
+    return static_cast<bool>(kept);
 }
 
 void apply_cb(Widget, XtPointer, XtPointer) {
-    set_rc_sample_text(sample.text().c_str());
+    apply();
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {
     XtUnmanageChild(wi_props_dlg);
 }
 
-void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
-    apply_cb(w, client_data, call_data);
-    XtUnmanageChild(wi_props_dlg);
+void ok_cb(Widget, XtPointer, XtPointer) {
+    if (apply() || message == nullptr) XtUnmanageChild(wi_props_dlg);
+}
+
+/// The line that says why the text was not kept. It has room for a long path from the beginning.
+Widget create_message(Widget above) {
+    message = gw::label(wi_props_dlg, "msg_label", " ");
+    XtVaSetValues(message, XmNrecomputeSize, False, nullptr);
+    Attach(message).below(above, 2).sides(GAP);
+    return message;
 }
 
 }  // namespace
@@ -54,7 +77,7 @@ Widget create_props_dlg(const char* name, Widget parent) {
     XtVaSetValues(text, XmNcolumns, TEXT_COLUMNS, nullptr);
     Attach(text).below(label, 2).sides(GAP);
     Widget line = gw::separator(wi_props_dlg, "separator");
-    Attach(line).below(text, GAP).sides(0);
+    Attach(line).below(gw::window_policy().shows_reasons() ? create_message(text) : text, GAP).sides(0);
 
     Widget row = gw::form(wi_props_dlg, "button_form");
     Attach(row).below(line, GAP).sides(0).bottom_form(GAP);

@@ -33,12 +33,14 @@ void fill_program_lists() {
     the_alias_count = the_alias_list.get_count();
 }
 
-void show_installation_to_server(const char* dir) {
+std::vector<gw::Failure> show_installation_to_server(const std::string& dir) {
+    std::vector<gw::Failure> failures;
     if (uid != 0) {
-        GW_DIR(dir).make_upr_file(0, nullptr);
-        the_installed_fonts_driver.set_font_path(dir);
+        GW_DIR(dir.c_str()).make_upr_file(0, nullptr);
+        failures = the_installed_fonts_driver.put_on_font_path(dir);
     }
     the_font_path->rehash_session_fp();
+    return failures;
 }
 
 void release_program_objects() {

@@ -3,6 +3,10 @@
 // The objects that live from start-up to exit and that all windows share.
 #pragma once
 
+#include <string>
+#include <vector>
+
+#include "core/failure.h"
 #include "core/gw_list.h"
 #include "drivers/engine_globals.h"
 #include "drivers/gw_alias_driver.h"
@@ -46,9 +50,10 @@ struct GwResources {
 };
 extern GwResources Gw_resrc;
 
-/// What the program does beyond them; see core/font_policy.h.
+/// What the program does beyond them; see core/font_policy.h and window_policy.h.
 struct GwModernResources {
     Boolean modern_fonts;
+    Boolean modern_windows;
 };
 extern GwModernResources Gw_modern_resrc;
 
@@ -57,8 +62,8 @@ void fill_program_lists();
 
 /// What an installation into `dir` means to the running server. An ordinary user's directory gets its
 /// resource file and goes on the font path of the user and of the session; in every case the server rereads
-/// its directories, for `dir` may have been among them before.
-void show_installation_to_server(const char* dir);
+/// its directories, for `dir` may have been among them before. Returns what could not be done.
+std::vector<gw::Failure> show_installation_to_server(const std::string& dir);
 
 /// Releases what the lists refer to, at the end of the run.
 void release_program_objects();

@@ -50,9 +50,9 @@ std::string get_rc_sample_text() {
 }
 
 gw::Outcome keep_rc_sample_text(const std::string& text) {
-    // Kept: the superuser has no sample text.
-    if (is_superuser()) return gw::Failure{gw::USER_SETTINGS_FILE, gw::Reason::NOT_ALLOWED};
     const std::optional<std::string> path = settings_path();
+    // Kept: the superuser has no sample text.
+    if (is_superuser()) return gw::Failure{path.value_or(gw::USER_SETTINGS_FILE), gw::Reason::NOT_ALLOWED};
     return path ? gw::replace_file(*path, std::string(KEYWORD) + text) : gw::done();
 }
 

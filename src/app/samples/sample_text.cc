@@ -34,11 +34,15 @@ std::string bounded_sample(const std::string& text) {
 
 }  // namespace
 
-int set_rc_sample_text(const char* text) {
-    if (write_rc_sample_text(text) == 0) return 0;
+gw::Outcome gw::keep_sample_text(const std::string& text) {
+    if (Outcome kept = keep_rc_sample_text(text); !kept) return kept;
     sample_text = bounded_sample(text);
-    gw::sample_text_changes().emit(nullptr);
-    return 1;
+    sample_text_changes().emit(nullptr);
+    return done();
+}
+
+int set_rc_sample_text(const char* text) {
+    return gw::keep_sample_text(text) ? 1 : 0;
 }
 
 void set_sample_text_cb(Widget field, XtPointer /*client_data*/, XtPointer call_data) {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "app/kit/signal.h"
+#include "core/failure.h"
 
 #include <X11/Intrinsic.h>
 
@@ -17,6 +18,13 @@ extern std::string sample_text;
 /// Keeps `text` as the sample text, in the user's file too, and shows it; 0 (and nothing changes) for the
 /// superuser or when the file cannot be written, else 1.
 int set_rc_sample_text(const char* text);
+
+namespace gw {
+
+/// The same, and why nothing changes.
+Outcome keep_sample_text(const std::string& text);
+
+}  // namespace gw
 
 /// A sample field was changed; a user's edit becomes the sample text.
 void set_sample_text_cb(Widget field, XtPointer client_data, XtPointer call_data);

@@ -32,6 +32,7 @@
 #include "app/printer/printerdlg.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/samples/attrdlg.h"
 #include "app/start/fallback_resources.h"
 #include "app/start/initdlg.h"
@@ -81,6 +82,9 @@ XtResource Gw_modern_resrcs[] = {
     {gw::name_arg("gw_modern_fonts"), gw::name_arg("Gw_Modern_Fonts"), gw::name_arg(XmRBoolean),
      sizeof(Boolean), XtOffsetOf(GwModernResources, modern_fonts), gw::name_arg(XmRString),
      gw::name_arg("False")},
+    {gw::name_arg("gw_modern_windows"), gw::name_arg("Gw_Modern_Windows"), gw::name_arg(XmRBoolean),
+     sizeof(Boolean), XtOffsetOf(GwModernResources, modern_windows), gw::name_arg(XmRString),
+     gw::name_arg("False")},
 };
 
 void read_resources() {
@@ -88,6 +92,7 @@ void read_resources() {
     XtGetApplicationResources(wi_toplevel, &Gw_modern_resrc, Gw_modern_resrcs, XtNumber(Gw_modern_resrcs),
                               nullptr, 0);
     gw::set_font_policy(gw::FontPolicy(Gw_modern_resrc.modern_fonts != False));
+    gw::set_window_policy(gw::WindowPolicy(Gw_modern_resrc.modern_windows != False));
 }
 
 // Who sets a locale that the machine does not have is told so by every program; here all is English then.

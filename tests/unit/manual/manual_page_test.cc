@@ -166,6 +166,7 @@ TEST(ManualPageTest, HasItsSectionsInOrder) {
                                                "FONT PATH",
                                                "FONTSETS",
                                                "FONTS OF TODAY",
+                                               "WINDOWS THAT SAY MORE",
                                                "FONTS OF A PRINTER",
                                                "LANGUAGES",
                                                "KEYBOARD",

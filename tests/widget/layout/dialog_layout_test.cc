@@ -100,6 +100,20 @@ struct Dialog {
     std::set<std::string> idle = {};  ///< buttons that do nothing, deliberately
 };
 
+/// The parts of a dialog, with those between that it has only where windows show reasons.
+std::vector<const char*> with_reasons(std::vector<const char*> first, const std::vector<const char*>& reasons,
+                                      const std::vector<const char*>& last) {
+    if (SUITE.modern_windows) first.insert(first.end(), reasons.begin(), reasons.end());
+    first.insert(first.end(), last.begin(), last.end());
+    return first;
+}
+
+std::vector<std::string> long_lines() {
+    return {20,
+            "New Century Schoolbook Bold Italic [Bitmap]: No space left on device "
+            "(/home/somebody/fonts/ncenBI24.pcf)"};
+}
+
 std::vector<Dialog> dialogs() {
     return {
         {"init_dlg", &wi_init_dlg, start_init_dlg, {}},
@@ -180,8 +194,8 @@ std::vector<Dialog> dialogs() {
         {"props_dlg",
          &wi_props_dlg,
          start_props_dlg,
-         {"sample_label", "sample_textField", "ok_button", "apply_button", "reset_button", "cancel_button",
-          "help_button"},
+         with_reasons({"sample_label", "sample_textField"}, {"msg_label"},
+                      {"ok_button", "apply_button", "reset_button", "cancel_button", "help_button"}),
          {"help_button"}},
         {"progress_dlg",
          &wi_progress_dlg,
@@ -201,11 +215,17 @@ std::vector<Dialog> dialogs() {
           "button_rowcol.not_keep_button", "conflict_detail_label", "separator", "ok_button", "cancel_button",
           "help_dlg_button", "msg_label"}},
         {"conflict_dlg", &wi_conflict_dlg, [] { start_conflict_dlg(3, conflicts(GWConflict::INSTALL)); }, {}},
+        {"preconflict_dlg", &wi_preconflict_dlg,
+         [] { start_preconflict_dlg(12345, conflicts(GWConflict::DELETE)); },
+         with_reasons({"success_label", "read_only_label", "conflict_label", "detail_label"},
+                      {"failed_label", "failed_list"},
+                      {"separator", "ok_button", "resolve_button", "help_dlg_button", "msg_label"})},
         {"preconflict_dlg",
          &wi_preconflict_dlg,
-         [] { start_preconflict_dlg(12345, conflicts(GWConflict::DELETE)); },
-         {"success_label", "read_only_label", "conflict_label", "detail_label", "separator", "ok_button",
-          "resolve_button", "help_dlg_button", "msg_label"}},
+         [] {
+             start_summary({GWConflict::INSTALL, 12345, conflicts(GWConflict::INSTALL), long_lines()});
+         },
+         {}},
         {"preconflict_dlg",
          &wi_preconflict_dlg,
          [] { start_preconflict_dlg(12345, conflicts(GWConflict::INSTALL)); },
@@ -292,6 +312,8 @@ class Layout : public testing::Test {
         }
         if (SUITE.xft_dpi != 0)
             arguments.insert(arguments.end(), {"-xrm", "Xft.dpi: " + std::to_string(SUITE.xft_dpi)});
+        arguments.insert(arguments.end(), {"-xrm", std::string("Glyphward*gw_modern_windows: ") +
+                                                       (SUITE.modern_windows ? "True" : "False")});
         start_program(arguments);
         ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), SUITE.locale);
     }

@@ -3,6 +3,6 @@
 
 namespace gw::test {
 
-const LayoutSuite SUITE = {TEST_LOCALE, TEST_LANGUAGE, TEST_SERVER_DPI, TEST_XFT_DPI};
+const LayoutSuite SUITE = {TEST_LOCALE, TEST_LANGUAGE, TEST_SERVER_DPI, TEST_XFT_DPI, TEST_MODERN_WINDOWS};
 
 }  // namespace gw::test

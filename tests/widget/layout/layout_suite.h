@@ -10,6 +10,7 @@ struct LayoutSuite {
     const char* language;  ///< of its texts as data/locales.txt calls it, or "C"
     int server_dpi;        ///< how fine the server's screen is; 0: the sandbox's
     int xft_dpi;           ///< what the desktop says of the fonts on it; 0: nothing
+    bool modern_windows;   ///< whether the windows are those of `gw_modern_windows`
 };
 extern const LayoutSuite SUITE;
 
