@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What the windows do beyond what they have always done. By default nothing. The resource `gw_modern_windows`
-// switches everything below on together; each place that differs asks for its own point.
+// What windows show and do beyond earlier releases. By default every point below is off. The resource
+// `gw_modern_windows` switches all points on together; each place in the code asks for its own point.
 #pragma once
 
 namespace gw {
@@ -10,7 +10,7 @@ class WindowPolicy {
   public:
     constexpr explicit WindowPolicy(bool modern = false) : modern_(modern) {}
 
-    /// What was not done is shown in a window, with its reason, and not only said on standard error.
+    /// Failures are shown in a window, with their reasons, and not only on standard error.
     [[nodiscard]] constexpr bool shows_reasons() const { return modern_; }
 
   private:
@@ -19,7 +19,7 @@ class WindowPolicy {
 
 /// The policy of the whole program.
 [[nodiscard]] WindowPolicy window_policy();
-/// Start-up says it once, before any window is made.
+/// Called once at start-up, before any window is made.
 void set_window_policy(WindowPolicy policy);
 
 }  // namespace gw
