@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <string_view>
 
 #include "end_to_end/desktop.h"
 #include "end_to_end/waiting.h"
@@ -19,10 +20,19 @@ constexpr const char* INSTALLED_PROGRAM = "/usr/vantor/bin/glyphward";
 
 }  // namespace
 
+bool is_as_ever() {
+    const char* resources = std::getenv("GLYPHWARD_RESOURCES");
+    return resources != nullptr && std::string_view(resources) == "off";
+}
+
 Program::Program(const std::map<std::string, std::optional<std::string>>& environment,
                  const std::vector<std::string>& arguments) {
     std::vector<std::string> command = {INSTALLED_PROGRAM, "-xrm",
                                         "*multiClickTime: " + std::to_string(DOUBLE_CLICK.count())};
+    if (is_as_ever()) {
+        for (const char* resource : {"gw_modern_fonts", "gw_modern_windows"})
+            command.insert(command.end(), {"-xrm", std::string("Glyphward*") + resource + ": False"});
+    }
     command.insert(command.end(), arguments.begin(), arguments.end());
     // In this corner the top of its list is not covered by its dialogs, which open in the middle of the
     // screen.

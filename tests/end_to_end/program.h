@@ -15,6 +15,10 @@
 
 namespace gw::e2e {
 
+/// Whether the tests run with both resources for today switched off, as GLYPHWARD_RESOURCES=off asks: what
+/// the program has always done is to be the same then. Tests of what is new are skipped.
+[[nodiscard]] bool is_as_ever();
+
 class Program {
   public:
     /// Starts the program. A variable without a value is removed from the environment. HOME is a new
