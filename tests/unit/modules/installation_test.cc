@@ -171,6 +171,17 @@ TEST_F(Installation, ADirectoryThatMayNotBeWrittenStaysAsItIs) {
     EXPECT_EQ(dir.read("to/fonts.dir"), "0\n");
 }
 
+// The metrics were once said to be missing, when only their directory could not be made.
+TEST_F(Installation, ADirectoryForMetricsThatCannotBeMadeIsNamedItself) {
+    if (::geteuid() == 0) GTEST_SKIP() << "every directory is open to the superuser";
+    dir.write("from/afm/tiny.afm", "x");
+    dir.write("from/tiny.pfa", "%!PS");
+    dir.write("to/fonts.dir", "0\n");
+    ::chmod(dir.file("to").c_str(), 0555);
+    EXPECT_FALSE(install(outline({"afm/tiny.afm", "tiny.pfa"}), dir.file("to/")));
+    EXPECT_TRUE(said_of(dir.file("to/afm"), CLOSED)) << said;
+}
+
 TEST_F(Installation, AnIndexThatMayNotBeWrittenGetsNoFont) {
     if (::geteuid() == 0) GTEST_SKIP() << "every file is open to the superuser";
     dir.write("from/tiny.pcf", "new");

@@ -22,6 +22,7 @@
 #include "app/kit/widgets.h"
 #include "app/main_window/glyphwardapp.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
 #include "widget/dialogs_test_support.h"
@@ -384,6 +385,20 @@ TEST_F(OtherInstallationTest, AWriteThatFailsIsSaidAndTakenBack) {
     EXPECT_EQ(gw::label_of(XmMessageBoxGetChild(wi_warning_dlg, XmDIALOG_MESSAGE_LABEL)),
               "Cannot update font path, permission denied");
     EXPECT_FALSE(sensitive("_apply_button"));
+}
+
+TEST_F(OtherInstallationTest, TheReasonOfAFailureIsSaidWhereWindowsShowReasons) {
+    other_.write("server/etc/VTconfig", "XDISPLAY.0.fontpath:\t/other/a/,/other/b/\n");
+    choose_other(other_.path());
+    select(1);
+    ASSERT_TRUE(press(part("_delete_button")));
+    std::filesystem::remove_all(other_.file("server"));
+    gw::set_window_policy(gw::WindowPolicy(true));
+    EXPECT_TRUE(press(part("_apply_button")));
+    gw::set_window_policy(gw::WindowPolicy(false));
+    EXPECT_EQ(gw::test::message_of(wi_warning_dlg), "Cannot update font path, permission denied\n" +
+                                                        other_.file("server/etc/VTconfig") +
+                                                        ": No such file or directory");
 }
 
 TEST_F(ModifyFontPathTest, NothingIsAppliedWhileAnInstallationRuns) {

@@ -18,6 +18,7 @@
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "model/gw_font.h"
 #include "widget/dialogs_test_support.h"
 
@@ -291,6 +292,24 @@ TEST_F(FontsetsTest, ADirectoryNameThatIsTooLongIsRefused) {
     EXPECT_EQ(message(), "There is no font set");
     EXPECT_FALSE(std::filesystem::exists("/tmp/Vantor.fs"));
     ::setenv("VANTORHOME", value.c_str(), 1);
+}
+
+TEST_F(FontsetsTest, AFileThatCannotBeWrittenIsSaidInTheDialogWhereWindowsShowReasons) {
+    const std::string path = root().file(FILE_NAME);
+    for (const bool modern : {false, true}) {
+        SCOPED_TRACE(modern);
+        begin_with(TWO_SETS);
+        std::filesystem::remove(path);
+        std::filesystem::create_directory(path);
+        user_is_root = 1;
+        gw::set_window_policy(gw::WindowPolicy(modern));
+        EXPECT_TRUE(press(part("ok_button")));
+        gw::set_window_policy(gw::WindowPolicy(false));
+        EXPECT_EQ(message(), modern ? path + ": Is a directory" : " ");
+        EXPECT_EQ(XtIsManaged(wi_fontsets_dlg), modern ? True : False) << "it stays to say why";
+        std::filesystem::remove(path);
+        EXPECT_TRUE(modern || press(find(wi_toplevel, "_fontsets_dlg_button")));
+    }
 }
 
 TEST(Codesets, AreToldApartByTwoBits) {
