@@ -162,7 +162,7 @@ std::vector<std::string> carry_out() {
         report.append(own);
         if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
     }
-    the_installed_hrn_count = the_installed_hrn_list.get_count();
+    count_installed_fonts();
     gw::say_on_standard_error(report);
     std::vector<std::string> lines = gw::failure_lines(report);
     if (installs() && !destination.empty()) {

@@ -14,6 +14,7 @@
 #include "app/program/conflict_lists.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/shown_list.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
@@ -26,18 +27,16 @@ using gw::Message;
 
 /// Deletes the font at that position, or records why not. An alias is never deleted.
 void delete_entry(int position, WorkRecord& work) {
-    if (position > the_installed_hrn_count) {
-        GWAlias* alias = the_alias_list.get_elem_at_pos(position - the_installed_hrn_count);
-        if (alias != nullptr) {
-            the_conflict_list.append(
-                new GWConflict(GWConflict::DELETE, nullptr, alias, nullptr, nullptr, nullptr));
-        }
-        return;
+    const gw::ShownList entries = gw::installed_entries();
+    if (GWAlias* alias = entries.alias_at(position); alias != nullptr) {
+        the_conflict_list.append(
+            new GWConflict(GWConflict::DELETE, nullptr, alias, nullptr, nullptr, nullptr));
     }
+    if (entries.font_at(position) == nullptr) return;
     if (the_installed_hrn_list.delete_at_pos(static_cast<unsigned>(position), the_fsm_list,
                                              the_conflict_list) != GWHRNElement::DONE)
         return;
-    --the_installed_hrn_count;
+    count_installed_fonts();
     XmListDeletePos(wi_hrn_list, position);
     update_progress_dlg(++work.done);
 }

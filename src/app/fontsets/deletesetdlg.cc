@@ -7,6 +7,7 @@
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
+#include "app/kit/generation.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
 #include "app/kit/lists.h"
@@ -57,8 +58,8 @@ void delete_one(const std::string& name) {
 }
 
 void delete_fontset_cb(Widget, XtPointer, XtPointer) {
-    const Operation operation;
-    if (!operation.is_first()) return;
+    const gw::Turn turn(fontset_work);
+    if (!turn.is_first()) return;
     const gw::BusyWindows busy;
     for (const std::string& name : selected_names()) delete_one(name);
     const std::vector<int> positions = gw::selected_positions(wi_delete_set_dlg_scrolledlist);

@@ -10,6 +10,7 @@
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
+#include "app/kit/generation.h"
 #include "app/kit/kept_text.h"
 #include "app/kit/lists.h"
 #include "app/kit/menus.h"
@@ -98,8 +99,8 @@ void make_current(GWFontSet* set) {
 }
 
 void fontsets_button_cb(Widget button, XtPointer, XtPointer) {
-    const Operation operation;
-    if (!operation.is_first() || !fontsetdlg_cb.file) return;
+    const gw::Turn turn(fontset_work);
+    if (!turn.is_first() || !fontsetdlg_cb.file) return;
     const std::string name = gw::label_of(button);
     const gw::BusyWindows busy;
     set_message(gw::text_of(Message::LOOKING_FOR_FONTSET));
@@ -122,8 +123,8 @@ void update_current(const std::string& xlfd) {
 }
 
 void update_base_names_cb(Widget list, XtPointer, XtPointer call_data) {
-    const Operation operation;
-    if (!operation.is_first() || !fontsetdlg_cb.current) return;
+    const gw::Turn turn(fontset_work);
+    if (!turn.is_first() || !fontsetdlg_cb.current) return;
     const auto* event = static_cast<XmListCallbackStruct*>(call_data);
     const auto position = static_cast<std::size_t>(event->item_position);
     if (position < 1 || position > listed_names.size()) return;
@@ -139,8 +140,8 @@ void update_base_names_cb(Widget list, XtPointer, XtPointer call_data) {
 
 /// Writes the fontsets; whether there is nothing more to say about it.
 bool apply_fontsets() {
-    const Operation operation;
-    if (!operation.is_first()) return true;
+    const gw::Turn turn(fontset_work);
+    if (!turn.is_first()) return true;
     if (user_is_root == 0) {
         set_message(gw::text_of(Message::FONTSETS_ROOT_ONLY));
         return false;
@@ -168,8 +169,8 @@ void ok_fontset_cb(Widget w, XtPointer client_data, XtPointer call_data) {
 }
 
 void reset_fontset_cb(Widget, XtPointer, XtPointer) {
-    const Operation operation;
-    if (!operation.is_first()) return;
+    const gw::Turn turn(fontset_work);
+    if (!turn.is_first()) return;
     fontsetdlg_cb = {};
     set_fontsetsdlg_cb_struct();
     init_wi_installed_fontsets_choose_menu();
@@ -265,19 +266,12 @@ void set_fontsetsdlg_cb_struct() {
 }
 
 void init_wi_installed_fontsets_choose_menu() {
-    WidgetList children = nullptr;
-    Cardinal count = 0;
-    XtVaGetValues(wi_fontsets_dlg_choose_menu.pulldown, XmNchildren, &children, XmNnumChildren, &count,
-                  nullptr);
-    const std::vector<Widget> old(children, children + count);
+    const std::vector<Widget> old = gw::entries_of(wi_fontsets_dlg_choose_menu.pulldown);
     if (fontsetdlg_cb.file) {
         for (const GWFontSet* set : fontsetdlg_cb.file->get_fontsets()) add_to_menu(set->get_name());
     }
     // The menu shows one of its buttons: the new ones are there before the old ones go.
-    for (Widget button : old) {
-        XtUnmanageChild(button);
-        gw::BusyWindows::destroy(button);
-    }
+    for (Widget button : old) gw::take_entry_away(button);
     make_first_current();
     show_menu_if_filled();
 }
@@ -339,42 +333,25 @@ void set_sample(const std::string& text) {
     dialog_sample.show(text);
 }
 
-namespace {
-
-/// The buttons of the menu that are there to stay.
-std::vector<Widget> menu_buttons() {
-    WidgetList children = nullptr;
-    Cardinal count = 0;
-    XtVaGetValues(wi_fontsets_dlg_choose_menu.pulldown, XmNchildren, &children, XmNnumChildren, &count,
-                  nullptr);
-    std::vector<Widget> buttons(children, children + count);
-    std::erase_if(buttons, [](Widget button) { return !XtIsManaged(button); });
-    return buttons;
-}
-
-}  // namespace
-
 void add_to_menu(const char* name) {
     Widget button = gw::menu_button(wi_fontsets_dlg_choose_menu.pulldown, "fontsets_button", name);
     XtAddCallback(button, XmNactivateCallback, fontsets_button_cb, nullptr);
 }
 
 bool menu_has(const std::string& name) {
-    const std::vector<Widget> buttons = menu_buttons();
+    const std::vector<Widget> buttons = gw::entries_of(wi_fontsets_dlg_choose_menu.pulldown);
     return std::any_of(buttons.begin(), buttons.end(),
                        [&](Widget button) { return gw::label_of(button) == name; });
 }
 
 void remove_from_menu(const std::string& name) {
-    for (Widget button : menu_buttons()) {
-        if (gw::label_of(button) != name) continue;
-        XtUnmanageChild(button);
-        gw::BusyWindows::destroy(button);
+    for (Widget button : gw::entries_of(wi_fontsets_dlg_choose_menu.pulldown)) {
+        if (gw::label_of(button) == name) gw::take_entry_away(button);
     }
 }
 
 void show_menu_if_filled() {
-    const std::vector<Widget> buttons = menu_buttons();
+    const std::vector<Widget> buttons = gw::entries_of(wi_fontsets_dlg_choose_menu.pulldown);
     if (buttons.empty()) {
         XtUnmanageChild(wi_fontsets_dlg_choose_menu.menu);
         return;

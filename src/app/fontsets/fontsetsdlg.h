@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "app/kit/generation.h"
 #include "fontfiles/gw_fontset_file.h"
 
 #include <X11/Intrinsic.h>
@@ -71,18 +72,7 @@ void show_current();
 void add_to_delete_list(const char* name);
 
 /// Working with a fontset serves events on the way: what is pressed meanwhile must not pull the fontset away.
-/// `is_first` is false while another operation runs.
-class Operation {
-  public:
-    Operation() : is_first_(depth++ == 0) {}
-    ~Operation() { --depth; }
-    Operation(const Operation&) = delete;
-    Operation& operator=(const Operation&) = delete;
-    [[nodiscard]] bool is_first() const { return is_first_; }
-
-  private:
-    static inline int depth = 0;
-    bool is_first_;
-};
+/// Every callback that works with one takes its turn here.
+inline gw::Generation fontset_work;
 
 }  // namespace fontsetsdlg

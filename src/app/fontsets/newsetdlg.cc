@@ -5,6 +5,7 @@
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/dialogs.h"
+#include "app/kit/generation.h"
 #include "app/kit/handles.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
@@ -39,8 +40,8 @@ GWFontSet* copy_of_current(const std::string& name) {
 }
 
 void new_fontset_cb(Widget, XtPointer, XtPointer) {
-    const Operation operation;
-    if (!operation.is_first() || !fontsetdlg_cb.current) return;
+    const gw::Turn turn(fontset_work);
+    if (!turn.is_first() || !fontsetdlg_cb.current) return;
     const std::string name = gw::field_text(wi_new_set_dlg_text);
     const bool has_fonts = !fontsetdlg_cb.current->get_fonts().is_empty();
     if (!has_fonts) return set_own_message(gw::text_of(Message::FONT_NAMES_WANTED));

@@ -6,10 +6,12 @@
 
 #include "app/installing/rmediadlg.h"
 #include "app/kit/busy_windows.h"
+#include "app/kit/generation.h"
 #include "app/kit/lists.h"
 #include "app/kit/messages.h"
 #include "app/kit/toolkit.h"
 #include "app/program/program_objects.h"
+#include "app/program/shown_list.h"
 #include "app/samples/attrdlg.h"
 
 #include <Xm/List.h>
@@ -29,21 +31,11 @@ namespace {
 XtWorkProcId pending_lookup = 0;
 // Serving events on the way, a lookup may be overtaken by the next choice of a source. Until the newest is
 // done, the lists that show the fonts are not those of the source.
-unsigned newest_lookup = 0;
-unsigned finished_lookup = 0;
-
-std::vector<void (*)()>& listeners() {
-    static std::vector<void (*)()> all;
-    return all;
-}
-
-void tell_listeners() {
-    for (auto* changed : listeners()) changed();
-}
+Generation lookups;
 
 void start_lookup(XtWorkProc lookup) {
     if (pending_lookup != 0) XtRemoveWorkProc(pending_lookup);
-    ++newest_lookup;
+    lookups.begin();
     pending_lookup = XtAppAddWorkProc(app, lookup, current_driver);
 }
 
@@ -66,32 +58,33 @@ void use_medium(int choice, XtWorkProc lookup) {
     current_driver = floppy ? &the_floppy_driver : &the_cdrom_driver;
     install_from = floppy ? FROM_FLOPPY : FROM_CDROM;
     start_lookup(lookup);
-    tell_listeners();
+    source_changes().emit();
 }
 
 bool is_lookup_pending() {
-    return finished_lookup != newest_lookup;
+    return lookups.is_pending();
 }
 
 void look_fonts_up(GWDriverBase* driver) {
     pending_lookup = 0;
-    const unsigned number = newest_lookup;
+    const Generation::Ticket ticket = lookups.newest();
     const BusyWindows busy;
-    if (number != newest_lookup) return;
+    if (lookups.is_stale(ticket)) return;
     current_hrn_list.clear();
     driver->get_hrn_list(current_hrn_list);
     current_hrn_count = static_cast<unsigned>(current_hrn_list.get_count());
     if (current_hrn_count != 0) driver->start_preview();
-    tell_listeners();
-    finished_lookup = number;
+    source_changes().emit();
+    lookups.finish(ticket);
 }
 
 void stop_source_preview() {
     if (current_driver != nullptr) current_driver->stop_preview();
 }
 
-void on_source_change(void (*changed)()) {
-    listeners().push_back(changed);
+Signal<>& source_changes() {
+    static Signal<> changes;
+    return changes;
 }
 
 std::string source_label() {
@@ -121,9 +114,9 @@ void select_all_of_source(Widget list) {
 // Kept: attributes of a source end with the length of the installed list. That is the main window's list, not
 // this one.
 void show_source_attributes(Widget list) {
-    const std::vector<int> positions = selected_positions(list);
-    if (positions.empty() || positions.front() >= the_installed_hrn_count) return;
-    const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(positions.front());
+    const int position = selected_position(list);
+    if (position == 0 || !installed_entries().is_before_last_font(position)) return;
+    const GWHRNElement* elem = current_hrn_list.get_elem_at_pos(position);
     if (elem == nullptr) return;
     unsigned count = 0;
     const std::vector<std::string> sizes = elem->get_point_sizes(count);

@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 
+#include "app/kit/signal.h"
 #include "drivers/gw_dir_driver.h"
 #include "model/gw_hrn_list.h"
 
@@ -36,8 +37,8 @@ void look_fonts_up(GWDriverBase* driver);
 /// Takes the source that is previewed off the server's font path.
 void stop_source_preview();
 
-/// `changed` is called whenever there is another list of fonts.
-void on_source_change(void (*changed)());
+/// There is another list of fonts.
+Signal<>& source_changes();
 
 /// The label for the source: "Fonts From " and the directory or the medium.
 [[nodiscard]] std::string source_label();

@@ -426,7 +426,7 @@ Boolean install_work_proc(XtPointer data) {
                                                        the_alias_list, the_fsm_list, the_conflict_list);
     if (result == GWHRNElement::DONE) {
         // A size of a face that is there already adds no name.
-        the_installed_hrn_count = the_installed_hrn_list.get_count();
+        count_installed_fonts();
         update_progress_dlg(++work->done);
     }
     // Last: showing the progress serves events, and the work is in progress for them.
@@ -447,7 +447,7 @@ Widget create_install_dlg(const char* name, Widget parent) {
     // An empty status line must not make it shrink.
     XtVaSetValues(wi_install_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     show_samples_last();
-    gw::on_source_change(show_source);
+    gw::source_changes().connect(show_source);
     XmTextFieldSetString(_sample_textfield, gw::name_arg(" "));
     set_default_destination();
     XtAddCallback(XtParent(wi_install_dlg), XmNpopupCallback, installdlg::popup_cb, nullptr);

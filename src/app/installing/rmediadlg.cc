@@ -10,7 +10,6 @@
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/kit/handles.h"
 #include "app/kit/menus.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
@@ -78,27 +77,18 @@ void close_cb(Widget, XtPointer, XtPointer) {
     popdown_rmedia_dlg();
 }
 
-Widget create_option_menu(Widget parent) {
-    Widget pulldown = XmCreatePulldownMenu(parent, gw::name_arg("pulldown_menu"), nullptr, 0);
-    Widget floppy = gw::menu_button(pulldown, "floppy_button", gw::text_of(Message::RMEDIA_FLOPPY));
-    XtAddCallback(floppy, XmNactivateCallback, floppy_selected_cb, nullptr);
-    Widget cdrom = gw::menu_button(pulldown, "cdrom_button", gw::text_of(Message::RMEDIA_CDROM));
-    XtAddCallback(cdrom, XmNactivateCallback, cdrom_selected_cb, nullptr);
-
-    const gw::XmText label = gw::xm_text(gw::text_of(Message::CHECK_FONTS_FROM));
-    Arg args[2];
-    XtSetArg(args[0], XmNsubMenuId, pulldown);
-    XtSetArg(args[1], XmNlabelString, label.get());
-    Widget menu = XmCreateOptionMenu(parent, gw::name_arg("media_option_menu"), args, 2);
-    XtManageChild(menu);
-    return menu;
-}
+const gw::MenuEntry MEDIA[] = {
+    {"floppy_button", Message::RMEDIA_FLOPPY, floppy_selected_cb},
+    {"cdrom_button", Message::RMEDIA_CDROM, cdrom_selected_cb},
+};
 
 }  // namespace
 
 Widget create_rmedia_dlg(const char* name, Widget parent) {
     wi_rmedia_dlg = gw::form_dialog(parent, name, Message::RMEDIA_TITLE);
-    Widget menu = create_option_menu(wi_rmedia_dlg);
+    Widget menu =
+        gw::option_menu(wi_rmedia_dlg, "media_option_menu", "pulldown_menu", Message::CHECK_FONTS_FROM, MEDIA)
+            .menu;
     Attach(menu).top_form(GAP).left_form(GAP);
     Widget check = gw::push_button(wi_rmedia_dlg, "check_button", Message::RMEDIA_CHECK);
     XtAddCallback(check, XmNactivateCallback, check_cb, nullptr);

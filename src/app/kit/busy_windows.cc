@@ -9,13 +9,14 @@
 namespace gw {
 
 BusyWindows::BusyWindows() {
-    ++depth;
     show(1);
 }
 
 BusyWindows::~BusyWindows() {
     show(0);
-    if (--depth > 0) return;
+    const bool is_last = turn_->is_first();
+    turn_.reset();
+    if (!is_last) return;
     for (Widget w : std::exchange(retired, {})) XtDestroyWidget(w);
 }
 
@@ -24,7 +25,7 @@ void BusyWindows::include(const Widget& window) {
 }
 
 void BusyWindows::destroy(Widget w) {
-    if (depth > 0) {
+    if (scopes.is_pending()) {
         retired.push_back(w);
     } else {
         XtDestroyWidget(w);

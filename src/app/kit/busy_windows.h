@@ -3,7 +3,10 @@
 // The busy cursor on the windows that may be in view, for the length of a scope.
 #pragma once
 
+#include <optional>
 #include <vector>
+
+#include "app/kit/generation.h"
 
 #include <X11/Intrinsic.h>
 
@@ -27,9 +30,10 @@ class BusyWindows {
 
   private:
     static void show(int on);
-    static inline int depth = 0;
+    static inline Generation scopes;
     static inline std::vector<const Widget*> windows;
     static inline std::vector<Widget> retired;
+    std::optional<Turn> turn_{std::in_place, scopes};
 };
 
 }  // namespace gw

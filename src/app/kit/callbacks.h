@@ -14,6 +14,16 @@ void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
     Function(w, static_cast<Record*>(client_data), call_data);
 }
 
+/// A callback that calls a function of ours, or shows a dialog.
+template <void (*Function)()>
+void call_cb(Widget, XtPointer, XtPointer) {
+    Function();
+}
+template <Widget& Dialog>
+void show_cb(Widget, XtPointer, XtPointer) {
+    XtManageChild(Dialog);
+}
+
 /// The callback of a control that does nothing and yet is not insensitive; of a close box, a window that
 /// stays.
 inline void do_nothing_cb(Widget, XtPointer, XtPointer) {}

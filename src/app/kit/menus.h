@@ -1,13 +1,37 @@
 // SPDX-License-Identifier: MIT
 //
-// Option menus and the entries of menus.
+// The menus of a menu bar, written down as tables; option menus.
 #pragma once
 
+#include <span>
 #include <string>
+#include <vector>
+
+#include "app/kit/messages.h"
 
 #include <X11/Intrinsic.h>
 
 namespace gw {
+
+/// One entry of a menu. One without a callback is a separator.
+struct MenuEntry {
+    const char* name;
+    Message text{};
+    XtCallbackProc callback = nullptr;
+    Widget* handle = nullptr;  ///< where the entry is noted, for who needs it later
+};
+
+struct Menu {
+    Widget pulldown;
+    Widget cascade;  ///< its button in the menu bar
+};
+struct MenuNames {
+    const char* pulldown;
+    const char* cascade;
+};
+/// A menu of a menu bar, with its entries in order.
+Menu pulldown_menu(Widget menu_bar, const MenuNames& names, Message title,
+                   std::span<const MenuEntry> entries);
 
 struct OptionMenu {
     Widget menu;
@@ -16,7 +40,17 @@ struct OptionMenu {
 /// An option menu with one entry; its label stands in a widget of its own.
 OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name,
                        const std::string& first_entry);
+/// An option menu with these entries and a label.
+OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name, Message text,
+                       std::span<const MenuEntry> entries);
+
 /// A push button in a pulldown, under `name`, showing `text`.
 Widget menu_button(Widget pulldown, const char* name, const std::string& text);
+/// The buttons of a pulldown that are there to stay.
+std::vector<Widget> entries_of(Widget pulldown);
+/// Takes a button out of its pulldown. It is destroyed when nobody can be using it any more.
+void take_entry_away(Widget button);
+/// The text of the entry that an option menu shows; empty without one.
+std::string chosen_entry(Widget option_menu);
 
 }  // namespace gw

@@ -253,7 +253,7 @@ Widget create_pr_install_dlg(const char* name, Widget parent) {
     XtVaSetValues(dialog, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     gw::end_dialog(dialog, {.cancel_button = buttons[3], .close = cancel_cb});
     gw::BusyWindows::include(wi_pr_install_dlg);
-    gw::on_source_change(show_source);
+    gw::source_changes().connect(show_source);
     update_wi_pr_install_dlg_for_menu();
     return dialog;
 }

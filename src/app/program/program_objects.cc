@@ -24,10 +24,14 @@ int user_is_root = 0;
 GwResources Gw_resrc = {};
 GwModernResources Gw_modern_resrc = {};
 
+void count_installed_fonts() {
+    the_installed_hrn_count = the_installed_hrn_list.get_count();
+}
+
 void fill_program_lists() {
     the_installed_hrn_list.clear();
     the_installed_fonts_driver.get_hrn_list(the_installed_hrn_list);
-    the_installed_hrn_count = the_installed_hrn_list.get_count();
+    count_installed_fonts();
     gw::delete_elements(the_alias_list);
     the_alias_driver.get_alias_list(the_alias_list);
     the_alias_count = the_alias_list.get_count();

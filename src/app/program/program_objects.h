@@ -57,6 +57,9 @@ struct GwModernResources {
 };
 extern GwModernResources Gw_modern_resrc;
 
+/// To be called when the installed-name list has become longer or shorter: brings its count up to date.
+void count_installed_fonts();
+
 /// Fills the installed-name list and the alias list from the font path, releasing what they held.
 void fill_program_lists();
 

@@ -14,6 +14,7 @@
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
+#include "app/program/shown_list.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/font_lists.h"
 #include "app/samples/sample_field.h"
@@ -57,16 +58,10 @@ void hrn_list_deactivate_cb(Widget list, XtPointer, XtPointer) {
 void calc_disk_space_cb(Widget list, XtPointer, XtPointer) {
     unsigned kilobytes = 0;
     for (const int position : gw::selected_positions(list)) {
-        if (position >= the_installed_hrn_count) break;
+        if (!gw::installed_entries().is_before_last_font(position)) break;
         kilobytes += the_installed_hrn_list.get_disk_space(static_cast<unsigned>(position));
     }
     update_label(wi_disk_space_val, gw::text_of(Message::KILOBYTES, kilobytes).c_str(), nullptr);
-}
-
-std::string current_choice(Widget option_menu) {
-    Widget button = nullptr;
-    XtVaGetValues(option_menu, XmNmenuHistory, &button, nullptr);
-    return button != nullptr ? gw::label_of(button) : std::string();
 }
 
 void show_changed_sample_text(Widget typed_into) {
@@ -145,18 +140,18 @@ void start_installed_list() {
 
 // Kept: the last font counts as an alias.
 void show_selected_attributes_cb(Widget, XtPointer, XtPointer) {
-    const std::vector<int> positions = selected_positions(wi_hrn_list);
-    if (positions.empty()) return;
-    const int position = positions.front();
-    if (position >= the_installed_hrn_count) {
-        const GWAlias* alias = the_alias_list.get_elem_at_pos(position - the_installed_hrn_count + 1);
+    const int position = selected_position(wi_hrn_list);
+    if (position == 0) return;
+    const ShownList entries = installed_entries();
+    if (!entries.is_before_last_font(position)) {
+        const GWAlias* alias = entries.alias_at(position + 1);
         if (alias != nullptr) show_alias_attributes(alias);
         return;
     }
-    const GWHRNElement* elem = the_installed_hrn_list.get_elem_at_pos(position);
+    const GWHRNElement* elem = entries.font_at(position);
     if (elem == nullptr) return;
-    const std::string decipoints = chosen_decipoints(*elem, current_choice(size_option_menu.menu));
-    const std::string resolution = current_choice(res_option_menu.menu);
+    const std::string decipoints = chosen_decipoints(*elem, chosen_entry(size_option_menu.menu));
+    const std::string resolution = chosen_entry(res_option_menu.menu);
     const Ref<GWFont> font(elem->get_font(decipoints.c_str(), resolution.c_str()));
     if (font) show_font_attributes(font.get(), nullptr);
 }

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "app/kit/busy_windows.h"
 #include "app/kit/callbacks.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/menus.h"
@@ -27,11 +26,7 @@ Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& button
                        const std::vector<std::string>& texts, XtCallbackProc callback,
                        sample_text_cb_struct* record) {
     if (texts.empty()) return nullptr;
-    Cardinal old_count = 0;
-    WidgetList old_children = nullptr;
-    XtVaGetValues(pulldown, XmNnumChildren, &old_count, XmNchildren, &old_children, nullptr);
-    const std::vector<Widget> old(old_children, old_children + old_count);
-
+    const std::vector<Widget> old = gw::entries_of(pulldown);
     buttons.clear();
     for (const std::string& text : texts) {
         Widget button = gw::menu_button(pulldown, "_choice", text);
@@ -40,11 +35,7 @@ Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& button
     }
     // The menu must not point at a button that goes.
     XtVaSetValues(menu, XmNmenuHistory, buttons.back(), nullptr);
-    for (Widget button : old) {
-        if (!XtIsManaged(button)) continue;  // retired already
-        XtUnmanageChild(button);
-        gw::BusyWindows::destroy(button);
-    }
+    for (Widget button : old) gw::take_entry_away(button);
     return buttons.back();
 }
 

@@ -7,6 +7,7 @@
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/lists.h"
 #include "app/program/program_objects.h"
+#include "app/program/shown_list.h"
 #include "app/samples/sample_field.h"
 #include "app/samples/sample_font.h"
 #include "app/samples/sample_menus.h"
@@ -36,13 +37,6 @@ void show_largest(const sample_text_cb_struct& record, const GWHRNElement& elem)
     gw::show_font(record, font.get(), size.c_str());
 }
 
-void show_alias_at(const sample_text_cb_struct& record, int alias_position) {
-    gw::make_menus_insensitive(record);
-    const GWAlias* alias = the_alias_list.get_elem_at_pos(alias_position);
-    if (alias == nullptr) return gw::show_nothing(record);
-    gw::show_alias(record, alias);
-}
-
 /// The position that a selection callback is about; 0 when there is none.
 int selected_position(Widget list, XtPointer call_data) {
     const auto* event = static_cast<XmListCallbackStruct*>(call_data);
@@ -69,13 +63,14 @@ void hrn_list_sample_cb(Widget list, sample_text_cb_struct* record, XtPointer ca
         return;
     }
     const int position = selected_position(list, call_data);
-    const int count = record->hrn_list->get_count();
-    if (position > count) return show_alias_at(*record, position - count);
-    const GWHRNElement* elem = record->hrn_list->get_elem_at_pos(position);
+    const gw::ShownList entries(*record->hrn_list, the_alias_list);
+    const GWHRNElement* elem = entries.font_at(position);
     if (elem == nullptr) {
         gw::make_menus_insensitive(*record);
-        gw::show_nothing(*record);
-    } else if (record->size_menu != nullptr) {
+        const GWAlias* alias = entries.alias_at(position);
+        return alias != nullptr ? gw::show_alias(*record, alias) : gw::show_nothing(*record);
+    }
+    if (record->size_menu != nullptr) {
         offer_sizes(record, *elem);
     } else {
         show_largest(*record, *elem);

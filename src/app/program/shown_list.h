@@ -1,0 +1,44 @@
+// SPDX-License-Identifier: MIT
+//
+// What stands where in a list that shows fonts by their names and, behind them, aliases.
+#pragma once
+
+#include "core/gw_list.h"
+#include "model/gw_alias.h"
+#include "model/gw_hrn_list.h"
+
+namespace gw {
+
+/// A view of the lists behind a list widget. Positions are 1-based, as the widget counts them. Nothing is
+/// owned: it is made when it is needed.
+class ShownList {
+  public:
+    /// The first `font_count` positions are for fonts.
+    ShownList(const GWHRNList& fonts, int font_count, const GW_SORTED_LIST<GWAlias>& aliases)
+        : fonts_(fonts), font_count_(font_count), aliases_(aliases) {}
+    ShownList(const GWHRNList& fonts, const GW_SORTED_LIST<GWAlias>& aliases)
+        : ShownList(fonts, fonts.get_count(), aliases) {}
+
+    /// Fonts and aliases together.
+    [[nodiscard]] int count() const { return font_count_ + aliases_.get_count(); }
+    /// The name element at the position; null for positions of aliases and for those that there are not.
+    [[nodiscard]] GWHRNElement* font_at(int position) const {
+        return position <= font_count_ ? fonts_.get_elem_at_pos(position) : nullptr;
+    }
+    /// The alias at the position; null for positions of fonts and for those that there are not.
+    [[nodiscard]] GWAlias* alias_at(int position) const {
+        return aliases_.get_elem_at_pos(position - font_count_);
+    }
+    /// False for the last font, which disk space and attributes count to the aliases: see COMPATIBILITY.md.
+    [[nodiscard]] bool is_before_last_font(int position) const { return position < font_count_; }
+
+  private:
+    const GWHRNList& fonts_;
+    int font_count_;
+    const GW_SORTED_LIST<GWAlias>& aliases_;
+};
+
+/// The list in the main window: `the_installed_hrn_count` fonts, and all aliases.
+[[nodiscard]] ShownList installed_entries();
+
+}  // namespace gw
