@@ -107,7 +107,7 @@ Widget create_help_dlg(const char* name, Widget parent) {
     Attach(ok).bottom_form(GAP).columns(40, 60);
     wi_text = create_text(wi_help_dlg);
     Attach(XtParent(wi_text)).top_form(GAP).sides(GAP).above(ok, GAP);
-    XtVaSetValues(wi_help_dlg, XmNinitialFocus, wi_text, nullptr);
+    gw::end_dialog(wi_help_dlg, {.initial_focus = wi_text});
     return wi_help_dlg;
 }
 

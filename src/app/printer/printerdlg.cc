@@ -275,6 +275,7 @@ Widget create_pr_delete_dlg(const char* name, Widget parent) {
                 {"attr_button", Message::PR_DELETE_ATTRIBUTES, attr_dlg_cb, wi_pr_delete_dlg_scrolledlist},
                 {"help_dlg_button", Message::PR_DELETE_HELP, nullptr}});
     rows.end();
+    gw::end_dialog(dialog, {});
     update_wi_pr_delete_dlg_scrolledlist();
     return dialog;
 }
@@ -304,6 +305,7 @@ Widget create_pr_modify_fp_dlg(const char* name, Widget parent) {
     // It does nothing and yet can be pressed.
     activate(buttons[3], 1);
     rows.end();
+    gw::end_dialog(dialog, {});
     update_wi_pr_modify_fp_dlg_scrolledlist();
     return dialog;
 }

@@ -435,6 +435,15 @@ TEST_F(Layout, EveryButtonDoesSomethingOrIsInsensitive) {
     });
 }
 
+// The toolkit's own close box takes a dialog away without a word to the program.
+TEST_F(Layout, TheCloseBoxOfEveryDialogIsTheProgramsBusiness) {
+    each_dialog([](const Dialog&, Widget w) {
+        unsigned char response = XmDESTROY;
+        XtVaGetValues(XtParent(w), XmNdeleteResponse, &response, nullptr);
+        EXPECT_EQ(response, XmDO_NOTHING);
+    });
+}
+
 TEST_F(Layout, EveryDialogStandsInTheMiddleOfTheScreen) {
     each_dialog([](const Dialog&, Widget w) {
         const Box box = box_of(XtParent(w));

@@ -29,6 +29,7 @@
 namespace {
 
 using gw::test::find;
+using gw::test::is_viewable;
 using gw::test::items;
 using gw::test::press;
 using gw::test::pump_until;
@@ -81,6 +82,33 @@ TEST_F(PrinterTest, TheMenuOpensThem) {
         ASSERT_TRUE(press(find(wi_toplevel, entry))) << entry;
         EXPECT_TRUE(XtIsManaged(dialog)) << entry;
         EXPECT_EQ(gw::test::title_of(dialog), title);
+    }
+}
+
+TEST_F(PrinterTest, TheCloseBoxClosesThem) {
+    for (Widget dialog : {wi_pr_install_dlg, wi_pr_delete_dlg, wi_pr_modify_fp_dlg}) {
+        for (int round = 0; round < 2; ++round) {
+            XtManageChild(dialog);
+            ASSERT_TRUE(pump_until([dialog] { return is_viewable(dialog); })) << XtName(dialog);
+            gw::test::close_box(dialog);
+            EXPECT_FALSE(XtIsManaged(dialog)) << XtName(dialog);
+        }
+    }
+}
+
+TEST_F(PrinterTest, TheCloseBoxOfTheInstallDialogDoesWhatCancelDoes) {
+    for (const bool by_close_box : {false, true}) {
+        XtManageChild(wi_pr_install_dlg);
+        ASSERT_TRUE(pump_until([] { return is_viewable(wi_pr_install_dlg); }));
+        ASSERT_TRUE(press(part("other_media_dlg_button")));
+        ASSERT_TRUE(XtIsManaged(wi_rmedia_dlg));
+        if (by_close_box) {
+            gw::test::close_box(wi_pr_install_dlg);
+        } else {
+            ASSERT_TRUE(press(part("cancel_button")));
+        }
+        EXPECT_FALSE(XtIsManaged(wi_pr_install_dlg)) << by_close_box;
+        EXPECT_FALSE(XtIsManaged(wi_rmedia_dlg)) << "its media dialog goes with it, " << by_close_box;
     }
 }
 
