@@ -35,6 +35,11 @@ std::string with_trailing_slash(std::string_view text) {
     return result;
 }
 
+std::string_view without_trailing_slashes(std::string_view path) {
+    while (path.size() > 1 && path.ends_with('/')) path.remove_suffix(1);
+    return path;
+}
+
 std::string capitalized(std::string_view text) {
     std::string result(text);
     if (!result.empty()) result[0] = ascii_upper(result[0]);

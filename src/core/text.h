@@ -26,6 +26,9 @@ std::size_t copy_text(char (&dst)[N], std::string_view src) {
 /// `text` with a "/" appended unless it ends in one already.
 [[nodiscard]] std::string with_trailing_slash(std::string_view text);
 
+/// `path` without the "/" at its end, however many there are; the root stays "/". A part of `path`.
+[[nodiscard]] std::string_view without_trailing_slashes(std::string_view path);
+
 /// `text` with its first byte in upper case (ASCII letters only: XLFD fields are Latin-1 or ASCII).
 [[nodiscard]] std::string capitalized(std::string_view text);
 

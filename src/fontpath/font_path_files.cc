@@ -7,6 +7,7 @@
 
 #include "core/gw_token_string.h"
 #include "core/replace_file.h"
+#include "core/rights.h"
 #include "platform/config_db.h"
 
 namespace gw {
@@ -179,7 +180,7 @@ Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::stri
 bool writable_by_uid(const std::string& path, uid_t uid) {
     struct stat info {};
     if (::stat(path.c_str(), &info) != 0) return false;
-    return (info.st_mode & (info.st_uid == uid ? S_IWUSR : S_IWOTH)) != 0;
+    return is_writeable_by(info.st_uid, info.st_mode, uid);
 }
 
 bool file_exists(const std::string& path) {

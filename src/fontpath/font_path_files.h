@@ -53,8 +53,7 @@ Outcome insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING
                                      const std::string& path);
 Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path);
 
-/// Whether the permission bits let the user write: the owner's bit for the owner, the others' bit for anybody
-/// else. Kept: permissions of the group are ignored.
+/// Whether the permission bits let the user write, as `is_writeable_by` has it.
 [[nodiscard]] bool writable_by_uid(const std::string& path, uid_t uid);
 [[nodiscard]] bool file_exists(const std::string& path);
 

@@ -14,6 +14,7 @@
 
 #include "core/gw_file.h"
 #include "core/replace_file.h"
+#include "core/rights.h"
 #include "core/text.h"
 #include "fontpath/font_path_files.h"
 #include "platform/host_paths.h"
@@ -31,10 +32,6 @@ constexpr int LONGEST_READ = 500;
 constexpr mode_t USER_FILE_MODE = 0644;
 
 Display* session_display = nullptr;
-
-bool is_superuser(uid_t uid) {
-    return uid == 0;
-}
 
 /// Runs `xset` on the session font path; its error messages go to the scratch file for errors. A failure when
 /// it was not run.
@@ -149,7 +146,7 @@ bool GWFontPath::read_host_and_locale() {
     locale_file = root + gw::LOCALE_FONT_PATH_DIR + locale.value_or("C") + gw::LOCALE_FONT_PATH_FILE;
     _read_from_vtfontpath(locale_file, list(LOCALE_APPEND_FP), list(LOCALE_PREPEND_FP));
 
-    if (is_superuser(effective_uid)) return true;
+    if (gw::is_superuser(effective_uid)) return true;
     const char* home = std::getenv("HOME");
     if (home == nullptr) return false;
     user_file = std::string(home) + gw::USER_FONT_PATH_FILE;
@@ -223,7 +220,7 @@ bool GWFontPath::refuses(TYPE t) const {
     const bool is_user = t == USER_PREPEND_FP || t == USER_APPEND_FP;
     const bool is_config = t == INSTALLATION_FP || t == HOST_FP;
     if (!is_main_installation() && (t == HOST_FP || is_user)) return true;
-    return is_superuser(effective_uid) ? is_user : is_config;
+    return gw::is_superuser(effective_uid) ? is_user : is_config;
 }
 
 GWFontPath::Change GWFontPath::refusal(std::string subject, gw::Reason reason) {
@@ -437,7 +434,7 @@ int GWFontPath::is_writeable(TYPE t) {
             return _user_vtfontpath_writeable();
         // Kept: the superuser's session is not writable.
         case SESSION_FP:
-            return is_superuser(effective_uid) ? 0 : 1;
+            return gw::is_superuser(effective_uid) ? 0 : 1;
         default:
             return 0;
     }

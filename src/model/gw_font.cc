@@ -17,6 +17,7 @@
 #include <utility>
 
 #include "core/font_policy.h"
+#include "core/rights.h"
 #include "core/text.h"
 #include "fontfiles/gw_fontdir_file.h"
 #include "fontpath/gw_fpe.h"
@@ -66,12 +67,9 @@ constexpr std::array<std::size_t, 9> HRN_FIELDS = {
 const uid_t effective_uid = ::geteuid();
 
 constexpr unsigned BLOCKS_PER_KILOBYTE = 2;
-constexpr mode_t OWNER_WRITE = 0200;
-constexpr mode_t OTHERS_WRITE = 0002;
 
-/// Whether the permission bits let this user write. Kept: permissions of the group are ignored.
 bool bits_allow_writing(const struct stat& info) {
-    return (info.st_mode & (info.st_uid == effective_uid ? OWNER_WRITE : OTHERS_WRITE)) != 0;
+    return gw::is_writeable_by(info.st_uid, info.st_mode, effective_uid);
 }
 
 /// Whether `path` can be opened with these flags. With `remove_after` the file is then removed.

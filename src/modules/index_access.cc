@@ -14,6 +14,7 @@
 #include "core/font_policy.h"
 #include "core/gw_reg_exp.h"
 #include "core/replace_file.h"
+#include "core/rights.h"
 #include "platform/host_paths.h"
 
 namespace gw {
@@ -33,7 +34,7 @@ Outcome can_be_removed(const GW_FILE_SPEC& spec) {
     struct stat home {};
     if (::lstat(path.c_str(), &file) != 0 || ::stat(dir.c_str(), &home) != 0) return done();
     const uid_t user = ::geteuid();
-    if ((home.st_mode & S_ISVTX) != 0 && user != 0 && user != file.st_uid && user != home.st_uid)
+    if ((home.st_mode & S_ISVTX) != 0 && !is_superuser(user) && user != file.st_uid && user != home.st_uid)
         return Failure::of_system(path, EPERM);
     if (::faccessat(AT_FDCWD, dir.c_str(), W_OK | X_OK, AT_EACCESS) != 0)
         return Failure::of_system(path, errno);

@@ -9,6 +9,8 @@
 #include <cerrno>
 #include <string>
 
+#include "core/text.h"
+
 namespace gw {
 
 Outcome create_scratch_file(const std::string& path) {
@@ -33,8 +35,7 @@ std::string UnnamedScratchFile::path() const {
 
 bool is_foreign_dir(const char* dir) {
     // With a trailing slash, `lstat` would follow a link.
-    std::string path(dir);
-    while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+    const std::string path(without_trailing_slashes(dir));
     struct stat info {};
     return ::lstat(path.c_str(), &info) == 0 && (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid());
 }

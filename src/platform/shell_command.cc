@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdlib>
 
+#include "core/text.h"
+
 namespace gw {
 
 namespace {
@@ -24,12 +26,10 @@ std::string default_command_path() {
 
 bool names_dir(std::string_view path, std::string_view dir) {
     for (;;) {
-        std::string_view element = path.substr(0, path.find(':'));
-        const std::size_t length = element.size();
-        while (element.size() > 1 && element.ends_with('/')) element.remove_suffix(1);
-        if (element == dir) return true;
-        if (length == path.size()) return false;
-        path.remove_prefix(length + 1);
+        const std::string_view element = path.substr(0, path.find(':'));
+        if (without_trailing_slashes(element) == dir) return true;
+        if (element.size() == path.size()) return false;
+        path.remove_prefix(element.size() + 1);
     }
 }
 

@@ -13,6 +13,7 @@
 #include <string_view>
 
 #include "core/failure.h"
+#include "core/rights.h"
 #include "platform/host_paths.h"
 #include "session_path.h"
 
@@ -66,7 +67,7 @@ void open_standard_descriptors() {
 
 /// Without a home directory an ordinary user has no composed font path.
 bool lacks_home() {
-    return ::geteuid() != 0 && std::getenv("HOME") == nullptr;
+    return !gw::runs_as_superuser() && std::getenv("HOME") == nullptr;
 }
 
 int list(const Elements& configured) {

@@ -10,6 +10,7 @@
 #include <cstring>
 #include <set>
 
+#include "core/text.h"
 #include "fontpath/gw_font_path.h"
 #include "platform/config_db.h"
 #include "platform/host_paths.h"
@@ -66,10 +67,9 @@ Configuration read_configuration(const std::string& root) {
 }
 
 std::string identity(std::string_view element) {
-    std::string directory = directory_of(element);
+    const std::string directory = directory_of(element);
     const std::string_view attributes = element.substr(directory.size());
-    while (directory.size() > 1 && directory.ends_with('/')) directory.pop_back();
-    return directory.append(attributes);
+    return std::string(without_trailing_slashes(directory)).append(attributes);
 }
 
 Verdict judge(const std::string& element) {

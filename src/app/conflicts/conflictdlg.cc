@@ -186,7 +186,8 @@ void ok_cb(Widget, XtPointer, XtPointer) {
     update_wi_installed_hrn_list();
     forget_selection();
     stop_conflict_dlg();
-    if (!start_summary({conflict_type, success_count, nullptr, failures}) && uid == 0) start_fp_info_dlg();
+    if (!start_summary({conflict_type, success_count, nullptr, failures}) && gw::user_is_superuser())
+        start_fp_info_dlg();
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {

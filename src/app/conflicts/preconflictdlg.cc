@@ -81,7 +81,7 @@ void show_counts() {
 void ok_cb(Widget, XtPointer, XtPointer) {
     stop_preconflict_dlg();
     // Kept: the superuser is told to update the font path after deletions too.
-    if (uid == 0) start_fp_info_dlg();
+    if (gw::user_is_superuser()) start_fp_info_dlg();
 }
 
 void resolve_cb(Widget, XtPointer, XtPointer) {

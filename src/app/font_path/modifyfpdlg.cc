@@ -21,6 +21,7 @@
 #include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
+#include "core/text.h"
 #include "platform/host_paths.h"
 
 #include <Xm/Form.h>
@@ -64,16 +65,11 @@ Widget _ok_button, _apply_button, _reset_button, _msg_label;
 
 // --- sets --------------------------------------------------------------------
 
-std::string without_trailing_slash(std::string root) {
-    while (root.size() > 1 && root.ends_with('/')) root.pop_back();
-    return root;
-}
-
 void clear_and_set_fpe_list(EditSet& set, const char* root) {
     set = {};
     if (root == nullptr) return;
     set.root = root;
-    set.font_path = std::make_unique<GWFontPath>(without_trailing_slash(root).c_str());
+    set.font_path = std::make_unique<GWFontPath>(std::string(gw::without_trailing_slashes(root)).c_str());
     unsigned count = 0;
     for (const GW_STRING* element : *set.font_path->get_fpe_list(GWFontPath::ALL_FP, count))
         set.elements.emplace_back(element->get_str());

@@ -39,6 +39,8 @@
 #include "app/samples/sample_record.h"
 #include "app/samples/sample_text.h"
 #include "app/samples/sample_text_cb.h"
+#include "core/rights.h"
+#include "core/text.h"
 #include "platform/host_paths.h"
 
 #include <Xm/Form.h>
@@ -78,7 +80,7 @@ void show_kilobytes(int blocks, Message unit) {
 
 /// Where the default destination is. The superuser's is the host's own directory.
 std::string find_home_dir() {
-    if (uid != 0) {
+    if (!gw::user_is_superuser()) {
         const char* home = std::getenv("HOME");
         return home != nullptr ? home : gw::SCRATCH_ROOT;
     }
@@ -107,7 +109,7 @@ bool destination_is_ready() {
         set_status(gw::text_of(Message::BAD_DESTINATION));
         return false;
     }
-    if (is_writeable_by(info.st_uid, info.st_mode, static_cast<unsigned>(uid))) return true;
+    if (gw::is_writeable_by(info.st_uid, info.st_mode, static_cast<uid_t>(uid))) return true;
     set_status(gw::text_of(Message::UNWRITEABLE_DESTINATION));
     return false;
 }
@@ -258,7 +260,7 @@ void finish_installation(int installed) {
             summary.failures.insert(summary.failures.end(), lines.begin(), lines.end());
         }
     }
-    if (!start_summary(summary) && uid == 0) start_fp_info_dlg();
+    if (!start_summary(summary) && gw::user_is_superuser()) start_fp_info_dlg();
     XmTextFieldSetString(wi_installed_sample_textfield, gw::name_arg(" "));
     update_label(wi_main_window_status_label,
                  gw::count_text(static_cast<unsigned>(installed), Message::FONTS_INSTALLED).c_str(), nullptr);
@@ -367,13 +369,8 @@ int get_avail_space(const char* path) {
     return static_cast<int>(info.f_bavail);
 }
 
-bool is_writeable_by(unsigned owner, unsigned mode, unsigned user) {
-    return (mode & (owner == user ? S_IWUSR : S_IWOTH)) != 0;
-}
-
 void set_current_install_dir(const char* dir) {
-    current_install_dir = dir;
-    if (!current_install_dir.ends_with('/')) current_install_dir += '/';
+    current_install_dir = gw::with_trailing_slash(dir);
 }
 
 // The default destination may still be missing, so the home directory is measured.

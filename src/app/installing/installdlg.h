@@ -26,8 +26,5 @@ void set_current_install_dir(const char* dir);
 /// The number of blocks of the file system of `path` that ordinary users may still fill. Kept: free blocks
 /// are shown as kilobytes. 0 when it cannot be asked.
 int get_avail_space(const char* path);
-/// Whether files may be made in a directory of that owner and mode: by its owner's bit or the others' bit.
-/// Kept: permissions of the group are ignored.
-bool is_writeable_by(unsigned owner, unsigned mode, unsigned user);
 
 }  // namespace installdlg

@@ -198,7 +198,7 @@ void create_font_admin_main_window() {
     gw::work_permissions().connect(work_permitted);
     gw::start_installed_list();
     // The sample text belongs to a user.
-    if (uid == 0) activate(wi_properties_entry, 0);
+    if (gw::user_is_superuser()) activate(wi_properties_entry, 0);
     XtManageChild(wi_mainwindow);
     XmProcessTraversal(wi_hrn_list, XmTRAVERSE_CURRENT);
 }

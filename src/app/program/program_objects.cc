@@ -4,6 +4,7 @@
 #include "app/program/program_objects.h"
 
 #include "app/program/conflict_lists.h"
+#include "core/rights.h"
 #include "modules/font_modules.h"
 
 GWHRNList the_installed_hrn_list(0);
@@ -24,6 +25,10 @@ int user_is_root = 0;
 GwResources Gw_resrc = {};
 GwModernResources Gw_modern_resrc = {};
 
+bool gw::user_is_superuser() {
+    return is_superuser(static_cast<uid_t>(uid));
+}
+
 void count_installed_fonts() {
     the_installed_hrn_count = the_installed_hrn_list.get_count();
 }
@@ -39,7 +44,7 @@ void fill_program_lists() {
 
 std::vector<gw::Failure> show_installation_to_server(const std::string& dir) {
     std::vector<gw::Failure> failures;
-    if (uid != 0) {
+    if (!gw::user_is_superuser()) {
         GW_DIR(dir.c_str()).make_upr_file(0, nullptr);
         failures = the_installed_fonts_driver.put_on_font_path(dir);
     }

@@ -57,6 +57,13 @@ struct GwModernResources {
 };
 extern GwModernResources Gw_modern_resrc;
 
+namespace gw {
+
+/// Whether `uid` is the superuser's.
+[[nodiscard]] bool user_is_superuser();
+
+}  // namespace gw
+
 /// To be called when the installed-name list has become longer or shorter: brings its count up to date.
 void count_installed_fonts();
 

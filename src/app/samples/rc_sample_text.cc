@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "app/samples/rc_sample_text.h"
 
-#include <unistd.h>
-
 #include <cstdlib>
 #include <optional>
 #include <string_view>
 
 #include "core/gw_file.h"
 #include "core/replace_file.h"
+#include "core/rights.h"
 #include "platform/host_paths.h"
 
 namespace {
@@ -16,10 +15,6 @@ namespace {
 constexpr const char* DEFAULT_SAMPLE_TEXT = "Aa Bb Cc Xx Yy Zz 0123456789";
 constexpr std::string_view KEYWORD = "SampleText:";
 constexpr int LONGEST_LINE = 1000;
-
-bool is_superuser() {
-    return ::geteuid() == 0;
-}
 
 /// The user's settings file; nothing without a home directory.
 std::optional<std::string> settings_path() {
@@ -32,7 +27,7 @@ std::optional<std::string> settings_path() {
 
 std::string get_rc_sample_text() {
     const std::optional<std::string> path = settings_path();
-    if (is_superuser() || !path) return DEFAULT_SAMPLE_TEXT;
+    if (gw::runs_as_superuser() || !path) return DEFAULT_SAMPLE_TEXT;
     const std::size_t slash = path->rfind('/');
     GW_FILE file(path->substr(slash + 1).c_str(), path->substr(0, slash + 1).c_str(), gw::FILE_TYPE_REGULAR);
     if (file.get_file_type_from_stat() != gw::FILE_TYPE_REGULAR || file.open("r") == 0)
@@ -52,7 +47,8 @@ std::string get_rc_sample_text() {
 gw::Outcome keep_rc_sample_text(const std::string& text) {
     const std::optional<std::string> path = settings_path();
     // Kept: the superuser has no sample text.
-    if (is_superuser()) return gw::Failure{path.value_or(gw::USER_SETTINGS_FILE), gw::Reason::NOT_ALLOWED};
+    if (gw::runs_as_superuser())
+        return gw::Failure{path.value_or(gw::USER_SETTINGS_FILE), gw::Reason::NOT_ALLOWED};
     return path ? gw::replace_file(*path, std::string(KEYWORD) + text) : gw::done();
 }
 

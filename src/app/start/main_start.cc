@@ -112,7 +112,7 @@ int display_lost(Display*) {
 }
 
 void create_dialogs() {
-    if (uid == 0) create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
+    if (gw::user_is_superuser()) create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
     create_install_dlg("install_dlg", wi_toplevel);
     create_rmedia_dlg("rmedia_dlg", wi_toplevel);
     create_dir_dlg("dir_dlg", wi_toplevel);
@@ -173,7 +173,7 @@ void build_program() {
     fill_program_lists();
     create_font_admin_main_window();
     create_dialogs();
-    if (uid == 0) user_is_root = 1;
+    if (gw::user_is_superuser()) user_is_root = 1;
     stop_init_dlg();
     XtRealizeWidget(wi_toplevel);
     gw::set_window_icon(wi_toplevel);

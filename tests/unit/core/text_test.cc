@@ -23,6 +23,14 @@ TEST(WithTrailingSlash, AppendsOnlyWhenMissing) {
     EXPECT_EQ(gw::with_trailing_slash(""), "/");
 }
 
+TEST(WithoutTrailingSlashes, LeavesTheRoot) {
+    EXPECT_EQ(gw::without_trailing_slashes("/fonts"), "/fonts");
+    EXPECT_EQ(gw::without_trailing_slashes("/fonts///"), "/fonts");
+    EXPECT_EQ(gw::without_trailing_slashes("//"), "/");
+    EXPECT_EQ(gw::without_trailing_slashes("/"), "/");
+    EXPECT_EQ(gw::without_trailing_slashes(""), "");
+}
+
 TEST(Capitalized, ChangesTheFirstLetterOnly) {
     EXPECT_EQ(gw::capitalized("new century"), "New century");
     EXPECT_EQ(gw::capitalized("1942"), "1942");

@@ -236,22 +236,6 @@ TEST_F(InstallDialog, MeasuresTheDestinationOnOpening) {
     EXPECT_EQ(available_space(), "0 Kbytes");
 }
 
-TEST_F(InstallDialog, WritesByTheOwnersBitOrTheOthers) {
-    const struct {
-        unsigned owner, mode, user;
-        bool writeable;
-    } cases[] = {
-        {1000, 0755, 1000, true},  {1000, 0555, 1000, false}, {1000, 0577, 1000, false},
-        {1000, 0775, 1001, false}, {1000, 0777, 1001, true},  {1000, 0772, 1001, true},
-        {1000, 0755, 0, false},    {1000, 0757, 0, true},     {0, 0755, 0, true},
-        {0, 0555, 0, false},       {0, 0775, 1000, false},
-    };
-    for (const auto& c : cases) {
-        EXPECT_EQ(installdlg::is_writeable_by(c.owner, c.mode, c.user), c.writeable)
-            << c.owner << ' ' << std::oct << c.mode << ' ' << c.user;
-    }
-}
-
 TEST_F(InstallDialog, IsTheChoosersOfBothDirectories) {
     open_install_dialog();
     press(find(wi_install_dlg, "from_dir_dlg_button"));
