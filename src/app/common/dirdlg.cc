@@ -28,8 +28,8 @@ constexpr Dimension MOST_WIDTH = 600;
 
 void (*_dir_cb)(const char*) = nullptr;
 
-/// The list's entries for a directory itself and for the one above it are "DIR/." and "DIR/..": they lead to
-/// places with names of their own, which are to stand in font paths.
+/// In the list, a directory itself is "DIR/." and the one above it "DIR/..". Returns the name without these
+/// dots, as it should be in font paths.
 std::string by_its_own_name(std::string directory) {
     if (directory.ends_with("/.")) directory.pop_back();
     if (!directory.ends_with("/..")) return directory;
@@ -98,7 +98,7 @@ void search_cb(Widget dialog, XtPointer call_data) {
         XtVaSetValues(dialog, XmNdirectoryValid, False, nullptr);
         return;
     }
-    // A list keeps what was selected in it, also when that is no longer there.
+    // The list keeps a selected item even when the directory is no longer there.
     if (Widget list = XmFileSelectionBoxGetChild(dialog, XmDIALOG_DIR_LIST); list != nullptr) {
         XmListDeselectAllItems(list);
     }
@@ -109,7 +109,7 @@ void search_cb(Widget dialog, XtPointer call_data) {
                   XmNdirectoryValid, True, XmNlistUpdated, True, nullptr);
 }
 
-/// What is in the directory now: directories come and go.
+/// Reads the directory again, because directories come and go.
 void list_again() {
     const gw::XmText everything = gw::xm_text(existing(shown_directory()) + '*');
     XmFileSelectionDoSearch(wi_dir_dlg, everything.get());
@@ -122,8 +122,8 @@ void show_directories_only() {
     XtUnmanageChild(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_HELP_BUTTON));
 }
 
-/// The dialog stays as wide as it begins, or as a resource makes it: with each long name it would grow, out
-/// of the screen in the end. The list can be scrolled instead.
+/// The dialog keeps its first width, or the width that a resource gives. Otherwise each long name would make
+/// it wider, until it left the screen. The list can be scrolled instead.
 void fix_size() {
     Dimension width = 0;
     Dimension height = 0;

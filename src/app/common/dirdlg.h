@@ -9,8 +9,8 @@ extern Widget wi_dir_dlg;
 extern Widget wi_dir_list;  ///< its list of directories
 
 Widget create_dir_dlg(const char* name, Widget parent);
-/// Shows the chooser, under `title` unless that is null. `cb` gets the directory that the user selects, and
-/// takes the place of the one before. The text is the chooser's own.
+/// Shows the chooser, with `title` as its title unless that is null. `cb` gets the directory that the user
+/// selects, and replaces the previous callback. The text belongs to the chooser.
 void popup_dir_dlg(void (*cb)(const char*), const char* title);
-/// Hides the chooser; nobody is told.
+/// Hides the chooser without calling the callback.
 void popdown_dir_dlg();

@@ -49,9 +49,9 @@ Widget create_progress_dlg(const char* name, Widget parent) {
     XtManageChild(wi_progress_scale);
     Attach(wi_progress_scale).below(wi_progress_label, GAP).sides(GAP).bottom_form(GAP);
     XtAddCallback(wi_progress_scale, XmNvalueChangedCallback, scale_cb, nullptr);
-    // It gets its texts while it is hidden, and must not shrink to them.
+    // The texts are set while the dialog is hidden. It must not shrink to fit them.
     XtVaSetValues(wi_progress_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
-    // It goes when the work is done, and not before.
+    // The user cannot close it: it disappears when the work is done.
     gw::end_dialog(wi_progress_dlg, {.close = gw::do_nothing_cb});
     return wi_progress_dlg;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The line at the bottom of the main window, in which every task says what it has done.
+// The line at the bottom of the main window, where every task says what it has done.
 #pragma once
 
 #include <X11/Intrinsic.h>

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The warning dialog; whoever warns gives it a title and a message.
+// The warning dialog. The caller gives it a title and a message.
 #pragma once
 
 #include <X11/Intrinsic.h>

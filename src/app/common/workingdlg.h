@@ -8,7 +8,7 @@
 extern Widget wi_working_dlg;
 
 Widget create_working_dlg(const char* name, Widget parent);
-/// Show the notice with `text`, or change its text; null is an empty text. Both have it drawn.
+/// Show the notice with `text`, or change its text; null is an empty text. Both draw it.
 void start_working_dlg(const char* text);
 void update_working_dlg(const char* text);
 void stop_working_dlg();

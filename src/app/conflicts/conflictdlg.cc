@@ -82,7 +82,7 @@ std::string detail_of(const GWConflict& conflict) {
     return text;
 }
 
-/// The label keeps the height of eight lines, and grows in width only.
+/// The label is always eight lines high. Only its width grows.
 void show_detail(const std::string& text) {
     gw::set_label(wi_conflict_detail_label, text);
     XtWidgetGeometry preferred = {};
@@ -126,8 +126,8 @@ void not_keep_cb(Widget, XtPointer, XtPointer) {
     resolve_selected(FORCE);
 }
 
-/// The element holds the font that was installed by force: it may have left the list meanwhile, because its
-/// fonts were deleted, and it may have come under another name.
+/// Puts the element of a font that was installed by force where it belongs in the list. It may have left the
+/// list, because its fonts were deleted, and its name may have changed.
 void list_in_order(GWHRNElement* elem, const std::string& name_before) {
     const gw::Ref<GWHRNElement> owner(elem);
     const bool is_listed = std::find(the_installed_hrn_list.begin(), the_installed_hrn_list.end(), elem) !=
@@ -203,7 +203,7 @@ void create_list(Widget dialog) {
     XtVaSetValues(wi_conflicts_list, XmNselectionPolicy, XmSINGLE_SELECT, XmNvisibleItemCount,
                   VISIBLE_CONFLICTS, nullptr);
     gw::set_list_columns(wi_conflicts_list, LINE_LENGTH);
-    // The title has its words where the lines have theirs.
+    // The words of the title stand above the columns of the list.
     XmFontList fonts = nullptr;
     XtVaGetValues(wi_conflicts_list, XmNfontList, &fonts, nullptr);
     XtVaSetValues(title, XmNfontList, fonts, nullptr);
@@ -234,7 +234,8 @@ Widget create_resolutions(Widget dialog, Widget above) {
     return row;
 }
 
-/// Tied to what is above and below the row, the buttons keep one height under any label.
+/// The buttons are attached at the top and at the bottom, so that they are equally high whatever their labels
+/// are.
 void create_buttons(Widget dialog, Widget above) {
     Widget message = gw::label(dialog, "msg_label", " ");
     Attach(message).sides(GAP).bottom_form(0);
@@ -259,7 +260,7 @@ Widget create_conflict_dlg(const char* name, Widget parent) {
     Widget line = gw::separator(wi_conflict_dlg, "separator");
     Attach(line).below(wi_conflict_detail_label, GAP).sides(0);
     create_buttons(wi_conflict_dlg, line);
-    // What a long text makes of it stays: the window must not jump from font to font.
+    // The dialog keeps the size that a long text gave it: it must not change its size from font to font.
     XtVaSetValues(wi_conflict_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     return wi_conflict_dlg;
 }

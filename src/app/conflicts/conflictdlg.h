@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The resolve dialog: every conflict of an installation or a deletion with its resolution, and the button
-// that carries the resolutions out.
+// that carries out the resolutions.
 #pragma once
 
 #include <string>
@@ -20,7 +20,7 @@ void start_conflict_dlg(unsigned success, GW_LIST<GWConflict>* list);
 /// Forgets the resolutions and hides the dialog.
 void stop_conflict_dlg();
 
-/// Fills the list widget anew.
+/// Fills the list widget again.
 void update_wi_conflict_list();
-/// The line for the conflict at the 1-based position: its name, and from column 46 on the resolution.
+/// The line for the conflict at the 1-based position: its name, and the resolution from column 46 on.
 std::string get_conflict_list_entry(unsigned position);

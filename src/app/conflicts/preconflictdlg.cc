@@ -62,7 +62,7 @@ void count_conflicts() {
                                                              : other_conflict_count);
 }
 
-// The asterisks tie the count and the text about it together.
+// The asterisks show which text belongs to which count.
 void show_counts() {
     const std::string others = std::to_string(other_conflict_count);
     gw::set_label(wi_success_label, gw::text_of(texts->success) + std::to_string(success_count));
@@ -102,7 +102,7 @@ Widget text_line(const char* name, Widget above, int offset) {
     return w;
 }
 
-/// The fonts that were not done, and why: below the counts.
+/// Below the counts: the fonts that were not installed or deleted, and why.
 void create_failures() {
     wi_failed_label = gw::label(wi_preconflict_dlg, "failed_label", Message::NOT_DONE);
     Attach(wi_failed_label).below(wi_detail_label, 2 * GAP).sides(GAP);
@@ -116,7 +116,7 @@ void show_failures(const std::vector<std::string>& lines) {
     if (wi_failed_list == nullptr) return;
     Widget scrolled = XtParent(wi_failed_list);
     gw::fill_list(wi_failed_list, lines);
-    // What is not managed must not be what the separator hangs on.
+    // The separator must be attached to a widget that is managed.
     Attach(wi_separator).below(lines.empty() ? wi_detail_label : scrolled, GAP);
     for (Widget w : {wi_failed_label, scrolled}) {
         if (lines.empty()) {
@@ -146,11 +146,12 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
         {{"ok_button", Message::PRECONFLICT_OK, ok_cb, nullptr, 4, 30},
          {"resolve_button", Message::REVIEW, resolve_cb, nullptr, 37, 63},
          {"help_dlg_button", Message::PRECONFLICT_HELP, gw::do_nothing_cb, nullptr, 70, 96}});
-    // Tied to what is above and below them, the buttons keep one height under any label.
+    // The buttons are attached at the top and at the bottom, so that they are equally high whatever their
+    // labels are.
     for (Widget button : buttons) Attach(button).below(wi_separator, GAP).above(message, 0);
     wi_ok_button = buttons[0];
     wi_resolve_button = buttons[1];
-    // Ok changes nothing: it is what leaving the window by any road means.
+    // OK changes nothing, so every other way to leave the window does the same.
     gw::end_dialog(wi_preconflict_dlg, {wi_ok_button, wi_ok_button, wi_ok_button, ok_cb});
     return wi_preconflict_dlg;
 }

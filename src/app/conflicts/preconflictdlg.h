@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The summary: how many fonts were done, how many are read-only, how many need a decision, and, where windows
-// show reasons, which fonts were not done and why.
+// The summary: how many fonts were installed or deleted, how many are read-only, how many need a decision.
+// Where windows show reasons, also which fonts were left out and why.
 #pragma once
 
 #include <string>
@@ -14,7 +14,7 @@
 
 extern Widget wi_preconflict_dlg;
 
-/// What became of an installation or a deletion.
+/// The result of an installation or a deletion.
 struct WorkSummary {
     GWConflict::TYPE type;
     unsigned success = 0;  ///< fonts that were done

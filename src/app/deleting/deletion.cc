@@ -61,7 +61,7 @@ void start_deletion(std::vector<int> positions) {
     forget_selection();
     start_progress_dlg(0, count, gw::text_of(Message::DELETE_PROGRESS_TITLE),
                        gw::text_of(Message::DELETE_PROGRESS));
-    // Last, because drawing the progress dialog would run it.
+    // This comes last: drawing the progress dialog would already run the work procedure.
     XtAppAddWorkProc(app, delete_work_proc, &the_wp_cl_data);
 }
 
@@ -79,7 +79,7 @@ void delete_confirmed_cb(char confirmed) {
     activate_selection_controls(0);
 }
 
-// Every deletion so far has moved what follows up by one.
+// Each deletion so far has moved the later entries up by one.
 Boolean delete_work_proc(XtPointer data) {
     auto* work = static_cast<WorkRecord*>(data);
     if (work->index == 0) {

@@ -53,7 +53,8 @@ EditSet other_inst;
 EditSet* current = &default_inst;
 int current_fp_is_writeable = 0;
 
-// What the list shows: the edits that are not applied yet. The widget's own strings lose tabs.
+// What the list shows, with the edits that are not applied yet. It is kept here because the strings of the
+// widget lose tabs.
 std::vector<std::string> displayed;
 bool fpe_is_selected = false;  // once an item has been
 
@@ -192,7 +193,7 @@ void add_new_cb(Widget, XtPointer, XtPointer) {
     note_change();
 }
 
-/// The main window lists what is on the new path.
+/// Lists the fonts of the new path in the main window.
 void relist_installed_fonts() {
     delete the_font_path;
     the_font_path = new GWFontPath(gw::INSTALLATION_ROOT);
@@ -202,7 +203,7 @@ void relist_installed_fonts() {
 }
 
 void apply_cb(Widget w, XtPointer client_data, XtPointer call_data) {
-    // A running installation or deletion works on the lists that would be filled anew.
+    // A running installation or deletion uses the lists that would be filled again here.
     if (!current->font_path || the_wp_cl_data.is_in_progress()) return;
     GW_LIST<GW_STRING> list;
     const gw::ElementsOwner owner(list);
@@ -238,7 +239,7 @@ void new_fpe_dir_dlg_cb(Widget, XtPointer, XtPointer) {
     popup_dir_dlg(new_fpe_dir_specified_cb, gw::text_of(Message::CHOOSE_FPE_TITLE));
 }
 
-// The dialog always opens on the default installation, without the edits of before.
+// The dialog always opens with the default installation, without earlier edits.
 void begin_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     XmToggleButtonSetState(_default_fp_toggle, True, True);
     reset_cb(w, client_data, call_data);
@@ -336,7 +337,7 @@ void create_lower_part(Widget dialog) {
     Attach(label).left_form(GAP).above(line, GAP + 5);
     _new_fp_textfield = gw::text_field(dialog, "_new_fp_textfield");
     Attach(_new_fp_textfield).right_of(label, GAP).left_of(_dir_dlg_button, GAP).above(line, GAP);
-    // Return in the field adds what was typed.
+    // The Return key in the field adds what was typed.
     XtAddCallback(_new_fp_textfield, XmNactivateCallback, add_new_cb, nullptr);
 }
 
@@ -352,7 +353,7 @@ void other_inst_specified_cb(const char* dir) {
     set_fpe_list_label();
 }
 
-// The user still presses "Add new".
+// The element is added when the user presses "Add new".
 void new_fpe_dir_specified_cb(const char* dir) {
     XmTextFieldSetString(_new_fp_textfield, gw::name_arg(dir));
 }

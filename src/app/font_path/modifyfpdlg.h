@@ -16,7 +16,7 @@ void start_modify_fp_dlg();
 
 namespace modifyfpdlg {
 
-/// What the chooser of directories reports: the root of another installation, and a new element.
+/// Callbacks of the directory chooser: the root of another installation, and a new element.
 void other_inst_specified_cb(const char* dir);
 void new_fpe_dir_specified_cb(const char* dir);
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The sample text of a fontset by codesets: which characters belong to which, and all of them together.
+// The sample text of a fontset, split by codesets and put together again.
 #pragma once
 
 #include <string>
@@ -12,9 +12,9 @@ namespace gw {
 /// locales set. Where wide characters have no such bits, all are of codeset 0.
 [[nodiscard]] unsigned codeset_of(unsigned long wide_character);
 
-/// The characters of `text`, in the current locale, by codesets; one text for each of 0 to `count` - 1. What
-/// is of no codeset among them is put in codeset 0's, so that no character is lost; bytes that are no
-/// character of the locale too.
+/// Splits `text`, in the current locale, by codesets: one text for each of 0 to `count` - 1. Characters of
+/// other codesets, and bytes that are no character of the locale, go into the text of codeset 0, so that
+/// nothing is lost.
 [[nodiscard]] std::vector<std::string> split_by_codeset(const std::string& text, unsigned count);
 
 }  // namespace gw

@@ -116,7 +116,7 @@ void fontsets_button_cb(Widget button, XtPointer, XtPointer) {
 /// to the end of the file.
 void update_current(const std::string& xlfd) {
     GWFontSet* set = fontsetdlg_cb.current.get();
-    // One without a name cannot stand in the file.
+    // A fontset without a name cannot be in the file.
     const bool is_listed = fontsetdlg_cb.file && fontsetdlg_cb.file->delete_fontset(set) != 0;
     set->update_base_font(xlfd.c_str());
     if (is_listed) fontsetdlg_cb.file->append_fontset(set);
@@ -138,7 +138,7 @@ void update_base_names_cb(Widget list, XtPointer, XtPointer call_data) {
     display_sample_text(fontsetdlg_cb.current.get());
 }
 
-/// Writes the fontsets; whether there is nothing more to say about it.
+/// Writes the fontsets. False when they were not written and the dialog says why.
 bool apply_fontsets() {
     const gw::Turn turn(fontset_work);
     if (!turn.is_first()) return true;
@@ -233,7 +233,7 @@ void create_list_and_sample(Widget dialog, Widget above, Widget below) {
 
     Widget title = gw::label(dialog, "list_label", Message::AVAILABLE_FONTS);
     Attach(title).below(above, GAP).left_form(GAP);
-    // A bar in the colours of a selected line explains what those are.
+    // A bar in the colours of a selected line, as a legend for the list.
     Widget key = gw::label(dialog, "members_key", "      ");
     Widget members = gw::label(dialog, "members_label", Message::FONTSET_MEMBERS);
     Pixel background = 0;
@@ -270,7 +270,7 @@ void init_wi_installed_fontsets_choose_menu() {
     if (fontsetdlg_cb.file) {
         for (const GWFontSet* set : fontsetdlg_cb.file->get_fontsets()) add_to_menu(set->get_name());
     }
-    // The menu shows one of its buttons: the new ones are there before the old ones go.
+    // The menu always shows one of its buttons, so the new ones are made before the old ones go.
     for (Widget button : old) gw::take_entry_away(button);
     make_first_current();
     show_menu_if_filled();
@@ -280,7 +280,7 @@ void init_wi_fontsets_dlg_scrolledlist() {
     collect_fonts();
     listed_names.clear();
     for (GWFont* font : xlfd_font_list) listed_names.emplace_back(font->get_xlfd_name());
-    // The fonts belong to the installed list, which may be filled anew.
+    // The fonts belong to the installed list, which may be filled again.
     xlfd_font_list.clear();
     gw::fill_list(wi_fontsets_dlg_scrolledlist, listed_names);
 }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // The fontsets dialog: which installed bitmap fonts form each fontset of the locale, with a sample that is
-// drawn through an X font set. Deleting, naming and the sample text have dialogs of their own.
+// drawn with an X font set. Deleting, naming and the sample text have dialogs of their own.
 #pragma once
 
 #include <memory>
@@ -53,7 +53,7 @@ namespace fontsetsdlg {
 
 void set_message(const std::string& text);
 
-/// The sample text of the dialog, which is more than its field can show in some fonts.
+/// The whole sample text of the dialog. With some fonts its field can show only a part of it.
 [[nodiscard]] std::string sample();
 void set_sample(const std::string& text);
 
@@ -71,8 +71,8 @@ void show_current();
 /// Adds a name at the top of the delete dialog's list.
 void add_to_delete_list(const char* name);
 
-/// Working with a fontset serves events on the way: what is pressed meanwhile must not pull the fontset away.
-/// Every callback that works with one takes its turn here.
+/// Events are handled while a callback works with a fontset. A button that is pressed then must not remove
+/// that fontset, so each such callback holds a turn of this.
 inline gw::Generation fontset_work;
 
 }  // namespace fontsetsdlg

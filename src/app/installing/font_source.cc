@@ -27,10 +27,10 @@ namespace gw {
 
 namespace {
 
-// The lookup that is still to come; 0 when there is none.
+// The lookup that has not begun yet; 0 when there is none.
 XtWorkProcId pending_lookup = 0;
-// Serving events on the way, a lookup may be overtaken by the next choice of a source. Until the newest is
-// done, the lists that show the fonts are not those of the source.
+// A lookup handles events, so the user may choose another source before it ends. Until the newest lookup is
+// done, the lists do not show the fonts of the current source.
 Generation lookups;
 
 void start_lookup(XtWorkProc lookup) {

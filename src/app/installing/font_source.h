@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The source of fonts that the install dialog and the printer's install dialog share: choosing one in either
-// replaces it in both.
+// The source of fonts, which the install dialog and the printer's install dialog share: a choice in one of
+// them changes both.
 #pragma once
 
 #include <memory>
@@ -24,25 +24,25 @@ extern int install_from;         ///< kind of the source
 
 namespace gw {
 
-/// Makes a directory, or the medium of that choice (floppy, else CD-ROM), the source, and has `lookup` called
-/// with its driver when the program is idle. A lookup that was still to come is dropped.
+/// Makes a directory, or the medium of that choice (floppy, else CD-ROM), the source. `lookup` is called with
+/// its driver when the program is idle. A lookup that has not begun yet is dropped.
 void use_directory(const char* dir, XtWorkProc lookup);
 void use_medium(int choice, XtWorkProc lookup);
 [[nodiscard]] bool is_lookup_pending();
 
-/// The work of a lookup, under the busy cursor: fills `current_hrn_list` from the source, previews it, and
-/// tells whoever shows it. Nothing when another source has been chosen meanwhile.
+/// Does a lookup, with the busy cursor: fills `current_hrn_list` from the source, previews it, and emits
+/// `source_changes`. Does nothing when another source has been chosen meanwhile.
 void look_fonts_up(GWDriverBase* driver);
 
-/// Takes the source that is previewed off the server's font path.
+/// Removes the previewed source from the server's font path.
 void stop_source_preview();
 
-/// There is another list of fonts.
+/// Emitted when the list of fonts has changed.
 Signal<>& source_changes();
 
 /// The label for the source: "Fonts From " and the directory or the medium.
 [[nodiscard]] std::string source_label();
-/// What the attributes dialog shows as the location of the source's fonts.
+/// The location that the attributes dialog shows for fonts of the source.
 [[nodiscard]] const char* source_location();
 
 /// Selects all names of the source in `list`, without calling its selection callbacks.

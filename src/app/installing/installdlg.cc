@@ -78,7 +78,7 @@ void show_kilobytes(int blocks, Message unit) {
 
 // --- destination -------------------------------------------------------------
 
-/// Where the default destination is. The superuser's is the host's own directory.
+/// The directory of the default destination. The superuser's is the directory of the whole host.
 std::string find_home_dir() {
     if (!gw::user_is_superuser()) {
         const char* home = std::getenv("HOME");
@@ -100,8 +100,8 @@ void set_default_destination() {
     show_destination();
 }
 
-/// Makes the destination when it is missing. False, with a word in the status line, when nothing can be
-/// installed there.
+/// Creates the destination when it is missing. When nothing can be installed there, the status line says so,
+/// and false is returned.
 bool destination_is_ready() {
     struct stat info {};
     if (::stat(current_install_dir.c_str(), &info) != 0) {
@@ -116,7 +116,7 @@ bool destination_is_ready() {
 
 // --- source ------------------------------------------------------------------
 
-/// Nothing is selected in a list that has just been filled.
+/// Shows that nothing is selected: the list has just been filled.
 void show_no_selection() {
     req_disk_space = 0;
     gw::set_label(_req_space_val, gw::text_of(Message::REQUIRED_KILOBYTES, 0));
@@ -205,12 +205,12 @@ void start_installation(std::vector<int> positions) {
     XmListDeselectAllItems(_hrn_list);
     start_progress_dlg(0, count, gw::text_of(Message::INSTALL_PROGRESS_TITLE),
                        gw::text_of(Message::INSTALL_PROGRESS));
-    // Last, because drawing the progress dialog would run it.
+    // This comes last: drawing the progress dialog would already run the work procedure.
     XtAppAddWorkProc(app, install_work_proc, &the_wp_cl_data);
 }
 
 void install_cb(Widget, XtPointer, XtPointer) {
-    // What is selected now would not be what the list will hold.
+    // During a lookup the selection may be of fonts that the list will no longer show.
     if (gw::is_lookup_pending() || the_wp_cl_data.is_in_progress() || !destination_is_ready()) return;
     std::vector<int> positions = gw::selected_positions(_hrn_list);
     activate(_install_button, 0);
@@ -218,7 +218,7 @@ void install_cb(Widget, XtPointer, XtPointer) {
     if (!positions.empty()) start_installation(std::move(positions));
 }
 
-/// The same files, in the directory that theirs leads to.
+/// The same files, with all links in their directory's path followed.
 std::unique_ptr<GW_FSPEC_LIST> without_links(const GW_FSPEC_LIST& files) {
     auto real = std::make_unique<GW_FSPEC_LIST>();
     for (const GW_FILE_SPEC* spec : files) {
@@ -230,8 +230,8 @@ std::unique_ptr<GW_FSPEC_LIST> without_links(const GW_FSPEC_LIST& files) {
     return real;
 }
 
-/// The fonts of a directory were found through a link that the next source moves. Whoever is still to be
-/// decided about must not become a file of the same name from there.
+/// The fonts were found through a link, and choosing another source changes the link. A font that waits for
+/// the user's decision must not then be replaced by a file of the same name from the new source.
 void hold_on_to_sources(const GW_LIST<GWConflict>& conflicts) {
     for (const GWConflict* conflict : conflicts) {
         if (conflict->get_element() == nullptr) continue;
@@ -323,12 +323,12 @@ Widget create_buttons(Widget dialog) {
     _install_button = row.buttons[0];
     _attr_button = row.buttons[2];
     for (Widget w : {_install_button, _attr_button}) activate(w, 0);
-    // By keyboard too, the source is chosen first.
+    // With the keyboard too, the user comes to the source first.
     gw::end_dialog(dialog, {_install_button, row.buttons[3], _media_choice, cancel_cb});
     return row.separator;
 }
 
-/// The parts keep to the bottom, from the buttons upwards; the list takes what height there is.
+/// These parts are attached to the bottom, from the buttons upwards. The list gets the rest of the height.
 void create_lower_part(Widget dialog, Widget font_list) {
     Widget line = create_buttons(dialog);
     _avail_space_val =
@@ -342,7 +342,7 @@ void create_lower_part(Widget dialog, Widget font_list) {
     Attach(_dest_label).sides(GAP).above(line, GAP);
     Widget directory = gw::push_button(dialog, "install_dir_dlg_button", Message::DESTINATION_DIRECTORY);
     XtAddCallback(directory, XmNactivateCallback, install_dir_dlg_cb, nullptr);
-    // By Tab, between the sample and the buttons, and not behind these.
+    // The Tab key comes here between the sample and the buttons, not after the buttons.
     XtVaSetValues(directory, XmNnavigationType, XmTAB_GROUP, nullptr);
     Widget to = gw::label(dialog, "_install_to_label", Message::INSTALL_TO);
     Attach(to).left_form(GAP).above(_dest_label, GAP + gw::centring_offset(to, directory));
@@ -373,7 +373,7 @@ void set_current_install_dir(const char* dir) {
     current_install_dir = gw::with_trailing_slash(dir);
 }
 
-// The default destination may still be missing, so the home directory is measured.
+// The default destination may not exist yet, so the space of the home directory is shown.
 void popup_cb(Widget, XtPointer, XtPointer) {
     const bool below_home = current_install_dir.starts_with(home_dir);
     show_kilobytes(get_avail_space(below_home ? home_dir.c_str() : current_install_dir.c_str()),
@@ -422,11 +422,11 @@ Boolean install_work_proc(XtPointer data) {
                                                        current_install_dir.c_str(), the_installed_hrn_list,
                                                        the_alias_list, the_fsm_list, the_conflict_list);
     if (result == GWHRNElement::DONE) {
-        // A size of a face that is there already adds no name.
+        // Counted anew, because another size of an installed face adds no name.
         count_installed_fonts();
         update_progress_dlg(++work->done);
     }
-    // Last: showing the progress serves events, and the work is in progress for them.
+    // This comes last: showing the progress handles events, and they must see that the work is not done yet.
     ++work->index;
     if (work->is_in_progress()) return False;
     finish_installation(work->done);
@@ -441,7 +441,7 @@ Widget create_install_dlg(const char* name, Widget parent) {
     Widget font_list = create_font_list(wi_install_dlg);
     Attach(font_list).below(line, GAP).sides(GAP);
     create_lower_part(wi_install_dlg, font_list);
-    // An empty status line must not make it shrink.
+    // The dialog must not shrink when the status line is empty.
     XtVaSetValues(wi_install_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     show_samples_last();
     gw::source_changes().connect(show_source);

@@ -12,7 +12,7 @@ Widget create_install_dlg(const char* name, Widget parent);
 
 namespace installdlg {
 
-/// What the chooser of directories and the media dialog report.
+/// Callbacks of the directory chooser and of the media dialog.
 void from_dir_specified_cb(const char* dir);
 void install_dir_specified_cb(const char* dir);
 void rmedia_specified_cb(int choice);
@@ -23,8 +23,8 @@ Boolean install_work_proc(XtPointer work);
 
 /// Makes `dir`, with a slash at its end, the destination.
 void set_current_install_dir(const char* dir);
-/// The number of blocks of the file system of `path` that ordinary users may still fill. Kept: free blocks
-/// are shown as kilobytes. 0 when it cannot be asked.
+/// The number of free blocks for ordinary users in the file system of `path`. Kept: free blocks are shown as
+/// kilobytes. 0 when the system does not tell.
 int get_avail_space(const char* path);
 
 }  // namespace installdlg

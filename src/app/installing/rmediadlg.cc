@@ -105,7 +105,7 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
     Widget message = gw::label(wi_rmedia_dlg, "msg_label", " ");
     Attach(message).below(buttons.back(), 0).sides(GAP).bottom_form(0);
     gw::end_dialog(wi_rmedia_dlg, {check, buttons[1], check, close_cb});
-    // Now, because the ring around a default button makes it higher.
+    // This comes after the default button is set: its ring makes the button higher.
     Attach(check)
         .top_form(GAP + gw::centring_offset(check, menu))
         .right_of(menu, 2 * GAP)

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Where the children of a form stand.
+// Places the children of a form.
 #pragma once
 
 #include <Xm/Xm.h>
@@ -41,10 +41,10 @@ class Attach {
     Widget w_;
 };
 
-/// The height in pixels that the widget would have by itself.
+/// The height in pixels that the widget asks for.
 int natural_height(Widget w);
-/// By how many pixels `low`, side by side with `tall`, is to be shifted so that their middles are at one
-/// height; 0 where `low` is the taller one.
+/// By how many pixels `low` must be moved down so that its middle is at the height of the middle of `tall`
+/// beside it; 0 when `low` is the taller one.
 int centring_offset(Widget low, Widget tall);
 
 }  // namespace gw

@@ -33,7 +33,7 @@ void BusyWindows::destroy(Widget w) {
 }
 
 void BusyWindows::show(int on) {
-    // Events are served on the way.
+    // A copy: events are handled in this loop.
     const std::vector<const Widget*> all = windows;
     for (const Widget* w : all) set_watch_cursor(*w, on);
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The busy cursor on the windows that may be in view, for the length of a scope.
+// Shows the busy cursor on the visible windows until the end of a scope.
 #pragma once
 
 #include <optional>
@@ -12,8 +12,8 @@
 
 namespace gw {
 
-/// Showing the cursor serves events: what is released in a callback that runs then, but may still be in use
-/// by one that waits here, is retired and goes when the last scope ends.
+/// Showing the cursor handles events, so another callback may run in the middle of one that waits here. What
+/// that callback releases may still be in use: it is retired, and released when the last scope ends.
 class BusyWindows {
   public:
     BusyWindows();
@@ -21,8 +21,8 @@ class BusyWindows {
     BusyWindows(const BusyWindows&) = delete;
     BusyWindows& operator=(const BusyWindows&) = delete;
 
-    /// From now on the window that is in this variable, which lives for the whole run, shows the cursor too
-    /// while it is managed.
+    /// From now on the window in this variable shows the cursor too while it is managed. The variable must
+    /// live for the whole run.
     static void include(const Widget& window);
 
     /// Destroys the widget, now or when the last scope ends.

@@ -1,14 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// What callbacks have in common.
+// Helpers for callbacks.
 #pragma once
 
 #include <X11/Intrinsic.h>
 
 namespace gw {
 
-/// Calls `Function(client data as Record*)`, the casts between the toolkit's pointers and ours being made
-/// here alone.
+/// Calls `Function` with the client data as `Record*`. Only here are the toolkit's pointers cast to ours.
 template <class Record, void (*Function)(Widget, Record*, XtPointer)>
 void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
     Function(w, static_cast<Record*>(client_data), call_data);
@@ -24,8 +23,8 @@ void show_cb(Widget, XtPointer, XtPointer) {
     XtManageChild(Dialog);
 }
 
-/// The callback of a control that does nothing and yet is not insensitive; of a close box, a window that
-/// stays.
+/// For a control that does nothing although it is sensitive, and for a close box that does not close its
+/// window.
 inline void do_nothing_cb(Widget, XtPointer, XtPointer) {}
 
 }  // namespace gw

@@ -25,7 +25,7 @@ void name_windows_cb(Widget dialog, XtPointer, XtPointer) {
     name_windows(dialog);
 }
 
-/// A dialog whose size a resource gives has it, and its shell not yet: left alone, the shell would make the
+/// A resource may give a dialog its size, but its shell does not know that yet. The shell would make the
 /// dialog as small as its parts allow.
 void fit_shell_cb(Widget dialog, XtPointer, XtPointer) {
     Dimension width = 0;
@@ -38,7 +38,7 @@ void hide_cb(Widget, XtPointer dialog, XtPointer) {
     XtUnmanageChild(static_cast<Widget>(dialog));
 }
 
-/// Nothing where the box has no such button.
+/// Does nothing when the box has no such button.
 void press_ok(Widget box) {
     if (!XtIsManaged(XmMessageBoxGetChild(box, XmDIALOG_OK_BUTTON))) return;
     XtUnmanageChild(box);
@@ -53,7 +53,7 @@ void press_ok_action(Widget box, XEvent*, String*, Cardinal*) {
     press_ok(box);
 }
 
-/// A message box knows its own Cancel button only, and that is not there.
+/// In a message box, Escape works only for its own Cancel button, which this one does not have.
 void let_escape_press_ok(Widget dialog) {
     static XtActionsRec actions[] = {{name_arg("PressOk"), press_ok_action}};
     static const XtTranslations ON_ESCAPE = [] {
@@ -78,14 +78,15 @@ Widget form_dialog(Widget parent, const char* name, Message title) {
 Widget message_dialog(Widget parent, const char* name, unsigned char type, const std::string& title,
                       const std::string& message, std::initializer_list<unsigned char> without) {
     const XmText text = xm_text(message);
-    // Return presses OK even where it has been taken away: a dialog without it stays.
+    // Return would press OK even when that button was removed and hide the dialog. A dialog without OK must
+    // stay.
     const bool has_ok = std::find(without.begin(), without.end(), XmDIALOG_OK_BUTTON) == without.end();
     Arg args[3];
     XtSetArg(args[0], XmNmessageString, text.get());
     XtSetArg(args[1], XmNdefaultPosition, False);
     XtSetArg(args[2], XmNautoUnmanage, has_ok);
     Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, 3);
-    // The function that creates it has a type of its own.
+    // The function that creates the box sets a type of its own.
     XtVaSetValues(dialog, XmNdialogType, type, nullptr);
     set_window_title(dialog, title.c_str());
     for (const unsigned char part : without) {

@@ -38,7 +38,8 @@ void draw_at_once(Widget dialog) {
 void process_xt_events() {
     XSync(display, False);
     for (int idle = 0; idle < gw::IDLE_ROUNDS;) {
-        // When only a timer is due, there is no event to take: that would wait for the user's next one.
+        // When only a timer is due, there is no event to take. Taking one would wait for the user's next
+        // event.
         if ((XtAppPending(app) & XtIMXEvent) != 0) {
             XEvent event;
             XtAppNextEvent(app, &event);

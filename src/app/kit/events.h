@@ -1,15 +1,15 @@
 // SPDX-License-Identifier: MIT
 //
-// Events that are served while the program is busy.
+// Handling of events while the program is busy.
 #pragma once
 
 #include <X11/Intrinsic.h>
 
 namespace gw {
 
-/// Rings every 20 milliseconds while it lives, so that a wait for the next event comes back soon. A timer
-/// that rings only once may do so while the events of other work are served; the wait would then have nothing
-/// to end it.
+/// A timer that fires every 20 milliseconds while it lives, so that a wait for the next event ends soon. A
+/// timer that fires only once may do so while the events of other work are handled. Then nothing would end
+/// the wait.
 class Ticker {
   public:
     Ticker() { start(); }
@@ -22,8 +22,8 @@ class Ticker {
     XtIntervalId id_ = 0;
 };
 
-/// Has a dialog drawn that was just managed, before long work begins. A window manager takes its time to put
-/// it on the screen: it is waited for, but not longer than a second.
+/// Draws a dialog that was just managed, before long work begins. The window manager may need time to put it
+/// on the screen: this waits for it, but at most one second.
 void draw_at_once(Widget dialog);
 
 }  // namespace gw

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 //
-// The one guard for work that serves events while the program is busy: in these events the user may ask for
-// the same again, or for something else.
+// Guards for work that handles events while the program is busy. In these events the user may ask for the
+// same again, or for something else.
 #pragma once
 
 namespace gw {
 
-/// Numbers the requests of one kind. Who answers a request and serves events meanwhile asks before it shows
-/// the answer whether that is still wanted:
+/// Numbers the requests of one kind. Code that answers a request, and handles events meanwhile, must check
+/// before it shows the answer whether a newer request has come:
 ///
 ///     const Generation::Ticket ticket = requests.begin();
 ///     ... events are served ...
@@ -16,15 +16,15 @@ class Generation {
   public:
     enum class Ticket : unsigned {};
 
-    /// A request comes: all tickets before this one are stale.
+    /// Begins a new request: all earlier tickets become stale.
     Ticket begin() { return newest_ = Ticket{static_cast<unsigned>(newest_) + 1}; }
-    /// The ticket of the request that came last.
+    /// The ticket of the newest request.
     [[nodiscard]] Ticket newest() const { return newest_; }
     [[nodiscard]] bool is_stale(Ticket ticket) const { return ticket != newest_; }
 
-    /// The request has its answer.
+    /// Says that the request was answered.
     void finish(Ticket ticket) { finished_ = ticket; }
-    /// Whether the newest request is still without an answer. False before the first one.
+    /// Whether the newest request has no answer yet. False before the first one.
     [[nodiscard]] bool is_pending() const { return finished_ != newest_; }
 
   private:
@@ -32,8 +32,8 @@ class Generation {
     Ticket finished_{};
 };
 
-/// One piece of work for the length of a scope, of a kind that must not run twice at a time. Where the events
-/// that it serves start the same again, the second one is not the first and leaves at once.
+/// Marks work that must not run twice at the same time, until the end of a scope. The events that it handles
+/// may start the same work again: then the second `Turn` is not the first, and the work must return at once.
 class Turn {
   public:
     explicit Turn(Generation& work)
@@ -44,7 +44,7 @@ class Turn {
     Turn(const Turn&) = delete;
     Turn& operator=(const Turn&) = delete;
 
-    /// False while another piece of this work runs.
+    /// False while the same work already runs.
     [[nodiscard]] bool is_first() const { return is_first_; }
 
   private:

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Small habits of all windows.
+// Small helpers that all windows use.
 #pragma once
 
 #include <X11/Intrinsic.h>
@@ -9,11 +9,11 @@
 void popup_cb(Widget w, void* client_data, void* call_data);
 /// Sets the dialog's title, in the current locale.
 void set_window_title(Widget dialog, const char* title);
-/// Shows (`on` non-zero) or removes the busy cursor on `w`, if it is managed, and has the display drawn.
+/// Shows (`on` non-zero) or removes the busy cursor on `w`, if it is managed, and draws the display.
 void set_watch_cursor(Widget w, int on);
 /// Sets the widget's sensitivity.
 void activate(Widget w, char on);
 /// The child of `ancestor` that is, or contains, `w`; null when `w` is not inside.
 Widget get_constraint_widget(Widget w, Widget ancestor);
-/// The label becomes `a` followed by `b`, of together less than 10000 bytes; null counts as empty.
+/// Sets the label to `a` followed by `b`, together less than 10000 bytes; null counts as empty.
 void update_label(Widget w, const char* a, const char* b);

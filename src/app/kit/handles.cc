@@ -30,7 +30,7 @@ struct ParseMappingDeleter {
 };
 using ParseMapping = std::unique_ptr<std::remove_pointer_t<XmParseMapping>, ParseMappingDeleter>;
 
-/// Has `character` stand in a text where a string has the component `substitute`.
+/// A mapping that gives `character` in the text where a string has the component `substitute`.
 ParseMapping make_mapping(const char* character, XmString substitute) {
     const XmText owned(substitute);
     Arg args[4];
@@ -44,8 +44,8 @@ ParseMapping make_mapping(const char* character, XmString substitute) {
 }  // namespace
 
 std::string text_of(XmString string) {
-    // Without them the separators between lines, and tabs, would vanish. Made once: Motif loses a piece of
-    // storage with about every sixtieth that is made.
+    // Without them the separators between lines, and tabs, would be lost. They are made once, because Motif
+    // leaks some memory with about every sixtieth mapping.
     static const ParseMapping newline = make_mapping("\n", XmStringSeparatorCreate());
     static const ParseMapping tab =
         make_mapping("\t", XmStringComponentCreate(XmSTRING_COMPONENT_TAB, 0, nullptr));

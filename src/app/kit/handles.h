@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Handles that release what the toolkit hands out (nothing else calls its free functions), and its strings
-// to and from text.
+// Handles that release what the toolkit allocates (only they call its free functions), and conversions
+// between its strings and text.
 #pragma once
 
 #include <memory>
@@ -29,7 +29,7 @@ struct FontListDeleter {
 };
 using FontList = std::unique_ptr<std::remove_pointer_t<XmFontList>, FontListDeleter>;
 
-/// A font list copies its entries: one that was appended is released at once.
+/// A font list copies its entries, so an entry is released as soon as it was appended.
 void free_entry(XmFontListEntry entry);
 
 /// `text` in the current locale; newlines separate lines.

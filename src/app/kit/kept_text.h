@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A text field's text, whole: the field itself drops the characters that its font lacks.
+// Keeps the whole text of a text field: the field itself drops the characters that its font lacks.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace gw {
 
-/// What the field shows of a text stands for the whole of it, as long as the user changes nothing.
+/// As long as the user changes nothing, the part that the field shows stands for the whole text.
 class KeptText {
   public:
     KeptText() = default;
@@ -17,9 +17,9 @@ class KeptText {
 
     /// The field shows `text`, as far as its font can.
     void show(const std::string& text);
-    /// The text that was shown last; when the user has changed what the field shows of it, that.
+    /// The text that was shown last; or, when the user has changed the field, the text in the field.
     [[nodiscard]] std::string text() const;
-    /// To be called when the field shows `text`, which is this text, in another font than before.
+    /// Call this when the field shows `text`, which is this text, in another font than before.
     void shown_again(const std::string& text);
 
     [[nodiscard]] Widget field() const { return field_; }

@@ -20,7 +20,7 @@ void set_list_columns(Widget list, std::size_t columns);
 /// Scrolls the list so that the position can be seen.
 void show_position(Widget list, int position);
 
-/// The strings of several lines, in the form in which the toolkit takes them.
+/// The strings of several lines, in the form that the toolkit takes.
 class XmTexts {
   public:
     explicit XmTexts(const std::vector<std::string>& lines);
@@ -33,7 +33,7 @@ class XmTexts {
     std::vector<XmString> table_;
 };
 
-/// The list shows these lines and no others, none of them selected.
+/// Replaces the lines of the list. None of them is selected.
 void fill_list(Widget list, const std::vector<std::string>& lines);
 /// Adds the lines at the end of the list, unselected.
 void append_to_list(Widget list, const std::vector<std::string>& lines);

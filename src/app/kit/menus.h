@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The menus of a menu bar, written down as tables; option menus.
+// The menus of a menu bar, given as tables, and option menus.
 #pragma once
 
 #include <span>
@@ -13,7 +13,7 @@
 
 namespace gw {
 
-/// One entry of a menu. One without a callback is a separator.
+/// One entry of a menu. An entry without a callback is a separator.
 struct MenuEntry {
     const char* name;
     Message text{};
@@ -37,7 +37,7 @@ struct OptionMenu {
     Widget menu;
     Widget pulldown;
 };
-/// An option menu with one entry; its label stands in a widget of its own.
+/// An option menu with one entry; its label is a widget of its own.
 OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_name,
                        const std::string& first_entry);
 /// An option menu with these entries and a label.
@@ -46,9 +46,9 @@ OptionMenu option_menu(Widget parent, const char* name, const char* pulldown_nam
 
 /// A push button in a pulldown, under `name`, showing `text`.
 Widget menu_button(Widget pulldown, const char* name, const std::string& text);
-/// The buttons of a pulldown that are there to stay.
+/// The buttons of a pulldown, without those that were taken away.
 std::vector<Widget> entries_of(Widget pulldown);
-/// Takes a button out of its pulldown. It is destroyed when nobody can be using it any more.
+/// Takes a button out of its pulldown. It is destroyed when no callback can use it any more.
 void take_entry_away(Widget button);
 /// The text of the entry that an option menu shows; empty without one.
 std::string chosen_entry(Widget option_menu);

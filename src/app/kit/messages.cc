@@ -6,7 +6,7 @@
 
 namespace {
 
-// NOLINTNEXTLINE(performance-no-int-to-ptr): this is the value that POSIX gives "no catalogue"
+// NOLINTNEXTLINE(performance-no-int-to-ptr): POSIX uses this value for "no catalogue"
 const nl_catd NO_CATALOGUE = reinterpret_cast<nl_catd>(-1);
 
 }  // namespace
@@ -49,7 +49,7 @@ const char* text_or(Message message, const char* other_default) {
     return ::catgets(catd, entry.set, entry.number, other_default);
 }
 
-// Not a printf format: what a translation holds is only data.
+// Not a printf format: a translation is only data.
 std::string text_of(Message message, unsigned number) {
     std::string text = text_of(message);
     const std::size_t place = text.find("%d");

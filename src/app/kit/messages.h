@@ -18,18 +18,18 @@ enum class Message {
 #undef MSG
 };
 
-/// The text in the user's language, or the default where there is no catalogue. Lives as long as the
-/// catalogue is open.
+/// The text in the user's language, or the default when there is no catalogue. Valid while the catalogue is
+/// open.
 const char* text_of(Message message);
 /// The same entry of the catalogue with another default.
 const char* text_or(Message message, const char* other_default);
-/// The same with `number` in the place of its "%d".
+/// The same with `number` in place of its "%d".
 std::string text_of(Message message, unsigned number);
 
 /// `number`, a blank, and the text. Kept: a count does not change the words after it.
 std::string count_text(unsigned number, Message message);
 
-/// One text as the catalogue numbers it.
+/// One text with its numbers in the catalogue.
 struct MessageEntry {
     int set;
     int number;
@@ -38,7 +38,7 @@ struct MessageEntry {
 /// All texts, in the order of `Message`.
 std::span<const MessageEntry> message_table();
 
-/// Opens the catalogue for the current locale; without one the defaults stand.
+/// Opens the catalogue for the current locale. Without one the defaults are used.
 void open_catalogue();
 void close_catalogue();
 

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// How a part of the program tells those who stand above it, of which it knows nothing, what has happened.
+// A signal: a part of the program tells the parts above it, which it does not know, what has happened.
 #pragma once
 
 #include <algorithm>
@@ -14,7 +14,7 @@ class Signal {
   public:
     using Listener = void (*)(Args...);
 
-    /// A function that is connected already is still called once only.
+    /// Connecting a function twice changes nothing: it is called once.
     void connect(Listener listener) {
         if (std::find(listeners_.begin(), listeners_.end(), listener) == listeners_.end())
             listeners_.push_back(listener);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The program's connection with the toolkit. All of it is null until start-up has opened the display.
+// The program's connection to the toolkit. Everything here is null until start-up has opened the display.
 #pragma once
 
 #include <X11/Intrinsic.h>

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Builders for the simple widgets that dialogs are made of, and what such a widget shows. Each builder
-// creates one managed widget under that name.
+// Builders for the simple widgets in dialogs, and ways to get and set what they show. Each builder creates
+// one managed widget of that name.
 #pragma once
 
 #include <string>
@@ -21,7 +21,7 @@ Widget text_field(Widget parent, const char* name);
 Widget scrolled_window(Widget parent, const char* name);
 
 std::string label_of(Widget w);
-/// The label's text becomes `text`.
+/// Sets the label's text.
 void set_label(Widget w, const std::string& text);
 std::string field_text(Widget text_field);
 

@@ -77,7 +77,7 @@ void work_permitted(bool permitted) {
 
 // --- opening dialogs --------------------------------------------------------
 
-/// What an ordinary user gets instead of the font path dialog; made on first use and kept.
+/// An ordinary user gets this instead of the font path dialog. Made on first use and kept.
 Widget root_only_dialog() {
     static Widget dialog = [] {
         return gw::message_dialog(wi_toplevel, "info dlg", XmDIALOG_INFORMATION,
@@ -197,7 +197,7 @@ void create_font_admin_main_window() {
     gw::selection_changes().connect(selection_changed);
     gw::work_permissions().connect(work_permitted);
     gw::start_installed_list();
-    // The sample text belongs to a user.
+    // The superuser has no sample text of their own.
     if (gw::user_is_superuser()) activate(wi_properties_entry, 0);
     XtManageChild(wi_mainwindow);
     XmProcessTraversal(wi_hrn_list, XmTRAVERSE_CURRENT);

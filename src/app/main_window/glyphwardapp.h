@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The main window: its menus, from which everything else is opened, and around the list of installed fonts
-// what can be done with them.
+// The main window: the list of installed fonts with its controls, and the menus, which open everything else.
 #pragma once
 
 #include <X11/Intrinsic.h>
@@ -10,7 +9,7 @@ extern Widget wi_mainwindow;  ///< null until the window has been created
 
 namespace gw {
 
-/// What may be done with so many selected entries of the list.
+/// What the user may do when so many entries of the list are selected.
 struct SelectionRights {
     bool may_delete;
     bool may_show_attributes;

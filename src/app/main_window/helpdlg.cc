@@ -34,7 +34,7 @@ using gw::Message;
 constexpr int GAP = 8;
 constexpr const char* TEXT_COLUMNS = "72";  // what the dialog has room for at its usual size
 
-/// A variable of the environment, set or (null) unset until the end of a scope.
+/// Sets a variable of the environment, or unsets it (null), until the end of a scope.
 class ScopedVariable {
   public:
     ScopedVariable(const char* name, const char* value) : name_(name) {
@@ -57,8 +57,8 @@ class ScopedVariable {
     std::optional<std::string> old_;
 };
 
-/// Has the manual page written to the scratch file. The text widget shows plain ASCII in every locale, lines
-/// that fit and no overstriking; and the page is found wherever the user's PATH points.
+/// Writes the manual page to the scratch file: in plain ASCII, which the text widget can show in every
+/// locale, with lines that fit, and without overstriking. man is found whatever the user's PATH is.
 void run_man() {
     const char* path = std::getenv("MANPATH");
     const std::string man_path = std::string(gw::MANUAL_DIR) + ':' + (path != nullptr ? path : "");
@@ -74,7 +74,7 @@ void run_man() {
 gw::XtOwned<char> manual() {
     char* text = nullptr;
     for (const char* scratch : {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS}) ::unlink(scratch);
-    // What someone else keeps under these names is neither written to nor shown.
+    // Other users' files with these names are neither written nor shown.
     if (gw::create_scratch_file(gw::SCRATCH_MANUAL) && gw::create_scratch_file(gw::SCRATCH_MANUAL_ERRORS)) {
         run_man();
         read_from_file(gw::SCRATCH_MANUAL, &text);

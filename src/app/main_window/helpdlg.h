@@ -8,10 +8,10 @@
 extern Widget wi_help_dlg;
 extern Widget wi_text;
 
-/// Runs man(1) to have something to show.
+/// Creates the dialog and runs man(1) for its text.
 Widget create_help_dlg(const char* name, Widget parent);
 void start_help_dlg();
 
-/// Gives `*text` (freed with XtFree) the content of the regular file at `path`, or the text that says that
-/// there is no help.
+/// Sets `*text` (freed with XtFree) to the content of the regular file at `path`, or to the text that says
+/// that there is no help.
 void read_from_file(const char* path, char** text);

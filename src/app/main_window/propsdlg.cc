@@ -39,7 +39,7 @@ void reset_cb(Widget, XtPointer, XtPointer) {
     say(" ");
 }
 
-/// Whether the text is kept now.
+/// Saves the text. Returns whether that worked.
 bool apply() {
     const gw::Outcome kept = gw::keep_sample_text(sample.text());
     say(kept ? " " : gw::failure_line(kept.failure()));
@@ -58,7 +58,7 @@ void ok_cb(Widget, XtPointer, XtPointer) {
     if (apply() || message == nullptr) XtUnmanageChild(wi_props_dlg);
 }
 
-/// The line that says why the text was not kept. It has room for a long path from the beginning.
+/// The line that says why the text was not saved. It is wide enough for a long path from the beginning.
 Widget create_message(Widget above) {
     message = gw::label(wi_props_dlg, "msg_label", " ");
     XtVaSetValues(message, XmNrecomputeSize, False, nullptr);

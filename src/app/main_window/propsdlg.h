@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The dialog in which a user sets the sample text that is kept.
+// The dialog in which a user sets the sample text that the program saves.
 #pragma once
 
 #include <X11/Intrinsic.h>
@@ -8,5 +8,5 @@
 extern Widget wi_props_dlg;
 
 Widget create_props_dlg(const char* name, Widget parent);
-/// Shows the dialog with the kept sample text.
+/// Shows the dialog with the saved sample text.
 void start_props_dlg();

@@ -94,7 +94,7 @@ class Rows {
   public:
     explicit Rows(Widget dialog) : dialog_(dialog) {}
 
-    /// Puts the widget at the left of a new row.
+    /// Puts the widget at the left end of a new row.
     Widget start(Widget w) {
         above_ = tallest();
         row_ = {w};
@@ -133,17 +133,17 @@ class Rows {
         Attach(w).sides(0);
         return w;
     }
-    /// The last row: what is in it stands at the bottom of the dialog.
+    /// Ends the last row: its widgets are attached to the bottom of the dialog.
     void end() const { Attach(row_.back()).bottom_form(GAP); }
 
   private:
-    /// What the next row stands below.
+    /// The widget that the next row is placed below.
     [[nodiscard]] Widget tallest() const {
         const auto lower = [](Widget a, Widget b) { return gw::natural_height(a) < gw::natural_height(b); };
         const auto found = std::max_element(row_.begin(), row_.end(), lower);
         return found != row_.end() ? *found : nullptr;
     }
-    /// The middles of all that is in a row are at one height.
+    /// Moves the widgets of a row so that their middles are at one height.
     void arrange() const {
         for (Widget w : row_) {
             const int offset = GAP + gw::centring_offset(w, tallest());

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The three dialogs for the fonts of a printer. They present how it is done: sources, printers and installed
-// fonts are listed; what would change a printer is there and insensitive.
+// The three dialogs for the fonts of a printer. They list sources, printers and installed fonts. The controls
+// that would change a printer are there, but insensitive.
 #pragma once
 
 #include <X11/Intrinsic.h>
@@ -18,15 +18,15 @@ Widget create_pr_modify_fp_dlg(const char* name, Widget parent);
 void update_wi_pr_install_dlg_for_menu();
 /// Shows the installed fonts in the delete dialog.
 void update_wi_pr_delete_dlg_scrolledlist();
-/// Nothing is known of a printer's font path.
+/// Empties the list: the font path of a printer is not known.
 void update_wi_pr_modify_fp_dlg_scrolledlist();
 
 namespace printerdlg {
 
-/// What the chooser of directories and the media dialog report.
+/// Callbacks of the directory chooser and of the media dialog.
 void from_dir_specified_cb(const char* dir);
 void rmedia_specified_cb(int choice);
-/// The destination that is chosen is dropped.
+/// The chosen destination is ignored.
 void to_dir_specified_cb(const char* dir);
 
 /// A work procedure: true when there is nothing more to do.

@@ -18,7 +18,7 @@ struct ConflictsDeleter {
 };
 using OwnedConflicts = std::unique_ptr<GW_LIST<GWConflict>, ConflictsDeleter>;
 
-// Made before the program begins, so that it is still there when the program releases what it holds.
+// Constructed before main, so that it still exists when the program releases the conflicts.
 std::vector<OwnedConflicts> lists_that_are_shown;
 
 }  // namespace

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// How long conflicts live. The next installation or deletion empties `the_conflict_list`, while the user may
-// still be deciding about what is in it: the conflicts that a dialog shows then move to a list of their own,
-// which goes when no dialog shows it any more.
+// How long conflicts live. The next installation or deletion empties `the_conflict_list`, but a dialog may
+// still show what is in it. Then those conflicts move to a list of their own, which is released when no
+// dialog shows it any more.
 #pragma once
 
 #include <vector>

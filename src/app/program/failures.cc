@@ -11,7 +11,7 @@ namespace {
 
 const std::string INDENTATION(4, ' ');
 
-/// The window's words for a reason that is not the system's.
+/// The words in windows for a reason of the program, not of the system.
 std::string reason_message(Reason reason) {
     switch (reason) {
         case Reason::SYSTEM:
@@ -28,7 +28,7 @@ std::string reason_in_words(const Failure& failure) {
     return failure.reason == Reason::SYSTEM ? failure.reason_text() : reason_message(failure.reason);
 }
 
-/// The window's words for what follows; "" for what the window itself shows.
+/// The words in windows for what follows from a failure; "" when the window itself shows it.
 std::string sequel_message(Sequel sequel) {
     switch (sequel) {
         case Sequel::NOT_LISTED_NEXT_TIME:

@@ -14,15 +14,14 @@ namespace gw {
 /// Prints one line to standard error. This is the program's listener for failures.
 void say_on_standard_error(const Failure& failure);
 
-/// For a window, in the user's language: what and why.
+/// For a window, in the user's language: what failed and why.
 std::string failure_line(const Failure& failure);
-/// The same and, where something follows from it, that in a line of its own.
+/// The same; if something follows from the failure, a second line says so.
 std::vector<std::string> failure_lines(const Failure& failure);
-/// Two lines for each font: its name and why nothing was done to it; the file or directory that this is
-/// about.
+/// Two lines for each font: its name with the reason, and the file or directory where it failed.
 std::vector<std::string> failure_lines(const FontReport& report);
 
-/// Says a whole report on standard error.
+/// Prints all failures of a report to standard error.
 void say_on_standard_error(const FontReport& report);
 
 }  // namespace gw

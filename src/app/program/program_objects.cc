@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// One file, so that the objects are constructed in this order and destroyed in the reverse one.
+// All in one file, so that the objects are constructed in this order and destroyed in reverse order.
 #include "app/program/program_objects.h"
 
 #include "app/program/conflict_lists.h"

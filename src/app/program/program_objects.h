@@ -34,7 +34,7 @@ extern GW_T1_FSM& the_t1_fsm;
 extern GW_PCF_FSM& the_pcf_fsm;
 
 /// Lengths of the two lists when they were last filled. The main window shows fonts at positions 1 to
-/// `the_installed_hrn_count`, aliases behind them.
+/// `the_installed_hrn_count`, and aliases after them.
 extern int the_installed_hrn_count;
 extern int the_alias_count;
 
@@ -50,7 +50,8 @@ struct GwResources {
 };
 extern GwResources Gw_resrc;
 
-/// What the program does beyond them; see core/font_policy.h and window_policy.h.
+/// The resources for what the program can do beyond earlier releases; see core/font_policy.h and
+/// window_policy.h.
 struct GwModernResources {
     Boolean modern_fonts;
     Boolean modern_windows;
@@ -64,15 +65,15 @@ namespace gw {
 
 }  // namespace gw
 
-/// To be called when the installed-name list has become longer or shorter: brings its count up to date.
+/// Sets `the_installed_hrn_count`. Call this when the installed-name list has become longer or shorter.
 void count_installed_fonts();
 
 /// Fills the installed-name list and the alias list from the font path, releasing what they held.
 void fill_program_lists();
 
-/// What an installation into `dir` means to the running server. An ordinary user's directory gets its
-/// resource file and goes on the font path of the user and of the session; in every case the server rereads
-/// its directories, for `dir` may have been among them before. Returns what could not be done.
+/// Tells the running server about an installation into `dir`. An ordinary user's directory gets its resource
+/// file and is added to the font paths of the user and of the session. In every case the server reads its
+/// directories again, because `dir` may have been one of them already. Returns what could not be done.
 std::vector<gw::Failure> show_installation_to_server(const std::string& dir);
 
 /// Releases what the lists refer to, at the end of the run.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// What stands where in a list that shows fonts by their names and, behind them, aliases.
+// Which entry is at which position of a list that shows names of fonts, and aliases after them.
 #pragma once
 
 #include "core/gw_list.h"
@@ -9,11 +9,11 @@
 
 namespace gw {
 
-/// A view of the lists behind a list widget. Positions are 1-based, as the widget counts them. Nothing is
-/// owned: it is made when it is needed.
+/// A view of the lists that a list widget shows. Positions are 1-based, as in the widget. It owns nothing;
+/// make one whenever it is needed.
 class ShownList {
   public:
-    /// The first `font_count` positions are for fonts.
+    /// The first `font_count` positions show fonts.
     ShownList(const GWHRNList& fonts, int font_count, const GW_SORTED_LIST<GWAlias>& aliases)
         : fonts_(fonts), font_count_(font_count), aliases_(aliases) {}
     ShownList(const GWHRNList& fonts, const GW_SORTED_LIST<GWAlias>& aliases)
@@ -21,11 +21,11 @@ class ShownList {
 
     /// Fonts and aliases together.
     [[nodiscard]] int count() const { return font_count_ + aliases_.get_count(); }
-    /// The name element at the position; null for positions of aliases and for those that there are not.
+    /// The name element at the position; null when an alias or nothing is there.
     [[nodiscard]] GWHRNElement* font_at(int position) const {
         return position <= font_count_ ? fonts_.get_elem_at_pos(position) : nullptr;
     }
-    /// The alias at the position; null for positions of fonts and for those that there are not.
+    /// The alias at the position; null when a font or nothing is there.
     [[nodiscard]] GWAlias* alias_at(int position) const {
         return aliases_.get_elem_at_pos(position - font_count_);
     }

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // What windows show and do beyond earlier releases. By default every point below is off. The resource
-// `gw_modern_windows` switches all points on together; each place in the code asks for its own point.
+// `gw_modern_windows` switches all points on together. Each place in the code asks for one point.
 #pragma once
 
 namespace gw {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What an installation or a deletion has still to do. They share the lists, so only one of them runs at a
-// time; each takes one selected entry per idle step.
+// What an installation or a deletion still has to do. Both use the same lists, so only one of them runs at a
+// time. Each handles one selected entry per idle step.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +25,7 @@ void permit_other_work();
 
 namespace gw {
 
-/// Told by these two: whether work may be started from now on.
+/// Emitted by these two: whether work may be started from now on.
 Signal<bool>& work_permissions();
 
 }  // namespace gw

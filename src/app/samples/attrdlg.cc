@@ -54,8 +54,8 @@ void stack(Widget row, Widget above) {
     }
 }
 
-/// A label, which is returned through `label`, and in the value column beside it its value. Rows are stacked
-/// on labels: an empty value has no height.
+/// A label, which is returned through `label`, and beside it, in the value column, its value. The next row is
+/// attached to the label, because an empty value has no height.
 Widget value_row(Widget parent, const char* label_name, Message text, const char* value_name, Widget above,
                  Widget& label) {
     label = gw::label(parent, label_name, text);
@@ -67,8 +67,8 @@ Widget value_row(Widget parent, const char* label_name, Message text, const char
     return value;
 }
 
-/// The same with the value in a scrolled window, which is returned through `scroll`: names and paths of any
-/// length can be read.
+/// The same with the value in a scrolled window, which is returned through `scroll`, so that names and paths
+/// of any length can be read.
 Widget scrolled_row(Widget parent, const char* label_name, Message text, const char* value_name,
                     const char* scroll_name, Widget above, Widget& scroll) {
     Widget label = gw::label(parent, label_name, text);
@@ -133,7 +133,7 @@ void create_buttons(Widget dialog, Widget above) {
     gw::end_dialog(dialog, {close, close, form, close_cb});
 }
 
-/// The words for the spacing codes; a code of its own stands as it is.
+/// The words for the spacing codes. An unknown code is shown as it is.
 std::string spacing_word(const char* spacing) {
     const std::string code = gw::lower_case(spacing);
     if (code == "m") return gw::text_of(Message::SPACING_MONO);
@@ -146,7 +146,7 @@ std::string spacing_word(const char* spacing) {
 
 Widget create_attr_dlg(const char* name, Widget parent) {
     wi_attr_dlg = gw::form_dialog(parent, name, Message::ATTR_TITLE);
-    // It stays up while fonts are selected: it must not change its size with every name.
+    // The dialog stays open while the user selects fonts, and must not change its size with every name.
     XtVaSetValues(wi_attr_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     Widget font_label = gw::label(wi_attr_dlg, "hrn_label", Message::ATTR_FONT);
     Attach(font_label).top_form(GAP).left_form(GAP);

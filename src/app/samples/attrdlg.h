@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The attributes dialog: the particulars of one font or one alias. It stays up while other fonts are
+// The attributes dialog: the attributes of one font or one alias. It stays open while other fonts are
 // selected.
 #pragma once
 
@@ -17,7 +17,7 @@ extern Widget wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name;
 
 Widget create_attr_dlg(const char* name, Widget parent);
 
-/// Show the dialog with a font's particulars (`location` null: the font's own) or an alias's.
+/// Show the dialog with the attributes of a font (at `location`; null: the font's own) or of an alias.
 void show_font_attributes(GWFont* font, const char* location);
 void show_alias_attributes(const GWAlias* alias);
 /// Empties all values; the dialog stays as it is.

@@ -9,7 +9,7 @@
 
 #include <X11/Intrinsic.h>
 
-/// The list shows the names of `hrn_list` and nothing else.
+/// Replaces the lines of the list with the names of `hrn_list`.
 void update_wi_hrn_list(Widget list, const GWHRNList& hrn_list);
 /// Adds the aliases at the end of the list.
 void display_alias_list(Widget list, const GW_SORTED_LIST<GWAlias>& aliases);

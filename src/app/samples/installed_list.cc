@@ -99,7 +99,7 @@ void set_installed_sample_text_cb_struct() {
 
 namespace gw {
 
-// The list takes what height there is; sample and menus keep to the bottom.
+// The list gets the rest of the height; sample and menus are attached to the bottom.
 void create_installed_list(Widget form) {
     Widget title = label(form, "_fontlist_label", Message::INSTALLED_FONTS);
     Attach(title).top_form(GAP).left_form(GAP);

@@ -15,26 +15,27 @@ extern Widget wi_installed_sample_textfield;
 namespace gw {
 
 /// Create the list with its sample and menus in a form of its own, and the line with the disk space above
-/// `below`, of which the value is returned.
+/// `below`; this returns the widget that shows the disk space.
 void create_installed_list(Widget form);
 Widget create_disk_space_line(Widget parent, Widget below);
-/// Fills the list and begins to show samples.
+/// Fills the list and connects it to the samples.
 void start_installed_list();
 
 /// Callback: shows the attributes of the first selected entry.
 void show_selected_attributes_cb(Widget w, XtPointer client_data, XtPointer call_data);
 
-/// How many entries are selected now; 0 too when an operation forbids to use the selection.
+/// Emitted with the number of selected entries; with 0 too while an operation does not allow the selection to
+/// be used.
 Signal<int>& selection_changes();
 
 }  // namespace gw
 
-/// Shows all installed fonts and behind them the aliases, none of them selected.
+/// Shows all installed fonts and after them the aliases. None of them is selected.
 void update_wi_installed_hrn_list();
 
-/// What the controls of the main window allow with so many entries selected.
+/// Makes the controls of the main window sensitive or not, as it fits so many selected entries.
 void activate_selection_controls(int selected);
-/// Deselects everything in the list and shows what that means: no sample, no sizes, no disk space.
+/// Deselects everything in the list, and shows no sample, no sizes and no disk space.
 void forget_selection();
-/// Has the list's sample shown after its other selection callbacks have run.
+/// Makes the callback that shows the sample the last one of the list's selection callbacks.
 void show_main_samples_last();

@@ -1,18 +1,19 @@
 // SPDX-License-Identifier: MIT
 //
-// The sample text as it is kept between runs, per user, in ".glyphwdrc"; and the conversions of point sizes.
-// No widget is touched here.
+// The sample text that the program saves for each user in ".glyphwdrc", and conversions of point sizes.
+// Nothing here uses a widget.
 #pragma once
 
 #include <string>
 
 #include "core/failure.h"
 
-/// The text of the user's file; the default for the superuser and where there is no file to read.
+/// The text of the user's file; the default text for the superuser, or when there is no file that can be
+/// read.
 std::string get_rc_sample_text();
 
-/// Keeps `text` for the user: the file is rewritten whole. A failure for the superuser, and when the file
-/// cannot be written; without a home directory there is nothing to write, which is fine.
+/// Saves `text` in the user's file, which is written anew. Fails for the superuser and when the file cannot
+/// be written. Without a home directory nothing is written, and that is no failure.
 gw::Outcome keep_rc_sample_text(const std::string& text);
 /// The same as a number: 1 or 0.
 int write_rc_sample_text(const char* text);

@@ -22,7 +22,7 @@ using gw::SampleFont;
 
 constexpr unsigned XLFD_BUFFER = 2000;
 
-/// The font that each sample field shows: a font list does not own it, so it must outlive the list.
+/// The font that each sample field shows. The font list does not own its font, so the font must live longer.
 std::map<Widget, SampleFont>& shown_fonts() {
     static std::map<Widget, SampleFont> fonts;
     return fonts;
@@ -44,7 +44,7 @@ XmFontListEntry font_list_entry(const SampleFont& font) {
                                  is_set ? XmFONT_IS_FONTSET : XmFONT_IS_FONT, drawn_with);
 }
 
-/// Shows `text` in `font`, at the field's present height: the window must not jump from font to font.
+/// Shows `text` in `font`. The field keeps its height: the window must not change its size from font to font.
 void draw(Widget field, SampleFont font, const std::string& text) {
     Dimension height = 0;
     XtVaGetValues(field, XmNheight, &height, nullptr);
@@ -59,11 +59,11 @@ void draw(Widget field, SampleFont font, const std::string& text) {
     put_text(field, text);
 }
 
-/// Showing the busy cursor dispatches events, so that a newer selection may be served while an older one is
-/// being shown. The older one must not overwrite it then.
+/// Showing the busy cursor handles events, so a newer selection may be shown while an older one is still
+/// waiting. The older one must not replace it.
 gw::Generation requests;
 
-/// Name and text are copies: the events that are served may change their originals.
+/// Name and text are copies: the events that are handled here may change the originals.
 bool show_in_xlfd(Widget field, const std::string xlfd, const std::string text) {
     const gw::Generation::Ticket ticket = requests.begin();
     {

@@ -24,8 +24,7 @@ constexpr std::size_t LONGEST_FONT_NAME = 255;
 
 XErrorHandler default_error_handler = nullptr;
 
-/// Xlib releases what is not its own when all of a list of names is blank, and the server knows no names that
-/// are longer.
+/// When a list of names is blank, Xlib frees memory that it does not own. The server knows no longer names.
 bool can_name_a_font(const std::string& name) {
     return name.size() <= LONGEST_FONT_NAME && name.find_first_not_of(" \t\n\v\f\r") != std::string::npos;
 }
@@ -43,7 +42,7 @@ int width_of(XFontSet set, const std::string& text) {
     return XmbTextEscapement(set, text.data(), static_cast<int>(text.size()));
 }
 
-/// Charsets that are missing from it are normal: a set of one font has but one.
+/// It is normal that charsets are missing: a set of one font has only one.
 FontSet open_font_set(const std::string& names) {
     char** missing = nullptr;
     int missing_count = 0;
@@ -53,7 +52,7 @@ FontSet open_font_set(const std::string& names) {
     return set;
 }
 
-/// The server refuses a font whose file it cannot read in more than one way, and none ends the program.
+/// The server has more than one error for a font file that it cannot read. None of them may end the program.
 int ignore_font_errors(Display* d, XErrorEvent* event) {
     const bool about_fonts = event->request_code == X_OpenFont || event->request_code == X_QueryFont;
     return about_fonts ? 0 : x_error_handler(d, event);
@@ -72,7 +71,8 @@ bool has_letters(FontSet& set) {
     return set && width_of(set.get(), "A") > 0;
 }
 
-/// A font of two-byte characters has none; asked for one byte it would draw the stand-in for what it lacks.
+/// A font of two-byte characters has no letters: for a text of bytes it would draw its default character
+/// only.
 bool has_letters(LoadedFont& font) {
     return font && font->min_byte1 == 0 && font->min_char_or_byte2 <= 'A' && font->max_char_or_byte2 >= 'A' &&
            XTextWidth(font.get(), "A", 1) > 0;
@@ -82,7 +82,7 @@ bool has_letters(LoadedFont& font) {
 
 std::optional<SampleFont> make_sample_font(std::string name, const std::string& text) {
     if (!can_name_a_font(name)) return std::nullopt;
-    // A comma would end the name; this stands for any one character.
+    // A comma would end the name. A question mark matches any one character.
     std::replace(name.begin(), name.end(), ',', '?');
     FontSet set = open_font_set(name);
     if (has_letters(set)) return set;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What a sample is drawn with: the locale's font set of one or more fonts, or one font itself. A font that
-// the server lists may still be one that it cannot open.
+// What a sample is drawn with: a font set of the locale, with one or more fonts, or one font itself. The
+// server may list a font and yet be unable to open it.
 #pragma once
 
 #include <memory>
@@ -27,20 +27,20 @@ using LoadedFont = std::unique_ptr<XFontStruct, FontCloser>;
 
 using SampleFont = std::variant<FontSet, LoadedFont>;
 
-/// What `text` is drawn with in the font of that one name: a font set, which knows the locale's characters,
-/// or else, where the font policy has it, the font itself. Nothing when neither has a width for letters, nor
-/// the font set for `text`.
+/// What `text` is drawn with in the font of that name: a font set, which knows the characters of the locale,
+/// or else the font itself, if the font policy says so. Nothing when neither has a width for letters, nor the
+/// font set for `text`.
 [[nodiscard]] std::optional<SampleFont> make_sample_font(std::string name, const std::string& text);
 
 /// The font set of a comma-separated list of names; empty when the locale or the server cannot make one, or
 /// an entry of the list cannot be the name of a font.
 [[nodiscard]] FontSet make_font_set(std::string_view names);
 
-/// Has `x_error_handler` take the place of the toolkit's handler.
+/// Makes `x_error_handler` the handler of X errors, in place of the toolkit's.
 void take_over_font_errors();
 
 }  // namespace gw
 
-/// Errors of opening a font end here: a size that is missing only leaves the sample empty. All others go to
-/// the handler in place before.
+/// Ignores errors of opening a font: a missing size only leaves the sample empty. All other errors go to the
+/// previous handler.
 int x_error_handler(Display* d, XErrorEvent* event);

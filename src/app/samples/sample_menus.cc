@@ -20,8 +20,8 @@ namespace {
 
 constexpr const char* OUTLINE_RESOLUTION = "75 X 75";
 
-/// Gives the menu one button per text and makes the last one current; the old buttons go. Returns the current
-/// button. Without texts the menu keeps its buttons, and the answer is null.
+/// Replaces the buttons of the menu with one per text, and makes the last one current. Returns the current
+/// button. Without texts the menu keeps its buttons, and null is returned.
 Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& buttons,
                        const std::vector<std::string>& texts, XtCallbackProc callback,
                        sample_text_cb_struct* record) {
@@ -33,7 +33,7 @@ Widget replace_buttons(Widget menu, Widget pulldown, std::vector<Widget>& button
         XtAddCallback(button, XmNactivateCallback, callback, record);
         buttons.push_back(button);
     }
-    // The menu must not point at a button that goes.
+    // The menu must not refer to a button that is removed.
     XtVaSetValues(menu, XmNmenuHistory, buttons.back(), nullptr);
     for (Widget button : old) gw::take_entry_away(button);
     return buttons.back();

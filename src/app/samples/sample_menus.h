@@ -23,6 +23,6 @@ void size_button_cb(Widget button, sample_text_cb_struct* record, XtPointer call
 /// A resolution was chosen: shows the sample.
 void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer call_data);
 
-/// The point size of the element that the size menu shows as `points`. One of tenths of a point, as "246", is
-/// shown without them.
+/// The size of the element, in decipoints, that the size menu shows as `points`. The menu leaves out tenths
+/// of a point, as of "246".
 std::string chosen_decipoints(const GWHRNElement& elem, const std::string& points);

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// What stands around a list that shows samples, and what is shown there of the selected entry: its sample,
-// and its attributes where their dialog is up.
+// The controls around a list that shows samples, and what they show of the selected entry: its sample, and
+// its attributes if their dialog is open.
 #pragma once
 
 #include <vector>
@@ -35,11 +35,11 @@ namespace gw {
 /// The element at the one selected position; null unless exactly one entry is selected and it is a font.
 [[nodiscard]] GWHRNElement* only_selected_element(const sample_text_cb_struct& record);
 
-/// Each shows the sample, and the attributes too where they are displayed, unless a newer request has
-/// overtaken it meanwhile.
+/// Each shows the sample, and the attributes too if their dialog is open, unless a newer request has come
+/// meanwhile.
 void show_font(const sample_text_cb_struct& record, GWFont* font, const char* decipoints);
 void show_alias(const sample_text_cb_struct& record, const GWAlias* alias);
-/// No sample and no attributes.
+/// Shows no sample and no attributes.
 void show_nothing(const sample_text_cb_struct& record);
 
 void make_menus_insensitive(const sample_text_cb_struct& record);

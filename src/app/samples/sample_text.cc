@@ -13,11 +13,11 @@ std::string sample_text = "Aa Bb Cc Xx Yy Zz 0123456789";
 
 namespace {
 
-// What mbrlen answers of bytes that are no whole character.
+// What mbrlen returns for bytes that are no whole character.
 constexpr auto INVALID_CHARACTER = static_cast<std::size_t>(-1);
 constexpr auto INCOMPLETE_CHARACTER = static_cast<std::size_t>(-2);
 
-/// At most the sample text's bytes of `text`, ending with a whole character.
+/// The beginning of `text`: at most SAMPLE_TEXT_LIMIT bytes, ending with a whole character.
 std::string bounded_sample(const std::string& text) {
     if (text.size() <= SAMPLE_TEXT_LIMIT) return text;
     std::mbstate_t state{};

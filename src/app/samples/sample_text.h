@@ -11,17 +11,17 @@
 
 #include <X11/Intrinsic.h>
 
-/// Bytes of the sample text.
+/// The greatest length of the sample text in bytes.
 inline constexpr std::size_t SAMPLE_TEXT_LIMIT = 1000;
 extern std::string sample_text;
 
-/// Keeps `text` as the sample text, in the user's file too, and shows it; 0 (and nothing changes) for the
-/// superuser or when the file cannot be written, else 1.
+/// Makes `text` the sample text, saves it in the user's file, and shows it. Returns 1; or 0 for the superuser
+/// or when the file cannot be written: then nothing changes.
 int set_rc_sample_text(const char* text);
 
 namespace gw {
 
-/// The same, and why nothing changes.
+/// The same; a failure says why nothing changes.
 Outcome keep_sample_text(const std::string& text);
 
 }  // namespace gw
@@ -31,11 +31,10 @@ void set_sample_text_cb(Widget field, XtPointer client_data, XtPointer call_data
 
 namespace gw {
 
-/// The text that the user keeps becomes the sample text.
+/// Reads the sample text from the user's file.
 void read_sample_text();
 
-/// The sample text has become another one. The listener gets the field that it was typed into; null where it
-/// was not.
+/// Emitted when the sample text has changed, with the field that the user typed it into, or null.
 Signal<Widget>& sample_text_changes();
 
 }  // namespace gw

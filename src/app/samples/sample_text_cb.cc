@@ -37,7 +37,7 @@ void show_largest(const sample_text_cb_struct& record, const GWHRNElement& elem)
     gw::show_font(record, font.get(), size.c_str());
 }
 
-/// The position that a selection callback is about; 0 when there is none.
+/// The position that a selection callback was called for; 0 when there is none.
 int selected_position(Widget list, XtPointer call_data) {
     const auto* event = static_cast<XmListCallbackStruct*>(call_data);
     if (event != nullptr && (event->reason == XmCR_SINGLE_SELECT || event->reason == XmCR_BROWSE_SELECT)) {

@@ -7,7 +7,7 @@
 
 #include <X11/Intrinsic.h>
 
-/// Takes errors of opening fonts over from the toolkit and reads the user's sample text.
+/// Installs the handler of X errors and reads the user's sample text.
 void init_sample_text_cb_module();
 
 /// The selection callback of a list that shows samples.

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The resources that stand where no resource file of the class is found. data/app-defaults/Glyphward is a
-// full copy: a class file replaces them as a whole.
+// The resources that are used when no resource file of the class is found. data/app-defaults/Glyphward is a
+// full copy, because a class file replaces all of them.
 #pragma once
 
 #include <X11/Intrinsic.h>

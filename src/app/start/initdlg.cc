@@ -10,7 +10,7 @@
 
 Widget wi_init_dlg = nullptr;
 
-// Only the text shows: no button lets the user close the notice.
+// Only the text is shown: without buttons the user cannot close the notice.
 Widget create_init_dlg(const char* name, Widget parent) {
     wi_init_dlg = gw::message_dialog(parent, name, XmDIALOG_INFORMATION,
                                      gw::text_of(gw::Message::NOTICE_TITLE), gw::text_of(gw::Message::NOTICE),

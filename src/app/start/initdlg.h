@@ -7,7 +7,7 @@
 
 extern Widget wi_init_dlg;
 
-/// The notice, unmanaged. It takes a position in the middle of the screen when it appears.
+/// The notice, unmanaged. It is centred on the screen when it appears.
 Widget create_init_dlg(const char* name, Widget parent);
 void start_init_dlg();
 void stop_init_dlg();

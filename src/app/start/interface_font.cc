@@ -20,8 +20,8 @@ namespace {
 
 constexpr const char* DIGITS = "0123456789";
 constexpr int DIGIT_COUNT = 10;
-constexpr double UNITS_OF_A_LINE = 2.2;  // as the toolkit has it
-constexpr int LEAST_UNIT = 7;            // with which windows are as large as the built-in sizes make them
+constexpr double UNITS_OF_A_LINE = 2.2;  // as in the toolkit
+constexpr int LEAST_UNIT = 7;            // windows then have their built-in sizes
 
 const char* const TABLES[] = {XmNlabelRenderTable, XmNbuttonRenderTable, XmNtextRenderTable};
 
@@ -65,8 +65,8 @@ bool suits_locale(const char* resource) {
     return codeset == "UTF-8" || (codeset == ASCII && resource != std::string_view(XmNtextRenderTable));
 }
 
-/// The renditions of the resource file are for scalable fonts, of which there is none: a table that is still
-/// to be made of them would have no font either.
+/// The renditions of the resource file are for scalable fonts, and there are none. A table that is made from
+/// them later would have no font either.
 void rename_renditions(Display* d) {
     XrmDatabase resources = XrmGetDatabase(d);
     for (const std::string rendition : {"gw_interface", "gw_monospace", "gw_notice", "gw_sample"}) {
@@ -76,7 +76,7 @@ void rename_renditions(Display* d) {
     }
 }
 
-/// Gives `shell` the table of a shell that the program's resources do not reach.
+/// Gives `shell` the table of a new shell to which the program's resources do not apply.
 void use_toolkit_table(Widget shell, const char* resource) {
     Widget plain =
         XtAppCreateShell("plain", "Plain", applicationShellWidgetClass, XtDisplayOfObject(shell), nullptr, 0);

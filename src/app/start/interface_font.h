@@ -9,15 +9,15 @@
 
 namespace gw {
 
-/// To be called between the shell's creation and that of any other widget. The toolkit's own font takes the
-/// place of a table of `shell` that would not do: one without a font that can be opened, of which widgets
-/// could not be made; and one of scalable fonts where the toolkit cannot draw the locale's characters in
-/// them. It takes all texts for UTF-8 then. Labels and buttons are plain ASCII in the C locale, and keep
-/// theirs; a text field would drop what is typed.
+/// Call this after the shell was created and before any other widget. It replaces a table of `shell` that
+/// cannot be used with the toolkit's own font. Such a table has no font that can be opened, so that no widget
+/// could be created; or it has scalable fonts, in which the toolkit takes all texts for UTF-8, in a locale
+/// with another encoding. In the C locale labels and buttons keep their scalable fonts, because their texts
+/// are plain ASCII; a text field would drop what is typed.
 ///
-/// The toolkit's font units ("80fu" in a resource) become units of the font for labels: the width of a digit,
-/// and the height of a line divided by 2.2, 7 pixels at least. By itself, the toolkit would take them from
-/// the server's "fixed", which is as small on a screen of 192 dots per inch as on one of 96.
+/// It also sets the toolkit's font units ("80fu" in a resource) by the font for labels: the width of a digit,
+/// and the height of a line divided by 2.2, at least 7 pixels. The toolkit would take them from the server's
+/// font "fixed", which has the same size at 192 dots per inch as at 96.
 void prepare_interface_font(Widget shell);
 
 }  // namespace gw

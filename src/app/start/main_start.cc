@@ -48,8 +48,8 @@
 
 namespace gw {
 
-// A font that the server does not have is replaced by the toolkit, and a character that the selected font
-// lacks is left out: neither is news for the terminal.
+// When the server lacks a font, the toolkit replaces it; when a font lacks a character, the toolkit leaves it
+// out. The user need not read about either on the terminal.
 bool is_font_noise(std::string_view warning) {
     for (const std::string_view noise :
          {"to type Font", "Missing charsets", "not supported in font", "Cannot load font", "No font found"}) {
@@ -95,7 +95,7 @@ void read_resources() {
     gw::set_window_policy(gw::WindowPolicy(Gw_modern_resrc.modern_windows != False));
 }
 
-// Who sets a locale that the machine does not have is told so by every program; here all is English then.
+// When the machine does not have the locale, other programs say so too. All texts are English then.
 bool is_locale_noise(std::string_view warning) {
     return warning.find("locale not supported by C library") != std::string_view::npos;
 }
@@ -105,7 +105,7 @@ void quiet_about_fonts(String warning) {
         std::fprintf(stderr, "glyphward: %s\n", warning);
 }
 
-// Nothing can be saved and nothing shown once the display is gone; exit handlers would only talk to it.
+// Without the display nothing can be saved or shown. Exit handlers would only try to use it.
 int display_lost(Display*) {
     std::fprintf(stderr, "%s\n", gw::text_of(gw::Message::DISPLAY_LOST));
     std::_Exit(1);
@@ -154,7 +154,7 @@ void init_gui(int* argc, char** argv) {
     set_env();
     gw::open_catalogue();
     XSetIOErrorHandler(display_lost);
-    // The shell is made with fonts already, and its application context with it.
+    // This comes early: making the shell, with its application context, already uses fonts.
     XtSetWarningHandler(quiet_about_fonts);
     wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
     gw::prepare_interface_font(wi_toplevel);

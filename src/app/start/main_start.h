@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// Start-up: environment, catalogue, display, resources, lists, windows. In the library and not in main.cc, so
-// that tests take the same road.
+// Start-up: environment, catalogue, display, resources, lists, windows. It is in the library and not in
+// main.cc, so that tests can run the same code.
 #pragma once
 
 #include <string_view>
@@ -9,14 +9,14 @@
 /// The whole program; returns only when the event loop does.
 int gw_main(int argc, char** argv);
 
-/// The very first steps: what happens when memory runs out and at exit, and who runs the program.
+/// The very first steps: handlers for the end of memory and for exit, and the question who runs the program.
 void begin_program();
 
 /// Locale, environment, catalogue, display and resources; ends with the start-up notice on the screen.
 void init_gui(int* argc, char** argv);
 
-/// Gives NLSPATH and XFILESEARCHPATH their defaults where the environment has none, and puts the
-/// installation's commands on PATH.
+/// Sets NLSPATH and XFILESEARCHPATH to their defaults if they are not set, and adds the installation's
+/// commands to PATH.
 void set_env();
 
 namespace gw {
@@ -27,6 +27,6 @@ namespace gw {
 
 }  // namespace gw
 
-/// The steps behind `init_gui`: font path, modules, lists, the main window, every dialog; takes the notice
-/// down and maps the window.
+/// The steps after `init_gui`: font path, modules, lists, the main window, every dialog. Then hides the
+/// notice and shows the window.
 void build_program();

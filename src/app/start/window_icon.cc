@@ -16,14 +16,14 @@ namespace gw {
 
 namespace {
 
-constexpr unsigned HINT_SIZE = 48;      // of the pixmap; window managers that show it do not scale it
-constexpr std::uint32_t OPAQUE = 0x80;  // alpha from which on a pixel is shown where there is no blending
+constexpr unsigned HINT_SIZE = 48;      // pixels of the pixmap; window managers do not scale it
+constexpr std::uint32_t OPAQUE = 0x80;  // without blending, a pixel with at least this alpha is shown
 
 unsigned channel(std::uint32_t argb, unsigned shift) {
     return argb >> shift & 0xFFU;
 }
 
-/// The lists are of longs wherever a property has 32 bits.
+/// Xlib takes the 32-bit values of a property as longs.
 void set_property(Widget shell) {
     std::vector<unsigned long> cardinals;
     for (const IconImage& image : icon_images()) {
@@ -55,7 +55,7 @@ Pixmap make_pixmap(Screen* screen, const IconImage& image, unsigned depth, Pixel
                                                                    depth == 1 ? XYPixmap : ZPixmap, 0,
                                                                    nullptr, image.size, image.size, 32, 0));
     if (!drawn) return None;
-    // The image releases it.
+    // XDestroyImage frees it.
     drawn->data = static_cast<char*>(std::calloc(static_cast<std::size_t>(drawn->bytes_per_line),
                                                  static_cast<std::size_t>(drawn->height)));
     if (drawn->data == nullptr) return None;

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The icon of the main window. Dialogs are transient for it and have no entry of their own in a window
-// manager's lists.
+// The icon of the main window. Dialogs are transient for that window, so window managers do not list them on
+// their own.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ struct IconImage {
 std::vector<IconImage> icon_images();
 
 /// Gives the realized `shell` the icon in both forms: the property _NET_WM_ICON in all sizes, and the pixmap
-/// and mask of WM_HINTS, which mwm shows. The pixmap is for screens with true colours; others go without.
+/// and mask of WM_HINTS, which mwm shows. Only screens with true colours get the pixmap.
 void set_window_icon(Widget shell);
 
 }  // namespace gw
