@@ -302,7 +302,7 @@ Widget create_pr_modify_fp_dlg(const char* name, Widget parent) {
                                                     {"reset_button", Message::PR_FP_RESET, nullptr},
                                                     {"cancel_button", Message::PR_FP_CANCEL, nullptr},
                                                     {"help_button", Message::PR_FP_HELP, nullptr}});
-    // It does nothing and yet can be pressed.
+    // Kept: one Cancel button does nothing.
     activate(buttons[3], 1);
     rows.end();
     gw::end_dialog(dialog, {});
