@@ -4,6 +4,8 @@
 #include <cerrno>
 #include <cstring>
 
+#include "core/text.h"
+
 namespace gw {
 
 namespace {
@@ -56,11 +58,11 @@ std::string Failure::reason_text() const {
 }
 
 std::string Failure::text() const {
-    const std::string what = subject + ": " + reason_text();
+    const std::string what = escaped(subject) + ": " + reason_text();
     if (sequel == Sequel::NONE) return what;
     std::string follows = text_of(sequel);
     if (const std::size_t place = follows.find("%s"); place != std::string::npos)
-        follows.replace(place, 2, detail);
+        follows.replace(place, 2, escaped(detail));
     return what + "; " + follows;
 }
 

@@ -117,7 +117,8 @@ bool NewFile::changes_a_file() const {
 }
 
 Outcome NewFile::put_in_place() {
-    if (failure != 0 || state != State::BEGUN) return outcome();
+    if (failure == 0 && state != State::BEGUN) fail(EINVAL);
+    if (failure != 0) return outcome();
     if (replaces) {
         if (const Outcome aside = set_aside(path, old_file); !aside) {
             fail(aside.failure().error);

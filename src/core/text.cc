@@ -52,4 +52,18 @@ std::string lower_case(std::string_view text) {
     return result;
 }
 
+std::string escaped(std::string_view text) {
+    constexpr const char* DIGITS = "0123456789ABCDEF";
+    std::string result;
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        if (byte >= ' ' && byte != 0x7F) {
+            result += c;
+        } else {
+            result.append("\\x").append(1, DIGITS[byte >> 4U]).append(1, DIGITS[byte & 0xFU]);
+        }
+    }
+    return result;
+}
+
 }  // namespace gw

@@ -35,4 +35,7 @@ std::size_t copy_text(char (&dst)[N], std::string_view src) {
 /// `text` with its ASCII letters in lower case; equal results mean equal for `strcasecmp` in the C locale.
 [[nodiscard]] std::string lower_case(std::string_view text);
 
+/// `text` with its control characters as "\x0A", so that a name neither breaks a line nor imitates one.
+[[nodiscard]] std::string escaped(std::string_view text);
+
 }  // namespace gw

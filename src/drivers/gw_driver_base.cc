@@ -37,7 +37,10 @@ std::vector<gw::Failure> GWDriverBase::put_on_font_path(const std::string& dir) 
     std::vector<gw::Failure> failures;
     const auto add_to = [&](GWFontPath::TYPE t, gw::Sequel without) {
         const gw::Outcome added = the_font_path->insert(t, element, -1);
-        if (!added) failures.push_back(added.failure().with(without, dir));
+        if (added) return;
+        // That the session's path was not touched at all says more.
+        const bool is_told = added.failure().sequel != gw::Sequel::NONE;
+        failures.push_back(is_told ? added.failure() : added.failure().with(without, dir));
     };
     if (position_in(GWFontPath::ALL_FP, dir.c_str()) == 0)
         add_to(GWFontPath::USER_APPEND_FP, gw::Sequel::NOT_LISTED_NEXT_TIME);

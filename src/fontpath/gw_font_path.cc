@@ -99,7 +99,10 @@ void read_sections(const std::string& path, GW_LIST<GW_STRING>& append_list,
 int number_of(const gw::Outcome& outcome) {
     if (outcome) return 1;
     const gw::Reason reason = outcome.failure().reason;
-    if (reason == gw::Reason::SYSTEM || reason == gw::Reason::NOT_OURS) gw::tell(outcome.failure());
+    if (reason == gw::Reason::SYSTEM || reason == gw::Reason::NOT_OURS)
+        gw::tell(outcome.failure().sequel == gw::Sequel::NONE
+                     ? outcome.failure().with(gw::Sequel::FONT_PATH_STAYS)
+                     : outcome.failure());
     return 0;
 }
 

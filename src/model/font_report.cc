@@ -19,13 +19,25 @@ bool FontReport::note(GWFont& font, const Outcome& outcome) {
     return static_cast<bool>(outcome);
 }
 
+void FontReport::clear() {
+    entries.clear();
+    taken = 0;
+}
+
+std::vector<FontReport::Entry> FontReport::take_new() {
+    std::vector<Entry> fresh(entries.begin() + static_cast<std::ptrdiff_t>(taken), entries.end());
+    taken = entries.size();
+    return fresh;
+}
+
 void FontReport::append(const FontReport& other) {
     entries.insert(entries.end(), other.entries.begin(), other.entries.end());
 }
 
 // Kept: some fonts are left out without a line on standard error.
 bool was_always_silent(Reason reason) {
-    return reason == Reason::NAME_OF_AN_ALIAS || reason == Reason::TOO_MANY_OF_ONE_SIZE;
+    return reason == Reason::NAME_OF_AN_ALIAS || reason == Reason::TOO_MANY_OF_ONE_SIZE ||
+           reason == Reason::NO_FILE;
 }
 
 void FontReport::tell() const {

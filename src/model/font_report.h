@@ -24,15 +24,18 @@ class FontReport {
     bool note(GWFont& font, const Outcome& outcome);
     /// Appends the entries of `other`.
     void append(const FontReport& other);
-    void clear() { entries.clear(); }
+    void clear();
     /// Passes the failures to the listener for failures, except those that were never reported in earlier
     /// releases.
     void tell() const;
 
     [[nodiscard]] const std::vector<Entry>& failed() const { return entries; }
+    /// The entries that have come since this was last asked for.
+    std::vector<Entry> take_new();
 
   private:
     std::vector<Entry> entries;
+    std::size_t taken = 0;  // how many of them `take_new` has given
 };
 
 /// Whether fonts have always been left out for this reason without a word on standard error.

@@ -105,7 +105,7 @@ gw::Outcome GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& 
 // old font must not be deleted before its files are copied.
 gw::Outcome GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old,
                                     GW_FSM_LIST& modules) {
-    if (gw::Outcome fit = modules.can_install(*font); !fit) return fit;
+    if (!modules.can_install(*font)) return font->install(*dir_name, modules);  // what is installed stays
     const bool moves = old && have_a_file_in_common(*font, *old);
     if (moves && is_in_directory(*old, *dir_name)) return gw::done();
     gw::Outcome installed =

@@ -30,7 +30,7 @@ FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element)
 // The line is removed first, so that no reader finds a line without its file.
 FontInstallation::~FontInstallation() {
     if (kept) return;
-    if (entered) tell_unless_done(fpe.get_fontdir_file().withdraw(line->c_str()));
+    if (entered) tell_unless_done(fpe.get_fontdir_file().withdraw(line->c_str()).with(Sequel::LINE_REMAINS));
     copies.clear();
     if (made_afm_dir) ::rmdir(afm_dir(fpe).c_str());
 }

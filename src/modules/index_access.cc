@@ -61,8 +61,10 @@ Result<int> strike_out(const GW_FILE_SPEC& spec, const GWFont& font) {
     // Kept: deleting an outline removes one line of several.
     const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
     const Result<int> struck = all ? index.strike_out(spec.get_name()) : index.strike_out(spec.get_name(), 1);
-    if (!struck && !index.get_font_name(spec.get_name())) return 0;
-    return struck;
+    if (struck && *struck > 0) return struck;
+    // Readers take a line that is too long for two, and may find the file's name in the second.
+    if (!index.get_font_name(spec.get_name())) return 0;
+    return struck ? Result<int>(Failure{index.get_path(), Reason::NOT_IN_THE_INDEX}) : struck;
 }
 
 /// Removes the file; a missing file counts as removed.

@@ -148,37 +148,45 @@ void force(GWConflict& conflict, gw::FontReport& report) {
     if (other != nullptr) list_in_order(other, name);
 }
 
-/// Carries out what was decided; returns lines for what was not done.
-std::vector<std::string> carry_out() {
+std::size_t font_count(const GWConflict& conflict) {
+    std::size_t count = 0;
+    if (conflict.get_element() == nullptr) return count;
+    for (const GWHRNElement::PointSize& size : conflict.get_element()->get_slots())
+        count += size.fonts.size();
+    return count;
+}
+
+/// Carries out the decision; whether that counts.
+bool force_and_tell(GWConflict& conflict) {
+    const std::size_t fonts = font_count(conflict);
     gw::FontReport report;
+    force(conflict, report);
+    gw::hear_new_failures(report);
+    // Kept: a font that is decided by force counts as done.
+    if (!gw::window_policy().shows_reasons()) return true;
+    // As at first, a name counts when one of its fonts was installed, and when all of them were deleted.
+    return report.failed().empty() || (installs() && report.failed().size() < fonts);
+}
+
+void carry_out() {
     std::string destination;
     int position = 0;
     for (GWConflict* conflict : *shown.list()) {
         if (res_list[static_cast<std::size_t>(position++)] != FORCE) continue;
-        gw::FontReport own;
-        force(*conflict, own);
-        // Kept: a font that is decided by force counts as done.
-        if (own.failed().empty() || !gw::window_policy().shows_reasons()) ++success_count;
-        report.append(own);
+        if (force_and_tell(*conflict)) ++success_count;
         if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
     }
     count_installed_fonts();
-    gw::say_on_standard_error(report);
-    std::vector<std::string> lines = gw::failure_lines(report);
     if (installs() && !destination.empty()) {
-        for (const gw::Failure& failure : show_installation_to_server(destination)) {
-            gw::tell(failure);
-            const std::vector<std::string> more = gw::failure_lines(failure);
-            lines.insert(lines.end(), more.begin(), more.end());
-        }
+        for (const gw::Failure& failure : show_installation_to_server(destination)) gw::tell(failure);
     }
     if (!installs()) the_font_path->rehash_session_fp();
-    return lines;
 }
 
 void ok_cb(Widget, XtPointer, XtPointer) {
     if (shown.list() == nullptr) return;
-    const std::vector<std::string> failures = carry_out();
+    gw::forget_failures();
+    carry_out();
     update_label(
         wi_main_window_status_label,
         gw::count_text(success_count, installs() ? Message::FONTS_INSTALLED : Message::FONTS_DELETED).c_str(),
@@ -186,7 +194,8 @@ void ok_cb(Widget, XtPointer, XtPointer) {
     update_wi_installed_hrn_list();
     forget_selection();
     stop_conflict_dlg();
-    if (!start_summary({conflict_type, success_count, nullptr, failures}) && gw::user_is_superuser())
+    if (!add_to_summary({conflict_type, success_count, nullptr, gw::gathered_failures()}) &&
+        gw::user_is_superuser())
         start_fp_info_dlg();
 }
 

@@ -15,6 +15,7 @@
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/conflict_lists.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
 
@@ -37,6 +38,7 @@ Widget wi_separator;
 Widget wi_ok_button, wi_resolve_button;
 
 gw::ConflictView shown;
+std::vector<std::string> failures_shown;
 unsigned success_count = 0;
 unsigned read_only_conflict_count = 0;
 unsigned other_conflict_count = 0;
@@ -68,7 +70,8 @@ void show_counts() {
     gw::set_label(wi_success_label, gw::text_of(texts->success) + std::to_string(success_count));
     gw::set_label(wi_read_only_label,
                   gw::text_of(texts->read_only) + std::to_string(read_only_conflict_count));
-    gw::set_label(wi_conflict_label, gw::text_of(texts->conflicts) + others + " *");
+    gw::set_label(wi_conflict_label,
+                  gw::text_of(texts->conflicts) + others + (shown.list() != nullptr ? " *" : ""));
     std::string detail = " ";
     if (other_conflict_count > 0) {
         detail = "* " + others + gw::text_of(texts->some);
@@ -116,8 +119,6 @@ void show_failures(const std::vector<std::string>& lines) {
     if (wi_failed_list == nullptr) return;
     Widget scrolled = XtParent(wi_failed_list);
     gw::fill_list(wi_failed_list, lines);
-    // The separator must be attached to a widget that is managed.
-    Attach(wi_separator).below(lines.empty() ? wi_detail_label : scrolled, GAP);
     for (Widget w : {wi_failed_label, scrolled}) {
         if (lines.empty()) {
             XtUnmanageChild(w);
@@ -125,6 +126,8 @@ void show_failures(const std::vector<std::string>& lines) {
             XtManageChild(w);
         }
     }
+    // The separator must be attached to a widget that is managed.
+    Attach(wi_separator).below(lines.empty() ? wi_detail_label : scrolled, GAP);
 }
 
 }  // namespace
@@ -156,30 +159,45 @@ Widget create_preconflict_dlg(const char* name, Widget parent) {
     return wi_preconflict_dlg;
 }
 
+// The conflict dialog comes back here when nothing is decided in it: what was not done stays so.
 void start_preconflict_dlg(unsigned success, GW_LIST<GWConflict>* list) {
-    if (!list->is_empty()) start_summary({(*list->begin())->get_type(), success, list, {}});
+    if (!list->is_empty()) start_summary({(*list->begin())->get_type(), success, list, failures_shown});
+}
+
+void begin_summary() {
+    gw::forget_failures();
+    failures_shown.clear();
+    // Conflicts that wait for the user's decision stay in view.
+    if (shown.list() == nullptr) XtUnmanageChild(wi_preconflict_dlg);
+    show_failures({});
 }
 
 bool start_summary(const WorkSummary& summary) {
     const bool has_conflicts = summary.conflicts != nullptr && !summary.conflicts->is_empty();
     const bool has_failures = !summary.failures.empty() && gw::window_policy().shows_reasons();
     if (!has_conflicts && !has_failures) return false;
-    if (has_conflicts) {
-        shown.show(summary.conflicts);
-    } else {
-        shown.let_go();
+    failures_shown = summary.failures;
+    // A summary with conflicts that are still to be decided keeps them, and shows the new failures too.
+    if (has_conflicts || shown.list() == nullptr) {
+        if (has_conflicts) shown.show(summary.conflicts);
+        success_count = summary.success;
+        texts = summary.type == GWConflict::INSTALL ? &INSTALL_TEXTS : &DELETE_TEXTS;
+        count_conflicts();
     }
-    success_count = summary.success;
-    texts = summary.type == GWConflict::INSTALL ? &INSTALL_TEXTS : &DELETE_TEXTS;
-    count_conflicts();
     const bool undecided = other_conflict_count > 0;
     gw::set_label(wi_ok_button, gw::text_of(undecided ? Message::LEAVE_ORIGINALS : Message::PRECONFLICT_OK));
     gw::set_label(wi_resolve_button, gw::text_of(undecided ? Message::CHOOSE : Message::REVIEW));
-    activate(wi_resolve_button, has_conflicts ? 1 : 0);
+    activate(wi_resolve_button, shown.list() != nullptr ? 1 : 0);
     show_counts();
-    show_failures(summary.failures);
+    show_failures(failures_shown);
     XtManageChild(wi_preconflict_dlg);
     return true;
+}
+
+bool add_to_summary(WorkSummary summary) {
+    if (summary.failures.empty()) return false;
+    summary.failures.insert(summary.failures.begin(), failures_shown.begin(), failures_shown.end());
+    return start_summary(summary);
 }
 
 void stop_preconflict_dlg() {

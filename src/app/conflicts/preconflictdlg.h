@@ -28,5 +28,10 @@ void start_preconflict_dlg(unsigned success, GW_LIST<GWConflict>* list);
 /// Shows the summary when there is something to tell: conflicts or, where windows show reasons, failures.
 /// Returns whether it does.
 bool start_summary(const WorkSummary& summary);
+/// The same behind what the last summary has shown, where there are failures.
+bool add_to_summary(WorkSummary summary);
+/// An installation or a deletion begins: failures of the work before are forgotten, and so is a summary of
+/// nothing but those.
+void begin_summary();
 /// Writes the main window's status line and hides the summary.
 void stop_preconflict_dlg();

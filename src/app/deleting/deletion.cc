@@ -33,9 +33,10 @@ void delete_entry(int position, WorkRecord& work) {
             new GWConflict(GWConflict::DELETE, nullptr, alias, nullptr, nullptr, nullptr));
     }
     if (entries.font_at(position) == nullptr) return;
-    if (the_installed_hrn_list.delete_at_pos(static_cast<unsigned>(position), the_fsm_list,
-                                             the_conflict_list) != GWHRNElement::DONE)
-        return;
+    const int result = the_installed_hrn_list.delete_at_pos(static_cast<unsigned>(position), the_fsm_list,
+                                                            the_conflict_list);
+    gw::hear_new_failures(the_installed_hrn_list.get_report());
+    if (result != GWHRNElement::DONE) return;
     count_installed_fonts();
     XmListDeletePos(wi_hrn_list, position);
     update_progress_dlg(++work.done);
@@ -46,10 +47,8 @@ void finish_deletion(int deleted) {
     stop_progress_dlg();
     permit_other_work();
     if (deleted > 0) the_font_path->rehash_session_fp();
-    const gw::FontReport& report = the_installed_hrn_list.get_report();
-    gw::say_on_standard_error(report);
     start_summary(
-        {GWConflict::DELETE, static_cast<unsigned>(deleted), &the_conflict_list, gw::failure_lines(report)});
+        {GWConflict::DELETE, static_cast<unsigned>(deleted), &the_conflict_list, gw::gathered_failures()});
     update_label(wi_main_window_status_label,
                  gw::count_text(static_cast<unsigned>(deleted), Message::FONTS_DELETED).c_str(), nullptr);
 }
@@ -85,6 +84,7 @@ Boolean delete_work_proc(XtPointer data) {
     if (work->index == 0) {
         gw::clear_conflict_list();
         the_installed_hrn_list.get_report().clear();
+        begin_summary();
     }
     delete_entry(work->positions[work->index] - work->done, *work);
     ++work->index;

@@ -208,7 +208,8 @@ void apply_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     GW_LIST<GW_STRING> list;
     const gw::ElementsOwner owner(list);
     for (const std::string& element : displayed) list.append(new GW_STRING(element.c_str()));
-    const gw::Outcome written = current->font_path->replace(GWFontPath::INSTALLATION_FP, list);
+    const gw::Outcome written =
+        current->font_path->replace(GWFontPath::INSTALLATION_FP, list).with(gw::Sequel::FONT_PATH_STAYS);
     if (gw::tell_unless_done(written)) {
         current->elements = displayed;
         if (current == &default_inst) relist_installed_fonts();

@@ -55,8 +55,11 @@ GW_SORTED_LIST<GWFont> xlfd_font_list(0);
 
 // --- the file ----------------------------------------------------------------
 
+gw::Outcome no_file;  // why there can be no fontset file
+
 /// The directory of the locale's fontset file; empty when there can be none.
 std::string fontset_directory() {
+    no_file = gw::done();
     const char* home = std::getenv("VANTORHOME");
     if (home == nullptr) std::puts("ERROR: VANTORHOME dose not set");
     const char* locale = std::getenv("LANG");
@@ -64,7 +67,8 @@ std::string fontset_directory() {
     if (home == nullptr || locale == nullptr) return "";
     std::string directory = std::string(home) + gw::LOCALE_FONT_PATH_DIR + locale + gw::FONTSET_DIR;
     if (directory.size() < DIRECTORY_LIMIT) return directory;
-    gw::tell(gw::Failure{directory, gw::Reason::NAME_TOO_LONG});
+    no_file = gw::Failure{directory, gw::Reason::NAME_TOO_LONG};
+    gw::tell(no_file.failure());
     return "";
 }
 
@@ -146,7 +150,11 @@ bool apply_fontsets() {
         set_message(gw::text_of(Message::FONTSETS_ROOT_ONLY));
         return false;
     }
-    if (!fontsetdlg_cb.file) return true;
+    if (!fontsetdlg_cb.file) {
+        const bool is_told = !no_file && gw::window_policy().shows_reasons();
+        if (is_told) set_message(gw::failure_line(no_file.failure()));
+        return !is_told;
+    }
     const gw::BusyWindows busy;
     set_message(gw::text_of(Message::UPDATING_FONTSETS));
     process_xt_events();

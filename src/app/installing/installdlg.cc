@@ -31,6 +31,7 @@
 #include "app/program/conflict_lists.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/font_lists.h"
@@ -250,16 +251,11 @@ void finish_installation(int installed) {
     permit_other_work();
     update_wi_installed_hrn_list();
     forget_selection();
-    WorkSummary summary{GWConflict::INSTALL, static_cast<unsigned>(installed), &the_conflict_list,
-                        gw::failure_lines(current_hrn_list.get_report())};
-    gw::say_on_standard_error(current_hrn_list.get_report());
     if (installed > 0) {
-        for (const gw::Failure& failure : show_installation_to_server(current_install_dir)) {
-            gw::tell(failure);
-            const std::vector<std::string> lines = gw::failure_lines(failure);
-            summary.failures.insert(summary.failures.end(), lines.begin(), lines.end());
-        }
+        for (const gw::Failure& failure : show_installation_to_server(current_install_dir)) gw::tell(failure);
     }
+    const WorkSummary summary{GWConflict::INSTALL, static_cast<unsigned>(installed), &the_conflict_list,
+                              gw::gathered_failures()};
     if (!start_summary(summary) && gw::user_is_superuser()) start_fp_info_dlg();
     XmTextFieldSetString(wi_installed_sample_textfield, gw::name_arg(" "));
     update_label(wi_main_window_status_label,
@@ -408,7 +404,12 @@ void install_dir_specified_cb(const char* dir) {
 }
 
 Boolean font_lookup_work_proc(XtPointer driver) {
+    gw::forget_failures();
     gw::look_fonts_up(static_cast<GWDriverBase*>(driver));
+    const std::vector<std::string> failures = gw::gathered_failures();
+    // An empty list has a reason.
+    if (current_hrn_count == 0 && !failures.empty() && gw::window_policy().shows_reasons())
+        set_status(failures.front().c_str());
     return True;
 }
 
@@ -417,10 +418,12 @@ Boolean install_work_proc(XtPointer data) {
     if (work->index == 0) {
         gw::clear_conflict_list();
         current_hrn_list.get_report().clear();
+        begin_summary();
     }
     const int result = current_hrn_list.install_at_pos(static_cast<unsigned>(work->positions[work->index]),
                                                        current_install_dir.c_str(), the_installed_hrn_list,
                                                        the_alias_list, the_fsm_list, the_conflict_list);
+    gw::hear_new_failures(current_hrn_list.get_report());
     if (result == GWHRNElement::DONE) {
         // Counted anew, because another size of an installed face adds no name.
         count_installed_fonts();

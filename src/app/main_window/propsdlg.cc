@@ -9,6 +9,7 @@
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/failures.h"
+#include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
 #include "app/samples/rc_sample_text.h"
 #include "app/samples/sample_text.h"
@@ -42,6 +43,7 @@ void reset_cb(Widget, XtPointer, XtPointer) {
 /// Saves the text. Returns whether that worked.
 bool apply() {
     const gw::Outcome kept = gw::keep_sample_text(sample.text());
+    if (!kept && kept.failure().reason == gw::Reason::SYSTEM) gw::tell(kept.failure());
     say(kept ? " " : gw::failure_line(kept.failure()));
     return static_cast<bool>(kept);
 }
@@ -55,7 +57,8 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
 }
 
 void ok_cb(Widget, XtPointer, XtPointer) {
-    if (apply() || message == nullptr) XtUnmanageChild(wi_props_dlg);
+    // The superuser has no sample text to correct.
+    if (apply() || message == nullptr || gw::user_is_superuser()) XtUnmanageChild(wi_props_dlg);
 }
 
 /// The line that says why the text was not saved. It is wide enough for a long path from the beginning.

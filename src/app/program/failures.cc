@@ -4,12 +4,14 @@
 #include <cstdio>
 
 #include "app/kit/messages.h"
+#include "core/text.h"
 
 namespace gw {
 
 namespace {
 
 const std::string INDENTATION(4, ' ');
+constexpr std::size_t MOST_LINES = 10000;  // of a disk that fails at every file
 
 /// The words in windows for a reason of the program, not of the system.
 std::string reason_message(Reason reason) {
@@ -35,9 +37,34 @@ std::string sequel_message(Sequel sequel) {
             return text_of(Message::NOT_LISTED_NEXT_TIME);
         case Sequel::UNKNOWN_TO_PROGRAMS:
             return text_of(Message::UNKNOWN_TO_PROGRAMS);
+        case Sequel::KEPT_UNDER_ANOTHER_NAME:
+            return text_of(Message::KEPT_UNDER_ANOTHER_NAME);
+        case Sequel::ENTRY_LOST:
+            return text_of(Message::ENTRY_LOST);
+        case Sequel::FILE_REMAINS:
+            return text_of(Message::FILE_REMAINS);
+        case Sequel::LINE_REMAINS:
+            return text_of(Message::LINE_REMAINS);
         default:
             return "";
     }
+}
+
+std::vector<std::string>& gathered() {
+    static std::vector<std::string> lines;
+    return lines;
+}
+
+void gather(const std::string& line) {
+    if (gathered().size() < MOST_LINES) gathered().push_back(line);
+}
+
+void gather_sequel(const Failure& failure) {
+    std::string follows = sequel_message(failure.sequel);
+    if (follows.empty()) return;
+    if (const std::size_t place = follows.find("%s"); place != std::string::npos)
+        follows.replace(place, 2, escaped(failure.detail));
+    gather(INDENTATION + follows);
 }
 
 }  // namespace
@@ -48,33 +75,31 @@ void say_on_standard_error(const Failure& failure) {
     std::fprintf(stderr, "%s%s\n", as_perror ? "" : "glyphward: ", failure.text().c_str());
 }
 
-void say_on_standard_error(const FontReport& report) {
-    for (const FontReport::Entry& entry : report.failed()) {
+void hear_failure(const Failure& failure) {
+    say_on_standard_error(failure);
+    gather(failure_line(failure));
+    gather_sequel(failure);
+}
+
+void hear_new_failures(FontReport& report) {
+    for (const FontReport::Entry& entry : report.take_new()) {
         if (!was_always_silent(entry.why.reason)) say_on_standard_error(entry.why);
+        gather(escaped(entry.font) + ": " + reason_in_words(entry.why));
+        gather(INDENTATION + escaped(entry.why.subject));
+        gather_sequel(entry.why);
     }
+}
+
+std::vector<std::string> gathered_failures() {
+    return gathered();
+}
+
+void forget_failures() {
+    gathered().clear();
 }
 
 std::string failure_line(const Failure& failure) {
-    return failure.subject + ": " + reason_in_words(failure);
-}
-
-std::vector<std::string> failure_lines(const Failure& failure) {
-    std::vector<std::string> lines = {failure_line(failure)};
-    if (std::string follows = sequel_message(failure.sequel); !follows.empty()) {
-        if (const std::size_t place = follows.find("%s"); place != std::string::npos)
-            follows.replace(place, 2, failure.detail);
-        lines.push_back(INDENTATION + follows);
-    }
-    return lines;
-}
-
-std::vector<std::string> failure_lines(const FontReport& report) {
-    std::vector<std::string> lines;
-    for (const FontReport::Entry& entry : report.failed()) {
-        lines.push_back(entry.font + ": " + reason_in_words(entry.why));
-        lines.push_back(INDENTATION + entry.why.subject);
-    }
-    return lines;
+    return escaped(failure.subject) + ": " + reason_in_words(failure);
 }
 
 }  // namespace gw

@@ -11,17 +11,20 @@
 
 namespace gw {
 
-/// Prints one line to standard error. This is the program's listener for failures.
+/// Prints one line to standard error.
 void say_on_standard_error(const Failure& failure);
 
-/// For a window, in the user's language: what failed and why.
-std::string failure_line(const Failure& failure);
-/// The same; if something follows from the failure, a second line says so.
-std::vector<std::string> failure_lines(const Failure& failure);
-/// Two lines for each font: its name with the reason, and the file or directory where it failed.
-std::vector<std::string> failure_lines(const FontReport& report);
+/// The program's listener for failures: prints one line to standard error, and gathers the failure for the
+/// window that will sum the work up.
+void hear_failure(const Failure& failure);
+/// The same for each font that is new in the report.
+void hear_new_failures(FontReport& report);
+/// What was gathered since the last `forget_failures`, in order, as lines for a window: what and why; what
+/// follows, and the file or name that the failure of a font is about, in an indented line of its own.
+std::vector<std::string> gathered_failures();
+void forget_failures();
 
-/// Prints all failures of a report to standard error.
-void say_on_standard_error(const FontReport& report);
+/// For a window, in the user's language: what and why.
+std::string failure_line(const Failure& failure);
 
 }  // namespace gw

@@ -137,7 +137,7 @@ void create_dialogs() {
 
 void begin_program() {
     gw_init();
-    gw::listen_to_failures(gw::say_on_standard_error);
+    gw::listen_to_failures(gw::hear_failure);
     uid = static_cast<int>(::geteuid());
     std::atexit(release_program_objects);
 }

@@ -42,4 +42,10 @@ TEST(LowerCase, LeavesBytesOutsideAsciiAlone) {
     EXPECT_EQ(gw::lower_case("ISO8859-1 \xc4"), "iso8859-1 \xc4");
 }
 
+TEST(Escaped, ShowsControlCharactersAsNumbers) {
+    EXPECT_EQ(gw::escaped("a b\xc3\xa9"), "a b\xc3\xa9");
+    EXPECT_EQ(gw::escaped("a\nb\x7f"), "a\\x0Ab\\x7F");
+    EXPECT_EQ(gw::escaped(std::string("\0\x1b", 2)), "\\x00\\x1B");
+}
+
 }  // namespace

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "core/text.h"
 #include "modules/gw_fsm_list.h"
 #include "modules/gw_pcf_fsm.h"
 #include "modules/gw_t0_fsm.h"
@@ -189,7 +190,7 @@ TEST_F(Indexed, AFontThatNoIndexCanHoldIsRefusedBeforeAnythingIsWritten) {
         GW_FPE fpe(target.c_str());
         const gw::test::HeardFailures heard;
         pcf.install_font(font.get(), &fpe);
-        EXPECT_NE(heard.text().find(name), std::string::npos);
+        EXPECT_NE(heard.text().find(gw::escaped(name)), std::string::npos);
         EXPECT_FALSE(pcf.can_install(*font)) << name;
         EXPECT_EQ(dir.read("to/fonts.dir"), "0\n");
         EXPECT_FALSE(dir.exists(std::string("to/") + name));

@@ -139,6 +139,46 @@ TEST_F(Reasons, OfTheNextWorkAreItsOwn) {
     EXPECT_FALSE(is_managed(wi_preconflict_dlg));
 }
 
+TEST_F(Reasons, JoinASummaryOfConflictsThatAreStillToBeDecided) {
+    installed().add("a.pcf", face("alpha"));
+    installed().add("b.pcf", face("beta"));
+    show_installed();
+    source.add("a.pcf", face("alpha"));
+    const TempDir plain;
+    install_first(plain.path());
+    ASSERT_TRUE(is_managed(wi_preconflict_dlg));
+    const std::string conflicts = summary("conflict_label");
+    std::filesystem::remove(installed().file("b.pcf"));
+    std::filesystem::create_directory(installed().file("b.pcf"));
+    remove({2});
+    ASSERT_TRUE(shows_failures());
+    EXPECT_THAT(failed(), testing::SizeIs(2));
+    EXPECT_EQ(summary("conflict_label"), conflicts);
+    EXPECT_TRUE(is_sensitive(wi_preconflict_dlg, "resolve_button")) << "the conflict can still be decided";
+    ASSERT_TRUE(press(find(wi_preconflict_dlg, "resolve_button")));
+    ASSERT_TRUE(press(find(wi_conflict_dlg, "cancel_button")));
+    EXPECT_THAT(failed(), testing::SizeIs(2)) << "the reasons are still there after a look at the conflicts";
+    EXPECT_TRUE(press(find(wi_preconflict_dlg, "ok_button")));
+}
+
+TEST_F(Reasons, GoWithTheNextWork) {
+    installed().add("a.pcf", face("alpha"));
+    installed().add("b.pcf", face("beta"));
+    show_installed();
+    std::filesystem::remove(installed().file("a.pcf"));
+    std::filesystem::create_directory(installed().file("a.pcf"));
+    remove({1});
+    ASSERT_TRUE(shows_failures());
+    remove({2});
+    EXPECT_FALSE(is_managed(wi_preconflict_dlg)) << "what it says is of the work before";
+}
+
+TEST_F(Reasons, ANameWithANewlineStaysInItsLine) {
+    gw::forget_failures();
+    gw::tell(gw::Failure::of_system("/fonts/a\nb.pcf", EIO));
+    EXPECT_THAT(gw::gathered_failures(), ElementsAre("/fonts/a\\x0Ab.pcf: Input/output error"));
+}
+
 TEST_F(Reasons, ASampleTextThatCannotBeKeptIsSaidInItsDialog) {
     start_props_dlg();
     ASSERT_TRUE(pump_until([] { return is_viewable(wi_props_dlg); }));
@@ -148,12 +188,13 @@ TEST_F(Reasons, ASampleTextThatCannotBeKeptIsSaidInItsDialog) {
     std::filesystem::create_directory(file);
     type_into(find(wi_props_dlg, "sample_textField"), "never kept");
     ASSERT_TRUE(press(find(wi_props_dlg, "ok_button")));
-    EXPECT_TRUE(is_managed(wi_props_dlg)) << "it stays to say why";
+    EXPECT_EQ(is_managed(wi_props_dlg), !is_root())
+        << "it stays to say why, but the superuser cannot mend it";
     const std::string why = is_root() ? "this user may not change it" : "Is a directory";
     EXPECT_EQ(label(wi_props_dlg, "msg_label"), file + ": " + why);
     EXPECT_EQ(sample_text, before);
     std::filesystem::remove(file);
-    ASSERT_TRUE(press(find(wi_props_dlg, "cancel_button")));
+    press(find(wi_props_dlg, "cancel_button"));
 }
 
 TEST(FailureLines, SpeakTheUsersLanguageForEveryReason) {
