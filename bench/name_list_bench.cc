@@ -26,7 +26,7 @@ std::uint64_t scattered(std::uint64_t i, std::uint64_t count) {
 
 /// The name of bitmap font i; eight sizes, each at 75 and 100 dpi, make one face.
 std::string bitmap_name(std::uint64_t i) {
-    const std::string face = std::to_string(i / (2 * SIZES_PER_FACE));
+    const std::string face = std::to_string(i / SIZES_PER_FACE / 2);
     const char* dpi = i % 2 != 0 ? "100" : "75";
     return "-bench-face" + face + "-medium-r-normal--12-" + DECIPOINTS[i / 2 % SIZES_PER_FACE] + '-' + dpi +
            '-' + dpi + "-m-70-iso8859-1";

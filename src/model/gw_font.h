@@ -26,7 +26,7 @@ void gw_free(void* storage);
 class GWFont : public GW_BASE, public gw::RefCounted {
   public:
     enum GW_FONT_TYPE : int {
-#define FONT_TYPE(name, number, word, naming, form, module) name = number,
+#define FONT_TYPE(name, number, word, naming, form, module) name = (number),
 #include "model/font_types.def"
     };
     enum FIELD : int {

@@ -60,7 +60,7 @@ Result<int> strike_out(const GW_FILE_SPEC& spec, const GWFont& font) {
     GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
     // Kept: deleting an outline removes one line of several.
     const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
-    const Result<int> struck = all ? index.strike_out(spec.get_name()) : index.strike_out(spec.get_name(), 1);
+    Result<int> struck = all ? index.strike_out(spec.get_name()) : index.strike_out(spec.get_name(), 1);
     if (struck && *struck > 0) return struck;
     // Readers take a line that is too long for two, and may find the file's name in the second.
     if (!index.get_font_name(spec.get_name())) return 0;
@@ -130,7 +130,7 @@ Outcome remove_files_and_entry(const GWFont& font) {
             if (!struck) return struck.failure();
             if (bytes && *struck > 0) before = std::move(*bytes);
         }
-        const Outcome removed = remove_file(*spec);
+        Outcome removed = remove_file(*spec);
         if (removed) continue;
         // A font without its first file counts as deleted, whatever other files remain.
         if (spec != *files.begin()) {

@@ -53,7 +53,7 @@ std::string BitmapFont::file_name() const {
 
 std::string BitmapFont::write_to(const std::string& dir) const {
     std::filesystem::create_directories(dir);
-    const std::string path = (std::filesystem::path(dir) / file_name()).string();
+    std::string path = (std::filesystem::path(dir) / file_name()).string();
     std::ofstream(path, std::ios::binary) << bytes();
     return path;
 }

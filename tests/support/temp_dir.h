@@ -42,7 +42,7 @@ class TempDir {
 
     /// Writes a file below the directory, byte for byte, and returns its path. Missing directories are made.
     std::string write(std::string_view name, std::string_view bytes) const {
-        const std::string target = file(name);
+        std::string target = file(name);
         std::filesystem::create_directories(std::filesystem::path(target).parent_path());
         std::ofstream(target, std::ios::binary) << bytes;
         return target;

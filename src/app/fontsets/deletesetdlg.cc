@@ -41,6 +41,7 @@ std::vector<std::string> selected_names() {
     XtVaGetValues(wi_delete_set_dlg_scrolledlist, XmNselectedItems, &items, XmNselectedItemCount, &count,
                   nullptr);
     std::vector<std::string> names;
+    names.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i) names.push_back(gw::text_of(items[i]));
     return names;
 }

@@ -3,6 +3,8 @@
 
 #include <map>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -63,8 +65,10 @@ void draw(Widget field, SampleFont font, const std::string& text) {
 /// waiting. The older one must not replace it.
 gw::Generation requests;
 
-/// Name and text are copies: the events that are handled here may change the originals.
-bool show_in_xlfd(Widget field, const std::string xlfd, const std::string text) {
+bool show_in_xlfd(Widget field, std::string_view name, std::string_view words) {
+    // Copies: the events that are handled here may change the originals.
+    const std::string xlfd(name);
+    const std::string text(words);
     const gw::Generation::Ticket ticket = requests.begin();
     {
         const gw::BusyWindows busy;

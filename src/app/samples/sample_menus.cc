@@ -96,7 +96,7 @@ void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*cal
 }
 
 std::string chosen_decipoints(const GWHRNElement& elem, const std::string& points) {
-    const std::string decipoints = convert_to_decipoint(points.c_str());
+    std::string decipoints = convert_to_decipoint(points.c_str());
     if (gw::is_outline(elem)) return decipoints;
     unsigned count = 0;
     const std::vector<std::string> sizes = elem.get_point_sizes(count);
