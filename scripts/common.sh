@@ -19,8 +19,9 @@ fail() {
 
 # check_port TEXT: fails when it is no number of a port.
 check_port() {
-    [[ $1 =~ ^[0-9]{1,5}$ && 10#$1 -le 65535 ]] ||
+    if ! [[ $1 =~ ^[0-9]{1,5}$ ]] || ((10#$1 > 65535)); then
         fail "\"$1\" is no port." 'Give --port a number from 0 to 65535; 0 stands for a port that is free.'
+    fi
 }
 
 # end_jobs: ends what was started in the background under job control, with everything that it has started.
@@ -84,9 +85,12 @@ build_quietly() {
 # configure PRESET: configures a new build directory, and anew one that was made as the presets no longer say, with another
 # compiler for one: what CMake keeps of that would go on to count.
 configure() {
-    local directory=$BUILD/$1 presets
-    presets=$(sha256sum <CMakePresets.json)
-    [ ! -e "$directory/build.ninja" ] || [ "$presets" != "$(cat "$directory/presets.stamp" 2>/dev/null)" ] || return 0
-    rm -rf "$directory/CMakeCache.txt" "$directory/CMakeFiles"
-    cmake --preset "$1" && printf '%s\n' "$presets" >"$directory/presets.stamp"
+    is_configured "$1" && return
+    rm -rf "$BUILD/$1/CMakeCache.txt" "$BUILD/$1/CMakeFiles"
+    cmake --preset "$1" && sha256sum <"$TREE/CMakePresets.json" >"$BUILD/$1/presets.stamp"
+}
+
+is_configured() {
+    [ -e "$BUILD/$1/build.ninja" ] &&
+        [ "$(sha256sum <"$TREE/CMakePresets.json")" = "$(cat "$BUILD/$1/presets.stamp" 2>/dev/null)" ]
 }
