@@ -69,7 +69,7 @@ if [ -n "$fonts" ]; then
 fi
 
 "$TREE/scripts/setup" ${web:+web}
-build release glyphward glyphward-session makepsres catalogues
+build release installation
 step 'Staging' 'See scripts/packages for the font packages.' "$TREE/scripts/stage" --preset release
 
 options=("$user" --preset release --stage --wm --out "$BUILD/out/run")

@@ -1,9 +1,30 @@
 # glyphward_test(NAME KIND unit|widget|end_to_end|package|web SOURCES ... [LIBRARIES ...])
 #
-# One GoogleTest executable. Its line "kind name path" in tests/suites.txt is what test.sh reads: the tests touch fixed paths and
-# an X server, so they run in the sandbox and not from the build directory.
+# One GoogleTest executable, a suite. The tests touch fixed paths and an X server, so CTest starts each suite in its sandbox, by
+# scripts/suite, once for each user who is to try it. Labels: its kind, and the user. A suite's line "kind name path" in
+# tests/suites.txt is what test.sh selects from; the target KIND_suites builds all suites of a kind.
 set(GLYPHWARD_SUITES_FILE ${CMAKE_BINARY_DIR}/tests/suites.txt)
 file(WRITE ${GLYPHWARD_SUITES_FILE} "")
+cmake_path(GET CMAKE_BINARY_DIR FILENAME GLYPHWARD_CONFIG)
+
+# Seconds that one run of a suite may take, and who is to try it. Only the superuser installs packages, and the tests of the page
+# have both users themselves.
+set(limit_unit 180)
+set(users_unit user root)
+set(limit_widget 300)
+set(users_widget user root)
+set(limit_end_to_end 900)
+set(users_end_to_end user root)
+set(limit_package 300)
+set(users_package root)
+set(limit_web 300)
+set(users_web any)
+# The longest ones first, until CTest has seen how long they take: the last runs should be short.
+set(cost_unit 1)
+set(cost_widget 10)
+set(cost_package 20)
+set(cost_web 25)
+set(cost_end_to_end 30)
 
 function(glyphward_test name)
   cmake_parse_arguments(arg "" "KIND" "SOURCES;LIBRARIES" ${ARGN})
@@ -12,5 +33,29 @@ function(glyphward_test name)
   target_link_libraries(${name} PRIVATE ${arg_LIBRARIES} GTest::gmock GTest::gtest_main glyphward_warnings)
   target_precompile_headers(${name} REUSE_FROM test_headers)
   set_target_properties(${name} PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/tests)
+  if(NOT TARGET ${arg_KIND}_suites)
+    add_custom_target(${arg_KIND}_suites)
+  endif()
+  add_dependencies(${arg_KIND}_suites ${name})
   file(APPEND ${GLYPHWARD_SUITES_FILE} "${arg_KIND} ${name} ${CMAKE_BINARY_DIR}/tests/${name}\n")
+  foreach(user IN LISTS users_${arg_KIND})
+    glyphward_run(${GLYPHWARD_CONFIG}.${user}.${name} ${arg_KIND} ${user}
+      ${GLYPHWARD_CONFIG} ${user} ${arg_KIND} ${name} ${limit_${arg_KIND}} ${CMAKE_BINARY_DIR}/tests/${name})
+  endforeach()
+endfunction()
+
+# glyphward_run(TEST KIND USER ARGUMENT...): scripts/suite with the arguments, which keeps the time limit itself, so that it can tell
+# of it; CTest's own is for when it does not.
+function(glyphward_run test kind user)
+  add_test(NAME ${test} COMMAND ${CMAKE_SOURCE_DIR}/scripts/suite ${ARGN})
+  math(EXPR limit "${limit_${kind}} + 60")
+  set_tests_properties(${test} PROPERTIES LABELS "${kind};${user}" TIMEOUT ${limit} COST ${cost_${kind}})
+endfunction()
+
+# glyphward_check(NAME COMMAND...): a test of the tree itself.
+set(limit_check 1800)
+set(cost_check 40)
+function(glyphward_check name)
+  file(APPEND ${GLYPHWARD_SUITES_FILE} "check ${name} ${ARGN}\n")
+  glyphward_run(check.${name} check any tree any check ${name} ${limit_check} ${ARGN})
 endfunction()
