@@ -64,7 +64,7 @@ TEST_F(Delete, DeletesTheSelectedFont) {
     EXPECT_TRUE(lists(mine.path(), "0\n"));
     EXPECT_FALSE(mine.exists(AARDVARKS.file_name()));
     // The next font is on that line now.
-    EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
+    EXPECT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
     desktop.picture("deleted");
     EXPECT_EQ(leave(), 0);
     EXPECT_EQ(program->errors(), "");
@@ -145,7 +145,7 @@ TEST_F(Delete, ManyFontsAreCounted) {
     const auto shown = desktop.pixels(place);
     EXPECT_TRUE(wait_until([&] { return desktop.pixels(place) != shown; })) << "it counts";
     desktop.picture("progress-delete");
-    EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }, 60));
+    EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }));
     ASSERT_NE(opens(SUMMARY, [] {}), 0U);
     desktop.picture("summary-delete-many");
     EXPECT_TRUE(lists(mine.path(), "0\n"));

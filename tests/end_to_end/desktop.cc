@@ -23,6 +23,10 @@ struct XFreeDeleter {
     void operator()(void* data) const { XFree(data); }
 };
 
+// The window manager's frame has two layers around a titled window.
+constexpr int DEPTH_OF_TITLES = 3;
+constexpr int ANY_DEPTH = 100;
+
 // A window may vanish while it is examined.
 int ignore_vanished(Display*, XErrorEvent*) {
     return 0;
@@ -72,16 +76,17 @@ Desktop::~Desktop() {
     XCloseDisplay(display_);
 }
 
-Window Desktop::find_titled(Window below, const std::string& title) const {
+Window Desktop::find_titled(Window below, const std::string& title, int depth) const {
+    if (depth == 0) return 0;
     for (const Window child : children_of(display_, below)) {
         if (title == title_of(display_, child) && is_viewable(display_, child)) return child;
-        if (const Window found = find_titled(child, title); found != 0) return found;
+        if (const Window found = find_titled(child, title, depth - 1); found != 0) return found;
     }
     return 0;
 }
 
 Window Desktop::window_titled(const std::string& title) const {
-    return find_titled(DefaultRootWindow(display_), title);
+    return find_titled(DefaultRootWindow(display_), title, DEPTH_OF_TITLES);
 }
 
 std::vector<Window> Desktop::windows_titled(const std::string& title) const {
@@ -93,7 +98,7 @@ std::vector<Window> Desktop::windows_titled(const std::string& title) const {
 }
 
 Window Desktop::part_named(Window window, const std::string& name) const {
-    return window != 0 ? find_titled(window, name) : 0;
+    return window != 0 ? find_titled(window, name, ANY_DEPTH) : 0;
 }
 
 bool Desktop::appears(const std::string& title) const {
@@ -141,44 +146,131 @@ bool Desktop::has_menu() const {
     return posted_menu() != 0;
 }
 
-bool Desktop::menu_appears() const {
-    return wait_until([this] { return has_menu(); }, 2);
+void Desktop::await_menu() const {
+    require([this] { return has_menu(); }, "no menu appears");
+    settle();
 }
 
 void Desktop::drag_up_in(Window option_menu, int steps) const {
-    dismiss_menu();
-    move_to_middle(option_menu);
-    const Rectangle start = place_of(option_menu);
+    point_at_middle(option_menu);
+    do_once("the drag in " + name_of(option_menu), [&] { drag_up_from(option_menu, steps); });
+}
+
+Window Desktop::entry_of(Window option_menu, int steps) const {
+    // The menu's shell contains a row-column widget with the entries.
+    std::vector<Window> entries = children_of(display_, posted_menu());
+    if (entries.size() == 1) entries = children_of(display_, entries.front());
+    std::erase_if(entries, [this](Window entry) { return !is_viewable(display_, entry); });
+    std::sort(entries.begin(), entries.end(),
+              [this](Window a, Window b) { return place_of(a).y < place_of(b).y; });
+    const Rectangle menu = place_of(option_menu);
+    const int middle = menu.y + menu.height / 2;
+    const auto current = std::find_if(entries.begin(), entries.end(), [&](Window entry) {
+        const Rectangle place = place_of(entry);
+        return place.y <= middle && middle < place.y + place.height;
+    });
+    const auto wanted = current - entries.begin() + steps;
+    if (current == entries.end() || wanted < 0 || wanted >= std::ssize(entries))
+        throw std::runtime_error("the menu has no such entry\n" + description());
+    return entries[static_cast<std::size_t>(wanted)];
+}
+
+void Desktop::drag_up_from(Window option_menu, int steps) const {
     const auto pressed = std::chrono::steady_clock::now();
     XTestFakeButtonEvent(display_, Button1, True, CurrentTime);
     XSync(display_, False);
-    if (menu_appears()) {
-        // The menu's shell contains a row-column widget with the entries.
-        std::vector<Window> entries = children_of(display_, posted_menu());
-        if (entries.size() == 1) entries = children_of(display_, entries.front());
-        std::erase_if(entries, [this](Window entry) { return !is_viewable(display_, entry); });
-        std::sort(entries.begin(), entries.end(),
-                  [this](Window a, Window b) { return place_of(a).y < place_of(b).y; });
-        const int y = start.y + start.height / 2;
-        const auto current = std::find_if(entries.begin(), entries.end(), [&](Window entry) {
-            const Rectangle place = place_of(entry);
-            return place.y <= y && y < place.y + place.height;
-        });
-        if (current != entries.end() && current - entries.begin() >= steps)
-            move_to_middle(*(current - steps));
-    }
+    await_menu();
+    point_at_middle(entry_of(option_menu, -steps));
     // A shorter press would count as a click, which leaves the menu open.
-    XSync(display_, False);
     std::this_thread::sleep_until(pressed + 2 * DOUBLE_CLICK);
     XTestFakeButtonEvent(display_, Button1, False, CurrentTime);
     XSync(display_, False);
     last_click_ = std::chrono::steady_clock::now();
 }
 
+void Desktop::click_down_in(Window option_menu, int x, int steps) const {
+    click(option_menu, x, place_of(option_menu).height / 2);
+    await_menu();
+    click_middle(entry_of(option_menu, steps));
+}
+
 void Desktop::dismiss_menu() const {
+    settle();
     if (!has_menu()) return;
     key("Escape");
-    wait_until([this] { return !has_menu(); }, 2);
+    require([this] { return !has_menu(); }, "the menu stays");
+}
+
+// A process that waits for the server's answer sleeps too. The server serves everybody in turn, so after a
+// few round trips of ours the process has its answer and is awake.
+bool Desktop::is_settled() const {
+    if (!program_ || is_in_a_hurry_) return true;
+    constexpr int ROUND_TRIPS = 3;
+    const long long turns = program_->turns();
+    for (int trip = 0; trip < ROUND_TRIPS; ++trip) {
+        XSync(display_, False);
+        if (!program_->sleeps()) return false;
+    }
+    return program_->turns() == turns;
+}
+
+void Desktop::settle() const {
+    require([this] { return is_settled(); }, "the program is busy");
+}
+
+void Desktop::require(const std::function<bool()>& condition, const std::string& failure) const {
+    if (!wait_until(condition)) throw std::runtime_error(failure + "\n" + description());
+}
+
+void Desktop::do_once(const std::string& what, const std::function<void()>& action) const {
+    settle();
+    const long long turns = program_ ? program_->turns() : 0;
+    action();
+    if (!program_ || is_in_a_hurry_) return;
+    require([&] { return program_->has_ended() || program_->turns() != turns; }, what + " does not arrive");
+}
+
+std::string Desktop::name_of(Window window) const {
+    const std::string title = title_of(display_, window);
+    return title.empty() ? "window " + std::to_string(window) : '"' + title + '"';
+}
+
+std::vector<Window> Desktop::windows_under_pointer() const {
+    std::vector<Window> windows;
+    Window root = 0;
+    Window child = 0;
+    int position[4] = {};
+    unsigned buttons = 0;
+    for (Window window = DefaultRootWindow(display_); window != 0; window = child) {
+        windows.push_back(window);
+        if (XQueryPointer(display_, window, &root, &child, &position[0], &position[1], &position[2],
+                          &position[3], &buttons) == 0)
+            break;
+    }
+    return windows;
+}
+
+std::string Desktop::description() const {
+    std::string text = "On the screen:\n";
+    for (const Window frame : children_of(display_, DefaultRootWindow(display_))) {
+        if (!is_viewable(display_, frame)) continue;
+        const Rectangle place = place_of(frame);
+        text += "  " + std::to_string(place.width) + 'x' + std::to_string(place.height) + " at " +
+                std::to_string(place.x) + ',' + std::to_string(place.y);
+        for (const Window layer : children_of(display_, frame)) {
+            for (const Window window : children_of(display_, layer)) {
+                if (const std::string title = title_of(display_, window); !title.empty())
+                    text += ": " + title;
+            }
+        }
+        text += has_keyboard(frame) ? " (has the keyboard)\n" : "\n";
+    }
+    text += "Under the pointer:";
+    for (const Window window : windows_under_pointer()) text += ' ' + name_of(window);
+    text += "\n";
+    if (program_) text += "The program: " + program_->description() + '\n';
+    picture("waited-in-vain");
+    return text;
 }
 
 void Desktop::press(unsigned code, bool down) const {
@@ -191,21 +283,36 @@ unsigned Desktop::keycode(const char* name) const {
     return code;
 }
 
-void Desktop::move_to_middle(Window window) const {
+void Desktop::point_at(Window window, int x, int y) const {
+    const auto is_there = [&] {
+        const Rectangle place = place_of(window);
+        XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + x, place.y + y, CurrentTime);
+        XSync(display_, False);
+        const std::vector<Window> under = windows_under_pointer();
+        const Rectangle after = place_of(window);
+        return std::find(under.begin(), under.end(), window) != under.end() && after.x == place.x &&
+               after.y == place.y;
+    };
+    require(is_there, "the pointer does not reach " + name_of(window));
+}
+
+void Desktop::point_at_middle(Window window) const {
+    settle();
     const Rectangle place = place_of(window);
-    XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + place.width / 2,
-                         place.y + place.height / 2, CurrentTime);
+    point_at(window, place.width / 2, place.height / 2);
 }
 
 void Desktop::click(Window window, int x, int y, const char* modifier, unsigned button) const {
+    settle();
+    point_at(window, x, y);
     std::this_thread::sleep_until(last_click_ + 2 * DOUBLE_CLICK);
-    const Rectangle place = place_of(window);
-    XTestFakeMotionEvent(display_, DefaultScreen(display_), place.x + x, place.y + y, CurrentTime);
-    if (modifier != nullptr) press(keycode(modifier), true);
-    XTestFakeButtonEvent(display_, button, True, CurrentTime);
-    XTestFakeButtonEvent(display_, button, False, CurrentTime);
-    if (modifier != nullptr) press(keycode(modifier), false);
-    XSync(display_, False);
+    do_once("a click on " + name_of(window), [&] {
+        if (modifier != nullptr) press(keycode(modifier), true);
+        XTestFakeButtonEvent(display_, button, True, CurrentTime);
+        XTestFakeButtonEvent(display_, button, False, CurrentTime);
+        if (modifier != nullptr) press(keycode(modifier), false);
+        XSync(display_, False);
+    });
     last_click_ = std::chrono::steady_clock::now();
 }
 
@@ -232,32 +339,41 @@ void Desktop::scroll_to_end(Window scroll_bar) const {
     click(scroll_bar, place.width / 2, place.height - place.width - 1, nullptr, Button2);
 }
 
+void Desktop::press_and_release(unsigned code) const {
+    press(code, true);
+    press(code, false);
+}
+
 void Desktop::key(const char* name) const {
-    press(keycode(name), true);
-    press(keycode(name), false);
-    XSync(display_, False);
+    do_once(std::string("the key ") + name, [&] {
+        press_and_release(keycode(name));
+        XSync(display_, False);
+    });
 }
 
 void Desktop::key(const char* held, const char* name) const {
-    press(keycode(held), true);
-    key(name);
-    press(keycode(held), false);
-    XSync(display_, False);
+    do_once(std::string("the key ") + held + ' ' + name, [&] {
+        press(keycode(held), true);
+        press_and_release(keycode(name));
+        press(keycode(held), false);
+        XSync(display_, False);
+    });
 }
 
 // The keysym of a Latin-1 character is its code.
 void Desktop::type(const std::string& text) const {
-    for (const char c : text) {
-        const auto symbol = static_cast<KeySym>(c);
-        const unsigned code = XKeysymToKeycode(display_, symbol);
-        if (code == 0) throw std::runtime_error(std::string("no such key: ") + c);
-        const bool shifted = XkbKeycodeToKeysym(display_, static_cast<KeyCode>(code), 0, 0) != symbol;
-        if (shifted) press(keycode("Shift_L"), true);
-        press(code, true);
-        press(code, false);
-        if (shifted) press(keycode("Shift_L"), false);
-    }
-    XSync(display_, False);
+    do_once("what is typed", [&] {
+        for (const char c : text) {
+            const auto symbol = static_cast<KeySym>(c);
+            const unsigned code = XKeysymToKeycode(display_, symbol);
+            if (code == 0) throw std::runtime_error(std::string("no such key: ") + c);
+            const bool shifted = XkbKeycodeToKeysym(display_, static_cast<KeyCode>(code), 0, 0) != symbol;
+            if (shifted) press(keycode("Shift_L"), true);
+            press_and_release(code);
+            if (shifted) press(keycode("Shift_L"), false);
+        }
+        XSync(display_, False);
+    });
 }
 
 void Desktop::ask_to_close(Window window) const {
@@ -267,8 +383,10 @@ void Desktop::ask_to_close(Window window) const {
     event.xclient.message_type = XInternAtom(display_, "WM_PROTOCOLS", False);
     event.xclient.format = 32;
     event.xclient.data.l[0] = static_cast<long>(XInternAtom(display_, "WM_DELETE_WINDOW", False));
-    XSendEvent(display_, window, False, NoEventMask, &event);
-    XSync(display_, False);
+    do_once("the request to close " + name_of(window), [&] {
+        XSendEvent(display_, window, False, NoEventMask, &event);
+        XSync(display_, False);
+    });
 }
 
 std::vector<unsigned long> Desktop::pixels(const Rectangle& part) const {
@@ -285,15 +403,8 @@ std::vector<unsigned long> Desktop::pixels(const Rectangle& part) const {
 }
 
 std::vector<unsigned long> Desktop::settled_pixels(const Rectangle& part) const {
-    std::vector<unsigned long> last = pixels(part);
-    int unchanged = 0;
-    wait_until([&] {
-        std::vector<unsigned long> now = pixels(part);
-        unchanged = now == last ? unchanged + 1 : 0;
-        last = std::move(now);
-        return unchanged == 5;
-    });
-    return last;
+    settle();
+    return pixels(part);
 }
 
 int Desktop::ink(const Rectangle& part) const {

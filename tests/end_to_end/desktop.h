@@ -1,12 +1,18 @@
 // SPDX-License-Identifier: MIT
 //
 // The screen as a user sees it: windows by their titles, a mouse, a keyboard, and comparisons of pixels.
-// Nothing here depends on the program.
+// Of the program, only its process is known here. Mouse and keyboard are used once: when the process has
+// nothing left to do and the pointer is where it should be. Then they wait until the process has woken up. If
+// one of these does not happen, std::runtime_error says what was on the screen, and the test fails.
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
+
+#include "end_to_end/process_watch.h"
 
 // X headers come last, behind gtest's.
 #include <X11/Xlib.h>
@@ -31,6 +37,14 @@ class Desktop {
     Desktop(const Desktop&) = delete;
     Desktop& operator=(const Desktop&) = delete;
 
+    /// From now on, mouse and keyboard are used on the windows of this process.
+    void attend_to(pid_t program) { program_.emplace(program); }
+    void attend_to_nothing() { program_.reset(); }
+    /// Waits until the process has handled everything that was sent to it, and sleeps.
+    void settle() const;
+    /// The windows, the focus, the pointer and the process, for the message of a failed wait.
+    [[nodiscard]] std::string description() const;
+
     /// The visible window with exactly that title, in UTF-8; 0 when there is none (yet).
     [[nodiscard]] Window window_titled(const std::string& title) const;
     [[nodiscard]] bool is_visible(const std::string& title) const { return window_titled(title) != 0; }
@@ -45,10 +59,12 @@ class Desktop {
     [[nodiscard]] bool has_keyboard(Window window) const;
     /// Whether a menu is posted.
     [[nodiscard]] bool has_menu() const;
-    /// Waits for a menu to be posted; false when there is none within two seconds.
-    [[nodiscard]] bool menu_appears() const;
+    /// Waits for a menu to be posted.
+    void await_menu() const;
     /// Opens an option menu, drags to the entry `steps` above the current one, and releases the button there.
     void drag_up_in(Window option_menu, int steps) const;
+    /// Opens an option menu by a click at `x` and clicks the entry `steps` below the current one.
+    void click_down_in(Window option_menu, int x, int steps) const;
     /// Closes a menu that is still open.
     void dismiss_menu() const;
 
@@ -84,14 +100,44 @@ class Desktop {
     void picture(const std::string& name) const;
 
   private:
-    [[nodiscard]] Window find_titled(Window below, const std::string& title) const;
+    friend class Hurry;
+
+    [[nodiscard]] Window find_titled(Window below, const std::string& title, int depth) const;
+    [[nodiscard]] bool is_settled() const;
+    [[nodiscard]] std::vector<Window> windows_under_pointer() const;
+    [[nodiscard]] std::string name_of(Window window) const;
+    /// Waits for `condition`; throws `failure` with a description when it does not become true.
+    void require(const std::function<bool()>& condition, const std::string& failure) const;
+    /// Does `action` and waits until the process has woken up.
+    void do_once(const std::string& what, const std::function<void()>& action) const;
     void press(unsigned keycode, bool down) const;
-    void move_to_middle(Window window) const;
+    void press_and_release(unsigned keycode) const;
+    /// Moves the pointer there and makes sure that nothing covers the window.
+    void point_at(Window window, int x, int y) const;
+    void point_at_middle(Window window) const;
+    void drag_up_from(Window option_menu, int steps) const;
+    /// The entry of the posted menu that is `steps` below the current one of the option menu.
+    [[nodiscard]] Window entry_of(Window option_menu, int steps) const;
     [[nodiscard]] Window posted_menu() const;
     [[nodiscard]] unsigned keycode(const char* name) const;
 
     Display* display_;
+    std::optional<ProcessWatch> program_;
+    mutable bool is_in_a_hurry_ = false;
     mutable std::chrono::steady_clock::time_point last_click_;
+};
+
+/// During its life, mouse and keyboard do not wait until the process sleeps: the test disturbs it at its
+/// work.
+class Hurry {
+  public:
+    explicit Hurry(const Desktop& desktop) : desktop_(desktop) { desktop_.is_in_a_hurry_ = true; }
+    ~Hurry() { desktop_.is_in_a_hurry_ = false; }
+    Hurry(const Hurry&) = delete;
+    Hurry& operator=(const Hurry&) = delete;
+
+  private:
+    const Desktop& desktop_;
 };
 
 }  // namespace gw::e2e

@@ -16,89 +16,43 @@
 #include <string>
 #include <vector>
 
-#include "end_to_end/program.h"
+#include "end_to_end/program_test.h"
 #include "end_to_end/waiting.h"
-
-#include "end_to_end/main_window.h"
 
 namespace {
 
 using namespace gw::e2e;
 using gw::test::TempDir;
 
-bool is_root() {
-    return ::geteuid() == 0;
-}
-
 constexpr const char* ATTRIBUTES = "Glyph Warden - Font Attributes";
 constexpr const char* SAMPLE_TEXT = "Glyph Warden - Set Sample Text";
 constexpr const char* INFORMATION = "Glyph Warden - Information";
 
-class Glyphward : public testing::Test {
+class Glyphward : public ProgramTest {
   protected:
-    void start(const std::map<std::string, std::optional<std::string>>& environment = {}) {
-        program = std::make_unique<Program>(environment);
-        main = std::make_unique<MainWindow>(desktop);
-        ASSERT_TRUE(main->is_there()) << program->errors();
-        ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
-    }
     /// Waits until the sample differs from `before`.
     bool sample_changes(const std::vector<unsigned long>& before) {
         return wait_until([&] { return sample() != before; });
     }
-    /// The sample, after waiting until it no longer changes: drawing takes several steps.
-    [[nodiscard]] std::vector<unsigned long> sample() const {
-        std::vector<unsigned long> last = desktop.pixels(main->sample());
-        int unchanged = 0;
-        wait_until([&] {
-            std::vector<unsigned long> now = desktop.pixels(main->sample());
-            unchanged = now == last ? unchanged + 1 : 0;
-            last = std::move(now);
-            return unchanged == 5;
-        });
-        return last;
-    }
+    [[nodiscard]] std::vector<unsigned long> sample() const { return desktop.settled_pixels(main->sample()); }
     [[nodiscard]] int ink_of_sample() const {
         const std::vector<unsigned long> pixels = sample();
         return static_cast<int>(std::count_if(pixels.begin(), pixels.end(),
                                               [&](unsigned long pixel) { return pixel != pixels.front(); }));
     }
     void select_first_font() {
-        ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }))
+        ASSERT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }))
             << "no sample of the first font";
     }
-    /// Chooses a menu entry by keyboard until its window is open and has the keyboard focus.
-    bool opens(const char* menu_key, const char* entry_key, const char* title) {
-        const auto is_ready = [&] {
-            const Window window = desktop.window_titled(title);
-            return window != 0 && desktop.has_keyboard(window);
-        };
-        return until(is_ready, [&] {
-            // A window that has opened without the focus gets it by a click on its background.
-            if (const Window window = desktop.window_titled(title); window != 0) {
-                desktop.click(window, 2, 2);
-            } else {
-                main->choose(menu_key, entry_key);
-            }
-        });
-    }
-    /// Presses the Attributes button until the dialog is open.
+    /// Presses the Attributes button and waits for the dialog.
     bool opens_attributes() {
-        return until([&] { return desktop.is_visible(ATTRIBUTES); },
-                     [&] { desktop.click_middle(main->attributes_button); });
+        return follows([&] { return desktop.is_visible(ATTRIBUTES); },
+                       [&] { desktop.click_middle(main->attributes_button); });
     }
-    /// Leaves by the menu; the exit status.
-    std::optional<int> leave() {
-        until([&] { return !program->is_running(); }, [&] { main->choose("f", "e"); });
-        return program->wait_for_exit(1);
-    }
-    /// Clicks a line until the sample differs from `before`.
+    /// Clicks a line and waits until the sample differs from `before`.
     bool click_changes_sample(int line, const std::vector<unsigned long>& before) {
-        return until([&] { return sample() != before; }, [&] { main->click_line(line); });
+        return follows([&] { return sample() != before; }, [&] { main->click_line(line); });
     }
-    Desktop desktop;
-    std::unique_ptr<Program> program;
-    std::unique_ptr<MainWindow> main;
 };
 
 TEST_F(Glyphward, DrawsASampleOfTheFontThatIsClicked) {
@@ -115,19 +69,20 @@ TEST_F(Glyphward, GoesThroughTheListByKeyboard) {
     start();
     select_first_font();
     const auto before = sample();
-    EXPECT_TRUE(until([&] { return sample() != before; }, [&] { desktop.key("Down"); }));
+    for (int line = 0; line < 4; ++line) desktop.key("Down");
+    EXPECT_TRUE(sample_changes(before));
 }
 
 TEST_F(Glyphward, OffersSizesByMouseAndKeyboard) {
     start();
     select_first_font();
     const auto largest = sample();
-    ASSERT_TRUE(until([&] { return sample() != largest; }, [&] { main->choose_above(main->size_menu, 2); }))
+    ASSERT_TRUE(follows([&] { return sample() != largest; }, [&] { main->choose_above(main->size_menu, 2); }))
         << "18 points instead of 36";
     const int small = ink_of_sample();
     desktop.picture("smaller-size");
     const auto now = sample();
-    EXPECT_TRUE(until([&] { return sample() != now; }, [&] { main->choose_above(main->size_menu, 1); }));
+    EXPECT_TRUE(follows([&] { return sample() != now; }, [&] { main->choose_above(main->size_menu, 1); }));
     EXPECT_LT(ink_of_sample(), small);
 }
 
@@ -139,13 +94,13 @@ TEST_F(Glyphward, ShowsAttributesByButtonAndMenuAndClosesThem) {
     const Rectangle place = desktop.place_of(desktop.window_titled(ATTRIBUTES));
     EXPECT_NEAR(place.x + place.width / 2, 512, 30) << "centred";
     const auto shown = desktop.pixels(place);
-    EXPECT_TRUE(until([&] { return desktop.pixels(place) != shown; }, [&] { main->click_line(5); }))
+    EXPECT_TRUE(follows([&] { return desktop.pixels(place) != shown; }, [&] { main->click_line(5); }))
         << "it follows the selection";
     desktop.ask_to_close(desktop.window_titled(ATTRIBUTES));
     EXPECT_TRUE(desktop.disappears(ATTRIBUTES));
 
     ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
-    ASSERT_TRUE(opens("f", "a", ATTRIBUTES));
+    ASSERT_NE(open_by_menu("f", "a", ATTRIBUTES), 0U);
     desktop.key("Escape");
     EXPECT_TRUE(desktop.disappears(ATTRIBUTES));
 }
@@ -154,11 +109,11 @@ TEST_F(Glyphward, SeveralSelectedFontsHaveNoSampleAndNoAttributes) {
     start();
     select_first_font();
     // A second click with the key held would deselect the line again.
-    ASSERT_TRUE(until([&] { return !main->sample_is_drawn(); },
-                      [&] {
-                          main->click_line(0);
-                          main->click_line(3, "Control_L");
-                      }));
+    ASSERT_TRUE(follows([&] { return !main->sample_is_drawn(); },
+                        [&] {
+                            main->click_line(0);
+                            main->click_line(3, "Control_L");
+                        }));
     desktop.picture("several-selected");
     desktop.click_middle(main->attributes_button);
     // When the next action works, the click before it had no effect.
@@ -170,16 +125,16 @@ TEST_F(Glyphward, ShowsAnAliasAtTheEndOfTheList) {
     start();
     select_first_font();
     const auto first_font = desktop.settled_pixels(main->sample());
-    ASSERT_TRUE(
-        until([&] { return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != first_font; },
-              [&] { desktop.key("Control_L", "End"); }))
+    ASSERT_TRUE(follows(
+        [&] { return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != first_font; },
+        [&] { desktop.key("Control_L", "End"); }))
         << "the last alias is of a symbol font, which is drawn with itself";
     // For an alias, the attributes of the next alias are shown; for the last one, none.
-    ASSERT_TRUE(until([&] { return desktop.is_visible(ATTRIBUTES); },
-                      [&] {
-                          desktop.key("Up");
-                          desktop.click_middle(main->attributes_button);
-                      }));
+    ASSERT_TRUE(follows([&] { return desktop.is_visible(ATTRIBUTES); },
+                        [&] {
+                            desktop.key("Up");
+                            desktop.click_middle(main->attributes_button);
+                        }));
     desktop.picture("alias");
     EXPECT_TRUE(program->is_running());
 }
@@ -187,13 +142,13 @@ TEST_F(Glyphward, ShowsAnAliasAtTheEndOfTheList) {
 TEST_F(Glyphward, TheFontPathIsTheSuperusersToModify) {
     start();
     if (is_root()) {
-        ASSERT_TRUE(opens("o", "m", "Glyph Warden - Modify Font Path"));
+        ASSERT_NE(open_by_menu("o", "m", "Glyph Warden - Modify Font Path"), 0U);
         desktop.picture("modify-font-path");
         desktop.key("Escape");
         EXPECT_TRUE(desktop.disappears("Glyph Warden - Modify Font Path"));
         return;
     }
-    ASSERT_TRUE(opens("o", "m", INFORMATION));
+    ASSERT_NE(open_by_menu("o", "m", INFORMATION), 0U);
     desktop.picture("only-root");
     desktop.key("Return");
     EXPECT_TRUE(desktop.disappears(INFORMATION));
@@ -204,7 +159,7 @@ TEST_F(Glyphward, TheSampleTextIsNotTheSuperusersToSet) {
     start();
     main->choose("o", "s");
     desktop.dismiss_menu();
-    ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
+    ASSERT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
     EXPECT_FALSE(desktop.is_visible(SAMPLE_TEXT));
     EXPECT_EQ(leave(), 0);
 }
@@ -214,19 +169,18 @@ TEST_F(Glyphward, KeepsTheSampleTextOfAUser) {
     start();
     select_first_font();
     const auto before = sample();
-    ASSERT_TRUE(opens("o", "s", SAMPLE_TEXT));
+    ASSERT_NE(open_by_menu("o", "s", SAMPLE_TEXT), 0U);
     desktop.key("Home");
     desktop.type("Warden ");
     desktop.picture("set-sample-text");
     desktop.key("Return");
     ASSERT_TRUE(desktop.disappears(SAMPLE_TEXT)) << "Return is Ok";
-    EXPECT_EQ(program->home().read(".glyphwdrc"), "SampleText:Warden Aa Bb Cc Xx Yy Zz 0123456789");
+    EXPECT_EQ(home.read(".glyphwdrc"), "SampleText:Warden Aa Bb Cc Xx Yy Zz 0123456789");
     ASSERT_TRUE(sample_changes(before));
     const auto kept = sample();
 
-    const std::string home = program->home().path();
     const TempDir next_home;
-    std::filesystem::copy_file(home + ".glyphwdrc", next_home.file(".glyphwdrc"));
+    std::filesystem::copy_file(home.file(".glyphwdrc"), next_home.file(".glyphwdrc"));
     program.reset();
     ASSERT_TRUE(desktop.disappears(MainWindow::TITLE));
     start({{"HOME", next_home.path()}});
@@ -237,11 +191,11 @@ TEST_F(Glyphward, KeepsTheSampleTextOfAUser) {
 TEST_F(Glyphward, EscapeLeavesTheSampleTextAlone) {
     if (is_root()) GTEST_SKIP() << "the dialog is a user's";
     start();
-    ASSERT_TRUE(opens("o", "s", SAMPLE_TEXT));
+    ASSERT_NE(open_by_menu("o", "s", SAMPLE_TEXT), 0U);
     desktop.type("x");
     desktop.key("Escape");
     EXPECT_TRUE(desktop.disappears(SAMPLE_TEXT));
-    EXPECT_FALSE(program->home().exists(".glyphwdrc"));
+    EXPECT_FALSE(home.exists(".glyphwdrc"));
 }
 
 TEST_F(Glyphward, TypingIntoTheSampleIsKeptFromFontToFont) {
@@ -303,7 +257,6 @@ TEST_F(Glyphward, StartsOnABrokenFontPath) {
     for (const char* name : {"wrong count", "negative", "huge", "it's $(touch oops)", "bytes", "closed"}) {
         path.push_back(fonts.file(name) + "/");
     }
-    const TempDir home;
     std::string old_config;
     constexpr const char* CONFIG = "/usr/vantor/server/etc/VTconfig";
     if (is_root()) {
@@ -322,7 +275,7 @@ TEST_F(Glyphward, StartsOnABrokenFontPath) {
             file << escaped << '\n';
         }
     }
-    start({{"HOME", home.path().substr(0, home.path().size() - 1)}});
+    start();
     main->click_line(0);
     EXPECT_TRUE(program->is_running());
     desktop.picture("broken-font-path");

@@ -66,7 +66,7 @@ DirectoryChooser::DirectoryChooser(const Desktop& desktop, const char* title, Wi
         list = desktop_.part_named(window, "DirList");
         return is_there() && desktop_.has_keyboard(window);
     };
-    until(has_keyboard, [&] { desktop_.click_middle(window == 0 ? button : window); });
+    follows(has_keyboard, [&] { desktop_.click_middle(button); });
 }
 
 // The program handles its events in order, so the list is up to date when the click arrives.

@@ -55,15 +55,15 @@ class Install : public ProgramTest {
         if (last > 0) dialog->click_line(last, "Shift_L");
     }
     bool sample_of_line(int line) {
-        return until([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(line); });
+        return follows([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(line); });
     }
     bool install() { return press(InstallDialog::TITLE, "_install_button"); }
     bool main_sample_of_line(int line) {
-        return until([&] { return main->sample_is_drawn(); },
-                     [&] {
-                         main->take_keyboard();
-                         main->click_line(line);
-                     });
+        return follows([&] { return main->sample_is_drawn(); },
+                       [&] {
+                           main->take_keyboard();
+                           main->click_line(line);
+                       });
     }
     /// Waits until the font's file is in the destination.
     [[nodiscard]] bool arrives(const BitmapFont& font) const { return arrives(font, default_destination()); }
@@ -115,7 +115,7 @@ TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
     ASSERT_TRUE(arrives(ABYSSINIA));
     EXPECT_TRUE(wait_until([&] { return desktop.has_font(ABYSSINIA.xlfd()); }));
     desktop.click_middle(main->list_title);
-    EXPECT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(1); }));
+    EXPECT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(1); }));
 }
 
 // The tool that makes this file is not on the sandbox's PATH.
@@ -156,14 +156,13 @@ class InstallByKeyboard : public Install {
         desktop.park_pointer();
     }
     void open_dialog_by_keys() {
-        ASSERT_TRUE(
-            until([&] { return has_keyboard(InstallDialog::TITLE); }, [&] { main->choose("f", "i"); }));
+        ASSERT_TRUE(opens(InstallDialog::TITLE, [&] { main->choose("f", "i"); }) != 0);
         dialog = std::make_unique<InstallDialog>(desktop);
         ASSERT_TRUE(dialog->is_there());
     }
     void list_source_by_keys() {
         desktop.key("space");
-        ASSERT_TRUE(wait_until([&] { return has_keyboard(DirectoryChooser::SOURCE_TITLE); }));
+        ASSERT_TRUE(gets_keyboard(DirectoryChooser::SOURCE_TITLE));
         desktop.key("Tab");  // the buttons
         desktop.key("Tab");  // the filter
         desktop.key("Control_L", "slash");
@@ -177,18 +176,14 @@ class InstallByKeyboard : public Install {
         ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
         ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(dialog->window); }));
         desktop.key("Tab");  // the list of fonts
-        ASSERT_TRUE(until([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+        ASSERT_TRUE(follows([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
         // The buttons become sensitive after the sample.
         static_cast<void>(desktop.settled_pixels(desktop.place_of(dialog->window)));
     }
     void escape_from(const char* title) {
-        EXPECT_TRUE(wait_until([&] { return has_keyboard(title); })) << title;
+        EXPECT_TRUE(gets_keyboard(title)) << title;
         desktop.key("Escape");
         EXPECT_TRUE(desktop.disappears(title)) << title;
-    }
-    [[nodiscard]] bool has_keyboard(const char* title) const {
-        const Window window = desktop.window_titled(title);
-        return window != 0 && desktop.has_keyboard(window);
     }
 };
 
@@ -205,8 +200,8 @@ TEST_F(InstallByKeyboard, AFontIsInstalled) {
 
 TEST_F(InstallByKeyboard, AttributesAreShownFromTheMainWindowAndFromTheDialog) {
     start_without_mouse();
-    ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
-    ASSERT_TRUE(until([&] { return desktop.is_visible(ATTRIBUTES); }, [&] { main->choose("f", "a"); }));
+    ASSERT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+    ASSERT_TRUE(follows([&] { return desktop.is_visible(ATTRIBUTES); }, [&] { main->choose("f", "a"); }));
     escape_from(ATTRIBUTES);
     ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
 
@@ -228,7 +223,7 @@ TEST_F(InstallByKeyboard, AttributesAreShownFromTheMainWindowAndFromTheDialog) {
 
 TEST_F(InstallByKeyboard, TheMainWindowHasKeysOfItsOwn) {
     start_without_mouse();
-    ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
+    ASSERT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { desktop.key("space"); }));
     // While the program is busy with the selection the menu entry may be insensitive.
     ASSERT_NE(opens(ATTRIBUTES, [&] { desktop.key("Control_L", "t"); }), 0U);
     escape_from(ATTRIBUTES);
@@ -239,7 +234,7 @@ TEST_F(InstallByKeyboard, TheMainWindowHasKeysOfItsOwn) {
     ASSERT_NE(opens(HELP, [&] { desktop.key("F1"); }), 0U);
     ASSERT_TRUE(leave_window(HELP, Leaving::CLOSE_BOX, nullptr));
     ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
-    EXPECT_TRUE(until([&] { return !program->is_running(); }, [&] { desktop.key("Control_L", "q"); }));
+    EXPECT_TRUE(follows([&] { return !program->is_running(); }, [&] { desktop.key("Control_L", "q"); }));
     EXPECT_EQ(program->wait_for_exit(1), 0);
 }
 
@@ -389,8 +384,8 @@ TEST_F(Install, AddsSizesToAFaceThatIsThere) {
     // it.
     ASSERT_TRUE(main_sample_of_line(0));
     const auto large = desktop.settled_pixels(main->sample());
-    EXPECT_TRUE(until([&] { return desktop.settled_pixels(main->sample()) != large; },
-                      [&] { main->choose_above(main->size_menu, 1); }));
+    EXPECT_TRUE(follows([&] { return desktop.settled_pixels(main->sample()) != large; },
+                        [&] { main->choose_above(main->size_menu, 1); }));
 }
 
 TEST_F(Install, ASourceThatVanishesLeavesTheDestinationEmpty) {
@@ -441,8 +436,8 @@ TEST_F(Install, SomeoneElsesDirectoryIsRefused) {
     select_lines(0);
     ASSERT_TRUE(dialog->install_to(destination));
     EXPECT_FALSE(dialog->has_message());
-    EXPECT_TRUE(
-        until([&] { return dialog->has_message(); }, [&] { desktop.click_middle(dialog->install_button); }));
+    EXPECT_TRUE(follows([&] { return dialog->has_message(); },
+                        [&] { desktop.click_middle(dialog->install_button); }));
     desktop.picture("not-writeable");
     EXPECT_TRUE(desktop.is_visible(InstallDialog::TITLE));
     EXPECT_FALSE(std::filesystem::exists(destination + AARDVARKS.file_name()));
@@ -455,8 +450,8 @@ TEST_F(Install, ADestinationThatCannotBeMadeIsRefused) {
     select_lines(0);
     const std::string path = default_destination();
     std::ofstream(path.substr(0, path.size() - 1)) << "a file";
-    EXPECT_TRUE(
-        until([&] { return dialog->has_message(); }, [&] { desktop.click_middle(dialog->install_button); }));
+    EXPECT_TRUE(follows([&] { return dialog->has_message(); },
+                        [&] { desktop.click_middle(dialog->install_button); }));
     EXPECT_TRUE(desktop.is_visible(InstallDialog::TITLE));
 }
 
@@ -464,7 +459,7 @@ TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
     constexpr int MANY = 2000;
     for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(MANY + i), 8}.write_to(source.path());
     open_on_source();
-    ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }, 60));
+    ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
     ASSERT_TRUE(sample_of_line(0));
     desktop.key("Control_L", "slash");
     ASSERT_TRUE(install());
@@ -478,10 +473,13 @@ TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
     Rectangle beginning = main->sample();
     beginning.width = desktop.place_of(progress).x - beginning.x - 20;
     EXPECT_LT(desktop.ink(beginning), 100);
-    EXPECT_TRUE(until([&] { return desktop.ink(beginning) > 100; }, [&] { main->click_line(0); }))
-        << "the main window answers";
+    {
+        const Hurry during_the_work(desktop);
+        EXPECT_TRUE(follows([&] { return desktop.ink(beginning) > 100; }, [&] { main->click_line(0); }))
+            << "the main window answers";
+    }
     EXPECT_TRUE(desktop.is_visible(PROGRESS)) << "meanwhile";
-    EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }, 120));
+    EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }, 5 * PATIENCE));
     EXPECT_TRUE(hint_comes_and_goes());
     EXPECT_TRUE(index_of(default_destination()).starts_with(std::to_string(MANY) + '\n'));
 }

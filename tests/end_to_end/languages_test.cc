@@ -53,7 +53,7 @@ using NoLanguage = InLanguage;
 TEST_P(InLanguage, WindowsAndMenusAreTranslated) {
     start({{"LANG", GetParam().locale}});
     if (GetParam().has_latin1) {
-        ASSERT_TRUE(until([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
+        ASSERT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
     }
     desktop.picture(std::string("language-main-") + GetParam().locale);
     expect_windows(GetParam());

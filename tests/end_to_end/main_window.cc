@@ -44,14 +44,15 @@ void MainWindow::click_last_line(const char* modifier) const {
 void MainWindow::take_keyboard() const {
     if (desktop_.has_keyboard(window)) return;
     desktop_.click(list_title, 5, 5);
-    wait_until([this] { return desktop_.has_keyboard(window); }, 2);
+    wait_until([this] { return desktop_.has_keyboard(window); });
 }
 
 // A key that is pressed before the menu is open goes to the list.
 void MainWindow::choose(const char* menu_key, const char* entry_key) const {
     desktop_.dismiss_menu();
     desktop_.key("Alt_L", menu_key);
-    if (desktop_.menu_appears()) desktop_.key(entry_key);
+    desktop_.await_menu();
+    desktop_.key(entry_key);
 }
 
 void MainWindow::choose_above(Window option_menu, int steps) const {

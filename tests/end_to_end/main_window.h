@@ -21,8 +21,7 @@ class MainWindow {
     void click_last_line(const char* modifier = nullptr) const;
     /// Gives the window the keyboard focus, whatever dialogs are open.
     void take_keyboard() const;
-    /// Opens a menu by its mnemonic and chooses an entry by the entry's mnemonic. Does nothing when the menu
-    /// does not appear.
+    /// Opens a menu by its mnemonic and chooses an entry by the entry's mnemonic.
     void choose(const char* menu_key, const char* entry_key) const;
     /// Opens an option menu and chooses the entry `steps` above the current one.
     void choose_above(Window option_menu, int steps) const;

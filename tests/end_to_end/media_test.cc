@@ -55,9 +55,9 @@ class Media : public ProgramTest {
     }
     [[nodiscard]] bool warns() const { return desktop.windows_titled(MEDIA).size() == 2; }
     void click(const char* button) const { desktop.click_middle(desktop.part_named(media, button)); }
-    /// Repeats `action`, which should choose the entry below the floppy's, until the menu shows another
-    /// choice.
-    void choose_cdrom_by(const std::function<void(Window menu, int x, int y)>& action) {
+    /// Does `action`, which should choose the entry below the floppy's, and waits until the menu shows
+    /// another choice.
+    void choose_cdrom_by(const std::function<void(Window menu, int x)>& action) {
         const Window menu = desktop.part_named(media, "media_option_menu");
         ASSERT_NE(menu, 0U);
         const Rectangle place = desktop.place_of(menu);
@@ -66,39 +66,34 @@ class Media : public ProgramTest {
         // The text of the choice, without the frame that shows the keyboard focus.
         const Rectangle name = {place.x + x - 10, place.y + y - 6, 30, 12};
         const auto floppy = desktop.settled_pixels(name);
-        ASSERT_TRUE(until([&] { return !desktop.has_menu() && desktop.pixels(name) != floppy; },
-                          [&] { action(menu, x, y); }));
+        ASSERT_TRUE(follows([&] { return !desktop.has_menu() && desktop.pixels(name) != floppy; },
+                            [&] { action(menu, x); }));
     }
     /// The menu opens with its current entry under the pointer.
     void choose_cdrom() {
-        constexpr int ENTRY_HEIGHT = 20;
-        choose_cdrom_by([this](Window menu, int x, int y) {
-            desktop.dismiss_menu();
-            desktop.click(menu, x, y);
-            if (desktop.menu_appears()) desktop.click(menu, x, y + ENTRY_HEIGHT);
-        });
+        choose_cdrom_by([this](Window menu, int x) { desktop.click_down_in(menu, x, 1); });
     }
-    /// Keys that are pressed in the moment in which the menu opens are lost; then they are pressed again.
     void choose_cdrom_by_keys() {
-        choose_cdrom_by([this](Window, int, int) {
-            if (!desktop.has_menu()) desktop.key("space");
-            if (!desktop.menu_appears()) return;
+        choose_cdrom_by([this](Window, int) {
+            desktop.key("space");
+            desktop.await_menu();
             desktop.key("Down");
             desktop.key("Return");
         });
     }
-    /// Presses Check until the warning opens, closes it, and returns to the media dialog.
+    /// Presses Check, waits for the warning, closes it, and returns to the media dialog.
     void expect_warning(const char* picture) {
-        ASSERT_TRUE(until([&] { return warns(); }, [&] { click("check_button"); }));
+        ASSERT_TRUE(follows([&] { return warns(); }, [&] { click("check_button"); }));
         desktop.picture(picture);
-        ASSERT_TRUE(until([&] { return !warns(); }, [&] { desktop.key("Return"); }));
+        ASSERT_TRUE(follows([&] { return !warns(); }, [&] { desktop.key("Return"); }));
         EXPECT_NE(media_window(), 0U);
         EXPECT_FALSE(is_on_font_path(CDROM_STAGING) || is_on_font_path(FLOPPY_STAGING));
     }
     bool sample_of_line(int line) {
         const auto before = desktop.settled_pixels(dialog->sample());
-        return until([&] { return dialog->sample_is_drawn() && desktop.pixels(dialog->sample()) != before; },
-                     [&] { dialog->click_line(line); });
+        return follows(
+            [&] { return dialog->sample_is_drawn() && desktop.pixels(dialog->sample()) != before; },
+            [&] { dialog->click_line(line); });
     }
     PrivateBus bus;
     SystemBusAddress address{bus.address()};
@@ -166,7 +161,7 @@ TEST_F(ServedMedia, AFloppyIsListedOnceItIsInserted) {
     expect_warning("no-floppy");
     ABYSSINIA.write_to(FLOPPY);
     service.insert_medium("fd0");
-    ASSERT_TRUE(until([&] { return is_on_font_path(FLOPPY_STAGING); }, [&] { click("check_button"); }));
+    ASSERT_TRUE(follows([&] { return is_on_font_path(FLOPPY_STAGING); }, [&] { click("check_button"); }));
     ASSERT_TRUE(press(MEDIA, "close_button"));
     EXPECT_TRUE(sample_of_line(0));
 }
@@ -176,7 +171,7 @@ TEST_F(ServedMedia, ADiscThatIsNotThereIsAskedFor) {
     choose_cdrom();
     expect_warning("no-disc");
     AARDVARKS.write_to(CDROM);
-    ASSERT_TRUE(until([&] { return is_on_font_path(CDROM_STAGING); }, [&] { click("check_button"); }));
+    ASSERT_TRUE(follows([&] { return is_on_font_path(CDROM_STAGING); }, [&] { click("check_button"); }));
 }
 
 TEST_F(ServedMedia, EjectsWhatIsChosenAndCloses) {
@@ -196,9 +191,10 @@ TEST_F(ServedMedia, EveryWayOutListsNothing) {
     choose_cdrom();
     for (const Leaving way : WAYS_OF_LEAVING) {
         SCOPED_TRACE(static_cast<int>(way));
-        open_media_again();
+        if (media_window() == 0) open_media_again();
         ASSERT_TRUE(leave_window(MEDIA, way, "close_button"));
         dialog->click_line(0);
+        desktop.settle();
         EXPECT_FALSE(dialog->sample_is_drawn());
     }
     EXPECT_FALSE(is_on_font_path(CDROM_STAGING));

@@ -10,7 +10,6 @@
 #include <string_view>
 
 #include "end_to_end/desktop.h"
-#include "end_to_end/waiting.h"
 
 namespace gw::e2e {
 

@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "end_to_end/waiting.h"
 #include "support/temp_dir.h"
 
 namespace gw::e2e {
@@ -30,9 +31,10 @@ class Program {
     Program(const Program&) = delete;
     Program& operator=(const Program&) = delete;
 
+    [[nodiscard]] pid_t pid() const { return pid_; }
     [[nodiscard]] bool is_running();
     /// The exit status; no value when the program still runs after `seconds` or was ended by a signal.
-    std::optional<int> wait_for_exit(int seconds = 20);
+    std::optional<int> wait_for_exit(int seconds = PATIENCE);
     /// What the program has written to standard error so far.
     [[nodiscard]] std::string errors() const;
     [[nodiscard]] const gw::test::TempDir& home() const { return home_; }

@@ -24,12 +24,15 @@ bool is_root() {
 }
 
 ProgramTest::ProgramTest() : font_path_before_(desktop.font_path()) {
+    witness() = [this] { return seen(); };
     if (is_root()) config_before_ = gw::test::TempDir::read_bytes(CONFIG);
 }
 
 ProgramTest::~ProgramTest() {
     program.reset();
+    desktop.attend_to_nothing();
     EXPECT_TRUE(desktop.disappears(MainWindow::TITLE));
+    witness() = nullptr;
     desktop.set_font_path(font_path_before_);
     if (!is_root()) return;
     std::ofstream(CONFIG) << config_before_;
@@ -40,34 +43,32 @@ void ProgramTest::start(const std::map<std::string, std::optional<std::string>>&
     auto all = environment;
     all.insert({"HOME", home_path().substr(0, home_path().size() - 1)});
     program = std::make_unique<Program>(all);
+    desktop.attend_to(program->pid());
     main = std::make_unique<MainWindow>(desktop);
     ASSERT_TRUE(main->is_there()) << program->errors();
-    ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(main->window); }));
+    ASSERT_TRUE(gets_keyboard(MainWindow::TITLE));
+}
+
+std::string ProgramTest::seen() const {
+    return desktop.description() + (program ? "It has said: " + program->errors() + '\n' : "");
 }
 
 std::optional<int> ProgramTest::leave() {
-    until([&] { return !program->is_running(); },
-          [&] {
-              main->take_keyboard();
-              main->choose("f", "e");
-          });
-    return program->wait_for_exit(1);
+    main->take_keyboard();
+    main->choose("f", "e");
+    return program->wait_for_exit();
+}
+
+bool ProgramTest::gets_keyboard(const char* title) const {
+    return wait_until([&] {
+        const Window window = desktop.window_titled(title);
+        return window != 0 && desktop.has_keyboard(window);
+    });
 }
 
 Window ProgramTest::opens(const char* title, const std::function<void()>& action) {
-    const auto has_keyboard = [&] {
-        const Window window = desktop.window_titled(title);
-        return window != 0 && desktop.has_keyboard(window);
-    };
-    const bool is_ready = until(has_keyboard, [&] {
-        // A window that has opened without the focus gets it by a click on its background.
-        if (const Window window = desktop.window_titled(title); window != 0) {
-            desktop.click(window, 2, 2);
-        } else {
-            action();
-        }
-    });
-    return is_ready ? desktop.window_titled(title) : 0;
+    action();
+    return gets_keyboard(title) ? desktop.window_titled(title) : 0;
 }
 
 Window ProgramTest::open_by_menu(const char* menu_key, const char* entry_key, const char* title) {
@@ -78,27 +79,21 @@ Window ProgramTest::open_by_menu(const char* menu_key, const char* entry_key, co
 }
 
 bool ProgramTest::press(const char* title, const char* button) {
-    return until([&] { return !desktop.is_visible(title); },
-                 [&] {
-                     const Window part = desktop.part_named(desktop.window_titled(title), button);
-                     if (part != 0) desktop.click_middle(part);
-                 });
+    const Window part = desktop.part_named(desktop.window_titled(title), button);
+    if (part == 0) return false;
+    desktop.click_middle(part);
+    return desktop.disappears(title);
 }
 
 bool ProgramTest::leave_window(const char* title, Leaving way, const char* button) {
     if (way == Leaving::BUTTON) return press(title, button);
-    return until([&] { return !desktop.is_visible(title); },
-                 [&] {
-                     const Window window = desktop.window_titled(title);
-                     if (window == 0) return;
-                     if (way == Leaving::CLOSE_BOX) {
-                         desktop.ask_to_close(window);
-                     } else if (desktop.has_keyboard(window)) {
-                         desktop.key("Escape");
-                     } else {
-                         desktop.click(window, 2, 2);
-                     }
-                 });
+    if (way == Leaving::CLOSE_BOX) {
+        desktop.ask_to_close(desktop.window_titled(title));
+    } else {
+        if (!gets_keyboard(title)) return false;
+        desktop.key("Escape");
+    }
+    return desktop.disappears(title);
 }
 
 bool ProgramTest::hint_comes_and_goes() {

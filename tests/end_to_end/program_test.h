@@ -36,8 +36,9 @@ class ProgramTest : public testing::Test {
     void start(const std::map<std::string, std::optional<std::string>>& environment = {});
     /// Leaves by the menu; the exit status.
     std::optional<int> leave();
-    /// Repeats `action` until the window is open and has the focus, which is given to it if necessary. 0 when
-    /// that fails.
+    /// Waits until the window has the focus; false when it does not get it.
+    [[nodiscard]] bool gets_keyboard(const char* title) const;
+    /// Does `action` and waits until the window is open and has the focus; 0 when it does not get it.
     Window opens(const char* title, const std::function<void()>& action);
     /// The same, with an entry of a main window's menu; both are named by their mnemonics.
     Window open_by_menu(const char* menu_key, const char* entry_key, const char* title);
@@ -45,7 +46,7 @@ class ProgramTest : public testing::Test {
     [[nodiscard]] std::string default_destination() const;
     /// Leaves a window in this way and waits until it is gone.
     bool leave_window(const char* title, Leaving way, const char* button);
-    /// Presses the named button of the window until the window is gone.
+    /// Presses the named button of the window and waits until the window is gone.
     bool press(const char* title, const char* button);
     /// Waits for the superuser's hint to modify the font path, and closes it. Returns true at once for other
     /// users.
@@ -61,6 +62,8 @@ class ProgramTest : public testing::Test {
     std::unique_ptr<MainWindow> main;
 
   private:
+    [[nodiscard]] std::string seen() const;
+
     std::vector<std::string> font_path_before_;
     std::string config_before_;
     std::vector<std::string> own_elements_;

@@ -44,7 +44,7 @@ void TodaysFontsTest::open_on_source() {
 }
 
 void TodaysFontsTest::install_both() {
-    ASSERT_TRUE(until([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(OUTLINE_LINE); }))
+    ASSERT_TRUE(follows([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(OUTLINE_LINE); }))
         << "the outline, before it is installed";
     dialog->click_line(BITMAP_LINE, "Shift_L");
     ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));
@@ -66,11 +66,12 @@ void TodaysFontsTest::delete_both() {
 
 bool TodaysFontsTest::main_sample_of_line(int line) {
     const auto before = desktop.settled_pixels(main->sample());
-    return until([&] { return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != before; },
-                 [&] {
-                     main->take_keyboard();
-                     main->click_line(line);
-                 });
+    return follows(
+        [&] { return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != before; },
+        [&] {
+            main->take_keyboard();
+            main->click_line(line);
+        });
 }
 
 void TodaysFontsTest::delete_line(int line) {

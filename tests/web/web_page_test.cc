@@ -15,6 +15,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <optional>
 #include <regex>
 #include <set>
@@ -33,7 +34,7 @@ namespace gw::web {
 
 namespace {
 
-using e2e::until;
+using e2e::follows;
 using e2e::wait_until;
 using ::testing::AnyOf;
 using ::testing::Contains;
@@ -192,6 +193,18 @@ class Page {
                    "String(document.getElementById('noVNC_credentials_dlg').classList.contains('noVNC_open')"
                    ")") == "true";
     }
+    // Waits until two looks, some time apart, are the same.
+    [[nodiscard]] static bool is_steady(const std::function<std::string()>& look) {
+        constexpr int LOOKS = 20;  // with a pause after each
+        std::string last;
+        int same = 0;
+        return wait_until([&] {
+            std::string now = look();
+            same = now == last ? same + 1 : 0;
+            last = std::move(now);
+            return same == LOOKS;
+        });
+    }
     // The width and height of the program's screen.
     [[nodiscard]] std::string size() {
         return browser.evaluate(CANVAS + "canvas.width + 'x' + canvas.height");
@@ -275,29 +288,30 @@ TEST_F(WebPage, ShowsTheProgramAndTakesTheMouseAndTheKeyboard) {
         EXPECT_TRUE(wait_until([&] { return page.drawn(*sample_of(served)) == "0"; }));
 
         // The window manager may still move the window when it is first seen.
+        ASSERT_TRUE(page.is_steady([&] { return served.within("places"); }));
+        const Place list = *place_of(served, "_hrn_list");
         const auto sample = [&] { return page.drawn(*sample_of(served)); };
-        EXPECT_TRUE(until([&] { return sample() != "0"; },
-                          [&] {
-                              const Place list = *place_of(served, "_hrn_list");
-                              page.click(list.x + 60, list.y + FIRST_LINE + 3 * LINE_HEIGHT);
-                          }));
-        std::string settled;
-        ASSERT_TRUE(wait_until([&] { return settled == std::exchange(settled, sample()); }));
+        EXPECT_TRUE(follows([&] { return sample() != "0"; },
+                            [&] { page.click(list.x + 60, list.y + FIRST_LINE + 3 * LINE_HEIGHT); }));
+        ASSERT_TRUE(page.is_steady(sample));
+        const std::string by_mouse = sample();
         page.browser.picture("web-mouse");
 
         // The samples of neighbouring fonts may look the same.
-        EXPECT_TRUE(
-            until([&] { return sample() != settled && sample() != "0"; }, [&] { page.browser.type(DOWN); }));
+        for (int line = 0; line < 4; ++line) page.browser.type(DOWN);
+        EXPECT_TRUE(wait_until([&] { return sample() != by_mouse && sample() != "0"; }));
         page.browser.picture("web-keyboard");
 
         EXPECT_TRUE(page.is_connected());
-        EXPECT_TRUE(until([&] { return !served.child().is_running(); },
-                          [&] {
-                              page.browser.press(ALT);
-                              page.browser.type(FONTS);
-                              page.browser.release(ALT);
-                              page.browser.type(EXIT);
-                          }));
+        // The menu covers the beginning of the list.
+        const auto beginning = [&] { return page.drawn({list.x, list.y, list.width, 2 * LINE_HEIGHT}); };
+        ASSERT_TRUE(page.is_steady(beginning));
+        const std::string without_menu = beginning();
+        page.browser.press(ALT);
+        page.browser.type(FONTS);
+        page.browser.release(ALT);
+        ASSERT_TRUE(wait_until([&] { return beginning() != without_menu; }) && page.is_steady(beginning));
+        page.browser.type(EXIT);
         EXPECT_EQ(served.child().wait_for_exit(), 0) << served.child().output();
         EXPECT_TRUE(wait_until([&] { return !page.is_connected(); }));
     }
