@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "app/kit/messages.h"
 
-#include <array>
 #include <cstddef>
+#include <iterator>
 
 namespace {
 
@@ -17,14 +17,14 @@ namespace gw {
 
 namespace {
 
-constexpr std::array TABLE{
-#define MSG(set, number, name, text) MessageEntry{set, number, text},
+constexpr MessageEntry TABLE[] = {
+#define MSG(set, number, name, text) {set, number, text},
 #include "app/kit/messages.def"
 #undef MSG
 };
 
 constexpr bool is_ascending() {
-    for (std::size_t i = 1; i < TABLE.size(); ++i) {
+    for (std::size_t i = 1; i < std::size(TABLE); ++i) {
         const MessageEntry& before = TABLE[i - 1];
         const MessageEntry& entry = TABLE[i];
         if (entry.set < before.set || (entry.set == before.set && entry.number <= before.number))
