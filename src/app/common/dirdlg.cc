@@ -38,7 +38,7 @@ std::string by_its_own_name(std::string directory) {
     return gone ? directory : real.string();
 }
 
-/// The one directory that is selected in the list; empty otherwise.
+/// The selected directory; empty unless exactly one is selected.
 std::string selected_directory() {
     XmStringTable items = nullptr;
     int count = 0;
@@ -53,7 +53,7 @@ std::string shown_directory() {
     return gw::text_of(directory);
 }
 
-/// The directory, or the nearest one above it that is still there, ending in "/".
+/// The directory with a "/" at its end, or the nearest directory above it that still exists.
 std::string existing(std::filesystem::path directory) {
     std::error_code gone;
     while (!std::filesystem::is_directory(directory, gone) && directory.has_relative_path()) {
@@ -74,8 +74,7 @@ void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     if (!directory.empty() && cb != nullptr) cb(directory.c_str());
 }
 
-/// A directory itself, the one above it, and the directories in it by name; the first two alone when it
-/// cannot be read.
+/// ".", ".." and the names of the directories in it, sorted. Only the first two if it cannot be read.
 std::vector<std::string> directories_in(const std::string& directory) {
     std::vector<std::string> names;
     std::error_code unreadable;
@@ -89,7 +88,7 @@ std::vector<std::string> directories_in(const std::string& directory) {
     return names;
 }
 
-/// The toolkit's own search does not read a directory again that it has read before.
+/// Replaces the toolkit's search, which does not read a directory a second time.
 void search_cb(Widget dialog, XtPointer call_data) {
     const auto* search = static_cast<XmFileSelectionBoxCallbackStruct*>(call_data);
     const std::string directory = gw::text_of(search->dir);

@@ -28,7 +28,7 @@ Widget wi_progress_label = nullptr;
 Widget wi_progress_scale = nullptr;
 int scale_value = 0;  // what the scale must show
 
-// The user cannot move it.
+// So that the user cannot move it.
 void scale_cb(Widget scale, XtPointer, XtPointer) {
     int value = 0;
     XmScaleGetValue(scale, &value);

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// The busy notice for work that takes long: a symbol and a text that the user cannot close.
+// The notice for long work: a symbol and a text. The user cannot close it.
 #pragma once
 
 #include <X11/Intrinsic.h>

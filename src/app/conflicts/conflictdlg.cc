@@ -111,7 +111,7 @@ void resolve_selected(Resolution resolution) {
     res_list[static_cast<std::size_t>(position) - 1] = resolution;
     const gw::XmText entry = gw::xm_text(get_conflict_list_entry(static_cast<unsigned>(position)));
     XmString item = entry.get();
-    // Motif loses the list's selection when a selected item is replaced.
+    // Motif loses the selection when a selected item is replaced.
     XmListDeselectPos(wi_conflicts_list, position);
     XmListReplaceItemsPos(wi_conflicts_list, &item, 1, position);
     XmListSelectPos(wi_conflicts_list, position, False);
@@ -220,7 +220,7 @@ void create_list(Widget dialog) {
     XtAddCallback(wi_conflicts_list, XmNsingleSelectionCallback, list_cb, nullptr);
 }
 
-/// Lines without a character have no height.
+/// Empty lines have no height, so each has a letter.
 std::string eight_lines() {
     std::string lines = "n";
     for (int i = 1; i < DETAIL_LINES; ++i) lines += "\nn";

@@ -93,7 +93,7 @@ void resolve_cb(Widget, XtPointer, XtPointer) {
     if (list != nullptr) start_conflict_dlg(success_count, list);
 }
 
-/// A line of text at the top, or `offset` pixels below `above`. The dialog gets its texts before it appears.
+/// A label of the dialog's width, `offset` pixels below `above`, or below the top if `above` is null.
 Widget text_line(const char* name, Widget above, int offset) {
     Widget w = gw::label(wi_preconflict_dlg, name, " ");
     Attach(w).sides(GAP);

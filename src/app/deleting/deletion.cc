@@ -25,7 +25,7 @@ namespace {
 
 using gw::Message;
 
-/// Deletes the font at that position, or records why not. An alias is never deleted.
+/// Deletes the font at that position, or records the conflict. Aliases are never deleted.
 void delete_entry(int position, WorkRecord& work) {
     const gw::ShownList entries = gw::installed_entries();
     if (GWAlias* alias = entries.alias_at(position); alias != nullptr) {

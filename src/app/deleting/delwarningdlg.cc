@@ -38,7 +38,7 @@ Widget create_del_warning_dlg(const char* name, Widget parent) {
         gw::message_dialog(parent, name, XmDIALOG_WARNING, gw::text_of(Message::DEL_WARNING_TITLE),
                            gw::text_of(Message::DEL_WARNING), {XmDIALOG_HELP_BUTTON});
     const gw::XmText ok = gw::xm_text(gw::text_of(Message::DEL_WARNING_DELETE));
-    // Return alone must not delete anything.
+    // Return must not delete anything.
     XtVaSetValues(wi_del_warning_dlg, XmNokLabelString, ok.get(), XmNdefaultButtonType,
                   XmDIALOG_CANCEL_BUTTON, nullptr);
     XtAddCallback(wi_del_warning_dlg, XmNokCallback, ok_cb, nullptr);

@@ -8,5 +8,5 @@
 extern Widget wi_del_warning_dlg;
 
 Widget create_del_warning_dlg(const char* name, Widget parent);
-/// Shows the question; `cb` is called once, with 1 when the user confirms and 0 when not.
+/// Shows the question. `cb` is called once: with 1 if the user confirms, else with 0.
 void start_del_warning_dlg(void (*cb)(char));

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// Tells the superuser, whose installations do not touch the font path, to update it.
+// Tells the superuser to update the font path, which their installations do not change.
 #pragma once
 
 #include <X11/Intrinsic.h>

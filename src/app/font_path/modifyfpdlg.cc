@@ -40,11 +40,11 @@ using namespace modifyfpdlg;
 
 constexpr int GAP = 8;
 constexpr int VISIBLE_ELEMENTS = 10;
-constexpr std::size_t ELEMENT_LENGTH = 50;  // characters that the list has room for from the beginning
+constexpr std::size_t ELEMENT_LENGTH = 50;  // characters that fit into the list when the dialog appears
 
 /// The stored font path of one installation.
 struct EditSet {
-    std::optional<std::string> root;  ///< as it was chosen; none before that
+    std::optional<std::string> root;  ///< as the user chose it; none before
     std::unique_ptr<GWFontPath> font_path;
     std::vector<std::string> elements;
 };
@@ -56,7 +56,7 @@ int current_fp_is_writeable = 0;
 // What the list shows, with the edits that are not applied yet. It is kept here because the strings of the
 // widget lose tabs.
 std::vector<std::string> displayed;
-bool fpe_is_selected = false;  // once an item has been
+bool fpe_is_selected = false;  // true after the first selection
 
 Widget _default_fp_toggle, _other_inst_fp_toggle, _vantor_dir_dlg_button;
 Widget _fpe_list_label, _fpe_list;
@@ -101,7 +101,7 @@ int displayed_fpe_count() {
     return static_cast<int>(displayed.size());
 }
 
-/// Puts an element at the 1-based position, and selects it as the user would.
+/// Inserts an element at the 1-based position and selects it, calling the selection callback.
 void put_at(int position, const std::string& element) {
     displayed.insert(displayed.begin() + (position - 1), element);
     const gw::XmText item = gw::xm_text(element);

@@ -20,7 +20,7 @@ namespace modifyfpdlg {
 void other_inst_specified_cb(const char* dir);
 void new_fpe_dir_specified_cb(const char* dir);
 
-/// 1 when some element is `s`, else 0; 0 for null.
+/// 1 if `list` has `s`, else 0. 0 for null.
 int fpe_exists(const char* s, const std::vector<std::string>& list);
 
 }  // namespace modifyfpdlg

@@ -8,8 +8,8 @@
 
 namespace gw {
 
-/// The codeset of a wide character: 0 for ASCII, 1, 2 and 3 by the two bits that C libraries of codeset-based
-/// locales set. Where wide characters have no such bits, all are of codeset 0.
+/// The codeset of a wide character: 0 for ASCII; 1, 2 and 3 by two bits that some C libraries set. With other
+/// C libraries every character has codeset 0.
 [[nodiscard]] unsigned codeset_of(unsigned long wide_character);
 
 /// Splits `text`, in the current locale, by codesets: one text for each of 0 to `count` - 1. Characters of

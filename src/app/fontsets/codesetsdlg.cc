@@ -25,7 +25,7 @@ using namespace fontsetsdlg;
 
 constexpr int GAP = 8;
 constexpr short TEXT_COLUMNS = 45;
-constexpr int MOST_CODESETS = 10;  // that the dialog has room for
+constexpr int MOST_CODESETS = 10;  // more would not fit into the dialog
 
 std::vector<gw::KeptText> wi_sample_text_dlg_cs_text;  // by codeset
 

@@ -42,7 +42,7 @@ constexpr int GAP = 8;
 constexpr int VISIBLE_FONTS = 10;
 constexpr Dimension SAMPLE_HEIGHT = 60;
 // Kept: a fontset directory has at most 67 bytes.
-constexpr std::size_t DIRECTORY_LIMIT = 68;  // bytes of the fontset file's directory and its end
+constexpr std::size_t DIRECTORY_LIMIT = 68;  // bytes of the directory's name with the NUL at its end
 
 gw::OptionMenu wi_fontsets_dlg_choose_menu;
 Widget wi_fontsets_dlg_scrolledlist, wi_fontsets_dlg_sample_text, wi_fontsets_dlg_msg_label;

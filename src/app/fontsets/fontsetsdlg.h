@@ -18,7 +18,7 @@ extern Widget wi_delete_set_dlg;
 extern Widget wi_new_set_dlg;
 extern Widget wi_sample_text_dlg;
 
-/// Builds the dialog and its three subordinate ones.
+/// Builds the dialog and these three dialogs of its own.
 Widget create_fontsets_dlg(const char* name, Widget parent);
 void start_fontsets_dlg();
 
@@ -29,13 +29,13 @@ Widget create_sample_text_dlg(const char* name, Widget parent);
 /// What the fontset dialogs work on.
 struct fontsetdlg_cb_struct {
     std::unique_ptr<GW_FONTSET_FILE> file;  ///< null where the locale can have none
-    gw::Ref<GWFontSet> current;             ///< one of the file's, or one without a name while it has none
+    gw::Ref<GWFontSet> current;             ///< from the file, or a nameless one while the file is empty
     std::string locale_sample_text;
 };
 extern fontsetdlg_cb_struct fontsetdlg_cb;
 
-/// Opens the locale's fontset file. Without VANTORHOME or LANG, which is said on standard output, or with a
-/// directory of 68 bytes or more, which is said on standard error, there is none, and none is written.
+/// Opens the locale's fontset file. There is none without VANTORHOME or LANG (said on standard output), or if
+/// its directory has 68 bytes or more (said on standard error).
 void set_fontsetsdlg_cb_struct();
 void init_wi_installed_fontsets_choose_menu();
 void init_wi_fontsets_dlg_scrolledlist();
@@ -44,7 +44,7 @@ void init_wi_delete_set_dlg_scrolledlist();
 
 /// Selects the fonts of the set in a list of XLFD names, and scrolls to the first of them.
 void select_scrolled_list(Widget list, const GWFontSet* set);
-/// Shows the sample in the fonts of the set; nothing for null.
+/// Shows the sample in the fonts of the set. Does nothing for null.
 void display_sample_text(const GWFontSet* set);
 /// Puts the text into the sample dialog's fields, one for each codeset.
 void set_wi_sample_text_dlg(const char* text);
@@ -57,7 +57,7 @@ void set_message(const std::string& text);
 [[nodiscard]] std::string sample();
 void set_sample(const std::string& text);
 
-/// Adds a fontset to the menu, or takes the entries of that name away.
+/// Add a fontset to the menu; remove all entries of that name.
 void add_to_menu(const char* name);
 void remove_from_menu(const std::string& name);
 [[nodiscard]] bool menu_has(const std::string& name);

@@ -32,7 +32,7 @@ void set_own_message(const char* text) {
     gw::set_label(wi_new_set_dlg_msg_label, text);
 }
 
-/// A new fontset has the fonts of the current one. The file will own it.
+/// A new fontset with the fonts of the current one. The caller gives it to the file, which owns it.
 GWFontSet* copy_of_current(const std::string& name) {
     auto* set = new GWFontSet(name.c_str());
     for (GWFont* font : fontsetdlg_cb.current->get_fonts()) set->append_base_font(font->get_xlfd_name());

@@ -16,7 +16,7 @@
 enum InstallFrom : int { FROM_DIRECTORY = 1, FROM_CDROM = 2, FROM_FLOPPY = 3 };
 
 extern GWHRNList current_hrn_list;    ///< the fonts of the source
-extern unsigned current_hrn_count;    ///< names in it after the last lookup
+extern unsigned current_hrn_count;    ///< its length after the last lookup
 extern GWDriverBase* current_driver;  ///< null until a source is chosen
 extern std::unique_ptr<GWDirDriver> current_dir_driver;
 extern std::string current_dir;  ///< the last source directory, as it was chosen
@@ -47,8 +47,8 @@ Signal<>& source_changes();
 
 /// Selects all names of the source in `list`, without calling its selection callbacks.
 void select_all_of_source(Widget list);
-/// Shows the attributes of the font of the source at the position that is selected in `list`. Nothing for
-/// positions from the last of the main window's list on.
+/// Shows the attributes of the font of the source at the selected position of `list`. Does nothing if the
+/// main window's list has no font behind that position.
 void show_source_attributes(Widget list);
 
 }  // namespace gw

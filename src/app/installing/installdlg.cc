@@ -298,7 +298,7 @@ Widget create_font_list(Widget dialog) {
     return form;
 }
 
-/// A label and, beside it, its value.
+/// A label, and its value to the right of it.
 Widget space_row(Widget dialog, const char* label_name, Message text, const char* value_name, Widget below) {
     Widget label = gw::label(dialog, label_name, text);
     Widget value = gw::label(dialog, value_name, gw::text_of(Message::REQUIRED_KILOBYTES, 0));
@@ -383,7 +383,7 @@ void from_dir_specified_cb(const char* dir) {
     gw::set_label(_fontlist_label, gw::source_label());
 }
 
-// Kept: labels are set although nothing is listed. This is so when a medium was ejected.
+// Kept: labels are set although nothing is listed. This is so after a medium was ejected.
 void rmedia_specified_cb(int choice) {
     if (the_wp_cl_data.is_in_progress()) return;
     if (choice != NO_MEDIUM) {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The install dialog: a source of fonts with its list and sample, a destination, the disk space that the
-// selection needs and that there is, and the installation, one font per idle step.
+// The install dialog: a source of fonts with its list and sample, a destination, the disk space that is
+// required and available, and the installation, one font per idle step.
 #pragma once
 
 #include <X11/Intrinsic.h>

@@ -12,7 +12,7 @@ extern Widget wi_rmedia_dlg;
 enum RmediaChoice : int { NO_MEDIUM = 0, CDROM_MEDIUM = 1, FLOPPY_MEDIUM = 2 };
 
 Widget create_rmedia_dlg(const char* name, Widget parent);
-/// Shows the dialog; `cb` gets the choice whenever a medium was found.
+/// Shows the dialog. `cb` is called whenever a medium was found or ejected.
 void popup_rmedia_dlg(void (*cb)(int));
 /// Hides the dialog and forgets the callback.
 void popdown_rmedia_dlg();

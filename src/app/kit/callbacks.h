@@ -13,7 +13,7 @@ void thunk(Widget w, XtPointer client_data, XtPointer call_data) {
     Function(w, static_cast<Record*>(client_data), call_data);
 }
 
-/// A callback that calls a function of ours, or shows a dialog.
+/// Callbacks that call a function without arguments, and that show a dialog.
 template <void (*Function)()>
 void call_cb(Widget, XtPointer, XtPointer) {
     Function();

@@ -13,7 +13,7 @@
 
 namespace gw {
 
-/// A dialog: a form in a shell of its own, unmanaged, centred when it appears.
+/// A dialog: a form in a shell of its own. It is not managed yet, and is centred when it appears.
 Widget form_dialog(Widget parent, const char* name, Message title);
 
 /// A message box: `type` (XmDIALOG_WARNING, ...) gives the symbol; the parts in `without`
@@ -45,9 +45,9 @@ struct RowButton {
 std::vector<Widget> make_buttons(Widget parent, const std::vector<RowButton>& buttons);
 /// Fills a form with the buttons, which are as high as the form.
 std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>& buttons);
-/// The end of a dialog that is built from the top: below `above` a separator, a form "button_form" of
-/// buttons, and the message line "msg_label", which is returned through `message`. Returns the buttons in
-/// order.
+/// The lower end of a dialog that is laid out from top to bottom. Below `above` come a separator, the form
+/// "button_form" with the buttons, and the message line "msg_label", which is returned in `message`. Returns
+/// the buttons in order.
 std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<RowButton>& buttons,
                                Widget* message = nullptr);
 

@@ -15,7 +15,7 @@ class KeptText {
     KeptText() = default;
     explicit KeptText(Widget text_field) : field_(text_field) {}
 
-    /// The field shows `text`, as far as its font can.
+    /// Shows `text` in the field, as far as its font can.
     void show(const std::string& text);
     /// The text that was shown last; or, when the user has changed the field, the text in the field.
     [[nodiscard]] std::string text() const;

@@ -12,8 +12,8 @@
 
 namespace gw {
 
-/// A list with scroll bars in which several items can be selected; the widget returned is the list, its
-/// parent the scrolled window.
+/// A list with scroll bars in which several items can be selected. Returns the list; its parent is the
+/// scrolled window.
 Widget scrolled_list(Widget parent, const char* name);
 /// Makes the list wide enough for lines of `columns` characters.
 void set_list_columns(Widget list, std::size_t columns);
@@ -24,7 +24,7 @@ void show_position(Widget list, int position);
 class XmTexts {
   public:
     explicit XmTexts(const std::vector<std::string>& lines);
-    /// Valid as long as this lives.
+    /// Valid as long as this object lives.
     [[nodiscard]] XmStringTable table() { return table_.data(); }
     [[nodiscard]] int count() const { return static_cast<int>(table_.size()); }
 

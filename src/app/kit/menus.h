@@ -18,7 +18,7 @@ struct MenuEntry {
     const char* name;
     Message text{};
     XtCallbackProc callback = nullptr;
-    Widget* handle = nullptr;  ///< where the entry is noted, for who needs it later
+    Widget* handle = nullptr;  ///< set to the entry, when it is needed later
 };
 
 struct Menu {

@@ -32,7 +32,7 @@ using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 8;
-constexpr const char* TEXT_COLUMNS = "72";  // what the dialog has room for at its usual size
+constexpr const char* TEXT_COLUMNS = "72";  // fits into the dialog at its usual size
 
 /// Sets a variable of the environment, or unsets it (null), until the end of a scope.
 class ScopedVariable {
@@ -70,7 +70,7 @@ void run_man() {
     gw::run_shell("/bin/man glyphward > %s 2> %s", {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS});
 }
 
-/// The manual page, or the text that says that there is none; freed with XtFree.
+/// The manual page, or the message that there is none.
 gw::XtOwned<char> manual() {
     char* text = nullptr;
     for (const char* scratch : {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS}) ::unlink(scratch);

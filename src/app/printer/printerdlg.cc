@@ -89,7 +89,7 @@ void attr_dlg_cb(Widget, XtPointer list, XtPointer) {
 
 // --- parts -------------------------------------------------------------------
 
-/// Rows of a dialog, each below the one before.
+/// Lays out a dialog in rows, from top to bottom.
 class Rows {
   public:
     explicit Rows(Widget dialog) : dialog_(dialog) {}

@@ -14,7 +14,7 @@ Widget create_pr_install_dlg(const char* name, Widget parent);
 Widget create_pr_delete_dlg(const char* name, Widget parent);
 Widget create_pr_modify_fp_dlg(const char* name, Widget parent);
 
-/// Fills the menu of printers from the spooler's directory; without printers it is insensitive.
+/// Fills the menu of printers from the directory of the print service. Without printers it is insensitive.
 void update_wi_pr_install_dlg_for_menu();
 /// Shows the installed fonts in the delete dialog.
 void update_wi_pr_delete_dlg_scrolledlist();

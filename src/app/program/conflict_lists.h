@@ -12,7 +12,7 @@
 
 namespace gw {
 
-/// A dialog's hold on the list of conflicts that it shows.
+/// The list of conflicts that a dialog shows. It exists as long as the dialog shows it.
 class ConflictView {
   public:
     ConflictView() { views.push_back(this); }

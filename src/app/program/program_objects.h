@@ -39,7 +39,7 @@ extern int the_installed_hrn_count;
 extern int the_alias_count;
 
 extern int uid;           ///< effective user id
-extern int user_is_root;  ///< 1 from the end of start-up on when `uid` is 0
+extern int user_is_root;  ///< 1 if `uid` is 0; set at the end of start-up
 
 /// The application resources.
 struct GwResources {
@@ -76,5 +76,5 @@ void fill_program_lists();
 /// directories again, because `dir` may have been one of them already. Returns what could not be done.
 std::vector<gw::Failure> show_installation_to_server(const std::string& dir);
 
-/// Releases what the lists refer to, at the end of the run.
+/// Releases all elements of the lists at exit.
 void release_program_objects();

@@ -29,7 +29,7 @@ class ShownList {
     [[nodiscard]] GWAlias* alias_at(int position) const {
         return aliases_.get_elem_at_pos(position - font_count_);
     }
-    /// False for the last font, which disk space and attributes count to the aliases: see COMPATIBILITY.md.
+    /// False for the last font too: disk space and attributes treat it like an alias (see COMPATIBILITY.md).
     [[nodiscard]] bool is_before_last_font(int position) const { return position < font_count_; }
 
   private:

@@ -12,14 +12,14 @@
 struct WorkRecord {
     std::vector<int> positions;  ///< the selected positions, 1-based, ascending
     int done = 0;                ///< fonts installed or deleted so far
-    std::size_t index = 0;       ///< of the next position to take
+    std::size_t index = 0;       ///< of the next position to handle
 
     [[nodiscard]] bool is_in_progress() const { return index < positions.size(); }
 };
 
 extern WorkRecord the_wp_cl_data;
 
-/// While one installation or deletion runs, no other can be started.
+/// To be called at the beginning and at the end of an installation or deletion.
 void forbid_other_work();
 void permit_other_work();
 

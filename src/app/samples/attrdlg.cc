@@ -27,8 +27,8 @@ using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 8;
-constexpr std::size_t USUAL_NAME = 60;  // characters that the dialog has room for from the beginning
-constexpr int VALUE_COLUMN = 24;        // hundredths of the width that the labels get
+constexpr std::size_t USUAL_NAME = 60;  // characters that fit into the dialog when it appears
+constexpr int VALUE_COLUMN = 24;        // the width of the labels, in hundredths of the dialog's
 
 void close_cb(Widget, XtPointer, XtPointer) {
     XtUnmanageChild(wi_attr_dlg);

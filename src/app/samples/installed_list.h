@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The list of all installed fonts and aliases in the main window, with the sample, the sizes and the
-// resolutions of the selected one, and the disk space of all that are selected.
+// The list of installed fonts and aliases in the main window; with it the sample, sizes and resolutions of
+// the selected font, and the disk space of the selection.
 #pragma once
 
 #include "app/kit/signal.h"

@@ -86,7 +86,7 @@ bool show_in_xlfd(Widget field, std::string_view name, std::string_view words) {
 
 namespace gw {
 
-// An outline font is asked for in the size wanted; its record has none.
+// The record of an outline font has no size, so it gets the wanted one for a moment.
 bool show_in_font(Widget field, GWFont* font, const std::string& decipoints, const std::string& text) {
     const std::string own_size = font->get_field(GWFont::POINT_SIZE);
     if (!font->is_bitmap()) font->set_field(GWFont::POINT_SIZE, decipoints.c_str());

@@ -10,13 +10,13 @@
 
 #include <X11/Intrinsic.h>
 
-/// Shows `text` in the font at that size; a font that the server cannot make leaves the field empty.
+/// Shows `text` in the font at that size. If the server cannot make the font, the field becomes empty.
 void display_text_in_font(Widget field, GWFont* font, const char* decipoints, const char* text);
 void display_text_in_alias(Widget field, const GWAlias* alias, const char* text);
 /// Shows `text` with a font set of a comma-separated list of names. Returns 1; or 0 when the server or the
 /// locale cannot make such a font set: then the field keeps its fonts and its text.
 int display_text_in_fontset(Widget field, const char* base_names, const char* text);
-/// Empties the field; the sample text stays.
+/// Empties the field without changing the sample text.
 void clear_sample_textfield(Widget field);
 
 namespace gw {

@@ -58,7 +58,7 @@ int ignore_font_errors(Display* d, XErrorEvent* event) {
     return about_fonts ? 0 : x_error_handler(d, event);
 }
 
-/// The font of that name; empty when the server cannot open it.
+/// The font with that name; empty if the server cannot open it.
 LoadedFont load_font(const std::string& name) {
     const XErrorHandler before = XSetErrorHandler(ignore_font_errors);
     LoadedFont font(XLoadQueryFont(display, name.c_str()));

@@ -32,7 +32,7 @@ using SampleFont = std::variant<FontSet, LoadedFont>;
 /// font set for `text`.
 [[nodiscard]] std::optional<SampleFont> make_sample_font(std::string name, const std::string& text);
 
-/// The font set of a comma-separated list of names; empty when the locale or the server cannot make one, or
+/// The font set of a comma-separated list of names. Empty if the locale or the server cannot make it, or if
 /// an entry of the list cannot be the name of a font.
 [[nodiscard]] FontSet make_font_set(std::string_view names);
 

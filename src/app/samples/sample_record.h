@@ -11,7 +11,7 @@
 
 #include <X11/Intrinsic.h>
 
-/// Client data of `hrn_list_sample_cb`. A list without menus shows one size.
+/// Client data of `hrn_list_sample_cb`. A list without menus shows the sample in one size.
 struct sample_text_cb_struct {
     std::vector<Widget> size_buttons;
     std::vector<Widget> res_buttons;
@@ -29,10 +29,10 @@ struct sample_text_cb_struct {
 
 namespace gw {
 
-/// Whether the server can make any size of the element's fonts.
+/// Whether the element has an outline font, which the server can scale.
 [[nodiscard]] bool is_outline(const GWHRNElement& elem);
 
-/// The element at the one selected position; null unless exactly one entry is selected and it is a font.
+/// The selected element; null unless exactly one entry is selected and it is a font.
 [[nodiscard]] GWHRNElement* only_selected_element(const sample_text_cb_struct& record);
 
 /// Each shows the sample, and the attributes too if their dialog is open, unless a newer request has come

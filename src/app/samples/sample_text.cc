@@ -26,7 +26,7 @@ std::string bounded_sample(const std::string& text) {
         const std::size_t length = std::mbrlen(text.data() + end, SAMPLE_TEXT_LIMIT - end, &state);
         if (length == INCOMPLETE_CHARACTER) break;
         if (length == INVALID_CHARACTER) state = {};
-        // Bytes that are no character of this locale count as one each.
+        // A byte that is not a character of this locale counts as one.
         end += length == 0 || length == INVALID_CHARACTER ? 1 : length;
     }
     return gw::truncated(text, end);
@@ -47,7 +47,7 @@ int set_rc_sample_text(const char* text) {
 
 void set_sample_text_cb(Widget field, XtPointer /*client_data*/, XtPointer call_data) {
     const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
-    // A change without an event is the program's own.
+    // A change without an event was made by the program.
     if (change == nullptr || change->event == nullptr) return;
     sample_text = bounded_sample(gw::field_text(field));
     gw::sample_text_changes().emit(field);

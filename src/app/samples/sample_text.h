@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The text that samples show. It lives here and not in a text field: a field drops the characters that its
-// current font has no width for.
+// The text that samples show. It is kept here and not in a text field, because a field drops the characters
+// that its font does not have.
 #pragma once
 
 #include <string>
@@ -26,7 +26,7 @@ Outcome keep_sample_text(const std::string& text);
 
 }  // namespace gw
 
-/// A sample field was changed; a user's edit becomes the sample text.
+/// Callback for changes of a sample field: what the user types becomes the sample text.
 void set_sample_text_cb(Widget field, XtPointer client_data, XtPointer call_data);
 
 namespace gw {

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
-// The font that labels, buttons and text fields are drawn in, when no resource gives one of them its own. The
-// tables are resources of the main window's shell (labelRenderTable, buttonRenderTable, textRenderTable), and
-// what is created below it inherits them.
+// The font of labels, buttons and text fields that have no font resource of their own. The three tables are
+// resources of the main window's shell (labelRenderTable, buttonRenderTable, textRenderTable), and all
+// widgets below it inherit them.
 #pragma once
 
 #include <Xm/Xm.h>

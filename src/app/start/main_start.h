@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-/// The whole program; returns only when the event loop does.
+/// The whole program. Returns only if the event loop does.
 int gw_main(int argc, char** argv);
 
 /// The very first steps: handlers for the end of memory and for exit, and the question who runs the program.
@@ -21,8 +21,8 @@ void set_env();
 
 namespace gw {
 
-/// Whether a warning of the toolkit is only about a font that the server does not have, or about what a font
-/// lacks.
+/// Whether a warning of the toolkit is only about a missing font, or about characters that a font does not
+/// have.
 [[nodiscard]] bool is_font_noise(std::string_view warning);
 
 }  // namespace gw

@@ -36,7 +36,7 @@ void set_property(Widget shell) {
                     static_cast<int>(cardinals.size()));
 }
 
-/// `value`, 0 to 255, in the bits of `mask`.
+/// Scales `value`, 0 to 255, to the bits of `mask`.
 unsigned long in_mask(unsigned value, unsigned long mask) {
     const auto depth = static_cast<unsigned>(std::popcount(mask));
     const unsigned long scaled = depth >= 8 ? std::uint64_t{value} << (depth - 8) : value >> (8 - depth);
@@ -47,7 +47,7 @@ struct ImageDeleter {
     void operator()(XImage* image) const { XDestroyImage(image); }
 };
 
-/// A pixmap of that depth whose pixels are what `pixel_of` makes of the image's.
+/// A pixmap of that depth. `pixel_of` converts each pixel of the image.
 template <class PixelOf>
 Pixmap make_pixmap(Screen* screen, const IconImage& image, unsigned depth, PixelOf pixel_of) {
     Display* d = DisplayOfScreen(screen);
@@ -70,7 +70,7 @@ Pixmap make_pixmap(Screen* screen, const IconImage& image, unsigned depth, Pixel
     return pixmap;
 }
 
-/// The pixmaps live as long as the window: a window manager may draw them at any time.
+/// The pixmaps are never freed, because a window manager may draw them at any time.
 void set_hints(Widget shell) {
     Screen* screen = XtScreen(shell);
     const Visual* visual = DefaultVisualOfScreen(screen);

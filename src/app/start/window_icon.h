@@ -18,7 +18,7 @@ struct IconImage {
     const std::uint32_t* pixels;
 };
 
-/// All sizes, ascending. Made from data/icon when the program is built.
+/// All sizes, ascending. The build makes them from data/icon.
 std::vector<IconImage> icon_images();
 
 /// Gives the realized `shell` the icon in both forms: the property _NET_WM_ICON in all sizes, and the pixmap
