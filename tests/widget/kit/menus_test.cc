@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "app/kit/busy_windows.h"
+#include "app/kit/callbacks.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "widget/widget_test_support.h"
@@ -32,6 +34,17 @@ const gw::MenuEntry ENTRIES[] = {
     {"help_button", Message::HELP_ENTRY, exit_cb, &help_entry},
     {"line"},
     {"exit_button", Message::EXIT_ENTRY, exit_cb},
+};
+
+Widget opened = nullptr;
+
+void close_all() {
+    calls.emplace_back("close_all");
+}
+
+const gw::MenuEntry CALLING_ENTRIES[] = {
+    {"close_button", Message::EXIT_ENTRY, gw::call_cb<close_all>},
+    {"open_button", Message::HELP_ENTRY, gw::show_cb<opened>},
 };
 
 class Menus : public testing::Test {
@@ -60,9 +73,9 @@ TEST_F(Menus, AMenuHasTheEntriesOfItsTableInOrder) {
     EXPECT_STREQ(XtName(menu.cascade), "_cascade");
     EXPECT_EQ(XtParent(menu.cascade), bar);
     EXPECT_EQ(gw::label_of(menu.cascade), gw::text_of(Message::HELP_MENU));
-    Widget opened = nullptr;
-    XtVaGetValues(menu.cascade, XmNsubMenuId, &opened, nullptr);
-    EXPECT_EQ(opened, menu.pulldown);
+    Widget submenu = nullptr;
+    XtVaGetValues(menu.cascade, XmNsubMenuId, &submenu, nullptr);
+    EXPECT_EQ(submenu, menu.pulldown);
 
     const std::vector<Widget> entries = gw::entries_of(menu.pulldown);
     ASSERT_EQ(names_of(menu.pulldown), (Texts{"help_button", "line", "exit_button"}));
@@ -73,6 +86,20 @@ TEST_F(Menus, AMenuHasTheEntriesOfItsTableInOrder) {
     gw::test::press(entries[2]);
     gw::test::press(entries[0]);
     EXPECT_EQ(calls, (Texts{"exit_button", "help_button"}));
+}
+
+TEST_F(Menus, AnEntryCallsAFunctionOrShowsADialog) {
+    Widget bar = XmCreateMenuBar(form, const_cast<char*>("bar"), nullptr, 0);
+    const gw::Menu menu =
+        gw::pulldown_menu(bar, {"_pulldown", "_cascade"}, Message::HELP_MENU, CALLING_ENTRIES);
+    opened = gw::form_dialog(wi_toplevel, "opened_dlg", Message::HELP_TITLE);
+    const std::vector<Widget> entries = gw::entries_of(menu.pulldown);
+    gw::test::press(entries[0]);
+    EXPECT_EQ(calls, Texts{"close_all"});
+    EXPECT_FALSE(XtIsManaged(opened));
+    gw::test::press(entries[1]);
+    EXPECT_TRUE(XtIsManaged(opened));
+    XtDestroyWidget(XtParent(opened));
 }
 
 TEST_F(Menus, AnOptionMenuHasTheEntriesOfItsTableAndALabel) {

@@ -264,6 +264,16 @@ TEST_F(Hazards, TheLastOfSeveralSelectionsIsShown) {
     press(find(wi_attr_dlg, "close_button"));
 }
 
+TEST_F(Hazards, ARequestKnowsWhetherANewerOneCame) {
+    const GWAlias* alias = the_alias_list.get_elem_at_pos(1);
+    EXPECT_TRUE(gw::show_in_alias(wi_installed_sample_textfield, alias, "alone"));
+    {
+        const Meanwhile meanwhile([] { gw::forget_older_samples(); });
+        EXPECT_FALSE(gw::show_in_alias(wi_installed_sample_textfield, alias, "too late"));
+    }
+    EXPECT_EQ(shown_text(wi_installed_sample_textfield), "alone") << "what comes too late is not drawn";
+}
+
 TEST_F(Hazards, ATextThatChangesMeanwhileIsSafe) {
     select(wi_hrn_list, {});
     sample_text = std::string(500, 'x');
