@@ -42,7 +42,7 @@ class GW_FILE_SPEC {
     GW_FILE_SPEC(const GW_FILE_SPEC&) = delete;
     GW_FILE_SPEC& operator=(const GW_FILE_SPEC&) = delete;
 
-    /// Makes this the specification of another file; arguments as for the constructor.
+    /// Makes this stand for another file; arguments as for the constructor.
     void init(const char* new_name, const char* new_dir, int new_file_type, int new_ext_type);
 
     [[nodiscard]] int get_file_type() const { return file_type; }

@@ -125,10 +125,12 @@ TEST_F(Glyphward, ShowsAnAliasAtTheEndOfTheList) {
     start();
     select_first_font();
     const auto first_font = desktop.settled_pixels(main->sample());
-    ASSERT_TRUE(follows(
-        [&] { return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != first_font; },
-        [&] { desktop.key("Control_L", "End"); }))
-        << "the last alias is of a symbol font, which is drawn with itself";
+    // The last alias is of a symbol font, which only `gw_modern_fonts` draws: with itself.
+    const auto alias_is_shown = [&] {
+        if (is_as_ever()) return !main->sample_is_drawn();
+        return main->sample_is_drawn() && desktop.settled_pixels(main->sample()) != first_font;
+    };
+    ASSERT_TRUE(follows(alias_is_shown, [&] { desktop.key("Control_L", "End"); }));
     // For an alias, the attributes of the next alias are shown; for the last one, none.
     ASSERT_TRUE(follows([&] { return desktop.is_visible(ATTRIBUTES); },
                         [&] {
