@@ -23,8 +23,8 @@ Builds and runs the tests; missing packages are installed first. The last line i
   --user USER        only as root or only as user (may be repeated); unless root starts it, user is the default, and root
                      has no power over the files of others, so that some tests of root fail; tests of the Debian package
                      are root's, in the release build, and are skipped unless root starts this
-  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: by another number each time,
-                     which is printed)
+  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: the order in which they are
+                     written; some widget tests still depend on the one before)
   --no-shuffle       runs them in the order in which they are written
   --all              clang-tidy looks at all sources (default: at those that have changed; see scripts/tidy --help)
   --jobs N           so many suites at a time (default: one more than there are processors)
@@ -41,7 +41,7 @@ names=()
 configs=()
 users=()
 jobs=$(($(nproc) + 1))  # most tests wait for windows most of the time
-seed=$((RANDOM % 99999 + 1))
+seed=
 list=
 while [ $# -gt 0 ]; do
     case $1 in
