@@ -35,7 +35,6 @@ namespace {
 using namespace gw::test;
 using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::IsEmpty;
 
 constexpr const char* FULL = "No space left on device";
 
