@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
 #
-# Sets the machine up, builds, and has CTest run the suites: each in a sandbox (scripts/suite), once for each build (release,
-# sanitized) and for each user (when the superuser starts it: superuser and ordinary user). Closes with the counts of all tests.
+# Installs missing packages, builds, and lets CTest run the suites: each in a sandbox (scripts/suite), once for each
+# build (release and sanitized) and each user (superuser and ordinary user, when the superuser starts it). Ends with the
+# counts of all tests.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 . "$(dirname "$0")/scripts/common.sh"
@@ -15,21 +16,21 @@ Usage: ./test.sh [OPTION]... [LANE | NAME]...
 Builds and runs the tests; missing packages are installed first. The last line is "N passed, N failed", with
 ", N skipped" if tests were skipped; the exit status is 0 when nothing failed.
 
-  LANE               unit, widget, end_to_end, package, web or check: the suites of that kind, for which only what they need is
+  LANE               unit, widget, end_to_end, package, web or check: the suites of that kind; only what these need is
                      installed and built; "check" are the checks of the tree itself
   NAME               the suites whose name contains NAME, or else the tests whose full name ("Suite.Test") contains it
   --config CONFIG    only this build: release or asan (may be repeated; default: both, and release where a lane or a
                      name is given)
-  --user USER        only as root or only as user (may be repeated); unless root starts it, user is the default, and root
-                     has no power over the files of others, so that some tests of root fail; tests of the Debian package
-                     are root's, in the release build, and are skipped unless root starts this
-  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: the order in which they are
-                     written; some widget tests still depend on the one before)
-  --no-shuffle       runs them in the order in which they are written
+  --user USER        only as root or only as user (may be repeated); unless root starts this, the default is user, some
+                     tests of --user root fail, because it has no power over the files of others, and the tests of the
+                     Debian package are skipped: they run as root, in the release build
+  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: the order of the source
+                     files; some widget tests still depend on the test before them)
+  --no-shuffle       runs them in the order of the source files
   --all              clang-tidy looks at all sources (default: at those that have changed; see scripts/tidy --help)
-  --jobs N           so many suites at a time (default: one more than there are processors)
-  --list             what there is to run
-  --help             this
+  --jobs N           runs N suites at the same time (default: one more than there are processors)
+  --list             lists what would run
+  --help             shows this
 
 Logs are in build/log/tests, and what tests leave, such as screenshots, in build/out.
 END
@@ -90,8 +91,8 @@ tests_named() {
         END     { exit !found }'
 }
 
-# selected_by CONFIG NAME: the lines of suites.txt with suites whose names contain NAME; if there are none, those with such tests,
-# which are noted in the file of filters.
+# selected_by CONFIG NAME: the lines of suites.txt with suites whose names contain NAME. If there are none, the suites
+# with such tests, and the file of filters gets a line for each.
 selected_by() {
     local config=$1 wanted=$2 suites=build/$1/tests/suites.txt kind name path
     ! awk -v wanted="$wanted" 'index($2, wanted) { print; found = 1 } END { exit !found }' "$suites" || return 0
@@ -104,7 +105,7 @@ selected_by() {
     done <"$suites"
 }
 
-# selected CONFIG: the lines of suites.txt with what was asked for.
+# selected CONFIG: the lines of suites.txt that the arguments ask for.
 selected() {
     local asked
     for asked in ${asked_lanes[@]+"${asked_lanes[@]}"}; do
@@ -113,7 +114,7 @@ selected() {
     for asked in ${names[@]+"${names[@]}"}; do selected_by "$1" "$asked"; done
 }
 
-# sections KIND...: of scripts/packages, for suites of these kinds.
+# sections KIND...: the sections of scripts/packages that suites of these kinds need.
 sections() {
     ! has asan "${configs[@]}" || echo asan
     ! has package "$@" || echo package
@@ -121,7 +122,7 @@ sections() {
     ! has check "$@" || printf '%s\n' check asan
 }
 
-# targets KIND NAME: what is to be built for that suite.
+# targets KIND NAME: the targets to build for that suite.
 targets() {
     case $1 in
         check) [ "$2" != engine ] || echo glyphward_engine ;;
@@ -164,7 +165,7 @@ for config in "${configs[@]}"; do
 done
 [ ${#suites[@]} -gt 0 ] || fail "No test is called so: ${names[*]}" 'See ./test.sh --list.'
 
-# A build directory of CTest's that holds those of the builds, so that one run goes through all.
+# A directory for CTest that contains those of the builds, so that one run covers all of them.
 printf 'subdirs(%s)\n' "${configs[@]}" >build/CTestTestfile.cmake
 # among WORD...: a regular expression that matches each of the words.
 among() { (IFS='|'; echo "($*)"); }
@@ -179,7 +180,7 @@ fi
 left_out=0
 if has package "${kinds[@]}" && [ "$(id -u)" -ne 0 ]; then
     left_out=$(build/release/tests/package_install --gtest_list_tests | grep -c '^ ')
-    say "Skipped: the $left_out tests of the package, which are run on a throw-away machine; only the superuser can make one."
+    say "Skipped: $left_out tests of the package. They need a throw-away machine, which only the superuser can make."
 elif has package "${kinds[@]}"; then
     rm -f build/release/*.deb
     step 'Packaging' 'The log says what is missing.' cmake --build --preset release --target package
@@ -191,7 +192,8 @@ if [ -n "$seed" ] && { has unit "${kinds[@]}" || has widget "${kinds[@]}"; }; th
     say "Unit and widget tests are shuffled by the seed $seed; --seed $seed does it again."
 fi
 status=0
-[ "$runs" -eq 0 ] || ctest --test-dir build --output-on-failure --no-label-summary --no-tests=error -j "$jobs" -R "$pattern" || status=$?
+[ "$runs" -eq 0 ] ||
+    ctest --test-dir build --output-on-failure --no-label-summary --no-tests=error -j "$jobs" -R "$pattern" || status=$?
 
 read -r counted passed failed skipped < <(cat "$test_logs"/*.counts 2>/dev/null |
     awk '{ passed += $1; failed += $2; skipped += $3 } END { print NR, passed + 0, failed + 0, skipped + 0 }')

@@ -1,14 +1,15 @@
 # glyphward_test(NAME KIND unit|widget|end_to_end|package|web SOURCES ... [LIBRARIES ...])
 #
-# One GoogleTest executable, a suite. The tests touch fixed paths and an X server, so CTest starts each suite in its sandbox, by
-# scripts/suite, once for each user who is to try it. Labels: its kind, and the user. A suite's line "kind name path" in
-# tests/suites.txt is what test.sh selects from; the target KIND_suites builds all suites of a kind.
+# One GoogleTest executable, a suite. The tests use fixed paths and an X server, so CTest starts each suite in a sandbox
+# of its own, with scripts/suite, once for each user that it is for. Its labels are its kind and the user. test.sh
+# selects suites by their lines "kind name path" in tests/suites.txt. The target KIND_suites builds all suites of a
+# kind.
 set(GLYPHWARD_SUITES_FILE ${CMAKE_BINARY_DIR}/tests/suites.txt)
 file(WRITE ${GLYPHWARD_SUITES_FILE} "")
 cmake_path(GET CMAKE_BINARY_DIR FILENAME GLYPHWARD_CONFIG)
 
-# Seconds that one run of a suite may take, and who is to try it. Only the superuser installs packages, and the tests of the page
-# have both users themselves.
+# The seconds that one run of a suite may take, and the users that it is for. Only the superuser installs packages, and
+# the tests of the page start the program for both users themselves.
 set(limit_unit 180)
 set(users_unit user root)
 set(limit_widget 300)
@@ -19,7 +20,7 @@ set(limit_package 300)
 set(users_package root)
 set(limit_web 300)
 set(users_web any)
-# The longest ones first, until CTest has seen how long they take: the last runs should be short.
+# CTest starts the longest suites first, so that the last ones are short. It uses these costs until it has measured.
 set(cost_unit 1)
 set(cost_widget 10)
 set(cost_package 20)
@@ -44,8 +45,8 @@ function(glyphward_test name)
   endforeach()
 endfunction()
 
-# glyphward_run(TEST KIND USER ARGUMENT...): scripts/suite with the arguments, which keeps the time limit itself, so that it can tell
-# of it; CTest's own is for when it does not.
+# glyphward_run(TEST KIND USER ARGUMENT...): runs scripts/suite with the arguments. scripts/suite ends a test that takes
+# too long and says so; CTest's own limit is for the case that it fails to.
 function(glyphward_run test kind user)
   add_test(NAME ${test} COMMAND ${CMAKE_SOURCE_DIR}/scripts/suite ${ARGN})
   math(EXPR limit "${limit_${kind}} + 60")

@@ -40,7 +40,8 @@ quiet_progress() {
 step() {
     local name=$1 advice=$2 log status=0 start=$SECONDS
     shift 2
-    mkdir -p "$LOGS" 2>/dev/null || fail "Cannot write to $BUILD." "Give it to yourself (chown -R) or remove it, then start again."
+    mkdir -p "$LOGS" 2>/dev/null ||
+        fail "Cannot write to $BUILD." "Give it to yourself (chown -R) or remove it, then start again."
     log=$LOGS/$(printf '%s' "$name" | tr -cs '[:alnum:]' '-' | tr '[:upper:]' '[:lower:]')
     log=${log%-}.log
     printf '%s ...' "$name"
@@ -70,7 +71,8 @@ step() {
 
 # build PRESET [TARGET...]: configures when needed, and builds all or the targets.
 build() {
-    step "Building ($1)" "Correct the error above and start again; if the build directory is to blame, remove build/$1." \
+    step "Building ($1)" \
+        "Correct the error above and start again; if the build directory is to blame, remove build/$1." \
         build_quietly "$@"
 }
 
@@ -82,8 +84,8 @@ build_quietly() {
     cmake --build --preset "$preset" ${1+--target "$@"}
 }
 
-# configure PRESET: configures a new build directory, and anew one that was made as the presets no longer say, with another
-# compiler for one: what CMake keeps of that would go on to count.
+# configure PRESET: configures a build directory that is new, or older than the last change of the presets. The old
+# cache is removed then, because CMake would keep, for example, the old compiler.
 configure() {
     is_configured "$1" && return
     rm -rf "$BUILD/$1/CMakeCache.txt" "$BUILD/$1/CMakeFiles"
