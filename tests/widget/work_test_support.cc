@@ -128,6 +128,12 @@ std::vector<std::string> server_font_path() {
     return elements;
 }
 
+void set_server_font_path(std::vector<std::string> elements) {
+    std::vector<char*> path;
+    for (std::string& element : elements) path.push_back(element.data());
+    XSetFontPath(display, path.data(), static_cast<int>(path.size()));
+}
+
 bool is_on_server_path(const std::string& directory) {
     const std::vector<std::string> path = server_font_path();
     return std::find(path.begin(), path.end(), directory) != path.end();
@@ -169,6 +175,7 @@ bool is_managed(Widget dialog) {
 
 void WorkTest::SetUp() {
     start_at_home();
+    forget_source();
     show_installed();
     choose_destination(home().path() + "glyphwd_fonts");
 }
@@ -206,6 +213,18 @@ void WorkTest::take_off_font_paths() {
     }
     GW_LIST<GW_STRING> none;
     the_font_path->set_font_path(GWFontPath::USER_APPEND_FP, &none);
+}
+
+void WorkTest::forget_source() {
+    EXPECT_TRUE(pump_until([] { return !is_lookup_pending(); }));
+    stop_source_preview();
+    current_hrn_list.clear();
+    current_hrn_count = 0;
+    current_driver = nullptr;
+    current_dir_driver.reset();
+    current_dir.clear();
+    install_from = FROM_DIRECTORY;
+    source_changes().emit();
 }
 
 void WorkTest::show_installed(std::initializer_list<std::string> aliases) {

@@ -47,6 +47,7 @@ std::string index_of(std::initializer_list<std::string> lines);
 bool server_has(const std::string& xlfd);
 /// The elements of the server's font path.
 std::vector<std::string> server_font_path();
+void set_server_font_path(std::vector<std::string> elements);
 bool is_on_server_path(const std::string& directory);
 
 /// Runs `action` as soon as `condition` holds while the program handles events in the middle of its work,
@@ -101,6 +102,8 @@ class WorkTest : public testing::Test {
 
   private:
     static void take_off_font_paths();
+    /// No source of fonts is chosen, as at the start of the program.
+    static void forget_source();
     FontDirectory installed_;
 };
 

@@ -374,6 +374,8 @@ Widget create_modify_fp_dlg(const char* name, Widget parent) {
     XtVaSetValues(wi_modify_fp_dlg, XmNresizePolicy, XmRESIZE_GROW, nullptr);
 
     clear_and_set_fpe_list(default_inst, gw::INSTALLATION_ROOT);
+    clear_and_set_fpe_list(other_inst, nullptr);
+    fpe_is_selected = false;
     set_current_fpe_list(default_inst);
     display_fpe_list();
     set_fpe_list_label();

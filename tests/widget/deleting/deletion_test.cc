@@ -7,6 +7,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <string>
+#include <vector>
 
 #include "app/common/progressdlg.h"
 #include "app/conflicts/conflictdlg.h"
@@ -316,8 +318,20 @@ TEST_F(Deletion, KeepsOtherWorkOutToTheLastFont) {
 class Leaving : public Deletion {
   protected:
     Leaving() { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+    // A process that leaves does not clean up as tests do: its fonts stay on the server.
+    void SetUp() override {
+        Deletion::SetUp();
+        path_before_ = server_font_path();
+    }
+    void TearDown() override {
+        set_server_font_path(path_before_);
+        Deletion::TearDown();
+    }
     /// Ends the process with status 0. The sanitizers report what it does not clean up.
     static void leave() { press(find(wi_mainwindow, "_exit_button")); }
+
+  private:
+    std::vector<std::string> path_before_;
 };
 
 TEST_F(Leaving, WithConflictsUndecidedEndsWell) {

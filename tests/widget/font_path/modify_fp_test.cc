@@ -54,6 +54,7 @@ class ModifyFontPathTest : public testing::Test {
     void SetUp() override {
         if (::geteuid() != 0) GTEST_SKIP() << "for the superuser";
         config_before_ = TempDir::read_bytes(CONFIG);
+        remake();
         open();
         before_ = items(list());
         ASSERT_GE(before_.size(), 3U);
@@ -67,6 +68,12 @@ class ModifyFontPathTest : public testing::Test {
         EXPECT_EQ(TempDir::read_bytes(CONFIG), config_before_);
     }
 
+    /// Makes the dialog again, as at the start of the program: no other installation has been chosen.
+    static void remake() {
+        XtDestroyWidget(XtParent(wi_modify_fp_dlg));
+        pump();
+        create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
+    }
     static void store(const std::vector<std::string>& path) {
         open();
         select(1);
@@ -310,7 +317,6 @@ class OtherInstallationTest : public ModifyFontPathTest {
     TempDir other_;
 };
 
-// Must be the first test of its suite: no other installation may have been chosen in this process yet.
 TEST_F(OtherInstallationTest, IsEmptyUntilItIsChosen) {
     XmToggleButtonSetState(part("_other_inst_fp_toggle"), True, True);
     pump();

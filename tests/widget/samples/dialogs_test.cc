@@ -33,11 +33,17 @@ class Attributes : public testing::Test {
     void SetUp() override {
         start_at_home();
         select(wi_hrn_list, {});
-        pump();
+        remake();
     }
     void TearDown() override {
         if (attr_dlg_managed != 0) press(find(wi_attr_dlg, "close_button"));
         pump();
+    }
+    /// Makes the dialog again, as at the start of the program: it never shrinks after a long name.
+    static void remake() {
+        XtDestroyWidget(XtParent(wi_attr_dlg));
+        pump();
+        create_attr_dlg("attr_dlg", wi_toplevel);
     }
     static std::string value(Widget w) { return gw::label_of(w); }
 };

@@ -259,11 +259,16 @@ TEST_F(Sample, TheListShowsFontsAndThenAliases) {
 
 class KeptText : public testing::Test {
   protected:
-    void SetUp() override { start_at_home(); }
-    void TearDown() override {
-        home();
-        ::unlink(home().file(".glyphwdrc").c_str());
+    void SetUp() override {
+        start_at_home();
+        remove_file();
+        sample_text = DEFAULT_TEXT;
     }
+    void TearDown() override { remove_file(); }
+
+  private:
+    // Other tests of the program leave a stored text behind.
+    static void remove_file() { ::unlink(home().file(".glyphwdrc").c_str()); }
 };
 
 TEST_F(KeptText, IsReadFromTheUsersFile) {
