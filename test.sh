@@ -24,8 +24,8 @@ Builds and runs the tests; missing packages are installed first. The last line i
   --user USER        only as root or only as user (may be repeated); unless root starts this, the default is user, some
                      tests of --user root fail, because it has no power over the files of others, and the tests of the
                      Debian package are skipped: they run as root, in the release build
-  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: the order of the source
-                     files; some widget tests still depend on the test before them)
+  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: a number that is drawn and
+                     printed)
   --no-shuffle       runs them in the order of the source files
   --all              clang-tidy looks at all sources (default: at those that have changed; see scripts/tidy --help)
   --jobs N           runs N suites at the same time (default: one more than there are processors)
@@ -42,7 +42,7 @@ names=()
 configs=()
 users=()
 jobs=$(($(nproc) + 1))  # most tests wait for windows most of the time
-seed=
+seed=$(shuf -i 1-99999 -n 1)
 list=
 while [ $# -gt 0 ]; do
     case $1 in
