@@ -26,7 +26,7 @@ using DirIdentity = std::pair<dev_t, ino_t>;
 
 /// Whether this is the first time that the directory at `path` is seen.
 bool first_visit(std::set<DirIdentity>& seen, const char* path) {
-    struct stat info {};
+    struct stat info = {};
     if (::stat(path, &info) != 0) return true;
     return seen.insert({info.st_dev, info.st_ino}).second;
 }

@@ -53,7 +53,7 @@ int GW_FILE_SPEC::equal(const GW_FILE_SPEC* other) const {
 }
 
 int GW_FILE_SPEC::get_file_type_from_stat() const {
-    struct stat info {};
+    struct stat info = {};
     if (::stat(get_path(), &info) == 0) {
         if (S_ISDIR(info.st_mode)) return gw::FILE_TYPE_DIRECTORY;
         return S_ISREG(info.st_mode) ? gw::FILE_TYPE_REGULAR : gw::FILE_TYPE_OTHER;
@@ -62,20 +62,20 @@ int GW_FILE_SPEC::get_file_type_from_stat() const {
 }
 
 int GW_FILE_SPEC::exist() const {
-    struct stat info {};
+    struct stat info = {};
     return ::stat(get_path(), &info) == 0 || errno != ENOENT ? 1 : 0;
 }
 
 bool GW_FILE_SPEC::is_in_directory(const char* other) const {
     if (gw::with_trailing_slash(other) == get_dir()) return true;
-    struct stat mine {};
-    struct stat theirs {};
+    struct stat mine = {};
+    struct stat theirs = {};
     return ::stat(get_dir(), &mine) == 0 && ::stat(other, &theirs) == 0 && mine.st_dev == theirs.st_dev &&
            mine.st_ino == theirs.st_ino;
 }
 
 long GW_FILE_SPEC::file_size() const {
-    struct stat info {};
+    struct stat info = {};
     if (::stat(get_path(), &info) == 0) return info.st_size;
     return errno == ENOENT ? 0 : 1;
 }

@@ -37,7 +37,7 @@ Outcome set_aside(const std::string& path, const std::string& other_name) {
 
 NewFile::NewFile(const std::string& file_path)
     : path(file_path), temporary(hidden_name(path, ".gwtmp")), old_file(hidden_name(path, ".gwold")) {
-    struct stat old {};
+    struct stat old = {};
     replaces = ::lstat(path.c_str(), &old) == 0;
     if (replaces && S_ISDIR(old.st_mode)) {
         fail(EISDIR);
@@ -98,8 +98,8 @@ bool NewFile::write(std::string_view bytes) {
 
 Outcome NewFile::finish() {
     if (failure != 0) return outcome();
-    struct stat old {};
-    struct stat made {};
+    struct stat old = {};
+    struct stat made = {};
     if (replaces && ::stat(path.c_str(), &old) == 0 && ::fstat(fd, &made) == 0 && old.st_uid != made.st_uid) {
         [[maybe_unused]] const int kept = ::fchown(fd, old.st_uid, old.st_gid);
     }

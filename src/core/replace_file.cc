@@ -60,7 +60,7 @@ void sync_directory_of(const std::string& path) {
 }
 
 void move_time_on(int fd, const struct stat& old) {
-    struct stat now {};
+    struct stat now = {};
     if (::fstat(fd, &now) != 0 || now.st_mtim.tv_sec > old.st_mtim.tv_sec) return;
     timespec times[2] = {now.st_atim, {old.st_mtim.tv_sec + 1, 0}};
     ::futimens(fd, times);
@@ -68,7 +68,7 @@ void move_time_on(int fd, const struct stat& old) {
 
 /// Gives the new file the owner of the old one.
 Error keep_owner(int fd, const struct stat& old) {
-    struct stat made {};
+    struct stat made = {};
     if (::fstat(fd, &made) != 0) return errno;
     if (made.st_uid == old.st_uid && made.st_gid == old.st_gid) return 0;
     return ::fchown(fd, old.st_uid, old.st_gid) == 0 ? 0 : errno;
@@ -130,7 +130,7 @@ Error put_new_file(const std::string& path, std::string_view bytes, const struct
 Result<std::string> read_file(const std::string& path) {
     // Opening a pipe would wait for a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat info {};
+    struct stat info = {};
     if (!file.is_open() || ::fstat(file.get(), &info) != 0) return Failure::of_system(path, errno);
     if (!S_ISREG(info.st_mode)) return Failure::of_system(path, S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
     std::string bytes;
@@ -146,7 +146,7 @@ Result<std::string> read_file(const std::string& path) {
 }
 
 Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode) {
-    struct stat old {};
+    struct stat old = {};
     const bool exists = ::lstat(path.c_str(), &old) == 0;
     // A file that we may not write is refused, even where the directory would let us replace it.
     if (exists && ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0)

@@ -31,7 +31,7 @@ void FontsetWorkingCopy::set_bytes(std::string_view new_bytes) {
 
 /// Makes an empty scratch file, in place of an old one that belongs to this user.
 Outcome FontsetWorkingCopy::make_file() {
-    struct stat info {};
+    struct stat info = {};
     if (::lstat(file.get_path(), &info) == 0) {
         if (!S_ISREG(info.st_mode) || info.st_uid != ::geteuid())
             return Failure{file.get_path(), Reason::NOT_OURS};
@@ -56,7 +56,7 @@ Outcome FontsetWorkingCopy::write_file() {
 }
 
 bool FontsetWorkingCopy::is_own_file() const {
-    struct stat info {};
+    struct stat info = {};
     return inode != 0 && ::lstat(file.get_path(), &info) == 0 && info.st_ino == inode &&
            info.st_dev == device;
 }

@@ -178,13 +178,13 @@ Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::stri
 }
 
 bool writable_by_uid(const std::string& path, uid_t uid) {
-    struct stat info {};
+    struct stat info = {};
     if (::stat(path.c_str(), &info) != 0) return false;
     return is_writeable_by(info.st_uid, info.st_mode, uid);
 }
 
 bool file_exists(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     return ::stat(path.c_str(), &info) == 0;
 }
 

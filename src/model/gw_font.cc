@@ -101,7 +101,7 @@ class LastWritableDirectory {
   private:
     using Clock = std::chrono::steady_clock;
     std::string dir_;
-    struct stat seen_ {};
+    struct stat seen_ = {};
     Clock::time_point when_;
 };
 
@@ -174,6 +174,10 @@ GWFont::GWFont(GWFont& other, const char* dir)
 
 GWFont::~GWFont() {
     if (file_list) gw::delete_elements(*file_list);
+}
+
+GWFont::GW_FONT_TYPE GWFont::get_type() const {
+    return font_type;
 }
 
 bool GWFont::is_postscript_named() const {
@@ -264,6 +268,10 @@ void GWFont::set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list) {
     if (file_list) gw::delete_elements(*file_list);
     file_list = std::move(list);
     update_read_only();
+}
+
+GW_FSPEC_LIST* GWFont::get_font_file_list() const {
+    return file_list.get();
 }
 
 void GWFont::set_preset_hrn_name(const char* name) {
@@ -380,11 +388,15 @@ int GWFont::delete_font(GW_FSM_LIST& modules) {
 unsigned GWFont::get_disk_space() {
     if (!file_list || disk_space != 0) return file_list ? disk_space : 0;
     for (const GW_FILE_SPEC* spec : *file_list) {
-        struct stat info {};
+        struct stat info = {};
         if (::stat(spec->get_path(), &info) == 0)
             disk_space += static_cast<unsigned>(info.st_blocks) / BLOCKS_PER_KILOBYTE;
     }
     return disk_space;
+}
+
+bool GWFont::is_read_only() const {
+    return read_only;
 }
 
 void GWFont::update_read_only() {
@@ -394,7 +406,7 @@ void GWFont::update_read_only() {
             set_dir_name(first->get_dir());
         return;
     }
-    struct stat info {};
+    struct stat info = {};
     if (::stat(dir_name->c_str(), &info) != 0 || !takes_scratch_file(*dir_name, info)) {
         read_only = true;
         return;

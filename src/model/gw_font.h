@@ -57,9 +57,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     GWFont(const GWFont&) = delete;
     GWFont& operator=(const GWFont&) = delete;
 
-    [[nodiscard]] GW_FONT_TYPE get_type() const {
-        return font_type;
-    }
+    [[nodiscard]] GW_FONT_TYPE get_type() const;
     /// Whether the font is known by its PostScript name, and not by an XLFD name.
     [[nodiscard]] bool is_postscript_named() const;
     /// Whether the font is a bitmap font, which has one size, and not an outline, which can be scaled.
@@ -87,9 +85,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Takes ownership of `list` and of the specifications in it.
     void set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list);
     /// The files, owned by this record; may be null.
-    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const {
-        return file_list.get();
-    }
+    [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const;
 
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
     void set_preset_hrn_name(const char* name);
@@ -122,9 +118,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Kilobytes that the files occupy; measured once. Missing files count 0.
     unsigned get_disk_space();
     /// Kept: a font that was read-only once stays so.
-    [[nodiscard]] bool is_read_only() const {
-        return read_only;
-    }
+    [[nodiscard]] bool is_read_only() const;
 
   private:
     struct NamePieces;

@@ -30,8 +30,8 @@ bool can_be_read_back(const std::string& file_name, const std::string& line) {
 Outcome can_be_removed(const GW_FILE_SPEC& spec) {
     const std::string path(spec.get_path());
     const std::string dir = path.substr(0, path.rfind('/') + 1);  // for "afm/NAME" this is the subdirectory
-    struct stat file {};
-    struct stat home {};
+    struct stat file = {};
+    struct stat home = {};
     if (::lstat(path.c_str(), &file) != 0 || ::stat(dir.c_str(), &home) != 0) return done();
     const uid_t user = ::geteuid();
     if ((home.st_mode & S_ISVTX) != 0 && !is_superuser(user) && user != file.st_uid && user != home.st_uid)

@@ -129,7 +129,7 @@ std::string without_directives(std::string_view text) {
 
 int config_db_open(const char* path, int, int, int, int) {
     current().reset();
-    struct stat info {};
+    struct stat info = {};
     if (::stat(path, &info) != 0 && (errno == ENOENT || errno == ENOTDIR)) {
         current().emplace();
         return NEW_OR_EMPTY;

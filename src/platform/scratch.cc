@@ -36,7 +36,7 @@ std::string UnnamedScratchFile::path() const {
 bool is_foreign_dir(const char* dir) {
     // With a trailing slash, `lstat` would follow a link.
     const std::string path(without_trailing_slashes(dir));
-    struct stat info {};
+    struct stat info = {};
     return ::lstat(path.c_str(), &info) == 0 && (!S_ISDIR(info.st_mode) || info.st_uid != ::geteuid());
 }
 

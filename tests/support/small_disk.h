@@ -51,7 +51,7 @@ class SmallDisk {
 
     /// Fills the disk so that this many blocks stay free.
     void leave_blocks(unsigned long blocks) const {
-        struct statvfs info {};
+        struct statvfs info = {};
         if (::statvfs(ROOT, &info) != 0 || info.f_bavail < blocks)
             throw std::runtime_error("it is full already");
         std::ofstream(filler(), std::ios::binary)

@@ -77,7 +77,7 @@ Verdict judge(const std::string& element) {
         return {Condition::GONE, "longer than the 255 bytes that the X protocol allows"};
     if (!element.starts_with('/')) return {};
     const std::string directory = directory_of(element);
-    struct stat info {};
+    struct stat info = {};
     if (::stat(directory.c_str(), &info) != 0) return not_found(errno, "no such directory");
     if (!S_ISDIR(info.st_mode)) return {Condition::GONE, "not a directory"};
     if (!is_readable(directory, R_OK | X_OK)) return {Condition::UNREADABLE, "cannot be read"};

@@ -47,8 +47,8 @@ bool is_resource(const std::string& section, const std::string& name, const std:
 }
 
 bool is_same_file(const std::string& one, const std::string& other) {
-    struct stat a {};
-    struct stat b {};
+    struct stat a = {};
+    struct stat b = {};
     return ::stat(one.c_str(), &a) == 0 && ::stat(other.c_str(), &b) == 0 && a.st_dev == b.st_dev &&
            a.st_ino == b.st_ino;
 }
@@ -149,7 +149,7 @@ class Index {
 
 /// Writes the file atomically; an old file stays when that fails.
 bool write(const std::string& path, const std::string& bytes, Notices& notices) {
-    struct stat info {};
+    struct stat info = {};
     if (::lstat(path.c_str(), &info) == 0 && !S_ISREG(info.st_mode)) {
         notices.failed(path, "this is no plain file; nothing is written");
         return false;

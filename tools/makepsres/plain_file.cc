@@ -40,7 +40,7 @@ FileBytes failed() {
 FileBytes read_plain_file(const std::string& path, std::size_t limit) {
     // Merely opening a file can rewind a tape or wait for a writer. So its kind is checked before, and again
     // when it is open.
-    struct stat info {};
+    struct stat info = {};
     if (::stat(path.c_str(), &info) != 0) return failed();
     if (!S_ISREG(info.st_mode)) return {{}, NOT_PLAIN};
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
@@ -61,7 +61,7 @@ FileBytes read_plain_file(const std::string& path, std::size_t limit) {
 }
 
 bool is_plain_file(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     return ::stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode);
 }
 

@@ -34,7 +34,7 @@ struct Name {
 };
 
 bool is_directory(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     return ::stat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
@@ -43,7 +43,7 @@ Kind kind_of(const std::string& path, unsigned char type) {
     if (type == DT_DIR) return Kind::DIRECTORY;
     if (type != DT_LNK && type != DT_UNKNOWN) return Kind::FILE;
     if (!is_directory(path)) return Kind::FILE;
-    struct stat info {};
+    struct stat info = {};
     const bool is_link = ::lstat(path.c_str(), &info) == 0 && S_ISLNK(info.st_mode);
     return is_link ? Kind::LINK_TO_DIRECTORY : Kind::DIRECTORY;
 }
@@ -101,7 +101,7 @@ class Scan {
   private:
     /// Whether this is the first visit to the directory.
     bool is_new(const std::string& path) {
-        struct stat info {};
+        struct stat info = {};
         return ::stat(path.c_str(), &info) != 0 || seen.insert({info.st_dev, info.st_ino}).second;
     }
 

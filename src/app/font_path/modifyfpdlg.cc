@@ -251,7 +251,7 @@ void begin_cb(Widget w, XtPointer client_data, XtPointer call_data) {
 // --- creation ----------------------------------------------------------------
 
 std::string node_name() {
-    struct utsname host {};
+    struct utsname host = {};
     return ::uname(&host) == 0 ? host.nodename : "";
 }
 

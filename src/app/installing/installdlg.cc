@@ -85,7 +85,7 @@ std::string find_home_dir() {
         const char* home = std::getenv("HOME");
         return home != nullptr ? home : gw::SCRATCH_ROOT;
     }
-    struct stat info {};
+    struct stat info = {};
     if (::stat(gw::HOST_DIR, &info) == 0 || ::mkdir(gw::HOST_DIR, DIRECTORY_MODE) == 0) return gw::HOST_DIR;
     return gw::SCRATCH_ROOT;
 }
@@ -104,7 +104,7 @@ void set_default_destination() {
 /// Creates the destination when it is missing. When nothing can be installed there, the status line says so,
 /// and false is returned.
 bool destination_is_ready() {
-    struct stat info {};
+    struct stat info = {};
     if (::stat(current_install_dir.c_str(), &info) != 0) {
         if (::mkdir(current_install_dir.c_str(), DIRECTORY_MODE) == 0) return true;
         set_status(gw::text_of(Message::BAD_DESTINATION));
@@ -360,7 +360,7 @@ void create_lower_part(Widget dialog, Widget font_list) {
 namespace installdlg {
 
 int get_avail_space(const char* path) {
-    struct statvfs info {};
+    struct statvfs info = {};
     if (::statvfs(path, &info) != 0 || info.f_blocks == 0) return 0;
     return static_cast<int>(info.f_bavail);
 }

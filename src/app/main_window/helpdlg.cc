@@ -116,7 +116,7 @@ void start_help_dlg() {
 }
 
 void read_from_file(const char* path, char** text) {
-    struct stat info {};
+    struct stat info = {};
     std::string bytes;
     if (::stat(path, &info) == 0 && S_ISREG(info.st_mode)) {
         if (const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "r"), std::fclose);

@@ -23,7 +23,7 @@ namespace {
 using gw::test::TempDir;
 
 mode_t mode_of(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     EXPECT_EQ(::stat(path.c_str(), &info), 0) << path;
     return info.st_mode & 07777;
 }

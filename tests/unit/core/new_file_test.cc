@@ -38,14 +38,14 @@ TEST(NewFile, AppearsWholeWithStandardPermissions) {
     ::umask(before);
     EXPECT_EQ(dir.read("f"), "one two");
     EXPECT_EQ(entries_of(dir), 1);
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::stat(dir.file("f").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0644U);
 }
 
 TEST(NewFile, LeavesNothingWhenItIsNotKept) {
     const TempDir dir;
-    { NewFile(dir.file("begun")).write("x"); }
+    NewFile(dir.file("begun")).write("x");
     {
         NewFile file(dir.file("in_place"));
         EXPECT_TRUE(file.write("x") && file.finish() && file.put_in_place());
@@ -122,7 +122,7 @@ TEST(NewFile, KeepsTheOwnerOfTheFileThatItReplaces) {
     NewFile file(dir.file("f"));
     EXPECT_TRUE(file.write("new") && file.finish() && file.put_in_place());
     file.keep();
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::stat(dir.file("f").c_str(), &info), 0);
     EXPECT_EQ(info.st_uid, 1234U);
     EXPECT_EQ(info.st_gid, 4321U);

@@ -25,7 +25,7 @@ Failure why(const gw::Outcome& outcome) {
 }
 
 struct stat stat_of(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     EXPECT_EQ(::stat(path.c_str(), &info), 0) << path;
     return info;
 }
@@ -162,7 +162,7 @@ TEST(Ref, WhatWasLeftIsAdopted) {
     gw::Ref<Counted>(record).leave();
     EXPECT_EQ(gone, 0);
     EXPECT_EQ(record->owners(), 1);
-    { const gw::Ref<Counted> adopted = gw::Ref<Counted>::adopt(record); }
+    static_cast<void>(gw::Ref<Counted>::adopt(record));
     EXPECT_EQ(gone, 1);
 }
 

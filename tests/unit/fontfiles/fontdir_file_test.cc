@@ -153,7 +153,7 @@ TEST_F(FontdirFile, ABatchWritesItsLinesAllAtOnceAndInOrder) {
 
 TEST_F(FontdirFile, ABatchWithoutLinesWritesNothing) {
     GW_FONTDIR_FILE file = index();
-    { EXPECT_TRUE(GW_FONTDIR_FILE::Batch(file).write()); }
+    EXPECT_TRUE(GW_FONTDIR_FILE::Batch(file).write());
     EXPECT_FALSE(dir.exists("fonts.dir"));
 }
 
@@ -298,7 +298,7 @@ TEST_F(FontdirFile, AppendingGivesStandardPermissionsAndDeletingKeepsThem) {
     set(index_of(2, 2));
     ::chmod(dir.file("fonts.dir").c_str(), 0600);
     index().delete_font_file_line("f2.pfa");
-    struct stat info {};
+    struct stat info = {};
     ::stat(dir.file("fonts.dir").c_str(), &info);
     EXPECT_EQ(info.st_mode & 0777, 0600U);
     index().append_line(entry(2).c_str());

@@ -152,7 +152,7 @@ TEST_F(FontsetFile, AMissingFileHasNoFontsets) {
     file->append_fontset(made({"-a", {LATIN1}}));
     EXPECT_EQ(file->sync(), 1);
     EXPECT_EQ(dir.read("Vantor.fs"), text_of({"-a", {LATIN1}}));
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::stat(dir.file("Vantor.fs").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & PERMISSION_BITS, 0644U);
 }
@@ -301,7 +301,7 @@ TEST_F(FontsetFile, TheWorkingCopyIsReadableForAllAndGoesWithTheFile) {
     const mode_t before = ::umask(077);
     auto file = opened_on("! c\n");
     ::umask(before);
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::lstat(gw::SCRATCH_FONTSETS, &info), 0);
     EXPECT_EQ(info.st_mode & PERMISSION_BITS, 0644U);
     EXPECT_EQ(info.st_uid, ::geteuid());
@@ -384,7 +384,7 @@ TEST_F(FontsetFile, SyncKeepsOwnerAndMode) {
     const auto file = opened();
     file->append_fontset(made({"-a", {LATIN1}}));
     EXPECT_EQ(file->sync(), 1);
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::stat(path.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & PERMISSION_BITS, 0664U);
     EXPECT_EQ(info.st_uid, superuser ? 1 : ::geteuid());

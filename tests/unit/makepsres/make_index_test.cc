@@ -106,7 +106,7 @@ TEST_F(IndexTest, AFontDirectoryWithMetricsBesideAndBelow) {
 TEST_F(IndexTest, AnEmptyDirectoryMakesAFileWithoutSections) {
     EXPECT_EQ(run({fonts.path()}), DONE);
     EXPECT_EQ(written(), "PS-Resources-1.0\n.\n");
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::stat(upr().c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 07777, 0644U);
 }

@@ -44,7 +44,7 @@ class FontFiles : public testing::Test {
         return font->is_read_only();
     }
     static unsigned kilobytes(const std::string& path) {
-        struct stat info {};
+        struct stat info = {};
         EXPECT_EQ(::stat(path.c_str(), &info), 0) << path;
         return static_cast<unsigned>(info.st_blocks / 2);
     }

@@ -265,7 +265,7 @@ TEST_F(Type1Copy, AShortFileEndsWithTheExtraByte) {
 
 TEST_F(Type1Copy, HasStandardPermissionsAndIsNotMadeOntoItself) {
     copied("%!PS");
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::stat(dir.file("to/f.pfa").c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0644U);
     GW_DIR same(dir.file("from").c_str());

@@ -130,7 +130,7 @@ class ModifyFontPathTest : public testing::Test {
 };
 
 TEST_F(ModifyFontPathTest, ShowsTheStoredPathOfTheDefaultInstallation) {
-    struct utsname host {};
+    struct utsname host = {};
     ASSERT_EQ(::uname(&host), 0);
     EXPECT_EQ(title_of(wi_modify_fp_dlg), "Glyph Warden - Modify Font Path");
     EXPECT_EQ(text_of("_modify_label"), "Modify Font Path for:");

@@ -55,14 +55,14 @@ std::string source() {
 
 /// The number of blocks that an ordinary user may still use.
 std::string free_blocks(const std::string& path) {
-    struct statvfs info {};
+    struct statvfs info = {};
     if (::statvfs(path.c_str(), &info) != 0) return "unknown";
     return std::to_string(info.f_bavail) + " Kbytes";
 }
 
 /// The kilobytes that a file occupies.
 int kilobytes_of(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     return ::stat(path.c_str(), &info) == 0 ? static_cast<int>(info.st_blocks / 2) : -1;
 }
 
@@ -185,7 +185,7 @@ TEST_F(InstallDialog, OfTheSuperuserMakesTheHostsDirectory) {
     if (!is_root()) GTEST_SKIP() << "for the superuser";
     std::filesystem::rename("/etc/vantor", "/etc/aside");
     remake();
-    struct stat info {};
+    struct stat info = {};
     EXPECT_EQ(::stat("/etc/vantor", &info), 0);
     EXPECT_EQ(info.st_mode & 07777U, 0755U);
     EXPECT_EQ(destination(), "Destination : /etc/vantor/glyphwd_fonts/");
@@ -213,7 +213,7 @@ TEST_F(InstallDialog, ShowsTheDestinationWithASlash) {
 }
 
 TEST_F(InstallDialog, CountsFreeBlocksWhateverTheirSize) {
-    struct statvfs info {};
+    struct statvfs info = {};
     ASSERT_EQ(::statvfs("/tmp", &info), 0);
     EXPECT_EQ(installdlg::get_avail_space("/tmp"), static_cast<int>(info.f_bavail));
     // A file system without blocks.

@@ -43,7 +43,7 @@ std::string status() {
 }
 
 unsigned mode_of(const std::string& path) {
-    struct stat info {};
+    struct stat info = {};
     return ::stat(path.c_str(), &info) == 0 ? info.st_mode & 07777U : 0;
 }
 

@@ -223,7 +223,8 @@ std::vector<Dialog> dialogs() {
         {"preconflict_dlg",
          &wi_preconflict_dlg,
          [] {
-             start_summary({GWConflict::INSTALL, 12345, conflicts(GWConflict::INSTALL), long_lines()});
+             const auto all = conflicts(GWConflict::INSTALL);
+             start_summary({GWConflict::INSTALL, 12345, all, long_lines()});
          },
          {}},
         {"preconflict_dlg",

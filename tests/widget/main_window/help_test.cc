@@ -37,7 +37,7 @@ constexpr const char* SORRY = "Sorry, couldn't read online help. No help availab
 constexpr unsigned ORDINARY_ID = 1000;
 
 bool exists(const char* path) {
-    struct stat info {};
+    struct stat info = {};
     return ::lstat(path, &info) == 0;
 }
 

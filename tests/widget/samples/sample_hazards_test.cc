@@ -97,17 +97,16 @@ class ServedDirectory {
 /// Xlib leaks about 60 bytes for each font that is listed but cannot be opened.
 class LeaksOfXlib {
   public:
-#ifdef GLYPHWARD_SANITIZE
     LeaksOfXlib() {
+#ifdef GLYPHWARD_SANITIZE
         __lsan_disable();
+#endif
     }
     ~LeaksOfXlib() {
+#ifdef GLYPHWARD_SANITIZE
         __lsan_enable();
-    }
-#else
-    LeaksOfXlib() {}
-    ~LeaksOfXlib() {}
 #endif
+    }
     LeaksOfXlib(const LeaksOfXlib&) = delete;
     LeaksOfXlib& operator=(const LeaksOfXlib&) = delete;
 };

@@ -330,7 +330,7 @@ TEST_F(KeptText, KeepsTheFilesModeAndALinkToIt) {
     ASSERT_EQ(::symlink("dotfiles/rc", home().file(".glyphwdrc").c_str()), 0);
     EXPECT_EQ(get_rc_sample_text(), "old");
     EXPECT_EQ(set_rc_sample_text("through the link"), 1);
-    struct stat info {};
+    struct stat info = {};
     ASSERT_EQ(::lstat(home().file(".glyphwdrc").c_str(), &info), 0);
     EXPECT_TRUE(S_ISLNK(info.st_mode));
     EXPECT_EQ(home().read("dotfiles/rc"), "SampleText:through the link");
