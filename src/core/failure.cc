@@ -58,7 +58,7 @@ std::string Failure::reason_text() const {
 }
 
 std::string Failure::text() const {
-    const std::string what = escaped(subject) + ": " + reason_text();
+    std::string what = escaped(subject) + ": " + reason_text();
     if (sequel == Sequel::NONE) return what;
     std::string follows = text_of(sequel);
     if (const std::size_t place = follows.find("%s"); place != std::string::npos)
