@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "app/common/dirdlg.h"
 #include "app/common/warningdlg.h"
@@ -159,7 +160,7 @@ void move_by(int step) {
     const int position = gw::selected_position(_fpe_list);
     const int target = position + step;
     if (position == 0 || target < 1 || target > displayed_fpe_count()) return;
-    const std::string element = displayed[static_cast<std::size_t>(position) - 1];
+    const std::string element = std::move(displayed[static_cast<std::size_t>(position) - 1]);
     take_away(position);
     put_at(target, element);
     note_change();
