@@ -18,9 +18,13 @@ MainWindow::MainWindow(Desktop& desktop) : desktop_(desktop) {
     wait_until([this] { return identify(); });
 }
 
+// The program names the parts when the window is already on the screen. Of these, the one that it names last
+// is looked up first: once that has its name, all have.
 bool MainWindow::identify() {
     window = desktop_.window_titled(TITLE);
     const auto part = [this](const char* name) { return desktop_.part_named(window, name); };
+    attributes_button = part("_attributes_button1");
+    if (attributes_button == 0) return false;
     list_title = part("_fontlist_label");
     list = part("_hrn_list");
     list_scroll_bar = part("VertScrollBar");
@@ -28,8 +32,7 @@ bool MainWindow::identify() {
     size_menu = part("_size_option_menu");
     res_menu = part("_res_option_menu");
     delete_button = part("_delete_button");
-    attributes_button = part("_attributes_button1");
-    return is_there();
+    return true;
 }
 
 void MainWindow::click_line(int line, const char* modifier) const {
