@@ -129,8 +129,9 @@ std::vector<std::string> server_font_path() {
 }
 
 void set_server_font_path(std::vector<std::string> elements) {
-    std::vector<char*> path;
-    for (std::string& element : elements) path.push_back(element.data());
+    std::vector<char*> path(elements.size());
+    std::transform(elements.begin(), elements.end(), path.begin(),
+                   [](std::string& element) { return element.data(); });
     XSetFontPath(display, path.data(), static_cast<int>(path.size()));
 }
 

@@ -2,7 +2,6 @@
 //
 // Deleting the fonts that are selected in the main window: the question, the work, its results, and leaving
 // the program in the middle.
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -34,7 +33,6 @@
 namespace {
 
 using namespace gw::test;
-using testing::ElementsAre;
 
 class Deletion : public WorkTest {
   protected:
