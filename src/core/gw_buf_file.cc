@@ -2,6 +2,7 @@
 #include "core/gw_buf_file.h"
 
 #include "core/gw_dir.h"
+#include "core/new_file.h"
 
 int GW_BUF_FILE::copy(GW_DIR* target) {
     if (is_in_directory(target->get_path())) return 1;
@@ -10,7 +11,7 @@ int GW_BUF_FILE::copy(GW_DIR* target) {
     return 1;
 }
 
-gw::Outcome GW_BUF_FILE::copy_into(gw::NewFile& copy) {
+gw::Outcome GW_BUF_FILE::copy_into(gw::FileWriter& copy) {
     open("r");
     bool going_well = static_cast<bool>(outcome());
     while (const int got = going_well ? read(buffer.data(), static_cast<int>(buffer.size())) : 0)

@@ -6,8 +6,8 @@
 
 #include <array>
 
+#include "core/file_writer.h"
 #include "core/gw_file.h"
-#include "core/new_file.h"
 
 class GW_DIR;
 
@@ -21,7 +21,7 @@ class GW_BUF_FILE : public GW_FILE {
     int copy(GW_DIR* target);
     /// Writes the bytes into `copy` and finishes it, without putting it in place. A failure names the file
     /// that could not be read or written: this one or the copy.
-    gw::Outcome copy_into(gw::NewFile& copy);
+    gw::Outcome copy_into(gw::FileWriter& copy);
 
   private:
     std::array<char, 1024> buffer{};

@@ -8,18 +8,12 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <utility>
 
+#include "core/file_calls.h"
 #include "core/replace_file.h"
 
 namespace gw {
-
-namespace {
-
-constexpr mode_t NEW_FILE_MODE = 0644;
-
-}  // namespace
 
 std::string hidden_name(const std::string& path, const char* suffix) {
     const std::size_t slash = path.rfind('/');
@@ -28,108 +22,94 @@ std::string hidden_name(const std::string& path, const char* suffix) {
 }
 
 Outcome set_aside(const std::string& path, const std::string& other_name) {
-    ::unlink(other_name.c_str());
-    if (::link(path.c_str(), other_name.c_str()) == 0 || std::rename(path.c_str(), other_name.c_str()) == 0) {
+    const FileCalls& calls = file_calls();
+    calls.unlink(AT_FDCWD, other_name.c_str(), 0);
+    if (calls.link(AT_FDCWD, path.c_str(), AT_FDCWD, other_name.c_str()) == 0 ||
+        calls.rename(AT_FDCWD, path.c_str(), AT_FDCWD, other_name.c_str()) == 0) {
         return done();
     }
     return Failure::of_system(path, errno);
 }
 
-NewFile::NewFile(const std::string& file_path)
-    : path(file_path), temporary(hidden_name(path, ".gwtmp")), old_file(hidden_name(path, ".gwold")) {
+namespace {
+
+Descriptor new_temporary(const std::string& path) {
+    file_calls().unlink(AT_FDCWD, path.c_str(), 0);
+    return Descriptor(file_calls().open(
+        AT_FDCWD, path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+}
+
+/// Why the file at `path` cannot be replaced; 0 if it can.
+int obstacle_at(const std::string& path, const struct stat& old) {
+    if (S_ISDIR(old.st_mode)) return EISDIR;
+    if (!S_ISREG(old.st_mode) || ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) == 0) return 0;
+    return errno;
+}
+
+FileWriter begun(const std::string& path) {
     struct stat old = {};
-    replaces = ::lstat(path.c_str(), &old) == 0;
-    if (replaces && S_ISDIR(old.st_mode)) {
-        fail(EISDIR);
-    } else if (replaces && S_ISREG(old.st_mode) &&
-               ::faccessat(AT_FDCWD, path.c_str(), W_OK, AT_EACCESS) != 0) {
-        fail(errno);
-    } else {
-        ::unlink(temporary.c_str());
-        fd = ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC,
-                    S_IRUSR | S_IWUSR);
-        if (fd < 0) fail(errno);
-    }
-    if (failure != 0) state = State::OVER;
+    const bool replaces = ::lstat(path.c_str(), &old) == 0;
+    if (const int obstacle = replaces ? obstacle_at(path, old) : 0; obstacle != 0) return {path, obstacle};
+    Descriptor fd = new_temporary(hidden_name(path, ".gwtmp"));
+    if (!fd.is_open()) return {path, errno};
+    FileWriter file(std::move(fd), path);
+    if (replaces && ::stat(path.c_str(), &old) == 0) file.set_owner({old.st_uid, old.st_gid});
+    return file;
+}
+
+}  // namespace
+
+NewFile::NewFile(const std::string& file_path)
+    : FileWriter(begun(file_path)),
+      temporary(hidden_name(file_path, ".gwtmp")),
+      old_file(hidden_name(file_path, ".gwold")) {
+    struct stat old = {};
+    replaces = ::lstat(file_path.c_str(), &old) == 0;
+    if (!outcome()) state = State::OVER;
 }
 
 NewFile::NewFile(NewFile&& other) noexcept
-    : path(std::move(other.path)),
+    : FileWriter(std::move(other)),
       temporary(std::move(other.temporary)),
       old_file(std::move(other.old_file)),
-      fd(std::exchange(other.fd, -1)),
-      failure(other.failure),
       replaces(other.replaces),
       state(std::exchange(other.state, State::OVER)) {}
 
 NewFile::~NewFile() {
+    const FileCalls& calls = file_calls();
     close();
-    if (state == State::BEGUN) ::unlink(temporary.c_str());
+    if (state == State::BEGUN) calls.unlink(AT_FDCWD, temporary.c_str(), 0);
     if (state != State::IN_PLACE) return;
     if (replaces) {
-        std::rename(old_file.c_str(), path.c_str());
+        calls.rename(AT_FDCWD, old_file.c_str(), AT_FDCWD, path().c_str());
     } else {
-        ::unlink(path.c_str());
+        calls.unlink(AT_FDCWD, path().c_str(), 0);
     }
-}
-
-bool NewFile::fail(int error) {
-    if (failure == 0) failure = error;
-    return false;
-}
-
-Outcome NewFile::outcome() const {
-    return failure == 0 ? done() : Outcome(Failure::of_system(path, failure));
-}
-
-void NewFile::close() {
-    if (fd >= 0 && ::close(std::exchange(fd, -1)) != 0) fail(errno);
-}
-
-bool NewFile::write(std::string_view bytes) {
-    while (failure == 0 && !bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return fail(errno);
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return failure == 0;
-}
-
-Outcome NewFile::finish() {
-    if (failure != 0) return outcome();
-    struct stat old = {};
-    struct stat made = {};
-    if (replaces && ::stat(path.c_str(), &old) == 0 && ::fstat(fd, &made) == 0 && old.st_uid != made.st_uid) {
-        [[maybe_unused]] const int kept = ::fchown(fd, old.st_uid, old.st_gid);
-    }
-    // Otherwise an index that names the file could reach the disk before the file.
-    if (::fchmod(fd, NEW_FILE_MODE) != 0 || ::fdatasync(fd) != 0) fail(errno);
-    close();
-    return outcome();
 }
 
 bool NewFile::changes_a_file() const {
     if (!replaces) return false;
-    const Result<std::string> old = read_file(path);
+    const Result<std::string> old = read_file(path());
     const Result<std::string> made = read_file(temporary);
     return !old || !made || *old != *made;
 }
 
 Outcome NewFile::put_in_place() {
-    if (failure == 0 && state != State::BEGUN) fail(EINVAL);
-    if (failure != 0) return outcome();
+    if (outcome() && state != State::BEGUN) fail(EINVAL);
+    if (!outcome()) return outcome();
+    const FileCalls& calls = file_calls();
     if (replaces) {
-        if (const Outcome aside = set_aside(path, old_file); !aside) {
+        if (Outcome aside = set_aside(path(), old_file); !aside) {
             fail(aside.failure().error);
             return aside;
         }
     }
-    if (std::rename(temporary.c_str(), path.c_str()) != 0) {
+    if (calls.rename(AT_FDCWD, temporary.c_str(), AT_FDCWD, path().c_str()) != 0) {
         fail(errno);
         if (replaces) {
-            std::rename(old_file.c_str(), path.c_str());
-            ::unlink(old_file.c_str());  // between two links to the same file `rename` does nothing
+            calls.rename(AT_FDCWD, old_file.c_str(), AT_FDCWD, path().c_str());
+            calls.unlink(AT_FDCWD, old_file.c_str(),
+                         0);  // between two links to the same file `rename` does nothing
         }
         return outcome();
     }
@@ -139,7 +119,7 @@ Outcome NewFile::put_in_place() {
 
 void NewFile::keep() {
     if (state != State::IN_PLACE) return;
-    if (replaces) ::unlink(old_file.c_str());
+    if (replaces) file_calls().unlink(AT_FDCWD, old_file.c_str(), 0);
     state = State::OVER;
 }
 

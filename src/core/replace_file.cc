@@ -10,8 +10,9 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <utility>
 
+#include "core/directory.h"
+#include "core/file_calls.h"
 #include "core/new_file.h"
 
 namespace gw {
@@ -21,49 +22,21 @@ namespace {
 constexpr mode_t NEW_FILE_MODE = 0644;
 constexpr mode_t PERMISSION_BITS = 07777;
 
-class Descriptor {
-  public:
-    explicit Descriptor(int fd) : fd_(fd) {}
-    ~Descriptor() {
-        if (fd_ >= 0) ::close(fd_);
-    }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    [[nodiscard]] bool is_open() const { return fd_ >= 0; }
-    [[nodiscard]] int get() const { return fd_; }
-    /// Closes it now; false when the system reports that data was lost.
-    bool close() { return ::close(std::exchange(fd_, -1)) == 0; }
-
-  private:
-    int fd_;
-};
-
 /// The result of a step of writing: 0 or an `errno`.
 using Error = int;
-
-Error write_all(int fd, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(fd, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) continue;
-        if (written < 0) return errno;
-        if (written == 0) return EIO;
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return 0;
-}
 
 void sync_directory_of(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     const Descriptor dir(
         ::open(slash == std::string::npos ? "." : path.substr(0, slash + 1).c_str(), O_RDONLY | O_DIRECTORY));
-    if (dir.is_open()) ::fsync(dir.get());
+    if (dir.is_open()) (void)file_calls().sync(dir.get());
 }
 
 void move_time_on(int fd, const struct stat& old) {
     struct stat now = {};
     if (::fstat(fd, &now) != 0 || now.st_mtim.tv_sec > old.st_mtim.tv_sec) return;
     timespec times[2] = {now.st_atim, {old.st_mtim.tv_sec + 1, 0}};
-    ::futimens(fd, times);
+    (void)file_calls().set_times(fd, times);
 }
 
 /// Gives the new file the owner of the old one.
@@ -71,56 +44,59 @@ Error keep_owner(int fd, const struct stat& old) {
     struct stat made = {};
     if (::fstat(fd, &made) != 0) return errno;
     if (made.st_uid == old.st_uid && made.st_gid == old.st_gid) return 0;
-    return ::fchown(fd, old.st_uid, old.st_gid) == 0 ? 0 : errno;
+    return file_calls().set_owner(fd, old.st_uid, old.st_gid) == 0 ? 0 : errno;
 }
 
 /// Writes the new content to the temporary file. This fails when the directory does not allow it, or the
 /// owner cannot be kept.
 Error write_temporary(const std::string& temporary, std::string_view bytes, const struct stat* old,
                       mode_t mode) {
-    ::unlink(temporary.c_str());
-    Descriptor file(
-        ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    const FileCalls& calls = file_calls();
+    calls.unlink(AT_FDCWD, temporary.c_str(), 0);
+    Descriptor file(calls.open(AT_FDCWD, temporary.c_str(),
+                               O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!file.is_open()) return errno;
     if (old != nullptr) {
         if (const Error error = keep_owner(file.get(), *old); error != 0) return error;
     }
-    if (::fchmod(file.get(), mode) != 0) return errno;
+    if (calls.set_mode(file.get(), mode) != 0) return errno;
     if (const Error error = write_all(file.get(), bytes); error != 0) return error;
     if (old != nullptr) move_time_on(file.get(), *old);
-    if (::fsync(file.get()) != 0) return errno;
+    if (calls.sync(file.get()) != 0) return errno;
     return file.close() ? 0 : errno;
 }
 
 Error write_in_place(const std::string& path, std::string_view bytes, const struct stat& old,
                      std::optional<mode_t> mode) {
-    const Descriptor file(::open(path.c_str(), O_WRONLY | O_CLOEXEC));
+    const FileCalls& calls = file_calls();
+    const Descriptor file(calls.open(AT_FDCWD, path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC, 0));
     if (!file.is_open()) return errno;
     // Growing the file first finds out whether the disk is full, before the old content is overwritten.
     const auto size = static_cast<off_t>(bytes.size());
     if (S_ISREG(old.st_mode) && size > old.st_size) {
-        if (const Error error = ::posix_fallocate(file.get(), 0, size); error != 0) {
-            (void)::ftruncate(file.get(), old.st_size);
+        if (const Error error = calls.allocate(file.get(), 0, size); error != 0) {
+            (void)calls.truncate(file.get(), old.st_size);
             return error;
         }
     }
     if (const Error error = write_all(file.get(), bytes); error != 0) return error;
-    if (::ftruncate(file.get(), size) != 0) return errno;
+    if (calls.truncate(file.get(), size) != 0) return errno;
     // Only the owner can change the mode; somebody else's file keeps its mode.
-    if (mode && ::fchmod(file.get(), *mode) != 0 && errno != EPERM) return errno;
+    if (mode && calls.set_mode(file.get(), *mode) != 0 && errno != EPERM) return errno;
     move_time_on(file.get(), old);
-    return ::fsync(file.get()) == 0 ? 0 : errno;
+    return calls.sync(file.get()) == 0 ? 0 : errno;
 }
 
 /// Replaces `path` by a new file with this content.
 Error put_new_file(const std::string& path, std::string_view bytes, const struct stat* old, mode_t mode) {
     const std::string temporary = hidden_name(path, ".gwtmp");
     Error error = write_temporary(temporary, bytes, old, mode);
-    if (error == 0 && ::rename(temporary.c_str(), path.c_str()) != 0) error = errno;
+    if (error == 0 && file_calls().rename(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str()) != 0)
+        error = errno;
     if (error == 0) {
         sync_directory_of(path);
     } else {
-        ::unlink(temporary.c_str());
+        (void)file_calls().unlink(AT_FDCWD, temporary.c_str(), 0);
     }
     return error;
 }
@@ -130,19 +106,8 @@ Error put_new_file(const std::string& path, std::string_view bytes, const struct
 Result<std::string> read_file(const std::string& path) {
     // Opening a pipe would wait for a writer.
     const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    struct stat info = {};
-    if (!file.is_open() || ::fstat(file.get(), &info) != 0) return Failure::of_system(path, errno);
-    if (!S_ISREG(info.st_mode)) return Failure::of_system(path, S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
-    std::string bytes;
-    bytes.reserve(static_cast<std::size_t>(info.st_size));
-    char block[65536];
-    for (;;) {
-        const ssize_t got = ::read(file.get(), block, sizeof block);
-        if (got < 0 && errno == EINTR) continue;
-        if (got < 0) return Failure::of_system(path, errno);
-        if (got == 0) return bytes;
-        bytes.append(block, static_cast<std::size_t>(got));
-    }
+    if (!file.is_open()) return Failure::of_system(path, errno);
+    return read_open_file(file.get(), path);
 }
 
 Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode) {

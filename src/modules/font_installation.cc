@@ -47,7 +47,7 @@ void FontInstallation::make_afm_dir() {
 
 Outcome FontInstallation::accept(NewFile copy, const GW_FILE_SPEC& source) {
     if (copy.changes_a_file() && is_file_of_another(source.get_name(), font, fpe))
-        return Failure{copy.get_path(), Reason::FILE_OF_ANOTHER_FONT};
+        return Failure{copy.path(), Reason::FILE_OF_ANOTHER_FONT};
     copies.push_back(std::move(copy));
     return done();
 }

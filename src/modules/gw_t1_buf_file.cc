@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/gw_dir.h"
+#include "core/new_file.h"
 
 int GW_T1_BUF_FILE::copy(GW_DIR* dest) {
     if (is_in_directory(dest->get_path())) return 1;
@@ -12,7 +13,7 @@ int GW_T1_BUF_FILE::copy(GW_DIR* dest) {
     return 1;
 }
 
-gw::Outcome GW_T1_BUF_FILE::copy_into(gw::NewFile& copy) {
+gw::Outcome GW_T1_BUF_FILE::copy_into(gw::FileWriter& copy) {
     if (open("r") == 0) return outcome();
     int got = read(block.data(), BLOCK_SIZE);
     block[static_cast<std::size_t>(got)] = '\0';

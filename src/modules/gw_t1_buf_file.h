@@ -5,8 +5,8 @@
 
 #include <array>
 
+#include "core/file_writer.h"
 #include "core/gw_file.h"
-#include "core/new_file.h"
 
 class GW_DIR;
 
@@ -23,7 +23,7 @@ class GW_T1_BUF_FILE : public GW_FILE {
     /// Writes the converted bytes into `copy` and finishes it, without putting it in place. A failure names
     /// the file that could not be read or written: this one or the copy. Kept: type 1 files are copied as
     /// text.
-    gw::Outcome copy_into(gw::NewFile& copy);
+    gw::Outcome copy_into(gw::FileWriter& copy);
 
   private:
     std::array<char, BLOCK_SIZE + 1> block{};  // the byte behind a block is a NUL

@@ -1,0 +1,185 @@
+// SPDX-License-Identifier: MIT
+#include "core/directory.h"
+
+#include <fcntl.h>
+#include <limits.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string_view>
+#include <utility>
+
+#include "core/file_calls.h"
+#include "core/rights.h"
+#include "core/text.h"
+
+namespace gw {
+
+namespace {
+
+constexpr int MOST_LINKS = 40;
+constexpr int JUST_LOOK = O_PATH | O_NOFOLLOW | O_CLOEXEC;
+
+/// The way to a directory: where it has come to, and what is left of it.
+class Way {
+  public:
+    Way(int start, std::string path) : left_(std::move(path)), shown_(left_) { begin(start); }
+
+    Outcome go() {
+        while (!failed_ && !left_.empty()) step();
+        return failed_ ? Outcome(*failed_) : done();
+    }
+    [[nodiscard]] Descriptor& end() { return here_; }
+
+  private:
+    void begin(int start) {
+        const bool absolute = left_.starts_with('/');
+        here_ = Descriptor(
+            ::openat(absolute ? AT_FDCWD : start, absolute ? "/" : ".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+        if (!here_.is_open()) fail(errno);
+        skip_slashes();
+    }
+
+    void skip_slashes() { left_.erase(0, std::min(left_.find_first_not_of('/'), left_.size())); }
+
+    void step() {
+        const std::string name = left_.substr(0, left_.find('/'));
+        left_.erase(0, name.size());
+        skip_slashes();
+        Descriptor next(::openat(here_.get(), name.c_str(), JUST_LOOK));
+        struct stat info = {};
+        if (!next.is_open() || ::fstat(next.get(), &info) != 0) {
+            fail(errno);
+        } else if (S_ISLNK(info.st_mode)) {
+            follow(next, info);
+        } else if (!S_ISDIR(info.st_mode)) {
+            fail(ENOTDIR);
+        } else {
+            here_ = std::move(next);
+        }
+    }
+
+    void follow(const Descriptor& link, const struct stat& info) {
+        if (!is_superuser(info.st_uid) && info.st_uid != ::geteuid()) {
+            failed_ = Failure{shown_, Reason::NOT_OURS};
+            return;
+        }
+        char target[PATH_MAX];
+        const ssize_t length = ::readlinkat(link.get(), "", target, sizeof target);
+        if (length < 0) return fail(errno);
+        if (++links_ > MOST_LINKS) return fail(ELOOP);
+        left_ = std::string(target, static_cast<std::size_t>(length)) + (left_.empty() ? "" : "/") + left_;
+        if (left_.starts_with('/')) begin(AT_FDCWD);
+    }
+
+    void fail(int error) { failed_ = Failure::of_system(shown_, error); }
+
+    std::string left_;
+    std::string shown_;
+    Descriptor here_;
+    int links_ = 0;
+    std::optional<Failure> failed_;
+};
+
+}  // namespace
+
+Descriptor::~Descriptor() {
+    if (fd_ >= 0) ::close(fd_);
+}
+
+Descriptor::Descriptor(Descriptor&& other) noexcept : fd_(std::exchange(other.fd_, -1)) {}
+
+Descriptor& Descriptor::operator=(Descriptor&& other) noexcept {
+    std::swap(fd_, other.fd_);
+    return *this;
+}
+
+bool Descriptor::close() {
+    return ::close(std::exchange(fd_, -1)) == 0;
+}
+
+Directory::Directory(Descriptor fd, const std::string& path, const struct stat& info)
+    : fd_(std::move(fd)), path_(with_trailing_slash(path)), info_(info) {}
+
+namespace {
+
+/// The end of the way, opened so that it can be read.
+Result<Descriptor> opened(int start, const std::string& path, const std::string& shown, struct stat& info) {
+    Way way(start, path);
+    if (const Outcome gone = way.go(); !gone) {
+        Failure failure = gone.failure();
+        failure.subject = shown;
+        return failure;
+    }
+    Descriptor fd(::openat(way.end().get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!fd.is_open() || ::fstat(fd.get(), &info) != 0) return Failure::of_system(shown, errno);
+    return fd;
+}
+
+}  // namespace
+
+Result<Directory> Directory::open(const std::string& path) {
+    struct stat info = {};
+    Result<Descriptor> fd = opened(AT_FDCWD, path, path, info);
+    if (!fd) return fd.failure();
+    return Directory(std::move(*fd), path, info);
+}
+
+Result<Directory> Directory::below(const std::string& name) const {
+    struct stat info = {};
+    Result<Descriptor> fd = opened(fd_.get(), name, path_of(name), info);
+    if (!fd) return fd.failure();
+    return Directory(std::move(*fd), path_of(name), info);
+}
+
+bool Directory::is_same_as(const Directory& other) const {
+    return info_.st_dev == other.info_.st_dev && info_.st_ino == other.info_.st_ino;
+}
+
+bool Directory::look_at(const std::string& name, struct stat& info) const {
+    return ::fstatat(fd_.get(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+bool Directory::has(const std::string& name) const {
+    struct stat info = {};
+    return look_at(name, info);
+}
+
+Result<std::string> Directory::read(const std::string& name) const {
+    const Descriptor file(::openat(fd_.get(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    if (!file.is_open() && errno == ELOOP) return Failure{path_of(name), Reason::NOT_OURS};
+    if (!file.is_open()) return Failure::of_system(path_of(name), errno);
+    return read_open_file(file.get(), path_of(name));
+}
+
+Result<std::string> read_open_file(int fd, const std::string& path) {
+    struct stat info = {};
+    if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);
+    if (!S_ISREG(info.st_mode)) return Failure::of_system(path, S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
+    if (info.st_size > Directory::FILE_LIMIT) return Failure::of_system(path, EFBIG);
+    std::string bytes;
+    bytes.reserve(static_cast<std::size_t>(info.st_size));
+    char block[65536];
+    for (;;) {
+        const ssize_t got = ::read(fd, block, sizeof block);
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) return Failure::of_system(path, errno);
+        if (got == 0) return bytes;
+        bytes.append(block, static_cast<std::size_t>(got));
+        if (bytes.size() > static_cast<std::size_t>(Directory::FILE_LIMIT))
+            return Failure::of_system(path, EFBIG);
+    }
+}
+
+int write_all(int fd, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = file_calls().write(fd, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written < 0) return errno;
+        if (written == 0) return EIO;
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return 0;
+}
+
+}  // namespace gw

@@ -1,0 +1,76 @@
+// SPDX-License-Identifier: MIT
+//
+// A directory that was opened once. What is done in it is done through its descriptor, so nobody can exchange
+// it, or a directory on the way to it, between two steps.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <string>
+
+#include "core/failure.h"
+
+namespace gw {
+
+/// A file descriptor that is closed in the end.
+class Descriptor {
+  public:
+    explicit Descriptor(int fd = -1) : fd_(fd) {}
+    ~Descriptor();
+    Descriptor(Descriptor&& other) noexcept;
+    Descriptor& operator=(Descriptor&& other) noexcept;
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] bool is_open() const { return fd_ >= 0; }
+    [[nodiscard]] int get() const { return fd_; }
+    /// Closes it now; false when the system reports that data was lost.
+    bool close();
+
+  private:
+    int fd_;
+};
+
+/// The name of our own directory in a font directory; nothing that looks for fonts enters it.
+inline constexpr const char* OWN_DIRECTORY_NAME = ".glyphward";
+
+class Directory {
+  public:
+    /// Opens the directory at `path`. A link on the way is followed only if the superuser or the user of this
+    /// process owns it; another's link is refused (`Reason::NOT_OURS`).
+    static Result<Directory> open(const std::string& path);
+
+    /// The directory NAME in this one; the same rule for links.
+    [[nodiscard]] Result<Directory> below(const std::string& name) const;
+
+    [[nodiscard]] int fd() const { return fd_.get(); }
+    /// The path that it was opened by, ending in "/". Only for messages and comparisons.
+    [[nodiscard]] const std::string& path() const { return path_; }
+    [[nodiscard]] std::string path_of(const std::string& name) const { return path_ + name; }
+    [[nodiscard]] const struct stat& info() const { return info_; }
+    [[nodiscard]] bool is_same_as(const Directory& other) const;
+
+    /// The file's information, not following a link; false when there is none.
+    bool look_at(const std::string& name, struct stat& info) const;
+    [[nodiscard]] bool has(const std::string& name) const;
+    /// The bytes of the regular file NAME, at most `FILE_LIMIT`. Opened without waiting; a link is refused.
+    [[nodiscard]] Result<std::string> read(const std::string& name) const;
+
+    /// A file that is larger is no font and no table of fonts.
+    static constexpr off_t FILE_LIMIT = 64L * 1024 * 1024;
+
+  private:
+    Directory(Descriptor fd, const std::string& path, const struct stat& info);
+
+    Descriptor fd_;
+    std::string path_;
+    struct stat info_;
+};
+
+/// Reads from an open regular file to its end; `path` is for the message. Fails for everything that is no
+/// regular file, and for one of more than `Directory::FILE_LIMIT` bytes.
+Result<std::string> read_open_file(int fd, const std::string& path);
+/// Writes all bytes; 0 or the `errno`.
+int write_all(int fd, std::string_view bytes);
+
+}  // namespace gw

@@ -1,0 +1,53 @@
+// SPDX-License-Identifier: MIT
+#include "core/file_writer.h"
+
+#include <cerrno>
+
+#include "core/file_calls.h"
+
+namespace gw {
+
+namespace {
+
+constexpr mode_t NEW_FILE_MODE = 0644;
+
+}  // namespace
+
+bool FileWriter::fail(int error) {
+    if (error_ == 0) error_ = error;
+    return false;
+}
+
+Outcome FileWriter::outcome() const {
+    return error_ == 0 ? done() : Outcome(Failure::of_system(path_, error_));
+}
+
+bool FileWriter::write(std::string_view bytes) {
+    if (error_ != 0) return false;
+    const int error = write_all(fd_.get(), bytes);
+    return error == 0 || fail(error);
+}
+
+Outcome FileWriter::finish() {
+    if (error_ != 0) return outcome();
+    struct stat made = {};
+    if (::fstat(fd_.get(), &made) != 0) fail(errno);
+    inode_ = made.st_ino;
+    if (owner_ && owner_->first != made.st_uid)
+        (void)file_calls().set_owner(fd_.get(), owner_->first, owner_->second);
+    if (earlier_ && made.st_mtim.tv_sec <= earlier_->st_mtim.tv_sec) {
+        const timespec times[2] = {made.st_atim, {earlier_->st_mtim.tv_sec + 1, 0}};
+        (void)file_calls().set_times(fd_.get(), times);
+    }
+    // Otherwise an index that names the file could reach the disk before the file.
+    if (file_calls().set_mode(fd_.get(), NEW_FILE_MODE) != 0 || file_calls().sync(fd_.get()) != 0)
+        fail(errno);
+    close();
+    return outcome();
+}
+
+void FileWriter::close() {
+    if (fd_.is_open() && !fd_.close()) fail(errno);
+}
+
+}  // namespace gw

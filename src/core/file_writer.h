@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+//
+// A new file while its bytes are written: complete on the disk, or a failure.
+#pragma once
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "core/directory.h"
+#include "core/failure.h"
+
+namespace gw {
+
+class FileWriter {
+  public:
+    using Owner = std::pair<uid_t, gid_t>;
+
+    /// Writes to the open file; `path` is for messages.
+    FileWriter(Descriptor fd, std::string path) : fd_(std::move(fd)), path_(std::move(path)) {}
+    /// One that fails at every call.
+    FileWriter(std::string path, int error) : path_(std::move(path)), error_(error) {}
+
+    // After a failure all further calls fail for the same reason.
+
+    /// Appends bytes; false when that failed.
+    bool write(std::string_view bytes);
+    /// The file shall have this owner, if the system allows it.
+    void set_owner(Owner owner) { owner_ = owner; }
+    /// The file's time shall be later than that of the file with this information, by whole seconds, because
+    /// the X server compares those to decide whether it rereads an index.
+    void be_later_than(const struct stat& info) { earlier_ = info; }
+    /// Writes the file to the disk and gives it the permissions 0644. A failure when the file is not
+    /// complete.
+    Outcome finish();
+
+    /// The first failure, or a success when there was none so far.
+    [[nodiscard]] Outcome outcome() const;
+    [[nodiscard]] const std::string& path() const { return path_; }
+    /// The file's number in its file system, once it is finished.
+    [[nodiscard]] ino_t inode() const { return inode_; }
+
+  protected:
+    /// Remembers the first failure; false.
+    bool fail(int error);
+    /// Forgets the file: what has no descriptor any more is not written to.
+    void close();
+
+  private:
+    Descriptor fd_;
+    std::string path_;
+    std::optional<Owner> owner_;
+    std::optional<struct stat> earlier_;
+    ino_t inode_ = 0;
+    int error_ = 0;
+};
+
+}  // namespace gw
