@@ -5,39 +5,15 @@
 #include "fontfiles/gw_fontdir_file.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <string_view>
 #include <utility>
 
 #include "core/replace_file.h"
+#include "fontfiles/index_text.h"
 #include "platform/host_paths.h"
 
 namespace {
 
 constexpr mode_t INDEX_MODE = 0644;
-
-/// The end of the line that begins at `start`, its newline included.
-std::size_t line_end(std::string_view bytes, std::size_t start) {
-    const std::size_t newline = bytes.find('\n', start);
-    return newline == std::string_view::npos ? bytes.size() : newline + 1;
-}
-
-/// The number at the start of `line`; 0 when there is none.
-int parsed_count(std::string_view line) {
-    return std::atoi(std::string(line.substr(0, line.find('\n'))).c_str());
-}
-
-/// `bytes` with `count` as their first line. Reserves `room` bytes more.
-std::string with_count(std::string_view bytes, int count, std::size_t room = 0) {
-    std::string result = std::to_string(count) + '\n';
-    result.reserve(result.size() + bytes.size() + room);
-    result += bytes.substr(line_end(bytes, 0));
-    return result;
-}
-
-std::string with_count_adjusted(std::string_view bytes, int delta) {
-    return with_count(bytes, parsed_count(bytes) + delta);
-}
 
 }  // namespace
 
@@ -59,7 +35,7 @@ int GW_FONTDIR_FILE::get_font_count() {
     char line[LINE_BUFFER] = "";
     const char* first = get_line(line, sizeof line);
     close();
-    return first != nullptr ? parsed_count(first) : 0;
+    return first != nullptr ? gw::index_count(first) : 0;
 }
 
 bool GW_FONTDIR_FILE::get_entries(std::vector<Entry>& out) {
@@ -106,13 +82,7 @@ std::unique_ptr<GW_STRING> GW_FONTDIR_FILE::get_file_name(const char* font_name)
 }
 
 void GW_FONTDIR_FILE::split_line(const char* line, std::string& file_name, std::string& font_name) {
-    std::string_view rest(line);
-    rest = rest.substr(0, rest.find('\n'));
-    // Blanks in front of the file name are skipped.
-    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
-    const std::size_t blank = rest.find(' ');
-    file_name = rest.substr(0, blank);
-    font_name = blank == std::string_view::npos ? std::string_view() : rest.substr(blank + 1);
+    gw::split_index_line(line, file_name, font_name);
 }
 
 GW_FONTDIR_FILE::Batch::Batch(GW_FONTDIR_FILE& the_index) : index(the_index) {
@@ -151,42 +121,22 @@ gw::Outcome GW_FONTDIR_FILE::append(const Lines& lines) {
         if (!bytes) return bytes.failure();
         old = std::move(*bytes);
     }
-    std::string bytes = with_count(old, parsed_count(old) + lines.count, lines.text.size() + 1);
-    // Another program may have left the last line without its newline; the new entry must not be joined to
-    // it.
-    if (!bytes.ends_with('\n')) bytes += '\n';
-    bytes += lines.text;
-    return gw::replace_file(get_path(), bytes, INDEX_MODE);
+    return gw::replace_file(get_path(), gw::with_entries(old, lines.text, lines.count), INDEX_MODE);
 }
 
 gw::Outcome GW_FONTDIR_FILE::withdraw(const char* line) {
-    const gw::Result<std::string> bytes = gw::read_file(get_path());
+    gw::Result<std::string> bytes = gw::read_file(get_path());
     if (!bytes) return bytes.failure();
-    const std::string_view entry(line);
-    const std::size_t newline = entry.empty() ? std::string::npos : bytes->rfind('\n' + std::string(entry));
-    if (newline == std::string::npos) return gw::Failure{get_path(), gw::Reason::NOT_IN_THE_INDEX};
-    std::string rest = *bytes;
-    rest.erase(newline + 1, entry.size());
-    return gw::replace_file(get_path(), with_count_adjusted(rest, -1));
+    if (!gw::withdraw(*bytes, line)) return gw::Failure{get_path(), gw::Reason::NOT_IN_THE_INDEX};
+    return gw::replace_file(get_path(), *bytes);
 }
 
 gw::Result<int> GW_FONTDIR_FILE::strike_out(const char* file_name, int most) {
     gw::Result<std::string> bytes = gw::read_file(get_path());
     if (!bytes) return bytes.failure();
-    int deleted = 0;
-    for (std::size_t start = line_end(*bytes, 0); start < bytes->size() && deleted < most;) {
-        const std::size_t end = line_end(*bytes, start);
-        Entry entry;
-        split_line(bytes->substr(start, LINE_BUFFER - 1).c_str(), entry.file_name, entry.font_name);
-        if (entry.file_name == file_name) {
-            bytes->erase(start, end - start);
-            ++deleted;
-        } else {
-            start = end;
-        }
-    }
+    const auto deleted = static_cast<int>(gw::strike_out(*bytes, file_name, most).size());
     if (deleted == 0) return 0;
-    const gw::Outcome written = gw::replace_file(get_path(), with_count_adjusted(*bytes, -deleted));
+    const gw::Outcome written = gw::replace_file(get_path(), *bytes);
     if (!written) return written.failure();
     return deleted;
 }
@@ -216,17 +166,17 @@ int GW_FONTDIR_FILE::delete_font_file_lines(const char* file_name) {
 int GW_FONTDIR_FILE::delete_line(int n) {
     const gw::Result<std::string> bytes = gw::read_file(get_path());
     if (!bytes || n < 1) return 0;
-    std::size_t start = line_end(*bytes, 0);
-    for (int i = 1; i < n && start < bytes->size(); ++i) start = line_end(*bytes, start);
+    std::size_t start = gw::index_line_end(*bytes, 0);
+    for (int i = 1; i < n && start < bytes->size(); ++i) start = gw::index_line_end(*bytes, start);
     if (start >= bytes->size()) return 0;
     std::string rest = *bytes;
-    rest.erase(start, line_end(*bytes, start) - start);
+    rest.erase(start, gw::index_line_end(*bytes, start) - start);
     return gw::replace_file(get_path(), rest) ? 1 : 0;
 }
 
 int GW_FONTDIR_FILE::adjust_font_count(int delta) {
     const gw::Result<std::string> bytes = gw::read_file(get_path());
     if (!bytes) return -1;
-    const int count = parsed_count(*bytes) + delta;
-    return gw::replace_file(get_path(), with_count(*bytes, count)) ? count : -1;
+    const int count = gw::index_count(*bytes) + delta;
+    return gw::replace_file(get_path(), gw::with_index_count(*bytes, count)) ? count : -1;
 }

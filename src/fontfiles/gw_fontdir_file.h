@@ -14,17 +14,14 @@
 #include "core/failure.h"
 #include "core/gw_file.h"
 #include "core/gw_string_list.h"
+#include "fontfiles/index_text.h"
 
 class GW_FONTDIR_FILE : public GW_FILE {
   public:
-    /// One entry line, split.
-    struct Entry {
-        std::string file_name;
-        std::string font_name;
-    };
+    using Entry = gw::IndexEntry;
     /// Lines are read in pieces of at most this many characters; an entry line with its newline must be
-    /// shorter to be read back whole. Kept: an index line has at most 119 characters.
-    static constexpr int LINE_BUFFER = 120;
+    /// shorter to be read back whole.
+    static constexpr int LINE_BUFFER = gw::INDEX_LINE_BUFFER;
 
     GW_FONTDIR_FILE(const char* dir, int file_type);
 

@@ -253,6 +253,23 @@ TEST_F(FontdirFile, AWrongCountNeitherHidesNorLosesEntries) {
     }
 }
 
+TEST_F(FontdirFile, ACountThatOverflowsIsRepaired) {
+    for (const char* count : {"2147483647", "2147483648", "99999999999999999999", "-99999999999999999999"}) {
+        set(std::string(count) + "\n" + entry(1) + entry(2));
+        EXPECT_EQ(index().append_line(entry(3).c_str()), 1);
+        EXPECT_EQ(bytes(), index_of(3, 3)) << count;
+    }
+}
+
+TEST_F(FontdirFile, AFirstLineThatIsAnEntryIsKept) {
+    set(entry(1) + entry(2));
+    EXPECT_EQ(index().append_line(entry(3).c_str()), 1);
+    EXPECT_EQ(bytes(), index_of(3, 3));
+    set("10x20.pcf -x-f\n" + entry(2));
+    EXPECT_EQ(index().delete_font_file_line("f2.pfa"), 1);
+    EXPECT_EQ(bytes(), "1\n10x20.pcf -x-f\n");
+}
+
 TEST_F(FontdirFile, AnEmptyIndexHasNoEntriesAndCanGrow) {
     set("");
     EXPECT_EQ(index().get_font_count(), 0);

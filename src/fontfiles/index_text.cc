@@ -1,0 +1,151 @@
+// SPDX-License-Identifier: MIT
+#include "fontfiles/index_text.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <utility>
+
+namespace gw {
+
+namespace {
+
+std::string_view first_line(std::string_view text) {
+    return text.substr(0, text.find('\n'));
+}
+
+/// The font library reads the count, and the rest of that line is of no use to it.
+bool is_entry(std::string_view line) {
+    std::string file;
+    std::string font;
+    split_index_line(line, file, font);
+    const bool is_number = file.find_first_not_of("0123456789") == std::string::npos;
+    return !file.empty() && !font.empty() && !is_number;
+}
+
+int lines_in(std::string_view text) {
+    const auto newlines = std::count(text.begin(), text.end(), '\n');
+    return static_cast<int>(newlines) + (text.empty() || text.ends_with('\n') ? 0 : 1);
+}
+
+/// Whether the first line is a number that an `int` cannot hold once `more` is added to it.
+bool count_overflows(std::string_view text, int more) {
+    const long count = std::strtol(std::string(first_line(text)).c_str(), nullptr, 10);
+    return count > std::numeric_limits<int>::max() - more || count < std::numeric_limits<int>::min();
+}
+
+/// The text with a first line that can be counted on, also when `more` is added to it.
+std::string with_sound_count(std::string_view text, int more) {
+    if (is_entry(first_line(text))) return std::to_string(lines_in(text)) + '\n' + std::string(text);
+    if (!count_overflows(text, more)) return std::string(text);
+    return with_index_count(text, lines_in(text.substr(index_line_end(text, 0))));
+}
+
+std::string_view without_newline(std::string_view line) {
+    return line.substr(0, line.find('\n'));
+}
+
+std::string_view line_at(std::string_view text, std::size_t start) {
+    return text.substr(start, index_line_end(text, start) - start);
+}
+
+/// Removes the last entry with this text, and counts it off.
+bool remove_last(std::string& text, std::string_view line) {
+    std::size_t last = std::string::npos;
+    for (std::size_t start = index_line_end(text, 0); start < text.size();
+         start = index_line_end(text, start)) {
+        if (without_newline(line_at(text, start)) == without_newline(line)) last = start;
+    }
+    if (last == std::string::npos) return false;
+    text.erase(last, line_at(text, last).size());
+    text = with_index_count(text, index_count(text) - 1);
+    return true;
+}
+
+}  // namespace
+
+std::size_t index_line_end(std::string_view text, std::size_t start) {
+    const std::size_t newline = text.find('\n', start);
+    return newline == std::string_view::npos ? text.size() : newline + 1;
+}
+
+std::vector<IndexEntry> index_entries(std::string_view text) {
+    constexpr std::size_t PIECE = INDEX_LINE_BUFFER - 1;
+    std::vector<IndexEntry> entries;
+    bool is_first = true;
+    while (!text.empty()) {
+        const std::string_view piece = text.substr(0, std::min(index_line_end(text, 0), PIECE));
+        text.remove_prefix(piece.size());
+        if (std::exchange(is_first, false)) continue;
+        IndexEntry& entry = entries.emplace_back();
+        split_index_line(piece, entry.file_name, entry.font_name);
+    }
+    return entries;
+}
+
+int index_count(std::string_view text) {
+    return std::atoi(std::string(first_line(text)).c_str());
+}
+
+std::string with_index_count(std::string_view text, int count) {
+    std::string result = std::to_string(count) + '\n';
+    result += text.substr(index_line_end(text, 0));
+    return result;
+}
+
+std::string with_entries(std::string_view text, std::string_view lines, int count) {
+    const std::string sound = with_sound_count(text, count);
+    std::string result = with_index_count(sound, index_count(sound) + count);
+    if (!result.ends_with('\n')) result += '\n';
+    result += lines;
+    return result;
+}
+
+std::vector<std::string> strike_out(std::string& text, std::string_view file_name, int most) {
+    std::vector<std::string> struck;
+    std::string rest = with_sound_count(text, 0);
+    for (std::size_t start = index_line_end(rest, 0);
+         start < rest.size() && static_cast<int>(struck.size()) < most;) {
+        const std::size_t end = index_line_end(rest, start);
+        std::string file;
+        std::string font;
+        split_index_line(std::string_view(rest).substr(start, INDEX_LINE_BUFFER - 1), file, font);
+        if (file == file_name) {
+            struck.push_back(rest.substr(start, end - start));
+            rest.erase(start, end - start);
+        } else {
+            start = end;
+        }
+    }
+    if (!struck.empty()) text = with_index_count(rest, index_count(rest) - static_cast<int>(struck.size()));
+    return struck;
+}
+
+bool withdraw(std::string& text, std::string_view line) {
+    return !line.empty() && remove_last(text, line);
+}
+
+int occurrences(std::string_view text, std::string_view line) {
+    int number = 0;
+    for (std::size_t start = index_line_end(text, 0); start < text.size();
+         start = index_line_end(text, start))
+        number += without_newline(line_at(text, start)) == without_newline(line) ? 1 : 0;
+    return number;
+}
+
+void set_occurrences(std::string& text, std::string_view line, int number) {
+    int too_many = occurrences(text, line) - number;
+    for (; too_many < 0; ++too_many) text = with_entries(text, std::string(without_newline(line)) + '\n', 1);
+    for (; too_many > 0; --too_many) remove_last(text, line);
+}
+
+void split_index_line(std::string_view line, std::string& file_name, std::string& font_name) {
+    std::string_view rest = line.substr(0, line.find('\n'));
+    // Blanks in front of the file name are skipped.
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    const std::size_t blank = rest.find(' ');
+    file_name = rest.substr(0, blank);
+    font_name = blank == std::string_view::npos ? std::string_view() : rest.substr(blank + 1);
+}
+
+}  // namespace gw

@@ -1,0 +1,54 @@
+// SPDX-License-Identifier: MIT
+//
+// Edits of the text of an index ("fonts.dir": a count, then a line for each entry). The count follows every
+// edit. The bytes of all other lines stay as they are.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace gw {
+
+/// One entry line, split.
+struct IndexEntry {
+    std::string file_name;
+    std::string font_name;
+};
+
+/// The entries as readers see them, who take a long line for several.
+[[nodiscard]] std::vector<IndexEntry> index_entries(std::string_view text);
+
+/// The number at the beginning of the text; 0 when there is none.
+[[nodiscard]] int index_count(std::string_view text);
+
+/// Appends `count` entry lines, each with its newline. A last line without a newline gets one first. A first
+/// line that is an entry instead of a count stays as an entry.
+[[nodiscard]] std::string with_entries(std::string_view text, std::string_view lines, int count);
+
+/// Removes the entries of the file, but at most the first `most`. Returns the removed lines with their
+/// newlines.
+std::vector<std::string> strike_out(std::string& text, std::string_view file_name, int most);
+
+/// Removes the last line with exactly this text (newline included); false when there is none.
+bool withdraw(std::string& text, std::string_view line);
+
+/// How many lines have exactly this text (newline included).
+[[nodiscard]] int occurrences(std::string_view text, std::string_view line);
+/// Removes the last or appends as many lines with this text that there are `number`.
+void set_occurrences(std::string& text, std::string_view line, int number);
+
+/// `text` with the number `count` as its first line.
+[[nodiscard]] std::string with_index_count(std::string_view text, int count);
+
+/// The end of the line that begins at `start`, its newline included.
+[[nodiscard]] std::size_t index_line_end(std::string_view text, std::size_t start);
+
+/// Splits an entry line at the first blank; the font name keeps further blanks and loses its newline.
+void split_index_line(std::string_view line, std::string& file_name, std::string& font_name);
+
+/// Readers take a line in pieces of at most this many characters; an entry with its newline must be shorter.
+/// Kept: an index line has at most 119 characters.
+inline constexpr int INDEX_LINE_BUFFER = 120;
+
+}  // namespace gw
