@@ -49,21 +49,24 @@ Failure Failure::of_system(std::string subject, int error) {
 Failure Failure::with(Sequel what_follows, std::string its_detail) const {
     Failure same = *this;
     same.sequel = what_follows;
-    same.detail = std::move(its_detail);
+    if (!its_detail.empty()) same.detail = std::move(its_detail);
     return same;
 }
 
+std::string Failure::with_detail(std::string text) const {
+    if (const std::size_t place = text.find("%s"); place != std::string::npos)
+        text.replace(place, 2, escaped(detail));
+    return text;
+}
+
 std::string Failure::reason_text() const {
-    return reason == Reason::SYSTEM ? std::strerror(error) : text_of(reason);
+    return reason == Reason::SYSTEM ? std::strerror(error) : with_detail(text_of(reason));
 }
 
 std::string Failure::text() const {
     std::string what = escaped(subject) + ": " + reason_text();
     if (sequel == Sequel::NONE) return what;
-    std::string follows = text_of(sequel);
-    if (const std::size_t place = follows.find("%s"); place != std::string::npos)
-        follows.replace(place, 2, escaped(detail));
-    return what + "; " + follows;
+    return what + "; " + with_detail(text_of(sequel));
 }
 
 Outcome Outcome::with(Sequel what_follows, std::string detail) const {

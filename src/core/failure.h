@@ -30,7 +30,7 @@ struct Failure {
     Reason reason = Reason::SYSTEM;
     int error = 0;  ///< the `errno`, for a reason of the system
     Sequel sequel = Sequel::NONE;
-    std::string detail = {};  ///< inserted into the text of the sequel
+    std::string detail = {};  ///< inserted into the text of the reason or the sequel
 
     /// The failure of a system call for `subject`.
     [[nodiscard]] static Failure of_system(std::string subject, int error);
@@ -39,6 +39,8 @@ struct Failure {
 
     /// The reason, in English; a reason of the system is in the language of the locale.
     [[nodiscard]] std::string reason_text() const;
+    /// `text` with the detail in the place of "%s".
+    [[nodiscard]] std::string with_detail(std::string text) const;
     /// "SUBJECT: REASON", and "; SEQUEL" if there is a consequence.
     [[nodiscard]] std::string text() const;
 

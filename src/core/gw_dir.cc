@@ -9,6 +9,7 @@
 #include <set>
 #include <utility>
 
+#include "core/directory.h"
 #include "core/gw_file.h"
 #include "core/gw_reg_exp.h"
 #include "core/gw_token_string.h"
@@ -70,6 +71,7 @@ int GW_DIR::get_matching_file_spec_list(GW_LIST<GW_FILE_SPEC>* out, GW_REG_EXP* 
     while (const dirent* entry = ::readdir(dir.get())) {
         const char* name = entry->d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0) continue;
+        if (std::strcmp(name, gw::OWN_DIRECTORY_NAME) == 0) continue;
         if (re != nullptr && re->string_match(name) == 0) continue;
 
         auto spec =

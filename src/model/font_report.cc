@@ -1,6 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "model/font_report.h"
 
+#include <set>
+
+#include "core/text.h"
+
 namespace gw {
 
 namespace {
@@ -14,13 +18,35 @@ std::string without_mark(const std::string& name) {
 
 }  // namespace
 
-bool FontReport::note(GWFont& font, const Outcome& outcome) {
-    if (!outcome) entries.push_back({without_mark(font.get_hrn_name()), outcome.failure()});
+bool FontReport::note(GWFont& font, const Outcome& outcome, const std::string& dir) {
+    const std::string name = without_mark(font.get_hrn_name());
+    if (outcome) {
+        successes.push_back({name, with_trailing_slash(dir)});
+    } else {
+        entries.push_back({name, outcome.failure()});
+    }
     return static_cast<bool>(outcome);
+}
+
+bool FontReport::note(GWFont& font, const Outcome& outcome) {
+    const char* dir = font.get_dir_name();
+    return note(font, outcome, dir != nullptr ? dir : "");
+}
+
+int FontReport::fail_all_in(const std::string& dir, const Failure& why) {
+    std::set<std::string> names;
+    std::erase_if(successes, [&](const Done& success) {
+        if (success.dir != with_trailing_slash(dir)) return false;
+        names.insert(success.font);
+        return true;
+    });
+    for (const std::string& name : names) entries.push_back({name, why});
+    return static_cast<int>(names.size());
 }
 
 void FontReport::clear() {
     entries.clear();
+    successes.clear();
     taken = 0;
 }
 
@@ -32,6 +58,7 @@ std::vector<FontReport::Entry> FontReport::take_new() {
 
 void FontReport::append(const FontReport& other) {
     entries.insert(entries.end(), other.entries.begin(), other.entries.end());
+    successes.insert(successes.end(), other.successes.begin(), other.successes.end());
 }
 
 // Kept: some fonts are left out without a line on standard error.

@@ -20,8 +20,14 @@ class FontReport {
         Failure why;
     };
 
-    /// Records the outcome for `font`; returns whether it is a success.
+    /// Records the outcome for `font`; returns whether it is a success. `dir` is the directory that was
+    /// changed.
+    bool note(GWFont& font, const Outcome& outcome, const std::string& dir);
+    /// The same for the font's own directory.
     bool note(GWFont& font, const Outcome& outcome);
+    /// The change of the directory was not made after all: its successes become failures. Returns how many
+    /// human-readable names these have.
+    int fail_all_in(const std::string& dir, const Failure& why);
     /// Appends the entries of `other`.
     void append(const FontReport& other);
     void clear();
@@ -34,7 +40,12 @@ class FontReport {
     std::vector<Entry> take_new();
 
   private:
+    struct Done {
+        std::string font;
+        std::string dir;
+    };
     std::vector<Entry> entries;
+    std::vector<Done> successes;
     std::size_t taken = 0;  // how many of them `take_new` has given
 };
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 #include <vector>
 
-#include "model/font_backup.h"
 #include "model/gw_alias.h"
 #include "modules/gw_fsm_list.h"
+#include "store/directory_change.h"
 
 namespace {
 
@@ -91,14 +91,12 @@ std::string GWConflict::get_conflict_dir_name() const {
     return dir != nullptr ? dir : "";
 }
 
-// The old font is deleted first, and restored when the new one cannot be installed.
+// Both are one change: the old font stays when the new one cannot be installed.
 gw::Outcome GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const {
-    gw::FontBackup backup(old);
-    if (!backup.is_complete()) return backup.is_complete();
-    if (gw::Outcome removed = old.remove(modules); !removed) return removed;
-    gw::Outcome installed = font.install(*dir_name, modules);
-    if (!installed) backup.restore();
-    return installed;
+    return gw::as_one_change([&] {
+        gw::Outcome removed = old.remove(modules);
+        return removed ? font.install(*dir_name, modules) : removed;
+    });
 }
 
 // When the source is itself on the font path, the new font and the old one may be the same files. Then the
@@ -127,7 +125,7 @@ void GWConflict::install_force(GW_FSM_LIST& modules, gw::FontReport& report) {
             gw::Ref<GWFont> old;
             if (auto cell = conflicting_fonts.extract({group, index})) old = std::move(cell.mapped());
             const gw::Ref<GWFont>& font = slots[group].fonts[index];
-            report.note(*font, install_one(font, old, modules));
+            report.note(*font, install_one(font, old, modules), *dir_name);
         }
     }
 }

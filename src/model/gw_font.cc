@@ -366,8 +366,10 @@ int GWFont::fontcmp(GWFont* other) {
 
 gw::Outcome GWFont::install(const std::string& dir, GW_FSM_LIST& modules) {
     GW_FPE destination(dir.c_str());
+    gw::Outcome outcome = modules.install(*this, destination);
+    // Also where nothing was installed.
     destination.get_fontdir_file().create();
-    return modules.install(*this, destination);
+    return outcome;
 }
 
 gw::Outcome GWFont::remove(GW_FSM_LIST& modules) {

@@ -201,7 +201,7 @@ int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED
                 report.note(font, gw::Failure{font.get_xlfd_name(), gw::Reason::TOO_MANY_OF_ONE_SIZE});
                 continue;
             }
-            if (!report.note(font, font.install(dir, modules))) continue;
+            if (!report.note(font, font.install(dir, modules), dir)) continue;
             installed.add_font(new GWFont(font, dir));
             result = DONE;
         }

@@ -1,73 +1,51 @@
 // SPDX-License-Identifier: MIT
 #include "modules/font_installation.h"
 
-#include <unistd.h>
-
-#include <cerrno>
 #include <utility>
 
 #include "modules/index_access.h"
 
 namespace gw {
 
-namespace {
-
-std::string afm_dir(const GW_FPE& fpe) {
-    return std::string(fpe.get_element()) + "afm";
-}
-
-Result<std::string> line_of(GWFont& font) {
-    const GW_FILE_SPEC* first = first_file(font);
-    if (first == nullptr) return Failure{font.get_hrn_name(), Reason::NO_FILE};
-    return index_line(font, first->get_name());
-}
-
-}  // namespace
-
-FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element)
-    : font(the_font), fpe(element), line(line_of(the_font)) {}
-
-// The line is removed first, so that no reader finds a line without its file.
-FontInstallation::~FontInstallation() {
-    if (kept) return;
-    if (entered) tell_unless_done(fpe.get_fontdir_file().withdraw(line->c_str()).with(Sequel::LINE_REMAINS));
-    copies.clear();
-    if (made_afm_dir) ::rmdir(afm_dir(fpe).c_str());
-}
-
-Outcome FontInstallation::can_begin() const {
-    return line ? done() : Outcome(line.failure());
-}
+FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element, DirectoryChange& the_change)
+    : font(the_font), fpe(element), change(the_change) {}
 
 void FontInstallation::make_afm_dir() {
-    made_afm_dir = fpe.make_afm_dir() == 0;
-    const int error = errno;
-    if (!made_afm_dir && error != EEXIST) metrics_dir = Failure::of_system(afm_dir(fpe), error);
+    metrics_dir = change.make_metrics_dir();
 }
 
-Outcome FontInstallation::accept(NewFile copy, const GW_FILE_SPEC& source) {
-    if (copy.changes_a_file() && is_file_of_another(source.get_name(), font, fpe))
+Outcome FontInstallation::accept(DirectoryChange::StagedFile copy) {
+    if (change.changes_a_file(copy) && is_file_of_another(copy.name().c_str(), font, change))
         return Failure{copy.path(), Reason::FILE_OF_ANOTHER_FONT};
     copies.push_back(std::move(copy));
     return done();
 }
 
-Outcome FontInstallation::enter_in_index() {
-    Outcome outcome = fpe.get_fontdir_file().enter(line->c_str());
-    entered = static_cast<bool>(outcome);
-    return outcome;
-}
-
-Outcome FontInstallation::put_in_place(std::size_t number) {
-    for (; placed < number; ++placed) {
-        if (Outcome outcome = copies[placed].put_in_place(); !outcome) return outcome;
+Outcome FontInstallation::finish() {
+    const Result<std::string> line = index_line(font, first_file(font)->get_name());
+    if (!line) return line.failure();
+    for (const DirectoryChange::StagedFile& copy : copies) {
+        if (Outcome put = change.put(copy); !put) return put;
     }
+    change.enter(*line);
     return done();
 }
 
-void FontInstallation::keep() {
-    for (NewFile& copy : copies) copy.keep();
-    kept = true;
+Outcome install_in_change(GWFont& font, GW_FPE& fpe,
+                          const std::function<Outcome(FontInstallation&, const DirectoryChange&)>& steps) {
+    if (Outcome possible = can_be_indexed(font); !possible) return possible;
+    bool is_begun = false;
+    Outcome outcome = in_change(fpe.get_path(), [&](DirectoryChange& change) {
+        is_begun = true;
+        if (Outcome made = change.make_index(); !made) return made;
+        FontInstallation installation(font, fpe, change);
+        const Outcome copied = steps(installation, change);
+        return copied ? installation.finish() : copied;
+    });
+    if (outcome || is_begun || outcome.failure().reason != Reason::SYSTEM) return outcome;
+    // The user knows nothing of the directory that a change needs.
+    return Failure::of_system(fpe.get_path() + std::string(first_file(font)->get_name()),
+                              outcome.failure().error);
 }
 
 }  // namespace gw

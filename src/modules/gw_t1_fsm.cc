@@ -68,7 +68,7 @@ class UnclaimedFiles {
 
 /// Fails when the element has an outline file with the font's prefix that belongs to another font. The two
 /// fonts would share their metrics, and deleting one would delete the files of both.
-gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe) {
+gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe, const gw::DirectoryChange& change) {
     const GW_FILE_SPEC& first = *gw::first_file(font);
     if (first.is_in_directory(fpe.get_element())) return gw::done();
     const std::string prefix = GW_T1_FSM::get_matching_file_spec_prefix(&first);
@@ -79,24 +79,19 @@ gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe) {
         const GW_FSPEC_LIST& files = *font.get_font_file_list();
         const bool own = std::any_of(files.begin(), files.end(),
                                      [&](const GW_FILE_SPEC* spec) { return spec->equal(&outline) != 0; });
-        if (own || outline.exist() == 0 || !gw::is_file_of_another(outline.get_name(), font, fpe)) continue;
+        if (own || !change.will_have(outline.get_name())) continue;
+        if (!gw::is_file_of_another(outline.get_name(), font, change)) continue;
         return gw::Failure{outline.get_path(), gw::Reason::FILE_OF_ANOTHER_FONT};
     }
     return gw::done();
 }
 
-gw::Outcome copy_and_register(GWFont& font, GW_FPE& fpe) {
-    gw::FontInstallation installation(font, fpe);
-    gw::Outcome step = installation.can_begin();
-    if (step) step = prefix_is_free(font, fpe);
-    if (!step) return step;
+gw::Outcome copy_outlines_and_metrics(gw::FontInstallation& installation, GWFont& font, GW_FPE& fpe,
+                                      const gw::DirectoryChange& change) {
+    if (gw::Outcome free = prefix_is_free(font, fpe, change); !free) return free;
     installation.make_afm_dir();
-    step = gw::font_policy().copies_outlines_exactly() ? installation.copy_files<GW_BUF_FILE>()
+    return gw::font_policy().copies_outlines_exactly() ? installation.copy_files<GW_BUF_FILE>()
                                                        : installation.copy_files<GW_T1_BUF_FILE>();
-    if (step) step = installation.enter_in_index();
-    if (step) step = installation.put_all_in_place();
-    if (step) installation.keep();
-    return step;
 }
 
 }  // namespace
@@ -176,7 +171,10 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
 }
 
 gw::Outcome GW_T1_FSM::install(GWFont& font, GW_FPE& fpe) {
-    return copy_and_register(font, fpe).with(gw::Sequel::FONT_LEFT_OUT);
+    const auto copy = [&](gw::FontInstallation& installation, const gw::DirectoryChange& change) {
+        return copy_outlines_and_metrics(installation, font, fpe, change);
+    };
+    return gw::install_in_change(font, fpe, copy).with(gw::Sequel::FONT_LEFT_OUT);
 }
 
 gw::Outcome GW_T1_FSM::make_visible(GWFont& font, GW_FPE& fpe) {
@@ -186,12 +184,13 @@ gw::Outcome GW_T1_FSM::make_visible(GWFont& font, GW_FPE& fpe) {
 }
 
 gw::Outcome GW_T1_FSM::remove(GWFont& font) {
-    gw::Outcome removed = gw::remove_files_and_entry(font);
-    if (!removed) return removed.with(gw::Sequel::FONT_STAYS);
-    if (gw::first_file(font) == nullptr) return removed;
-    const GW_FSPEC_LIST& files = *font.get_font_file_list();
-    GW_DIR(files.get_elem_at_pos(files.get_count())->get_dir()).make_upr_file(0, nullptr);
-    return removed;
+    std::function<void()> rebuild_resources;
+    if (gw::first_file(font) != nullptr) {
+        const GW_FSPEC_LIST& files = *font.get_font_file_list();
+        const std::string dir = files.get_elem_at_pos(files.get_count())->get_dir();
+        rebuild_resources = [dir] { GW_DIR(dir.c_str()).make_upr_file(0, nullptr); };
+    }
+    return gw::remove_files_and_entry(font, rebuild_resources).with(gw::Sequel::FONT_STAYS);
 }
 
 gw::Outcome GW_T1_FSM::can_install(GWFont& font) const {

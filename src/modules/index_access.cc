@@ -6,14 +6,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
-#include <optional>
+#include <limits>
 #include <utility>
 #include <vector>
 
+#include "core/file_calls.h"
 #include "core/font_policy.h"
 #include "core/gw_reg_exp.h"
-#include "core/replace_file.h"
 #include "core/rights.h"
 #include "platform/host_paths.h"
 
@@ -41,6 +42,13 @@ Outcome can_be_removed(const GW_FILE_SPEC& spec) {
     return done();
 }
 
+/// What stands in the place of a font's first file may be no file at all.
+Outcome is_no_directory(const GW_FILE_SPEC& spec) {
+    struct stat info = {};
+    const bool is_directory = ::lstat(spec.get_path(), &info) == 0 && S_ISDIR(info.st_mode);
+    return is_directory ? Outcome(Failure::of_system(spec.get_path(), EISDIR)) : done();
+}
+
 /// Whether this user may change the index, if it lists the file.
 Outcome can_be_struck_out(const GW_FILE_SPEC& spec) {
     GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
@@ -54,23 +62,29 @@ bool is_latin1(std::string_view font_name) {
     return font_name.ends_with("-iso8859-1");
 }
 
-/// Removes the lines of the font's file from the index: all of them or one. Returns their number, which is 0
-/// for an index that cannot be read.
-Result<int> strike_out(const GW_FILE_SPEC& spec, const GWFont& font) {
-    GW_FONTDIR_FILE index(spec.get_dir(), FILE_TYPE_REGULAR);
+/// Removes the lines of the font's file from the index: all of them or one. Returns their number.
+Result<int> strike_out(DirectoryChange& change, const std::string& file_name, const GWFont& font) {
     // Kept: deleting an outline removes one line of several.
     const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
-    Result<int> struck = all ? index.strike_out(spec.get_name()) : index.strike_out(spec.get_name(), 1);
-    if (struck && *struck > 0) return struck;
+    const int struck = change.strike_out(file_name, all ? std::numeric_limits<int>::max() : 1);
+    if (struck > 0) return struck;
     // Readers take a line that is too long for two, and may find the file's name in the second.
-    if (!index.get_font_name(spec.get_name())) return 0;
-    return struck ? Result<int>(Failure{index.get_path(), Reason::NOT_IN_THE_INDEX}) : struck;
+    const std::vector<IndexEntry> entries = index_entries(change.index());
+    const bool is_listed = std::any_of(entries.begin(), entries.end(),
+                                       [&](const IndexEntry& entry) { return entry.file_name == file_name; });
+    if (!is_listed) return 0;
+    return Failure{change.dir().path_of(FONT_INDEX_NAME), Reason::NOT_IN_THE_INDEX};
 }
 
-/// Removes the file; a missing file counts as removed.
-Outcome remove_file(const GW_FILE_SPEC& spec) {
-    if (::unlink(spec.get_path()) == 0 || errno == ENOENT || errno == ENOTDIR) return done();
-    return Failure::of_system(spec.get_path(), errno);
+/// Lets the file go with the change.
+void take_out(DirectoryChange& change, const GW_FILE_SPEC& spec, bool is_first) {
+    const std::string path(spec.get_path());
+    if (change.take_out(spec.get_name(), !is_first)) return;
+    change.afterwards(path, [path] {
+        if (file_calls().unlink(AT_FDCWD, path.c_str(), 0) == 0 || errno == ENOENT || errno == ENOTDIR)
+            return;
+        tell(Failure::of_system(path, errno).with(Sequel::FILE_REMAINS));
+    });
 }
 
 std::string line_text(GWFont& font, const std::string& file_name) {
@@ -92,11 +106,9 @@ Outcome can_be_indexed(GWFont& font) {
     return line ? done() : Outcome(line.failure());
 }
 
-bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe) {
-    std::vector<GW_FONTDIR_FILE::Entry> entries;
-    fpe.get_fontdir_file().get_entries(entries);
+bool is_file_of_another(const char* file_name, GWFont& font, const DirectoryChange& change) {
     bool listed = false;
-    for (const GW_FONTDIR_FILE::Entry& entry : entries) {
+    for (const IndexEntry& entry : index_entries(change.index())) {
         if (entry.file_name != file_name) continue;
         if (::strcasecmp(entry.font_name.c_str(), font.get_xlfd_name()) == 0) return false;
         listed = true;
@@ -114,33 +126,32 @@ const GW_FILE_SPEC* first_file(const GWFont& font) {
     return files != nullptr && !files->is_empty() ? *files->begin() : nullptr;
 }
 
-Outcome remove_files_and_entry(const GWFont& font) {
+Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& afterwards) {
     if (font.get_font_file_list() == nullptr) return done();
     const GW_FSPEC_LIST& files = *font.get_font_file_list();
+    if (Outcome allowed = files.is_empty() ? done() : is_no_directory(**files.begin()); !allowed)
+        return allowed;
     for (const GW_FILE_SPEC* spec : files) {
         if (Outcome allowed = can_be_removed(*spec); !allowed) return allowed;
         if (Outcome allowed = can_be_struck_out(*spec); !allowed) return allowed;
     }
-    std::optional<std::string> before;  // the old index, once the font was removed from it
-    for (const GW_FILE_SPEC* spec : files) {
-        const std::string index = std::string(spec->get_dir()) + FONT_INDEX_NAME;
-        if (!before) {
-            Result<std::string> bytes = read_file(index);
-            const Result<int> struck = strike_out(*spec, font);
-            if (!struck) return struck.failure();
-            if (bytes && *struck > 0) before = std::move(*bytes);
+    return as_one_change([&] {
+        bool is_struck = false;
+        for (const GW_FILE_SPEC* spec : files) {
+            Outcome removed = in_change(spec->get_dir(), [&](DirectoryChange& change) {
+                if (!is_struck) {
+                    const Result<int> struck = strike_out(change, spec->get_name(), font);
+                    if (!struck) return Outcome(struck.failure());
+                    is_struck = *struck > 0;
+                }
+                take_out(change, *spec, spec == *files.begin());
+                if (afterwards) change.afterwards("", afterwards);
+                return done();
+            });
+            if (!removed) return removed;
         }
-        Outcome removed = remove_file(*spec);
-        if (removed) continue;
-        // A font without its first file counts as deleted, whatever other files remain.
-        if (spec != *files.begin()) {
-            tell(removed.failure().with(Sequel::FILE_REMAINS));
-            continue;
-        }
-        if (before) tell_unless_done(replace_file(index, *before).with(Sequel::ENTRY_LOST));
-        return removed;
-    }
-    return done();
+        return done();
+    });
 }
 
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {

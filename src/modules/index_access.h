@@ -4,6 +4,7 @@
 // without reading the index again for each font.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <string>
 #include <unordered_map>
@@ -12,6 +13,7 @@
 #include "core/gw_string_list.h"
 #include "fontpath/gw_fpe.h"
 #include "model/gw_font.h"
+#include "store/directory_change.h"
 
 namespace gw {
 
@@ -23,9 +25,9 @@ Result<std::string> index_line(GWFont& font, const std::string& file_name);
 /// Whether the font has a file and `index_line` would give a line.
 Outcome can_be_indexed(GWFont& font);
 
-/// Whether the element's index lists that file, but never with the name of this font. A file that is listed
-/// with several names belongs to all these fonts.
-bool is_file_of_another(const char* file_name, GWFont& font, GW_FPE& fpe);
+/// Whether the directory's index, as it will be, lists that file, but never with the name of this font. A
+/// file that is listed with several names belongs to all these fonts.
+bool is_file_of_another(const char* file_name, GWFont& font, const DirectoryChange& change);
 
 /// Enters the font in the element's index with the file name `file_name`.
 Outcome enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name);
@@ -35,8 +37,8 @@ const GW_FILE_SPEC* first_file(const GWFont& font);
 
 /// Removes the font's line from the index of its files' directory, and its files. The line is that of the
 /// first file that the index knows; for an outline that is listed once, all lines of that file are removed.
-/// After a failure the font stays as it was.
-Outcome remove_files_and_entry(const GWFont& font);
+/// After a failure the font stays as it was. `afterwards` runs when the font is gone for good.
+Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& afterwards = {});
 
 /// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
 /// grouped by pattern, and in index order within a group.

@@ -29,17 +29,6 @@ void run_and_tell(const char* format, const char* argument) {
     if (run_shell(format, {argument}) == -1) tell(Failure::of_system(shell_text(format, {argument}), errno));
 }
 
-Outcome copy_and_register(GWFont& font, GW_FPE& fpe) {
-    FontInstallation installation(font, fpe);
-    Outcome step = installation.can_begin();
-    if (step) step = installation.copy_files<GW_BUF_FILE>();
-    if (step) step = installation.put_first_in_place();
-    if (step) step = installation.enter_in_index();
-    if (step) step = installation.put_all_in_place();
-    if (step) installation.keep();
-    return step;
-}
-
 }  // namespace
 
 IndexedModule::IndexedModule(int type, std::initializer_list<Extension> extensions,
@@ -170,7 +159,10 @@ void IndexedModule::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) 
 }
 
 Outcome IndexedModule::install(GWFont& font, GW_FPE& fpe) {
-    return copy_and_register(font, fpe).with(Sequel::FONT_LEFT_OUT);
+    const auto copy = [](FontInstallation& installation, const DirectoryChange&) {
+        return installation.copy_files<GW_BUF_FILE>();
+    };
+    return install_in_change(font, fpe, copy).with(Sequel::FONT_LEFT_OUT);
 }
 
 Outcome IndexedModule::make_visible(GWFont& font, GW_FPE& fpe) {

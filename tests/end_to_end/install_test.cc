@@ -425,8 +425,7 @@ TEST_F(Install, AFullDiskGetsNoPartOfAFont) {
     ASSERT_TRUE(hint_comes_and_goes());
     open_dialog();
     desktop.picture("full-disk");
-    for (const auto& entry : std::filesystem::directory_iterator(disk.path()))
-        EXPECT_EQ(entry.path().filename(), "fonts.dir");
+    EXPECT_EQ(disk.entries(), disk.exists("fonts.dir") ? 1 : 0);
     EXPECT_TRUE(lists_no_font(disk.path()));
     EXPECT_NE(program->errors(), "");
     EXPECT_EQ(leave(), 0);

@@ -44,10 +44,8 @@ class SmallDisk {
     }
     [[nodiscard]] std::string read(const std::string& name) const { return TempDir::read_bytes(file(name)); }
     [[nodiscard]] bool exists(const std::string& name) const { return std::filesystem::exists(file(name)); }
-    /// How many entries the directory has, hidden ones included.
-    [[nodiscard]] std::ptrdiff_t entries() const {
-        return std::distance(std::filesystem::directory_iterator(path_), {});
-    }
+    /// See `entries_in`.
+    [[nodiscard]] std::ptrdiff_t entries() const { return entries_in(path_); }
 
     /// Fills the disk so that this many blocks stay free.
     void leave_blocks(unsigned long blocks) const {

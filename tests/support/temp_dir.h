@@ -5,6 +5,7 @@
 
 #include <stdlib.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -12,6 +13,14 @@
 #include <string_view>
 
 namespace gw::test {
+
+/// How many entries the directory has, hidden ones included, but for the one that a change of fonts keeps in
+/// it.
+inline std::ptrdiff_t entries_in(const std::string& path) {
+    const std::filesystem::directory_iterator entries(path);
+    return std::count_if(begin(entries), end(entries),
+                         [](const auto& entry) { return entry.path().filename() != ".glyphward"; });
+}
 
 class TempDir {
   public:

@@ -12,6 +12,7 @@
 #include <set>
 #include <utility>
 
+#include "core/directory.h"
 #include "makepsres/resource_file.h"
 
 namespace gw::psres {
@@ -131,6 +132,7 @@ class Scan {
         const bool fonts_only = depth == Depth::FONT_DIRECTORY;
         if (fonts_only && !at_top) return is_metrics_name(entry.name);
         if (is_outline_name(entry.name) || is_metrics_name(entry.name)) return true;
+        if (entry.name == OWN_DIRECTORY_NAME) return false;
         if (entry.kind != Kind::FILE) return !fonts_only || entry.name == METRICS_DIRECTORY;
         return !fonts_only && entry.name.ends_with(RESOURCE_EXTENSION);
     }

@@ -19,6 +19,7 @@
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
+#include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
 #include "model/hrn_words.h"
 
@@ -157,25 +158,37 @@ std::size_t font_count(const GWConflict& conflict) {
 }
 
 /// Carries out the decision; whether that counts.
-bool force_and_tell(GWConflict& conflict) {
+bool force_and_tell(GWConflict& conflict, gw::FontReport& all) {
     const std::size_t fonts = font_count(conflict);
     gw::FontReport report;
     force(conflict, report);
-    gw::hear_new_failures(report);
+    all.append(report);
+    gw::hear_new_failures(all);
     // Kept: a font that is decided by force counts as done.
     if (!gw::window_policy().shows_reasons()) return true;
     // As at first, a name counts when one of its fonts was installed, and when all of them were deleted.
     return report.failed().empty() || (installs() && report.failed().size() < fonts);
 }
 
+/// As with single fonts, what fails counts as done unless the windows show reasons.
+void make_final(gw::FontReport& report) {
+    const gw::Sequel sequel = installs() ? gw::Sequel::FONT_LEFT_OUT : gw::Sequel::FONT_STAYS;
+    const int failed = gw::commit_font_action(report, sequel);
+    gw::hear_new_failures(report);
+    if (gw::window_policy().shows_reasons()) success_count -= static_cast<unsigned>(failed);
+}
+
 void carry_out() {
     std::string destination;
     int position = 0;
+    gw::FontReport report;
+    gw::begin_font_action();
     for (GWConflict* conflict : *shown.list()) {
         if (res_list[static_cast<std::size_t>(position++)] != FORCE) continue;
-        if (force_and_tell(*conflict)) ++success_count;
+        if (force_and_tell(*conflict, report)) ++success_count;
         if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
     }
+    make_final(report);
     count_installed_fonts();
     if (installs() && !destination.empty()) {
         for (const gw::Failure& failure : show_installation_to_server(destination)) gw::tell(failure);

@@ -42,6 +42,14 @@ void delete_entry(int position, WorkRecord& work) {
     update_progress_dlg(++work.done);
 }
 
+/// Returns how many of the names that were deleted stay after all.
+int make_deletion_final() {
+    const int staying = gw::commit_font_action(the_installed_hrn_list.get_report(), gw::Sequel::FONT_STAYS);
+    gw::hear_new_failures(the_installed_hrn_list.get_report());
+    if (staying > 0) update_wi_installed_hrn_list();
+    return staying;
+}
+
 void finish_deletion(int deleted) {
     show_main_samples_last();
     stop_progress_dlg();
@@ -85,10 +93,11 @@ Boolean delete_work_proc(XtPointer data) {
         gw::clear_conflict_list();
         the_installed_hrn_list.get_report().clear();
         begin_summary();
+        gw::begin_font_action();
     }
     delete_entry(work->positions[work->index] - work->done, *work);
     ++work->index;
     if (work->is_in_progress()) return False;
-    finish_deletion(work->done);
+    finish_deletion(work->done - make_deletion_final());
     return True;
 }

@@ -419,6 +419,7 @@ Boolean install_work_proc(XtPointer data) {
         gw::clear_conflict_list();
         current_hrn_list.get_report().clear();
         begin_summary();
+        gw::begin_font_action();
     }
     const int result = current_hrn_list.install_at_pos(static_cast<unsigned>(work->positions[work->index]),
                                                        current_install_dir.c_str(), the_installed_hrn_list,
@@ -432,6 +433,8 @@ Boolean install_work_proc(XtPointer data) {
     // This comes last: showing the progress handles events, and they must see that the work is not done yet.
     ++work->index;
     if (work->is_in_progress()) return False;
+    work->done -= gw::commit_font_action(current_hrn_list.get_report(), gw::Sequel::FONT_LEFT_OUT);
+    gw::hear_new_failures(current_hrn_list.get_report());
     finish_installation(work->done);
     return True;
 }

@@ -27,7 +27,8 @@ std::string reason_message(Reason reason) {
 }
 
 std::string reason_in_words(const Failure& failure) {
-    return failure.reason == Reason::SYSTEM ? failure.reason_text() : reason_message(failure.reason);
+    return failure.reason == Reason::SYSTEM ? failure.reason_text()
+                                            : failure.with_detail(reason_message(failure.reason));
 }
 
 /// The words in windows for what follows from a failure; "" when the window itself shows it.
@@ -37,14 +38,8 @@ std::string sequel_message(Sequel sequel) {
             return text_of(Message::NOT_LISTED_NEXT_TIME);
         case Sequel::UNKNOWN_TO_PROGRAMS:
             return text_of(Message::UNKNOWN_TO_PROGRAMS);
-        case Sequel::KEPT_UNDER_ANOTHER_NAME:
-            return text_of(Message::KEPT_UNDER_ANOTHER_NAME);
-        case Sequel::ENTRY_LOST:
-            return text_of(Message::ENTRY_LOST);
         case Sequel::FILE_REMAINS:
             return text_of(Message::FILE_REMAINS);
-        case Sequel::LINE_REMAINS:
-            return text_of(Message::LINE_REMAINS);
         default:
             return "";
     }
@@ -60,11 +55,8 @@ void gather(const std::string& line) {
 }
 
 void gather_sequel(const Failure& failure) {
-    std::string follows = sequel_message(failure.sequel);
-    if (follows.empty()) return;
-    if (const std::size_t place = follows.find("%s"); place != std::string::npos)
-        follows.replace(place, 2, escaped(failure.detail));
-    gather(INDENTATION + follows);
+    const std::string follows = failure.with_detail(sequel_message(failure.sequel));
+    if (!follows.empty()) gather(INDENTATION + follows);
 }
 
 }  // namespace

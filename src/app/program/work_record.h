@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "app/kit/signal.h"
+#include "model/font_report.h"
 
 struct WorkRecord {
     std::vector<int> positions;  ///< the selected positions, 1-based, ascending
@@ -25,7 +26,13 @@ void permit_other_work();
 
 namespace gw {
 
-/// Emitted by these two: whether work may be started from now on.
+/// From now on, what is done to fonts is one change of each directory.
+void begin_font_action();
+/// Makes these changes final. Fonts in directories where that fails are failures in the report after all,
+/// with this consequence, and the lists of fonts are read again. Returns how many names these fonts have.
+int commit_font_action(FontReport& report, Sequel sequel);
+
+/// Emitted by `forbid_other_work` and `permit_other_work`: whether work may be started from now on.
 Signal<bool>& work_permissions();
 
 }  // namespace gw

@@ -26,8 +26,15 @@ TEST(Failure, SaysWhatWhyAndWhatFollows) {
 }
 
 TEST(Failure, PutsItsDetailIntoTheTextOfWhatFollows) {
-    const Failure moved = Failure::of_system("/a", EIO).with(Sequel::KEPT_UNDER_ANOTHER_NAME, "/.a.gwkept");
-    EXPECT_EQ(moved.text(), "/a: Input/output error; it is now called /.a.gwkept");
+    const Failure unlisted = Failure::of_system("/a", EIO).with(Sequel::UNKNOWN_TO_PROGRAMS, "/fonts/");
+    EXPECT_EQ(unlisted.text(), "/a: Input/output error; programs do not see the fonts in /fonts/");
+}
+
+TEST(Failure, PutsItsDetailIntoTheTextOfItsReason) {
+    const Failure busy = {.subject = "/a/", .reason = Reason::IN_USE, .detail = "17"};
+    EXPECT_EQ(busy.text(), "/a/: process 17 is changing this directory");
+    EXPECT_EQ(busy.with(Sequel::FONT_STAYS).text(),
+              "/a/: process 17 is changing this directory; the font stays");
 }
 
 // A full disk was once reported as "Success": the reason had been overwritten by then.
@@ -36,7 +43,8 @@ TEST(Failure, OfTheSystemIsNeverASuccess) {
 }
 
 TEST(Failure, EveryReasonAndSequelHasAText) {
-#define REASON(name, words) EXPECT_EQ((Failure{"x", Reason::name}).text(), std::string("x: ") + (words));
+#define REASON(name, words) \
+    EXPECT_EQ((Failure{"x", Reason::name}).text(), "x: " + Failure{}.with_detail(words));
 #include "core/failures.def"
 #define SEQUEL(name, words) \
     EXPECT_FALSE((Failure{"x", Reason::NOT_OURS}.with(Sequel::name)).text().ends_with("; "));

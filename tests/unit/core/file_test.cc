@@ -209,6 +209,18 @@ TEST_F(FileNames, ARecursiveListingDescendsBreadthFirst) {
     EXPECT_TRUE(all.contains("c.pfa") || all.contains("d.pfa"));
 }
 
+TEST_F(FileNames, NoListingEntersOurOwnDirectory) {
+    const TempDir dir;
+    dir.write(".glyphward/old/0.pfa", "deleted");
+    dir.write(".glyphward/a.pfa", "x");
+    dir.write("b/b.pfa", "x");
+    dir.make_dir("zz");
+    GW_LIST<GW_FILE_SPEC> found;
+    const gw::ElementsOwner owner(found);
+    GW_DIR(dir.c_str()).get_file_spec_list(found, 1, &table);
+    EXPECT_EQ(names(found), (std::set<std::string>{"b", "b.pfa", "zz"}));
+}
+
 TEST_F(FileNames, ALinkBackDoesNotMakeARecursiveListingEndless) {
     const TempDir dir;
     dir.write("sub/a.pfa", "x");

@@ -3,6 +3,7 @@
 // The sources of name lists, with the staging directories under their fixed names: these tests run in the
 // sandbox.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -76,6 +77,36 @@ class Drivers : public testing::Test {
     GW_T1_FSM type1;
     GW_PCF_FSM pcf;
 };
+
+// The program was killed when the file had gone, and its line had not.
+TEST_F(Drivers, InstalledFontsAreWholeAgainAfterAnInterruptedChange) {
+    const TempDir fonts;
+    fonts.write("fonts.dir", "2\na.pcf -x-a\nb.pcf -x-b\n");
+    fonts.write("b.pcf", "B");
+    fonts.write(".glyphward/journal", "glyphward-journal 1\nout 0 a.pcf\n");
+    fonts.write(".glyphward/old/0", "A");
+    use_path(fonts.path());
+    GWHRNList list(0);
+    GWInstalledFontsDriver().get_hrn_list(list);
+    EXPECT_EQ(list.get_count(), 2);
+    EXPECT_EQ(fonts.read("a.pcf"), "A");
+    EXPECT_FALSE(fonts.exists(".glyphward/journal"));
+}
+
+TEST_F(Drivers, AnInterruptedChangeThatThisUserCannotTakeBackIsTold) {
+    if (::geteuid() == 0) GTEST_SKIP() << "every directory is open to the superuser";
+    const TempDir fonts;
+    fonts.write("fonts.dir", "1\na.pcf -x-a\n");
+    fonts.write(".glyphward/journal", "glyphward-journal 1\nout 0 a.pcf\n");
+    ::chmod(fonts.file(".glyphward").c_str(), 0555);
+    use_path(fonts.path());
+    gw::test::HeardFailures heard;
+    GWHRNList list(0);
+    GWInstalledFontsDriver().get_hrn_list(list);
+    ::chmod(fonts.file(".glyphward").c_str(), 0755);
+    EXPECT_NE(heard.text().find("was not finished"), std::string::npos) << heard.text();
+    EXPECT_TRUE(fonts.exists(".glyphward/journal"));
+}
 
 TEST_F(Drivers, InstalledFontsAreThoseOfTheWholePath) {
     home.write("one/fonts.dir",
@@ -267,7 +298,8 @@ TEST_F(Drivers, AMediumThatIsNotMountedGivesNothing) {
         EXPECT_EQ(list.get_count(), 0);
         const std::string word = kind == 0 ? "floppy" : "cdrom";
         EXPECT_EQ(driver.get_preview_dir(), "/tmp/gw_" + word + "/");
-        EXPECT_EQ(std::filesystem::read_symlink("/tmp/gw_" + word + "/" + word), "/" + word);
+        const std::string link = '/' + word;
+        EXPECT_EQ(std::filesystem::read_symlink("/tmp/gw_" + word + link), link);
         EXPECT_EQ(TempDir::read_bytes("/tmp/gw_" + word + "/fonts.dir"), "0\n");
     }
 }

@@ -115,6 +115,7 @@ TEST_F(IndexTest, SubdirectoriesAreGoneThroughWhenAllIsRescanned) {
     fonts.write("top.pfa", outline("Top"));
     fonts.write("a/b/deep.pfa", outline("Deep"));
     fonts.write(".hidden/h.pfa", outline("Hidden"));
+    fonts.write(".glyphward/old/0.pfa", outline("Deleted"));
     fonts.write("afm/top.afm", metrics("Top"));
     fonts.write("afm/odd.pfa", outline("Odd"));
     fonts.write("afm/more/more.afm", metrics("More"));

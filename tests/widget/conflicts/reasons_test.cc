@@ -205,7 +205,7 @@ TEST_F(Reasons, ASampleTextThatCannotBeKeptIsSaidInItsDialog) {
 
 TEST(FailureLines, SpeakTheUsersLanguageForEveryReason) {
 #define REASON(name, words) \
-    EXPECT_EQ(gw::failure_line({"x", gw::Reason::name}), std::string("x: ") + (words));
+    EXPECT_EQ(gw::failure_line({"x", gw::Reason::name}), "x: " + gw::Failure{}.with_detail(words));
 #include "core/failures.def"
     EXPECT_EQ(gw::failure_line(gw::Failure::of_system("/a", EIO)), "/a: Input/output error");
 }

@@ -1,0 +1,486 @@
+// SPDX-License-Identifier: MIT
+#include "store/directory_change.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <filesystem>
+#include <utility>
+
+#include "core/file_calls.h"
+#include "core/replace_file.h"
+#include "core/rights.h"
+#include "fontfiles/index_text.h"
+#include "platform/host_paths.h"
+#include "store/take_back.h"
+
+namespace gw {
+
+namespace {
+
+constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
+constexpr int MOST_ATTEMPTS = 5;
+
+const std::string INDEX(FONT_INDEX_NAME);
+
+FontAction*& current_action() {
+    static FontAction* action = nullptr;
+    return action;
+}
+
+bool is_lack_of_room(const Failure& failure) {
+    return failure.reason == Reason::SYSTEM && (failure.error == ENOSPC || failure.error == EDQUOT);
+}
+
+/// Whether a change has left anything behind that did not come to its end.
+bool has_left_overs(const Directory& own) {
+    std::error_code unreadable;
+    return own.has(OwnDirectory::JOURNAL) || !std::filesystem::is_empty(own.path_of("new"), unreadable) ||
+           !std::filesystem::is_empty(own.path_of("old"), unreadable);
+}
+
+/// Whether the file is still the one that was looked at.
+bool is_unchanged(const struct stat& a, const struct stat& b) {
+    return a.st_ino == b.st_ino && a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
+           a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
+}
+
+}  // namespace
+
+DirectoryChange::DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own)
+    : dir_(std::move(dir)), own_(std::move(own)) {}
+
+DirectoryChange::~DirectoryChange() {
+    take_back_all();
+    if (records_.empty()) tell_unless_done(forget_journal());
+}
+
+Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(const std::string& path) {
+    Result<Directory> dir = Directory::open(path);
+    if (!dir) return dir.failure();
+    return begin(std::move(*dir));
+}
+
+Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir) {
+    Result<std::unique_ptr<OwnDirectory>> own = OwnDirectory::enter(dir);
+    if (!own) return own.failure();
+    if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
+    std::unique_ptr<DirectoryChange> change(new DirectoryChange(std::move(dir), std::move(*own)));
+    if (Outcome loaded = change->load_index(); !loaded) return loaded.failure();
+    return change;
+}
+
+Outcome DirectoryChange::load_index() {
+    has_index_ = dir_.look_at(INDEX, index_info_);
+    if (!has_index_)
+        return errno == ENOENT ? done() : Outcome(Failure::of_system(dir_.path_of(INDEX), errno));
+    if (S_ISLNK(index_info_.st_mode) && !is_superuser(index_info_.st_uid) &&
+        index_info_.st_uid != ::geteuid())
+        return Failure{dir_.path_of(INDEX), Reason::NOT_OURS};
+    overwrites_index_ = S_ISLNK(index_info_.st_mode) || index_info_.st_nlink != 1;
+    Result<std::string> bytes =
+        S_ISLNK(index_info_.st_mode) ? read_file(dir_.path_of(INDEX)) : dir_.read(INDEX);
+    if (!bytes) return bytes.failure();
+    before_ = std::move(*bytes);
+    text_ = before_;
+    return done();
+}
+
+/// What stands in the journal behind this is not done. If it cannot be cut off, the change can only be taken
+/// back.
+Outcome DirectoryChange::cut_journal(off_t size) {
+    if (file_calls().truncate(journal_.get(), size) == 0) return done();
+    broken_ = Failure::of_system(dir_.path(), errno);
+    return *broken_;
+}
+
+Outcome DirectoryChange::note(const std::vector<journal::Record>& records) {
+    if (broken_) return *broken_;
+    std::string lines;
+    if (!journal_.is_open()) {
+        Result<Descriptor> file = own_->create(own_->dir(), OwnDirectory::JOURNAL);
+        if (!file) return Failure::of_system(dir_.path(), file.failure().error);
+        journal_ = std::move(*file);
+        lines = journal::HEADING;
+    }
+    const off_t end = ::lseek(journal_.get(), 0, SEEK_END);
+    for (const journal::Record& record : records) lines += line_of(record);
+    int error = write_all(journal_.get(), lines);
+    if (error == 0 && file_calls().sync(journal_.get()) != 0) error = errno;
+    if (error != 0) {
+        if (Outcome cut = cut_journal(end); !cut) return cut;
+        return Failure::of_system(dir_.path(), error);
+    }
+    for (const journal::Record& record : records) {
+        records_.push_back(record);
+        offsets_.push_back(end);
+    }
+    return done();
+}
+
+/// An index that may not be written is not replaced either.
+Outcome DirectoryChange::may_write_index() const {
+    if (!has_index_ || ::faccessat(dir_.fd(), INDEX.c_str(), W_OK, AT_EACCESS) == 0) return done();
+    return Failure::of_system(dir_.path_of(INDEX), errno);
+}
+
+Outcome DirectoryChange::make_index() {
+    if (has_index_) return may_write_index();
+    Result<Descriptor> fd = own_->create(own_->made(), INDEX);
+    if (!fd) return Failure::of_system(dir_.path_of(INDEX), fd.failure().error);
+    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
+    file.write("0\n");
+    if (Outcome finished = file.finish(); !finished) return finished;
+    if (file_calls().rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) != 0)
+        return Failure::of_system(dir_.path_of(INDEX), errno);
+    return load_index();
+}
+
+Outcome DirectoryChange::make_metrics_dir() {
+    const std::string name(journal::METRICS);
+    if (dir_.has(name)) return done();
+    if (Outcome noted = note({journal::MadeDir{name}}); !noted) return noted;
+    if (file_calls().make_dir(dir_.fd(), name.c_str(), ANYBODY_BEFORE_UMASK) != 0)
+        return Failure::of_system(dir_.path_of(name), errno);
+    return done();
+}
+
+Outcome DirectoryChange::may_be_replaced(const std::string& name) const {
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
+    if (!place) return place.failure();
+    struct stat old = {};
+    if (!place->dir().look_at(place->name(), old)) return done();
+    if (S_ISDIR(old.st_mode)) return Failure::of_system(dir_.path_of(name), EISDIR);
+    if (S_ISREG(old.st_mode) && ::faccessat(place->dir().fd(), place->name().c_str(), W_OK, AT_EACCESS) != 0)
+        return Failure::of_system(dir_.path_of(name), errno);
+    return done();
+}
+
+Result<DirectoryChange::StagedFile> DirectoryChange::stage(const std::string& name) {
+    const std::string path = dir_.path_of(name);
+    if (!journal::can_name(name)) return Failure{path, Reason::NAME_UNFIT_FOR_INDEX};
+    if (Outcome allowed = may_be_replaced(name); !allowed) return allowed.failure();
+    const std::string number = std::to_string(next_number_++);
+    Result<Descriptor> fd = own_->create(own_->made(), number);
+    if (!fd) return Failure::of_system(path, fd.failure().error);
+    StagedFile file(std::move(*fd), path, name, number);
+    struct stat old = {};
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
+    if (place && place->dir().look_at(place->name(), old)) file.set_owner({old.st_uid, old.st_gid});
+    return file;
+}
+
+bool DirectoryChange::changes_a_file(const StagedFile& file) const {
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, file.name());
+    if (!place || !place->dir().has(place->name()) || !will_have(file.name())) return false;
+    const Result<std::string> old = place->dir().read(place->name());
+    const Result<std::string> made = own_->made().read(file.number_);
+    return !old || !made || *old != *made;
+}
+
+Outcome DirectoryChange::put(const StagedFile& file) {
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, file.name());
+    if (!place) return place.failure();
+    const bool replaces = place->dir().has(place->name());
+    std::vector<journal::Record> records;
+    const unsigned number = next_number_++;
+    if (replaces) records.emplace_back(journal::Out{number, file.name()});
+    records.emplace_back(journal::Put{file.inode(), file.name()});
+    if (Outcome noted = note(records); !noted) return noted;
+    const std::string aside = std::to_string(number);
+    const FileCalls& calls = file_calls();
+    const int old_place = place->dir().fd();
+    if (replaces &&
+        calls.link(old_place, place->name().c_str(), own_->set_aside().fd(), aside.c_str()) != 0 &&
+        calls.rename(old_place, place->name().c_str(), own_->set_aside().fd(), aside.c_str()) != 0) {
+        return Failure::of_system(file.path(), errno);
+    }
+    if (calls.rename(own_->made().fd(), file.number_.c_str(), old_place, place->name().c_str()) != 0)
+        return Failure::of_system(file.path(), errno);
+    std::erase_if(leaving_, [&](const Leaving& leaving) { return leaving.name == file.name(); });
+    return done();
+}
+
+bool DirectoryChange::take_out(const std::string& name, bool may_stay) {
+    if (!journal::can_name(name)) return false;
+    leaving_.push_back({name, may_stay});
+    return true;
+}
+
+void DirectoryChange::afterwards(const std::string& key, std::function<void()> step) {
+    const bool is_known = std::any_of(afterwards_.begin(), afterwards_.end(),
+                                      [&](const Step& known) { return known.key == key; });
+    if (!is_known) afterwards_.push_back({key, std::move(step)});
+}
+
+bool DirectoryChange::will_have(const std::string& name) const {
+    const bool leaves = std::any_of(leaving_.begin(), leaving_.end(),
+                                    [&](const Leaving& leaving) { return leaving.name == name; });
+    return !leaves && dir_.has(name);
+}
+
+void DirectoryChange::touch(const std::string& line) {
+    lines_.try_emplace(line, occurrences(before_, line));
+}
+
+void DirectoryChange::enter(const std::string& line) {
+    touch(line);
+    text_ = with_entries(text_, line, 1);
+}
+
+int DirectoryChange::strike_out(const std::string& file_name, int most) {
+    const std::vector<std::string> struck = gw::strike_out(text_, file_name, most);
+    for (const std::string& line : struck) touch(line.ends_with('\n') ? line : line + '\n');
+    return static_cast<int>(struck.size());
+}
+
+DirectoryChange::Mark DirectoryChange::mark() const {
+    return {records_.size(), leaving_.size(), afterwards_.size(), text_, lines_};
+}
+
+void DirectoryChange::take_back_all() {
+    take_back_to({0, 0, 0, before_, {}});
+}
+
+void DirectoryChange::take_back_to(const Mark& mark) {
+    text_ = mark.text;
+    lines_ = mark.lines;
+    leaving_.resize(std::min(mark.leaving, leaving_.size()));
+    afterwards_.resize(std::min(mark.afterwards, afterwards_.size()));
+    if (records_.size() <= mark.records) return;
+    const auto first = records_.begin() + static_cast<std::ptrdiff_t>(mark.records);
+    // What cannot be taken back stays in the journal, for the next time.
+    if (const Outcome taken = take_back(dir_, *own_, {first, records_.end()}); !taken) {
+        broken_ = taken.failure();
+        return;
+    }
+    (void)cut_journal(offsets_[mark.records]);
+    records_.resize(mark.records);
+    offsets_.resize(mark.records);
+}
+
+Outcome DirectoryChange::prepare_index(const std::string& text, std::vector<journal::Record>& records) {
+    Result<Descriptor> fd = own_->create(own_->made(), INDEX);
+    if (!fd) return fd.failure();
+    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
+    if (has_index_) file.set_owner({index_info_.st_uid, index_info_.st_gid});
+    file.write(text);
+    if (has_index_) file.be_later_than(index_info_);
+    if (Outcome finished = file.finish(); !finished) return finished;
+    for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
+    records.emplace_back(journal::Index{file.inode(), has_index_});
+    return done();
+}
+
+/// An index that is a link, or has other names, stays what it is.
+Outcome DirectoryChange::write_index_in_place() {
+    std::vector<journal::Record> records;
+    for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
+    records.emplace_back(journal::Index{0, true});
+    if (Outcome noted = note(records); !noted) return noted;
+    return replace_file(dir_.path_of(INDEX), text_);
+}
+
+// The index is looked at again just before the new one takes its place, because programs that know nothing of
+// the lock write it too.
+Outcome DirectoryChange::write_index() {
+    if (lines_.empty()) return done();
+    if (Outcome allowed = may_write_index(); !allowed) return allowed;
+    if (overwrites_index_) return write_index_in_place();
+    for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
+        const Mark before = mark();
+        std::vector<journal::Record> records;
+        if (Outcome made = prepare_index(text_, records); !made) return made;
+        if (Outcome noted = note(records); !noted) return noted;
+        const FileCalls& calls = file_calls();
+        if (has_index_) (void)calls.link(dir_.fd(), INDEX.c_str(), own_->set_aside().fd(), INDEX.c_str());
+        struct stat now = {};
+        const bool has_now = dir_.look_at(INDEX, now);
+        if (has_now == has_index_ && (!has_now || is_unchanged(now, index_info_))) {
+            if (calls.rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) == 0) return done();
+            return Failure::of_system(dir_.path_of(INDEX), errno);
+        }
+        if (Outcome merged = merge_index(before.records); !merged) return merged;
+    }
+    return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
+}
+
+/// Makes the same edits to the index that another program has written meanwhile.
+Outcome DirectoryChange::merge_index(std::size_t records) {
+    (void)file_calls().unlink(own_->set_aside().fd(), INDEX.c_str(), 0);
+    if (Outcome cut = cut_journal(offsets_[records]); !cut) return cut;
+    records_.resize(records);
+    offsets_.resize(records);
+    std::map<std::string, int> wanted;
+    for (const auto& [line, number] : lines_) wanted[line] = occurrences(text_, line) - number;
+    if (Outcome loaded = load_index(); !loaded) return loaded;
+    for (auto& [line, number] : lines_) {
+        number = occurrences(text_, line);
+        set_occurrences(text_, line, std::max(0, number + wanted[line]));
+    }
+    return done();
+}
+
+Outcome DirectoryChange::move_out() {
+    std::vector<journal::Record> records;
+    std::vector<unsigned> numbers;
+    for (const Leaving& leaving : leaving_) {
+        numbers.push_back(next_number_);
+        records.emplace_back(journal::Out{next_number_++, leaving.name});
+    }
+    if (records.empty()) return done();
+    if (Outcome noted = note(records); !noted) return noted;
+    for (std::size_t i = 0; i < leaving_.size(); ++i) {
+        const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving_[i].name);
+        const int error = place ? place->rename_to(own_->set_aside(), std::to_string(numbers[i])) : ENOENT;
+        if (error == 0 || error == ENOENT || error == ENOTDIR) continue;
+        const Failure failure = Failure::of_system(dir_.path_of(leaving_[i].name), error);
+        if (!leaving_[i].may_stay) return failure;
+        tell(failure.with(Sequel::FILE_REMAINS));
+    }
+    return done();
+}
+
+Outcome DirectoryChange::forget_journal() {
+    if (!journal_.is_open()) {
+        own_->clear();
+        return done();
+    }
+    if (Outcome gone = own_->remove_journal(); !gone) return gone;
+    records_.clear();
+    offsets_.clear();
+    journal_ = Descriptor();
+    own_->clear();
+    return done();
+}
+
+Outcome DirectoryChange::execute() {
+    if (Outcome written = write_index(); !written) return written;
+    if (Outcome moved = move_out(); !moved) return moved;
+    (void)file_calls().sync(dir_.fd());
+    return forget_journal();
+}
+
+// On a full disk there is no room for a journal or for a second index, but what only deletes makes room.
+Outcome DirectoryChange::commit_for_good() {
+    if (Outcome written = replace_file(dir_.path_of(INDEX), text_); !written) return written;
+    for (const Leaving& leaving : leaving_) {
+        const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving.name);
+        if (!place || file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0 ||
+            errno == ENOENT)
+            continue;
+        tell(Failure::of_system(dir_.path_of(leaving.name), errno).with(Sequel::FILE_REMAINS));
+    }
+    return done();
+}
+
+/// What follows a change that is final.
+void DirectoryChange::finish() {
+    leaving_.clear();
+    lines_.clear();
+    for (const Step& step : std::exchange(afterwards_, {})) step.run();
+}
+
+Outcome DirectoryChange::commit() {
+    const Mark end = mark();
+    const bool only_deletes = records_.empty() && text_.size() <= before_.size();
+    const std::vector<Leaving> leaving = leaving_;
+    const std::vector<Step> following = afterwards_;
+    Outcome outcome = broken_ ? Outcome(*broken_) : execute();
+    if (!outcome) {
+        take_back_all();
+        if (!records_.empty()) return outcome;
+        tell_unless_done(forget_journal());
+        if (!only_deletes || !is_lack_of_room(outcome.failure())) return outcome;
+        text_ = end.text;
+        leaving_ = leaving;
+        afterwards_ = following;
+        outcome = commit_for_good();
+    }
+    if (outcome) finish();
+    return outcome;
+}
+
+Outcome settle(const std::string& path) {
+    Result<Directory> dir = Directory::open(path);
+    const Result<Directory> own = dir ? dir->below(OwnDirectory::NAME) : Result<Directory>(dir.failure());
+    // Who may not look into our directory cannot know more.
+    if (!own || !has_left_overs(*own)) return done();
+    const Result<std::unique_ptr<DirectoryChange>> change = DirectoryChange::begin(path);
+    if (change || change.failure().reason == Reason::IN_USE) return done();
+    return change.failure().reason == Reason::SYSTEM ? Outcome(Failure{path, Reason::UNFINISHED})
+                                                     : Outcome(change.failure());
+}
+
+FontAction::FontAction() : outer_(std::exchange(current_action(), this)) {}
+
+FontAction::~FontAction() {
+    current_action() = outer_;
+}
+
+DirectoryChange* FontAction::find(const Directory& dir) const {
+    const auto found = std::find_if(open_.begin(), open_.end(),
+                                    [&](const auto& change) { return change->dir().is_same_as(dir); });
+    return found != open_.end() ? found->get() : nullptr;
+}
+
+// What comes is committed before what goes: the last to be opened is that of the font that replaces another.
+std::vector<FontAction::Failed> FontAction::commit() {
+    std::vector<Failed> failed;
+    for (auto change = open_.rbegin(); change != open_.rend(); ++change) {
+        if (Outcome committed = failed.empty() ? (*change)->commit() : Outcome(failed.front().why);
+            !committed)
+            failed.push_back({(*change)->dir().path(), committed.failure()});
+    }
+    open_.clear();
+    return failed;
+}
+
+Outcome in_change(const std::string& path, const std::function<Outcome(DirectoryChange&)>& step) {
+    Result<Directory> dir = Directory::open(path);
+    if (!dir) return dir.failure();
+    FontAction* action = current_action();
+    DirectoryChange* change = action != nullptr ? action->find(*dir) : nullptr;
+    std::unique_ptr<DirectoryChange> own;
+    if (change == nullptr) {
+        Result<std::unique_ptr<DirectoryChange>> begun = DirectoryChange::begin(std::move(*dir));
+        if (!begun) return begun.failure();
+        own = std::move(*begun);
+        change = own.get();
+    }
+    const DirectoryChange::Mark mark = change->mark();
+    Outcome outcome = step(*change);
+    if (!outcome) {
+        change->take_back_to(mark);
+    } else if (action == nullptr) {
+        outcome = change->commit();
+    }
+    if (action != nullptr && own) action->open_.push_back(std::move(own));
+    return outcome;
+}
+
+Outcome as_one_change(const std::function<Outcome()>& steps) {
+    FontAction* action = current_action();
+    if (action == nullptr) {
+        FontAction own;
+        Outcome outcome = steps();
+        if (!outcome) return outcome;
+        const std::vector<FontAction::Failed> failed = own.commit();
+        return failed.empty() ? done() : Outcome(failed.front().why);
+    }
+    std::vector<DirectoryChange::Mark> marks;
+    for (const auto& change : action->open_) marks.push_back(change->mark());
+    Outcome outcome = steps();
+    for (std::size_t i = 0; !outcome && i < action->open_.size(); ++i) {
+        if (i < marks.size()) {
+            action->open_[i]->take_back_to(marks[i]);
+        } else {
+            action->open_[i]->take_back_all();
+        }
+    }
+    return outcome;
+}
+
+}  // namespace gw

@@ -1,0 +1,178 @@
+// SPDX-License-Identifier: MIT
+//
+// A change of a font directory: files that come, files that go, lines of the index. It is made completely or
+// not at all, also when the process is killed in the middle: the next change, or the next `settle`, takes
+// back what was begun.
+//
+// New files are made in our own directory (see own_directory.h) and get their names font by font. What goes,
+// and the index, follow when the change is committed: first the index, in one write, then the files.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/directory.h"
+#include "core/failure.h"
+#include "core/file_writer.h"
+#include "store/journal.h"
+#include "store/own_directory.h"
+
+namespace gw {
+
+class DirectoryChange {
+  public:
+    /// A new file for the directory, without its name so far.
+    class StagedFile : public FileWriter {
+      public:
+        [[nodiscard]] const std::string& name() const { return name_; }
+
+      private:
+        friend class DirectoryChange;
+        StagedFile(Descriptor fd, std::string path, std::string name, std::string number)
+            : FileWriter(std::move(fd), std::move(path)),
+              name_(std::move(name)),
+              number_(std::move(number)) {}
+        std::string name_;    // in the font directory
+        std::string number_;  // in our own
+    };
+
+    /// Opens the directory, takes its lock, and takes back a change that did not come to its end.
+    static Result<std::unique_ptr<DirectoryChange>> begin(const std::string& dir);
+    static Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
+    /// Takes back what is not committed.
+    ~DirectoryChange();
+    DirectoryChange(const DirectoryChange&) = delete;
+    DirectoryChange& operator=(const DirectoryChange&) = delete;
+
+    [[nodiscard]] const Directory& dir() const { return dir_; }
+
+    /// Makes the subdirectory for metrics, if it is missing.
+    Outcome make_metrics_dir();
+    /// Begins a file that shall be called NAME. A file of that name that may not be written, or a directory,
+    /// is not replaced.
+    Result<StagedFile> stage(const std::string& name);
+    /// Whether the finished file will replace one with other bytes.
+    [[nodiscard]] bool changes_a_file(const StagedFile& file) const;
+    /// Gives the finished file its name.
+    Outcome put(const StagedFile& file);
+    /// The file NAME goes when the change is committed; one that is missing counts as gone. With `may_stay`
+    /// the change succeeds although the file cannot be removed, and the listener for failures is told. False
+    /// for a name that a journal cannot have; nothing is done then.
+    bool take_out(const std::string& name, bool may_stay);
+    /// Runs when the change is final; of several steps with the same key only the first.
+    void afterwards(const std::string& key, std::function<void()> step);
+
+    /// Makes an index without entries, if there is none. It stays, whatever becomes of the change. Fails for
+    /// an index that may not be written.
+    Outcome make_index();
+    /// The index as it will be.
+    [[nodiscard]] const std::string& index() const { return text_; }
+    /// Appends an entry line, newline included.
+    void enter(const std::string& line);
+    /// Removes the entries of the file, at most the first `most`; returns their number.
+    int strike_out(const std::string& file_name, int most);
+    /// Whether the directory will have a file of this name.
+    [[nodiscard]] bool will_have(const std::string& name) const;
+
+    /// What a font's part of the change can be taken back to.
+    struct Mark {
+        std::size_t records;
+        std::size_t leaving;
+        std::size_t afterwards;
+        std::string text;
+        std::map<std::string, int> lines;
+    };
+    [[nodiscard]] Mark mark() const;
+    void take_back_to(const Mark& mark);
+    void take_back_all();
+
+    /// Makes the change final. After a failure everything is as it was before `begin`.
+    Outcome commit();
+
+  private:
+    struct Leaving {
+        std::string name;
+        bool may_stay;
+    };
+
+    struct Step {
+        std::string key;
+        std::function<void()> run;
+    };
+
+    DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own);
+    Outcome load_index();
+    [[nodiscard]] Outcome may_write_index() const;
+    [[nodiscard]] Outcome may_be_replaced(const std::string& name) const;
+    Outcome note(const std::vector<journal::Record>& records);
+    void touch(const std::string& line);
+    Outcome write_index();
+    Outcome prepare_index(const std::string& text, std::vector<journal::Record>& records);
+    Outcome write_index_in_place();
+    Outcome merge_index(std::size_t records);
+    Outcome move_out();
+    Outcome execute();
+    Outcome commit_for_good();
+    Outcome cut_journal(off_t size);
+    void finish();
+    Outcome forget_journal();
+
+    Directory dir_;
+    std::unique_ptr<OwnDirectory> own_;
+    Descriptor journal_;
+    std::vector<journal::Record> records_;
+    std::vector<off_t> offsets_;  // of the records in the journal
+    std::vector<Leaving> leaving_;
+    std::vector<Step> afterwards_;
+    std::map<std::string, int> lines_;  // how many of each changed line there were
+    std::string before_;
+    std::string text_;
+    struct stat index_info_ = {};
+    bool has_index_ = false;
+    bool overwrites_index_ = false;  // it is a link, or has other names
+    unsigned next_number_ = 0;
+    std::optional<Failure> broken_;  // why nothing can be added: the journal says more than was done
+};
+
+/// Takes back a change of the directory that did not come to its end, if there is one and this user may.
+/// Otherwise says so (`Reason::UNFINISHED`). Somebody else's change that is going on is left alone.
+Outcome settle(const std::string& dir);
+
+/// Everything that belongs to one action of the user. As long as there is one, changes of a directory are one
+/// change, which `commit` makes final.
+class FontAction {
+  public:
+    FontAction();
+    /// Takes back what is not committed.
+    ~FontAction();
+    FontAction(const FontAction&) = delete;
+    FontAction& operator=(const FontAction&) = delete;
+
+    struct Failed {
+        std::string dir;  ///< ends in "/"
+        Failure why;
+    };
+    /// Makes all changes final, until one fails. Returns the directories that are as they were before.
+    std::vector<Failed> commit();
+
+  private:
+    friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
+    friend Outcome as_one_change(const std::function<Outcome()>& steps);
+    [[nodiscard]] DirectoryChange* find(const Directory& dir) const;
+
+    FontAction* outer_;
+    std::vector<std::unique_ptr<DirectoryChange>> open_;
+};
+
+/// Runs the step as part of the user's action that is going on, or as a change of its own. What a failed step
+/// has done is taken back.
+Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
+
+/// The same for steps in several directories: if they fail, all that they have done is taken back.
+Outcome as_one_change(const std::function<Outcome()>& steps);
+
+}  // namespace gw

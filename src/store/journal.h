@@ -1,0 +1,70 @@
+// SPDX-License-Identifier: MIT
+//
+// The journal of a change of a font directory: what has to be taken back if the change does not come to its
+// end. Each record is on the disk before what it describes is done. Format: the line "glyphward-journal 1",
+// then a line for each record:
+//
+//     put INODE NAME         the file with this inode number gets the name NAME
+//     out NUMBER NAME        the file NAME is set aside as "old/NUMBER"
+//     dir NAME               the directory NAME is made
+//     line NUMBER TEXT       before the change the index has NUMBER lines with this text, and then another
+//     number index INODE WAS        the file with this inode number becomes the index; WAS is 1 if there was
+//     one before
+//
+// A name is that of a file in the directory, or of one in its subdirectory "afm". A last line without its
+// newline was not written to its end, so nothing of it was done.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "core/failure.h"
+
+namespace gw::journal {
+
+struct Put {
+    ino_t inode;
+    std::string name;
+    bool operator==(const Put&) const = default;
+};
+struct Out {
+    unsigned number;
+    std::string name;
+    bool operator==(const Out&) const = default;
+};
+struct MadeDir {
+    std::string name;
+    bool operator==(const MadeDir&) const = default;
+};
+struct Line {
+    int number;
+    std::string text;  ///< with its newline
+    bool operator==(const Line&) const = default;
+};
+struct Index {
+    ino_t inode;
+    bool was;
+    bool operator==(const Index&) const = default;
+};
+using Record = std::variant<Put, Out, MadeDir, Line, Index>;
+
+inline constexpr std::string_view HEADING = "glyphward-journal 1\n";
+/// The subdirectory for metrics, the only one that a name may be in.
+inline constexpr std::string_view METRICS = "afm";
+
+/// Whether a journal can name this file: a single component, or one in the subdirectory for metrics; no line
+/// break in it, and none of our own directory's.
+[[nodiscard]] bool can_name(std::string_view name);
+
+/// The record as a line. Its name must be one that `can_name` accepts.
+[[nodiscard]] std::string line_of(const Record& record);
+
+/// The records of a journal; a failure with this subject when it is none. What was begun and not written to
+/// its end counts as absent.
+Result<std::vector<Record>> parse(std::string_view text, const std::string& subject);
+
+}  // namespace gw::journal

@@ -1,0 +1,167 @@
+// SPDX-License-Identifier: MIT
+#include "store/take_back.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "core/file_calls.h"
+#include "core/file_writer.h"
+#include "core/replace_file.h"
+#include "core/rights.h"
+#include "fontfiles/index_text.h"
+#include "platform/host_paths.h"
+
+namespace gw {
+
+namespace {
+
+const std::string INDEX(FONT_INDEX_NAME);
+
+Outcome fails_unless(bool fine, const std::string& path) {
+    return fine ? done() : Outcome(Failure::of_system(path, errno));
+}
+
+class TakingBack {
+  public:
+    TakingBack(const Directory& fonts, const OwnDirectory& own) : fonts_(fonts), own_(own) {}
+
+    Outcome operator()(const journal::Put& put) const {
+        const Result<PlaceBelow> place = PlaceBelow::of(fonts_, put.name);
+        struct stat info = {};
+        if (!place || !place->dir().look_at(place->name(), info) || info.st_ino != put.inode) return done();
+        return fails_unless(file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0,
+                            fonts_.path_of(put.name));
+    }
+
+    Outcome operator()(const journal::Out& out) const {
+        const std::string aside = std::to_string(out.number);
+        const Result<PlaceBelow> place = PlaceBelow::of(fonts_, out.name);
+        if (!place || !own_.set_aside().has(aside) || place->dir().has(place->name())) return done();
+        return fails_unless(file_calls().rename(own_.set_aside().fd(), aside.c_str(), place->dir().fd(),
+                                                place->name().c_str()) == 0,
+                            fonts_.path_of(out.name));
+    }
+
+    Outcome operator()(const journal::MadeDir& made) const {
+        const bool gone = file_calls().unlink(fonts_.fd(), made.name.c_str(), AT_REMOVEDIR) == 0;
+        return fails_unless(
+            gone || errno == ENOENT || errno == ENOTEMPTY || errno == EEXIST || errno == ENOTDIR,
+            fonts_.path_of(made.name));
+    }
+
+    Outcome operator()(const journal::Line& line) {
+        lines_.push_back(line);
+        return done();
+    }
+
+    Outcome operator()(const journal::Index& index) {
+        index_ = index;
+        is_written_ = true;
+        return done();
+    }
+
+    Outcome index() const {
+        if (!is_written_) return done();
+        struct stat now = {};
+        struct stat old = {};
+        const bool has_now = fonts_.look_at(INDEX, now);
+        const bool has_old = own_.set_aside().look_at(INDEX, old);
+        if (has_now && has_old && now.st_ino == old.st_ino) return done();  // it was not replaced yet
+        if (has_old && (!has_now || now.st_ino == index_.inode)) return bring_back_index();
+        if (!index_.was && has_now && now.st_ino == index_.inode)
+            return fails_unless(file_calls().unlink(fonts_.fd(), INDEX.c_str(), 0) == 0,
+                                fonts_.path_of(INDEX));
+        return has_now ? lines_in(now) : done();
+    }
+
+  private:
+    // Between two links to the same file `rename` does nothing, but these are two files.
+    [[nodiscard]] Outcome bring_back_index() const {
+        return fails_unless(
+            file_calls().rename(own_.set_aside().fd(), INDEX.c_str(), fonts_.fd(), INDEX.c_str()) == 0,
+            fonts_.path_of(INDEX));
+    }
+
+    /// The index is another program's, or was overwritten: only our lines are set right.
+    [[nodiscard]] Outcome lines_in(const struct stat& info) const {
+        const bool is_link = S_ISLNK(info.st_mode);
+        if (is_link && !is_superuser(info.st_uid) && info.st_uid != ::geteuid())
+            return Failure{fonts_.path_of(INDEX), Reason::NOT_OURS};
+        const Result<std::string> bytes = is_link ? read_file(fonts_.path_of(INDEX)) : fonts_.read(INDEX);
+        if (!bytes) return bytes.failure();
+        std::string text = *bytes;
+        for (const journal::Line& line : lines_) set_occurrences(text, line.text, line.number);
+        return text == *bytes ? done() : replace_file(fonts_.path_of(INDEX), text);
+    }
+
+    const Directory& fonts_;
+    const OwnDirectory& own_;
+    std::vector<journal::Line> lines_;
+    journal::Index index_{};
+    bool is_written_ = false;
+};
+
+/// The journal, if there is one that may be believed.
+Result<std::string> journal_in(const Directory& fonts, const OwnDirectory& own, const struct stat& info) {
+    const std::string path = own.dir().path_of(OwnDirectory::JOURNAL);
+    const bool believed =
+        S_ISREG(info.st_mode) && info.st_nlink == 1 &&
+        (is_superuser(info.st_uid) || info.st_uid == fonts.info().st_uid || info.st_uid == ::geteuid());
+    if (!believed) return Failure{path, Reason::NOT_OURS};
+    return own.dir().read(OwnDirectory::JOURNAL);
+}
+
+}  // namespace
+
+Result<PlaceBelow> PlaceBelow::of(const Directory& fonts, const std::string& name) {
+    PlaceBelow place(fonts, name);
+    const std::size_t slash = name.find('/');
+    if (slash == std::string::npos) return place;
+    Result<Directory> metrics = fonts.below(name.substr(0, slash));
+    if (!metrics) return metrics.failure();
+    place.metrics_ = std::move(*metrics);
+    place.name_ = name.substr(slash + 1);
+    return place;
+}
+
+int PlaceBelow::rename_to(const Directory& to, const std::string& new_name) const {
+    struct stat info = {};
+    if (dir().look_at(name_, info) && S_ISDIR(info.st_mode)) return EISDIR;
+    return file_calls().rename(dir().fd(), name_.c_str(), to.fd(), new_name.c_str()) == 0 ? 0 : errno;
+}
+
+// The index comes first: until the files are back, a line too few does less harm than a line too many. A
+// failure does not keep the rest from being taken back.
+Outcome take_back(const Directory& fonts, const OwnDirectory& own,
+                  const std::vector<journal::Record>& records) {
+    TakingBack step(fonts, own);
+    Outcome first_failure;
+    const auto heed = [&](const Outcome& outcome) {
+        if (!outcome && first_failure) first_failure = outcome;
+    };
+    for (auto record = records.rbegin(); record != records.rend(); ++record) heed(std::visit(step, *record));
+    heed(step.index());
+    (void)file_calls().sync(fonts.fd());
+    return first_failure;
+}
+
+Outcome recover(const Directory& fonts, const OwnDirectory& own) {
+    struct stat info = {};
+    if (!own.dir().look_at(OwnDirectory::JOURNAL, info)) {
+        own.clear();
+        return done();
+    }
+    const Result<std::string> text = journal_in(fonts, own, info);
+    if (!text) return text.failure();
+    const auto records = journal::parse(*text, own.dir().path_of(OwnDirectory::JOURNAL));
+    if (!records) return records.failure();
+    if (Outcome taken = take_back(fonts, own, *records); !taken) return taken;
+    if (Outcome gone = own.remove_journal(); !gone) return gone;
+    own.clear();
+    return done();
+}
+
+}  // namespace gw

@@ -1,0 +1,236 @@
+// SPDX-License-Identifier: MIT
+#include "store/directory_change.h"
+
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <filesystem>
+#include <string>
+
+#include "support/file_faults.h"
+#include "support/heard_failures.h"
+#include "support/temp_dir.h"
+
+namespace {
+
+using gw::DirectoryChange;
+using gw::Reason;
+using gw::test::TempDir;
+
+constexpr const char* INDEX = "2\na.pcf -a\nb.pcf -b\n";
+
+class Change : public testing::Test {
+  protected:
+    Change() {
+        dir.write("a.pcf", "A");
+        dir.write("b.pcf", "B");
+        dir.write("fonts.dir", INDEX);
+        gw::set_lock_patience(60);
+    }
+    ~Change() override { gw::set_lock_patience(5000); }
+
+    [[nodiscard]] std::unique_ptr<DirectoryChange> begin() const {
+        auto change = DirectoryChange::begin(dir.path());
+        EXPECT_TRUE(change) << (change ? "" : change.failure().text());
+        return change ? std::move(*change) : nullptr;
+    }
+    static void put(DirectoryChange& change, const std::string& name, const std::string& bytes) {
+        auto file = change.stage(name);
+        ASSERT_TRUE(file);
+        EXPECT_TRUE(file->write(bytes) && file->finish() && change.put(*file));
+    }
+
+    TempDir dir;
+};
+
+TEST_F(Change, IsAllThereWhenItIsCommitted) {
+    const auto change = begin();
+    put(*change, "c.pcf", "C");
+    change->enter("c.pcf -c\n");
+    EXPECT_EQ(change->strike_out("a.pcf", 1), 1);
+    EXPECT_TRUE(change->take_out("a.pcf", false));
+    EXPECT_EQ(dir.read("fonts.dir"), INDEX) << "the index follows at the end";
+    EXPECT_TRUE(dir.exists("a.pcf"));
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "2\nb.pcf -b\nc.pcf -c\n");
+    EXPECT_EQ(dir.read("c.pcf"), "C");
+    EXPECT_FALSE(dir.exists("a.pcf"));
+    EXPECT_FALSE(dir.exists(".glyphward/journal"));
+    EXPECT_TRUE(std::filesystem::is_empty(dir.file(".glyphward/old")));
+}
+
+TEST_F(Change, LeavesNothingWhenItIsNotCommitted) {
+    {
+        const auto change = begin();
+        put(*change, "a.pcf", "other");
+        put(*change, "c.pcf", "C");
+        EXPECT_TRUE(change->make_metrics_dir());
+        put(*change, "afm/c.afm", "metrics");
+        EXPECT_EQ(dir.read("a.pcf"), "other");
+        EXPECT_TRUE(dir.exists("afm/c.afm"));
+    }
+    EXPECT_EQ(dir.read("a.pcf"), "A");
+    EXPECT_FALSE(dir.exists("c.pcf"));
+    EXPECT_FALSE(dir.exists("afm"));
+    EXPECT_EQ(gw::test::entries_in(dir.path()), 3);
+}
+
+TEST_F(Change, OfOneFontCanBeTakenBackAlone) {
+    const auto change = begin();
+    put(*change, "c.pcf", "C");
+    change->enter("c.pcf -c\n");
+    const DirectoryChange::Mark mark = change->mark();
+    put(*change, "d.pcf", "D");
+    change->enter("d.pcf -d\n");
+    change->take_out("b.pcf", false);
+    change->take_back_to(mark);
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "3\na.pcf -a\nb.pcf -b\nc.pcf -c\n");
+    EXPECT_FALSE(dir.exists("d.pcf"));
+    EXPECT_TRUE(dir.exists("b.pcf"));
+}
+
+// `mkfontdir` takes no lock.
+TEST_F(Change, KeepsWhatAnotherProgramHasWrittenMeanwhile) {
+    const auto change = begin();
+    change->enter("c.pcf -c\n");
+    change->strike_out("a.pcf", 1);
+    dir.write("fonts.dir", "3\nnew.pcf -new\nb.pcf -b\na.pcf -a\n");
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "3\nnew.pcf -new\nb.pcf -b\nc.pcf -c\n");
+}
+
+TEST_F(Change, KeepsOthersOut) {
+    const auto change = begin();
+    const auto other = DirectoryChange::begin(dir.path());
+    ASSERT_FALSE(other);
+    EXPECT_EQ(other.failure().reason, Reason::IN_USE);
+    EXPECT_EQ(other.failure().detail, std::to_string(::getpid()));
+    EXPECT_TRUE(gw::settle(dir.path())) << "what is going on is not unfinished";
+}
+
+TEST_F(Change, DatesTheIndexLaterByWholeSeconds) {
+    struct stat before = {};
+    ASSERT_EQ(::stat(dir.file("fonts.dir").c_str(), &before), 0);
+    for (int i = 0; i < 3; ++i) {
+        struct stat now = {};
+        const auto change = begin();
+        for (int font = 0; font < 100; ++font) change->enter("c" + std::to_string(font) + ".pcf -c\n");
+        EXPECT_TRUE(change->commit());
+        ASSERT_EQ(::stat(dir.file("fonts.dir").c_str(), &now), 0);
+        EXPECT_GT(now.st_mtim.tv_sec, before.st_mtim.tv_sec);
+        EXPECT_LE(now.st_mtim.tv_sec, ::time(nullptr) + i + 1);
+        before = now;
+    }
+}
+
+TEST_F(Change, OverwritesAnIndexThatHasOtherNames) {
+    ASSERT_EQ(::link(dir.file("fonts.dir").c_str(), dir.file("second").c_str()), 0);
+    const auto change = begin();
+    change->enter("c.pcf -c\n");
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("second"), "3\na.pcf -a\nb.pcf -b\nc.pcf -c\n");
+}
+
+TEST_F(Change, FollowsAnIndexThatIsItsOwnLink) {
+    dir.write("elsewhere/real", INDEX);
+    std::filesystem::remove(dir.file("fonts.dir"));
+    std::filesystem::create_symlink("elsewhere/real", dir.file("fonts.dir"));
+    const auto change = begin();
+    change->enter("c.pcf -c\n");
+    EXPECT_TRUE(change->commit());
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.file("fonts.dir")));
+    EXPECT_EQ(dir.read("elsewhere/real"), "3\na.pcf -a\nb.pcf -b\nc.pcf -c\n");
+}
+
+TEST_F(Change, TrustsNobodyElsesLinksAndFiles) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can make files of another user";
+    const auto refused = [&] {
+        const auto change = DirectoryChange::begin(dir.path());
+        return !change && change.failure().reason == Reason::NOT_OURS;
+    };
+    std::filesystem::rename(dir.file("fonts.dir"), dir.file("real"));
+    std::filesystem::create_symlink("real", dir.file("fonts.dir"));
+    ASSERT_EQ(::lchown(dir.file("fonts.dir").c_str(), 1000, 1000), 0);
+    EXPECT_TRUE(refused()) << "the index";
+    std::filesystem::remove(dir.file("fonts.dir"));
+    std::filesystem::remove_all(dir.file(".glyphward"));
+
+    std::filesystem::create_symlink("/tmp", dir.file(".glyphward"));
+    EXPECT_TRUE(refused()) << "a link in our place, although it is root's";
+    std::filesystem::remove(dir.file(".glyphward"));
+    ASSERT_EQ(::mkdir(dir.file(".glyphward").c_str(), 0777), 0);
+    ASSERT_EQ(::chown(dir.file(".glyphward").c_str(), 1000, 1000), 0);
+    EXPECT_TRUE(refused()) << "a directory of another user's";
+    ASSERT_EQ(::chown(dir.file(".glyphward").c_str(), 0, 0), 0);
+    dir.write(".glyphward/journal", "glyphward-journal 1\nput 1 a.pcf\n");
+    ASSERT_EQ(::chown(dir.file(".glyphward/journal").c_str(), 1000, 1000), 0);
+    EXPECT_TRUE(refused()) << "a journal of another user's";
+    EXPECT_EQ(dir.read("a.pcf"), "A");
+}
+
+// A journal that somebody has made up can remove nothing that is not its own change's.
+TEST_F(Change, AnInventedJournalDoesNoHarm) {
+    dir.write(".glyphward/journal", "glyphward-journal 1\nput 1 a.pcf\nout 0 b.pcf\nindex 1 1\n");
+    EXPECT_TRUE(gw::settle(dir.path()));
+    EXPECT_EQ(dir.read("a.pcf"), "A");
+    EXPECT_EQ(dir.read("b.pcf"), "B");
+    EXPECT_EQ(dir.read("fonts.dir"), INDEX);
+    dir.write(".glyphward/journal", "glyphward-journal 1\nput 1 ../../etc/passwd\n");
+    EXPECT_FALSE(gw::settle(dir.path()));
+    EXPECT_TRUE(dir.exists(".glyphward/journal")) << "left alone";
+}
+
+TEST_F(Change, BelongsToTheOwnerOfTheDirectory) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser changes the directories of others";
+    ASSERT_EQ(::chown(dir.c_str(), 1000, 1000), 0);
+    { const auto change = begin(); }
+    for (const char* name : {".glyphward", ".glyphward/lock", ".glyphward/new", ".glyphward/old"}) {
+        struct stat info = {};
+        ASSERT_EQ(::stat(dir.file(name).c_str(), &info), 0);
+        EXPECT_EQ(info.st_uid, 1000U) << name;
+        EXPECT_EQ(info.st_mode & 0077, 0U) << name;
+    }
+}
+
+TEST_F(Change, TrustsTheGroupThatMayWriteTheDirectory) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can make files of another user";
+    { const auto change = begin(); }
+    ASSERT_EQ(::chown(dir.c_str(), 1000, 2000), 0);
+    ASSERT_EQ(::chown(dir.file(".glyphward").c_str(), 1001, 2000), 0);
+    EXPECT_FALSE(DirectoryChange::begin(dir.path()));
+    ASSERT_EQ(::chmod(dir.c_str(), 0775), 0);
+    EXPECT_TRUE(DirectoryChange::begin(dir.path()));
+}
+
+// What is in the journal and cannot be cut off again would be taken back the next time, with what has come
+// since.
+TEST_F(Change, WhoseJournalSaysTooMuchIsTakenBack) {
+    const auto change = begin();
+    put(*change, "c.pcf", "C");
+    const DirectoryChange::Mark mark = change->mark();
+    put(*change, "d.pcf", "D");
+    {
+        const gw::test::FileFaults faults(gw::test::FileFaults::Fault::FAIL_ONCE, 3);  // 1: unlink, 2: sync
+        change->take_back_to(mark);
+        EXPECT_EQ(gw::test::FileFaults::calls(), 3);
+    }
+    EXPECT_FALSE(change->commit());
+    EXPECT_EQ(gw::test::entries_in(dir.path()), 3);
+    EXPECT_FALSE(dir.exists(".glyphward/journal"));
+}
+
+TEST_F(Change, IsOpenToTheGroupWhereTheDirectoryIs) {
+    ASSERT_EQ(::chmod(dir.c_str(), 0775), 0);
+    { const auto change = begin(); }
+    for (const char* name : {".glyphward", ".glyphward/new", ".glyphward/old"}) {
+        struct stat info = {};
+        ASSERT_EQ(::stat(dir.file(name).c_str(), &info), 0);
+        EXPECT_EQ(info.st_mode & 0777, 0770U) << name;
+    }
+}
+
+}  // namespace

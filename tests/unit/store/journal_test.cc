@@ -1,0 +1,61 @@
+// SPDX-License-Identifier: MIT
+#include "store/journal.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace gw::journal;
+
+const std::vector<Record> RECORDS = {Out{3, "a.pfa"},       Put{123456789012, "a.pfa"}, MadeDir{"afm"},
+                                     Put{7, "afm/a b.afm"}, Line{0, "a.pfa -x-a b\n"},  Index{12, true}};
+
+std::string text_of(const std::vector<Record>& records) {
+    std::string text(HEADING);
+    for (const Record& record : records) text += line_of(record);
+    return text;
+}
+
+TEST(Journal, IsReadAsItWasWritten) {
+    const auto records = parse(text_of(RECORDS), "j");
+    ASSERT_TRUE(records);
+    EXPECT_EQ(*records, RECORDS);
+}
+
+// Killed at any byte of it: what is not there to its end was not begun.
+TEST(Journal, EndsWithItsLastWholeLine) {
+    const std::string text = text_of(RECORDS);
+    for (std::size_t size = 0; size <= text.size(); ++size) {
+        const auto records = parse(std::string_view(text).substr(0, size), "j");
+        ASSERT_TRUE(records) << size;
+        ASSERT_LE(records->size(), RECORDS.size());
+        EXPECT_TRUE(std::equal(records->begin(), records->end(), RECORDS.begin())) << size;
+        EXPECT_EQ(records->size() == RECORDS.size(), size == text.size());
+    }
+}
+
+TEST(Journal, NamesOnlyFilesOfItsDirectory) {
+    for (const char* name : {"a.pfa", "a b", "afm/a.afm", "afm", "..a", ".hidden", "-rf", "100%"})
+        EXPECT_TRUE(can_name(name)) << name;
+    for (const char* name : {"", ".", "..", "/", "a/b", "afm/", "afm/..", "afm/a/b", "../a", "a\nb",
+                             ".glyphward", "afm/.glyphward", "/etc/passwd", "afm//a"})
+        EXPECT_FALSE(can_name(name)) << name;
+    EXPECT_FALSE(can_name(std::string_view("a\0b", 3)));
+}
+
+TEST(Journal, OfAnythingElseIsRefused) {
+    for (const char* line : {"put 1 ../a", "put 1", "put x a", "put -1 a", "out 99999999999999999999 a",
+                             "out 1 a/b", "dir ..", "dir a", "line -1 a b", "line a", "index 1", "index 1 2",
+                             "index x 1", "", " ", "rename 1 a", "put 1 /etc/passwd"}) {
+        const auto records = parse(std::string(HEADING) + line + '\n', "j");
+        ASSERT_FALSE(records) << line;
+        EXPECT_EQ(records.failure().reason, gw::Reason::NOT_A_JOURNAL) << line;
+    }
+    for (const char* text : {"glyphward-journal 2\n", "x", "put 1 a\n", "\n"})
+        EXPECT_FALSE(parse(text, "j")) << text;
+}
+
+}  // namespace
