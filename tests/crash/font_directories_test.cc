@@ -4,6 +4,8 @@
 // the directory it is as it was, or as it was to be: never a font less, a line without its file, or a file
 // without its line.
 #include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -12,6 +14,7 @@
 #include <map>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -238,6 +241,46 @@ std::string name_of(const testing::TestParamInfo<Operation>& param) {
     std::string name = param.param.name;
     std::replace(name.begin(), name.end(), ' ', '_');
     return name;
+}
+
+/// Installs that many fonts into the directory "fonts", one by one, and deletes every third of them again.
+void come_and_go(World& world, const std::string& names, int number) {
+    for (int i = 0; i < number; ++i) {
+        const std::string name = names + std::to_string(i);
+        const std::string file = name + ".pcf";
+        world.dir.write("from/" + file, name);
+        const Font font = world.bitmap("from", file.c_str());
+        font->set_xlfd_name(("-x-" + name).c_str());
+        if (!world.install(font, "fonts")) ::_exit(1);
+        const Font installed = world.bitmap("fonts", file.c_str());
+        if (i % 3 == 0 && !world.remove(installed)) ::_exit(2);
+    }
+}
+
+TEST(Together, SeveralProcessesLoseNothing) {
+    constexpr int PROCESSES = 4;
+    constexpr int FONTS = 30;
+    World world;
+    std::vector<pid_t> children;
+    for (int process = 0; process < PROCESSES; ++process) {
+        children.push_back(::fork());
+        if (children.back() != 0) continue;
+        come_and_go(world, "p" + std::to_string(process) + "_", FONTS);
+        ::_exit(0);
+    }
+    for (const pid_t child : children) {
+        int status = -1;
+        while (::waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+        EXPECT_EQ(status, 0);
+    }
+    std::set<std::string> listed;
+    for (const gw::IndexEntry& entry : gw::index_entries(world.dir.read("fonts/fonts.dir")))
+        EXPECT_TRUE(listed.insert(entry.file_name).second) << entry.file_name;
+    EXPECT_EQ(gw::index_count(world.dir.read("fonts/fonts.dir")), static_cast<int>(listed.size()));
+    EXPECT_EQ(listed.size(), 3U + PROCESSES * FONTS * 2 / 3);
+    for (const std::string& file : listed) EXPECT_TRUE(world.dir.exists("fonts/" + file)) << file;
+    // The metrics of the outline and the index have no line.
+    EXPECT_EQ(files_in(world.dir.file("fonts")).size(), listed.size() + 2);
 }
 
 INSTANTIATE_TEST_SUITE_P(Changes, Crash, testing::ValuesIn(OPERATIONS), name_of);
