@@ -364,7 +364,7 @@ void Desktop::key(const char* held, const char* name) const {
 void Desktop::type(const std::string& text) const {
     do_once("what is typed", [&] {
         for (const char c : text) {
-            const auto symbol = static_cast<KeySym>(c);
+            const auto symbol = static_cast<KeySym>(static_cast<unsigned char>(c));
             const unsigned code = XKeysymToKeycode(display_, symbol);
             if (code == 0) throw std::runtime_error(std::string("no such key: ") + c);
             const bool shifted = XkbKeycodeToKeysym(display_, static_cast<KeyCode>(code), 0, 0) != symbol;

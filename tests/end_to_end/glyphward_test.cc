@@ -92,7 +92,8 @@ TEST_F(Glyphward, ShowsAttributesByButtonAndMenuAndClosesThem) {
     ASSERT_TRUE(opens_attributes());
     desktop.picture("attributes");
     const Rectangle place = desktop.place_of(desktop.window_titled(ATTRIBUTES));
-    EXPECT_NEAR(place.x + place.width / 2, 512, 30) << "centred";
+    const int centre = place.x + place.width / 2;
+    EXPECT_NEAR(centre, 512, 30);
     const auto shown = desktop.pixels(place);
     EXPECT_TRUE(follows([&] { return desktop.pixels(place) != shown; }, [&] { main->click_line(5); }))
         << "it follows the selection";

@@ -36,8 +36,6 @@ namespace {
 
 using e2e::follows;
 using e2e::wait_until;
-using ::testing::AnyOf;
-using ::testing::Contains;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 using ::testing::MatchesRegex;

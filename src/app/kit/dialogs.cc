@@ -143,7 +143,7 @@ std::vector<Widget> make_buttons(Widget parent, const std::vector<RowButton>& bu
 }
 
 std::vector<Widget> fill_with_buttons(Widget form, const std::vector<RowButton>& buttons) {
-    const std::vector<Widget> made = make_buttons(form, buttons);
+    std::vector<Widget> made = make_buttons(form, buttons);
     for (Widget w : made) Attach(w).top_form(0).bottom_form(0);
     return made;
 }

@@ -32,7 +32,6 @@ Widget wi_installed_sample_textfield = nullptr;
 
 namespace {
 
-using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 8;

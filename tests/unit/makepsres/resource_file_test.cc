@@ -15,10 +15,8 @@
 namespace {
 
 using gw::psres::parse_resource_file;
-using gw::psres::ResourceFile;
 using gw::psres::ResourceSet;
 using gw::test::StrictUpr;
-using testing::ElementsAre;
 
 // --- writing -----------------------------------------------------------------
 

@@ -27,7 +27,6 @@ using gw::test::RecordingModules;
 using gw::test::TempDir;
 using gw::test::Xlfd;
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 constexpr GWConflict::INFO ALL_REASONS[] = {GWConflict::READ_ONLY, GWConflict::SYSTEM_FONT,
                                             GWConflict::PACKAGE, GWConflict::SAME_NAME, GWConflict::ALIAS};

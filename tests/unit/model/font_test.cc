@@ -20,7 +20,6 @@ namespace {
 using gw::Ref;
 using gw::test::make_font;
 using gw::test::make_read_only_font;
-using gw::test::place;
 using gw::test::Xlfd;
 using testing::ElementsAre;
 

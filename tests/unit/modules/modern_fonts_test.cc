@@ -26,7 +26,6 @@ namespace {
 
 using gw::test::TempDir;
 using gw::test::UnderPolicy;
-using testing::ElementsAre;
 using testing::IsEmpty;
 using Texts = std::vector<std::string>;
 

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "app/kit/busy_windows.h"
-
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
+#include "app/kit/busy_windows.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "widget/widget_test_support.h"

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
 // How dialogs end: their buttons, the keys and the close box.
-#include "app/kit/dialogs.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -10,6 +8,7 @@
 
 #include "app/kit/attach.h"
 #include "app/kit/callbacks.h"
+#include "app/kit/dialogs.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "widget/widget_test_support.h"

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "app/kit/kept_text.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "app/kit/kept_text.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/samples/sample_field.h"

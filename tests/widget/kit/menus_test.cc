@@ -1,6 +1,4 @@
 // SPDX-License-Identifier: MIT
-#include "app/kit/menus.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,6 +7,7 @@
 #include "app/kit/busy_windows.h"
 #include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
+#include "app/kit/menus.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "widget/widget_test_support.h"
