@@ -20,6 +20,10 @@ namespace {
 constexpr int MOST_LINKS = 40;
 constexpr int JUST_LOOK = O_PATH | O_NOFOLLOW | O_CLOEXEC;
 
+bool is_ours(const struct stat& info) {
+    return is_superuser(info.st_uid) || info.st_uid == ::geteuid();
+}
+
 /// The way to a directory: where it has come to, and what is left of it.
 class Way {
   public:
@@ -60,7 +64,9 @@ class Way {
     }
 
     void follow(const Descriptor& link, const struct stat& info) {
-        if (!is_superuser(info.st_uid) && info.st_uid != ::geteuid()) {
+        struct stat home = {};
+        if (::fstat(here_.get(), &home) != 0) return fail(errno);
+        if (!is_trusted_link(info, home)) {
             failed_ = Failure{shown_, Reason::NOT_OURS};
             return;
         }
@@ -82,6 +88,12 @@ class Way {
 };
 
 }  // namespace
+
+// In a sticky directory nobody can exchange the link of another.
+bool is_trusted_link(const struct stat& link, const struct stat& home) {
+    const bool is_open = (home.st_mode & S_IWOTH) != 0 && (home.st_mode & S_ISVTX) == 0;
+    return is_ours(link) && is_ours(home) && !is_open;
+}
 
 Descriptor::~Descriptor() {
     if (fd_ >= 0) ::close(fd_);

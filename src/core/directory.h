@@ -34,10 +34,14 @@ class Descriptor {
 /// The name of our own directory in a font directory; nothing that looks for fonts enters it.
 inline constexpr const char* OWN_DIRECTORY_NAME = ".glyphward";
 
+/// Whether a link in the directory `home` may be followed: it belongs to the superuser or to the user of this
+/// process, and nobody else can put another one in its place.
+[[nodiscard]] bool is_trusted_link(const struct stat& link, const struct stat& home);
+
 class Directory {
   public:
-    /// Opens the directory at `path`. A link on the way is followed only if the superuser or the user of this
-    /// process owns it; another's link is refused (`Reason::NOT_OURS`).
+    /// Opens the directory at `path`. A link on the way is followed only if `is_trusted_link`, and otherwise
+    /// refused (`Reason::NOT_OURS`).
     static Result<Directory> open(const std::string& path);
 
     /// The directory NAME in this one; the same rule for links.

@@ -7,12 +7,6 @@
 
 namespace gw {
 
-namespace {
-
-constexpr mode_t NEW_FILE_MODE = 0644;
-
-}  // namespace
-
 bool FileWriter::fail(int error) {
     if (error_ == 0) error_ = error;
     return false;
@@ -33,15 +27,14 @@ Outcome FileWriter::finish() {
     struct stat made = {};
     if (::fstat(fd_.get(), &made) != 0) fail(errno);
     inode_ = made.st_ino;
-    if (owner_ && owner_->first != made.st_uid)
+    if (owner_ && (owner_->first != made.st_uid || owner_->second != made.st_gid))
         (void)file_calls().set_owner(fd_.get(), owner_->first, owner_->second);
     if (earlier_ && made.st_mtim.tv_sec <= earlier_->st_mtim.tv_sec) {
         const timespec times[2] = {made.st_atim, {earlier_->st_mtim.tv_sec + 1, 0}};
         (void)file_calls().set_times(fd_.get(), times);
     }
     // Otherwise an index that names the file could reach the disk before the file.
-    if (file_calls().set_mode(fd_.get(), NEW_FILE_MODE) != 0 || file_calls().sync(fd_.get()) != 0)
-        fail(errno);
+    if (file_calls().set_mode(fd_.get(), mode_) != 0 || file_calls().sync(fd_.get()) != 0) fail(errno);
     close();
     return outcome();
 }

@@ -30,6 +30,8 @@ class FileWriter {
     bool write(std::string_view bytes);
     /// The file shall have this owner, if the system allows it.
     void set_owner(Owner owner) { owner_ = owner; }
+    /// The file shall have these permissions instead of 0644.
+    void set_mode(mode_t mode) { mode_ = mode; }
     /// The file's time shall be later than that of the file with this information, by whole seconds, because
     /// the X server compares those to decide whether it rereads an index.
     void be_later_than(const struct stat& info) { earlier_ = info; }
@@ -54,6 +56,7 @@ class FileWriter {
     std::string path_;
     std::optional<Owner> owner_;
     std::optional<struct stat> earlier_;
+    mode_t mode_ = 0644;
     ino_t inode_ = 0;
     int error_ = 0;
 };

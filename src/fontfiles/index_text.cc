@@ -41,6 +41,11 @@ std::string with_sound_count(std::string_view text, int more) {
     return with_index_count(text, lines_in(text.substr(index_line_end(text, 0))));
 }
 
+/// Where the entries begin: behind the count, if there is one.
+std::size_t first_entry(std::string_view text) {
+    return is_entry(first_line(text)) ? 0 : index_line_end(text, 0);
+}
+
 std::string_view without_newline(std::string_view line) {
     return line.substr(0, line.find('\n'));
 }
@@ -127,14 +132,14 @@ bool withdraw(std::string& text, std::string_view line) {
 
 int occurrences(std::string_view text, std::string_view line) {
     int number = 0;
-    for (std::size_t start = index_line_end(text, 0); start < text.size();
-         start = index_line_end(text, start))
+    for (std::size_t start = first_entry(text); start < text.size(); start = index_line_end(text, start))
         number += without_newline(line_at(text, start)) == without_newline(line) ? 1 : 0;
     return number;
 }
 
 void set_occurrences(std::string& text, std::string_view line, int number) {
     int too_many = occurrences(text, line) - number;
+    if (too_many != 0) text = with_sound_count(text, 0);
     for (; too_many < 0; ++too_many) text = with_entries(text, std::string(without_newline(line)) + '\n', 1);
     for (; too_many > 0; --too_many) remove_last(text, line);
 }

@@ -12,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "core/directory.h"
 #include "core/file_calls.h"
 #include "core/font_policy.h"
 #include "core/gw_reg_exp.h"
@@ -76,15 +77,25 @@ Result<int> strike_out(DirectoryChange& change, const std::string& file_name, co
     return Failure{change.dir().path_of(FONT_INDEX_NAME), Reason::NOT_IN_THE_INDEX};
 }
 
+/// Removes a file that an index names in a subdirectory, without following links of others.
+Outcome remove_below(const std::string& dir, const std::string& name) {
+    const Result<Directory> fonts = Directory::open(dir);
+    if (!fonts) return fonts.failure();
+    const std::size_t slash = name.rfind('/');
+    const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
+    const Result<Directory> home = fonts->below(name.substr(0, start) + ".");
+    if (!home) return home.failure();
+    if (file_calls().unlink(home->fd(), name.c_str() + start, 0) == 0 || errno == ENOENT) return done();
+    return Failure::of_system(dir + name, errno);
+}
+
 /// Lets the file go with the change.
 void take_out(DirectoryChange& change, const GW_FILE_SPEC& spec, bool is_first) {
-    const std::string path(spec.get_path());
     if (change.take_out(spec.get_name(), !is_first)) return;
-    change.afterwards(path, [path] {
-        if (file_calls().unlink(AT_FDCWD, path.c_str(), 0) == 0 || errno == ENOENT || errno == ENOTDIR)
-            return;
-        tell(Failure::of_system(path, errno).with(Sequel::FILE_REMAINS));
-    });
+    const std::string dir(spec.get_dir());
+    const std::string name(spec.get_name());
+    change.afterwards(dir + name,
+                      [dir, name] { tell_unless_done(remove_below(dir, name).with(Sequel::FILE_REMAINS)); });
 }
 
 std::string line_text(GWFont& font, const std::string& file_name) {

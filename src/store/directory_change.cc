@@ -22,6 +22,7 @@ namespace {
 
 constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
 constexpr int MOST_ATTEMPTS = 5;
+constexpr mode_t PERMISSIONS = 07777;
 
 const std::string INDEX(FONT_INDEX_NAME);
 
@@ -53,8 +54,7 @@ DirectoryChange::DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> ow
     : dir_(std::move(dir)), own_(std::move(own)) {}
 
 DirectoryChange::~DirectoryChange() {
-    take_back_all();
-    if (records_.empty()) tell_unless_done(forget_journal());
+    abandon();
 }
 
 Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(const std::string& path) {
@@ -63,8 +63,8 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(const std::strin
     return begin(std::move(*dir));
 }
 
-Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir) {
-    Result<std::unique_ptr<OwnDirectory>> own = OwnDirectory::enter(dir);
+Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, bool waits) {
+    Result<std::unique_ptr<OwnDirectory>> own = OwnDirectory::enter(dir, waits);
     if (!own) return own.failure();
     if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
     std::unique_ptr<DirectoryChange> change(new DirectoryChange(std::move(dir), std::move(*own)));
@@ -73,6 +73,8 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir) {
 }
 
 Outcome DirectoryChange::load_index() {
+    before_.clear();
+    text_.clear();
     has_index_ = dir_.look_at(INDEX, index_info_);
     if (!has_index_)
         return errno == ENOENT ? done() : Outcome(Failure::of_system(dir_.path_of(INDEX), errno));
@@ -237,18 +239,18 @@ int DirectoryChange::strike_out(const std::string& file_name, int most) {
 }
 
 DirectoryChange::Mark DirectoryChange::mark() const {
-    return {records_.size(), leaving_.size(), afterwards_.size(), text_, lines_};
+    return {records_.size(), leaving_, afterwards_, text_, lines_};
 }
 
 void DirectoryChange::take_back_all() {
-    take_back_to({0, 0, 0, before_, {}});
+    take_back_to({0, {}, {}, before_, {}});
 }
 
 void DirectoryChange::take_back_to(const Mark& mark) {
     text_ = mark.text;
     lines_ = mark.lines;
-    leaving_.resize(std::min(mark.leaving, leaving_.size()));
-    afterwards_.resize(std::min(mark.afterwards, afterwards_.size()));
+    leaving_ = mark.leaving;
+    afterwards_ = mark.afterwards;
     if (records_.size() <= mark.records) return;
     const auto first = records_.begin() + static_cast<std::ptrdiff_t>(mark.records);
     // What cannot be taken back stays in the journal, for the next time.
@@ -266,6 +268,7 @@ Outcome DirectoryChange::prepare_index(const std::string& text, std::vector<jour
     if (!fd) return fd.failure();
     FileWriter file(std::move(*fd), dir_.path_of(INDEX));
     if (has_index_) file.set_owner({index_info_.st_uid, index_info_.st_gid});
+    if (has_index_ && text.size() <= before_.size()) file.set_mode(index_info_.st_mode & PERMISSIONS);
     file.write(text);
     if (has_index_) file.be_later_than(index_info_);
     if (Outcome finished = file.finish(); !finished) return finished;
@@ -280,7 +283,7 @@ Outcome DirectoryChange::write_index_in_place() {
     for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
     records.emplace_back(journal::Index{0, true});
     if (Outcome noted = note(records); !noted) return noted;
-    return replace_file(dir_.path_of(INDEX), text_);
+    return overwrite_index(dir_, index_info_, text_);
 }
 
 // The index is looked at again just before the new one takes its place, because programs that know nothing of
@@ -356,16 +359,37 @@ Outcome DirectoryChange::forget_journal() {
     return done();
 }
 
-Outcome DirectoryChange::execute() {
-    if (Outcome written = write_index(); !written) return written;
-    if (Outcome moved = move_out(); !moved) return moved;
+Outcome DirectoryChange::commit_index() {
+    return broken_ ? Outcome(*broken_) : write_index();
+}
+
+Outcome DirectoryChange::commit_files() {
+    return move_out();
+}
+
+Outcome DirectoryChange::commit_end() {
     (void)file_calls().sync(dir_.fd());
-    return forget_journal();
+    Outcome forgotten = forget_journal();
+    if (forgotten) finish();
+    return forgotten;
+}
+
+void DirectoryChange::abandon() {
+    take_back_all();
+    if (records_.empty()) tell_unless_done(forget_journal());
+}
+
+bool DirectoryChange::brings_files() const {
+    return std::any_of(records_.begin(), records_.end(), [](const journal::Record& record) {
+        return std::holds_alternative<journal::Put>(record);
+    });
 }
 
 // On a full disk there is no room for a journal or for a second index, but what only deletes makes room.
 Outcome DirectoryChange::commit_for_good() {
-    if (Outcome written = replace_file(dir_.path_of(INDEX), text_); !written) return written;
+    if (has_index_ && !lines_.empty()) {
+        if (Outcome written = overwrite_index(dir_, index_info_, text_); !written) return written;
+    }
     for (const Leaving& leaving : leaving_) {
         const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving.name);
         if (!place || file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0 ||
@@ -386,19 +410,17 @@ void DirectoryChange::finish() {
 Outcome DirectoryChange::commit() {
     const Mark end = mark();
     const bool only_deletes = records_.empty() && text_.size() <= before_.size();
-    const std::vector<Leaving> leaving = leaving_;
-    const std::vector<Step> following = afterwards_;
-    Outcome outcome = broken_ ? Outcome(*broken_) : execute();
-    if (!outcome) {
-        take_back_all();
-        if (!records_.empty()) return outcome;
-        tell_unless_done(forget_journal());
-        if (!only_deletes || !is_lack_of_room(outcome.failure())) return outcome;
-        text_ = end.text;
-        leaving_ = leaving;
-        afterwards_ = following;
-        outcome = commit_for_good();
-    }
+    Outcome outcome = commit_index();
+    if (outcome) outcome = commit_files();
+    if (outcome) outcome = commit_end();
+    if (outcome) return outcome;
+    abandon();
+    if (!records_.empty() || !only_deletes || !is_lack_of_room(outcome.failure())) return outcome;
+    text_ = end.text;
+    lines_ = end.lines;
+    leaving_ = end.leaving;
+    afterwards_ = end.afterwards;
+    outcome = commit_for_good();
     if (outcome) finish();
     return outcome;
 }
@@ -408,7 +430,7 @@ Outcome settle(const std::string& path) {
     const Result<Directory> own = dir ? dir->below(OwnDirectory::NAME) : Result<Directory>(dir.failure());
     // Who may not look into our directory cannot know more.
     if (!own || !has_left_overs(*own)) return done();
-    const Result<std::unique_ptr<DirectoryChange>> change = DirectoryChange::begin(path);
+    const Result<std::unique_ptr<DirectoryChange>> change = DirectoryChange::begin(std::move(*dir), false);
     if (change || change.failure().reason == Reason::IN_USE) return done();
     return change.failure().reason == Reason::SYSTEM ? Outcome(Failure{path, Reason::UNFINISHED})
                                                      : Outcome(change.failure());
@@ -426,16 +448,32 @@ DirectoryChange* FontAction::find(const Directory& dir) const {
     return found != open_.end() ? found->get() : nullptr;
 }
 
-// What comes is committed before what goes: the last to be opened is that of the font that replaces another.
+// No file goes before all indexes are written and all files have come, so a font that moves from one
+// directory to another is never in neither. Where something comes is made final first.
 std::vector<FontAction::Failed> FontAction::commit() {
+    std::stable_partition(open_.begin(), open_.end(),
+                          [](const auto& change) { return change->brings_files(); });
+    if (open_.size() == 1) return commit_alone();
+    Outcome outcome;
+    for (const auto& change : open_) outcome = outcome ? change->commit_index() : outcome;
+    for (const auto& change : open_) outcome = outcome ? change->commit_files() : outcome;
     std::vector<Failed> failed;
-    for (auto change = open_.rbegin(); change != open_.rend(); ++change) {
-        if (Outcome committed = failed.empty() ? (*change)->commit() : Outcome(failed.front().why);
-            !committed)
-            failed.push_back({(*change)->dir().path(), committed.failure()});
+    for (const auto& change : open_) {
+        if (outcome) outcome = change->commit_end();
+        if (outcome) continue;
+        change->abandon();
+        failed.push_back({change->dir().path(), outcome.failure()});
     }
     open_.clear();
     return failed;
+}
+
+std::vector<FontAction::Failed> FontAction::commit_alone() {
+    const std::unique_ptr<DirectoryChange> change = std::move(open_.front());
+    open_.clear();
+    const Outcome committed = change->commit();
+    if (committed) return {};
+    return {{change->dir().path(), committed.failure()}};
 }
 
 Outcome in_change(const std::string& path, const std::function<Outcome(DirectoryChange&)>& step) {
@@ -445,7 +483,14 @@ Outcome in_change(const std::string& path, const std::function<Outcome(Directory
     DirectoryChange* change = action != nullptr ? action->find(*dir) : nullptr;
     std::unique_ptr<DirectoryChange> own;
     if (change == nullptr) {
+        const ino_t inode = dir->info().st_ino;
+        if (action != nullptr) {
+            for (const auto& [refused, why] : action->refused_) {
+                if (refused == inode) return why;
+            }
+        }
         Result<std::unique_ptr<DirectoryChange>> begun = DirectoryChange::begin(std::move(*dir));
+        if (!begun && action != nullptr) action->refused_.emplace_back(inode, begun.failure());
         if (!begun) return begun.failure();
         own = std::move(*begun);
         change = own.get();

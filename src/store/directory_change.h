@@ -13,6 +13,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/directory.h"
@@ -42,7 +43,7 @@ class DirectoryChange {
 
     /// Opens the directory, takes its lock, and takes back a change that did not come to its end.
     static Result<std::unique_ptr<DirectoryChange>> begin(const std::string& dir);
-    static Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
+    static Result<std::unique_ptr<DirectoryChange>> begin(Directory dir, bool waits = true);
     /// Takes back what is not committed.
     ~DirectoryChange();
     DirectoryChange(const DirectoryChange&) = delete;
@@ -78,11 +79,21 @@ class DirectoryChange {
     /// Whether the directory will have a file of this name.
     [[nodiscard]] bool will_have(const std::string& name) const;
 
+    /// What shall go when the change is committed, and what follows then.
+    struct Leaving {
+        std::string name;
+        bool may_stay;
+    };
+    struct Step {
+        std::string key;
+        std::function<void()> run;
+    };
+
     /// What a font's part of the change can be taken back to.
     struct Mark {
         std::size_t records;
-        std::size_t leaving;
-        std::size_t afterwards;
+        std::vector<Leaving> leaving;
+        std::vector<Step> afterwards;
         std::string text;
         std::map<std::string, int> lines;
     };
@@ -93,17 +104,16 @@ class DirectoryChange {
     /// Makes the change final. After a failure everything is as it was before `begin`.
     Outcome commit();
 
+    // The three steps of `commit`, for changes that are final together.
+    Outcome commit_index();
+    Outcome commit_files();
+    Outcome commit_end();
+    /// Takes all of it back after a failure.
+    void abandon();
+    /// Whether files come with this change.
+    [[nodiscard]] bool brings_files() const;
+
   private:
-    struct Leaving {
-        std::string name;
-        bool may_stay;
-    };
-
-    struct Step {
-        std::string key;
-        std::function<void()> run;
-    };
-
     DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own);
     Outcome load_index();
     [[nodiscard]] Outcome may_write_index() const;
@@ -115,7 +125,6 @@ class DirectoryChange {
     Outcome write_index_in_place();
     Outcome merge_index(std::size_t records);
     Outcome move_out();
-    Outcome execute();
     Outcome commit_for_good();
     Outcome cut_journal(off_t size);
     void finish();
@@ -163,9 +172,11 @@ class FontAction {
     friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
     friend Outcome as_one_change(const std::function<Outcome()>& steps);
     [[nodiscard]] DirectoryChange* find(const Directory& dir) const;
+    std::vector<Failed> commit_alone();
 
     FontAction* outer_;
     std::vector<std::unique_ptr<DirectoryChange>> open_;
+    std::vector<std::pair<ino_t, Failure>> refused_;  // directories that another process is changing
 };
 
 /// Runs the step as part of the user's action that is going on, or as a change of its own. What a failed step

@@ -31,13 +31,15 @@ bool is_shared(const Directory& fonts) {
     return (fonts.info().st_mode & S_IWGRP) != 0;
 }
 
-/// Whether what was found in the font directory under our name can be relied on. Where a group may write the
-/// fonts, its members may write this too.
+}  // namespace
+
 bool is_trusted(const struct stat& info, const struct stat& fonts) {
     const bool is_the_groups = (fonts.st_mode & S_IWGRP) != 0 && info.st_gid == fonts.st_gid;
     return is_the_groups || info.st_uid == fonts.st_uid || is_superuser(info.st_uid) ||
            info.st_uid == ::geteuid();
 }
+
+namespace {
 
 /// Gives what we have made in `like` its owner and, where that group may write, its group. Only the superuser
 /// can do the first, and the second only a member.
@@ -56,7 +58,8 @@ Result<Directory> made_below(const Directory& parent, const char* name, const Di
     if (!S_ISDIR(info.st_mode) || !is_trusted(info, fonts.info()))
         return Failure{parent.path_of(name), Reason::NOT_OURS};
     Result<Directory> dir = parent.below(name);
-    if (!dir || !is_new) return dir;
+    const bool is_given = !runs_as_superuser() || info.st_uid == fonts.info().st_uid;
+    if (!dir || (!is_new && is_given)) return dir;
     give_away(dir->fd(), fonts.info());
     if (is_shared(fonts) && file_calls().set_mode(dir->fd(), GROUPS) != 0)
         return Failure::of_system(dir->path(), errno);
@@ -73,7 +76,7 @@ Result<Descriptor> lock_file(const Directory& dir, const Directory& fonts) {
     if (!fd.is_open() || ::fstat(fd.get(), &info) != 0) return Failure::of_system(dir.path_of(LOCK), errno);
     if (!S_ISREG(info.st_mode) || info.st_nlink != 1 || !is_trusted(info, fonts.info()))
         return Failure{dir.path_of(LOCK), Reason::NOT_OURS};
-    if (info.st_size == 0) {
+    if (info.st_size == 0 || (runs_as_superuser() && info.st_uid != fonts.info().st_uid)) {
         give_away(fd.get(), fonts.info());
         if ((info.st_mode & GROUPS_LOCK_MODE) != mode) (void)file_calls().set_mode(fd.get(), mode);
     }
@@ -108,11 +111,11 @@ void set_lock_patience(int milliseconds) {
     patience() = milliseconds;
 }
 
-Outcome take_lock(int fd, const std::string& path) {
+Outcome take_lock(int fd, const std::string& path, int longest_wait) {
     for (int waited = 0; ::flock(fd, LOCK_EX | LOCK_NB) != 0; waited += STEP_MS) {
         if (errno == EINTR) continue;
         if (errno != EWOULDBLOCK) return Failure::of_system(path, errno);
-        if (waited >= patience())
+        if (waited >= longest_wait)
             return Failure{.subject = path, .reason = Reason::IN_USE, .detail = holder_in(fd)};
         const timespec step = {0, STEP_MS * 1000000L};
         ::nanosleep(&step, nullptr);
@@ -133,12 +136,13 @@ OwnDirectory::OwnDirectory(const struct stat& owner, Directory dir, Directory ma
       set_aside_(std::move(set_aside)),
       lock_(std::move(lock)) {}
 
-Result<std::unique_ptr<OwnDirectory>> OwnDirectory::enter(const Directory& fonts) {
+Result<std::unique_ptr<OwnDirectory>> OwnDirectory::enter(const Directory& fonts, bool waits) {
     Result<Directory> dir = made_below(fonts, NAME, fonts);
     if (!dir) return dir.failure();
     Result<Descriptor> lock = lock_file(*dir, fonts);
     if (!lock) return lock.failure();
-    if (const Outcome taken = take_lock(lock->get(), fonts.path()); !taken) return taken.failure();
+    if (const Outcome taken = take_lock(lock->get(), fonts.path(), waits ? patience() : 0); !taken)
+        return taken.failure();
     Result<Directory> made = made_below(*dir, "new", fonts);
     if (!made) return made.failure();
     Result<Directory> set_aside = made_below(*dir, "old", fonts);
@@ -153,7 +157,10 @@ Result<Descriptor> OwnDirectory::create(const Directory& where, const std::strin
                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!fd.is_open()) return Failure::of_system(where.path_of(name), errno);
     // The journal is for whoever has the next look.
-    if (&where == &dir_) give_away(fd.get(), owner_);
+    if (&where == &dir_) {
+        give_away(fd.get(), owner_);
+        if ((owner_.st_mode & S_IWGRP) != 0) (void)file_calls().set_mode(fd.get(), GROUPS_LOCK_MODE);
+    }
     return fd;
 }
 

@@ -22,7 +22,7 @@ class OwnDirectory {
     /// Makes the directory in `fonts`, if it is missing, and takes its lock, for which it waits a few
     /// seconds. Fails when another process has the lock (`Reason::IN_USE`), and for what somebody else has
     /// put there under this name.
-    static Result<std::unique_ptr<OwnDirectory>> enter(const Directory& fonts);
+    static Result<std::unique_ptr<OwnDirectory>> enter(const Directory& fonts, bool waits = true);
     ~OwnDirectory() = default;
     OwnDirectory(const OwnDirectory&) = delete;
     OwnDirectory& operator=(const OwnDirectory&) = delete;
@@ -49,10 +49,14 @@ class OwnDirectory {
     Descriptor lock_;
 };
 
+/// Whether what was found in a font directory under our name can be relied on, by its owner. Where a group
+/// may write the fonts, its members may write this too.
+[[nodiscard]] bool is_trusted(const struct stat& info, const struct stat& fonts);
+
 /// How long to wait for a lock, in milliseconds. For tests.
 void set_lock_patience(int milliseconds);
 /// Takes the lock on an open file, waiting for it; the file then says which process has it. `path` is for the
 /// message.
-Outcome take_lock(int fd, const std::string& path);
+Outcome take_lock(int fd, const std::string& path, int longest_wait);
 
 }  // namespace gw

@@ -2,6 +2,8 @@
 #include "store/take_back.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -38,8 +40,18 @@ class TakingBack {
 
     Outcome operator()(const journal::Out& out) const {
         const std::string aside = std::to_string(out.number);
-        const Result<PlaceBelow> place = PlaceBelow::of(fonts_, out.name);
-        if (!place || !own_.set_aside().has(aside) || place->dir().has(place->name())) return done();
+        struct stat info = {};
+        if (!own_.set_aside().look_at(aside, info)) {
+            return errno == ENOENT ? done() : Outcome(Failure::of_system(fonts_.path_of(out.name), errno));
+        }
+        Result<PlaceBelow> place = PlaceBelow::of(fonts_, out.name);
+        if (!place && place.failure().error == ENOENT) {
+            const std::string parent = out.name.substr(0, out.name.find('/'));
+            (void)file_calls().make_dir(fonts_.fd(), parent.c_str(), 0777);
+            place = PlaceBelow::of(fonts_, out.name);
+        }
+        if (!place) return place.failure();
+        if (place->dir().has(place->name())) return done();
         return fails_unless(file_calls().rename(own_.set_aside().fd(), aside.c_str(), place->dir().fd(),
                                                 place->name().c_str()) == 0,
                             fonts_.path_of(out.name));
@@ -88,13 +100,13 @@ class TakingBack {
     /// The index is another program's, or was overwritten: only our lines are set right.
     [[nodiscard]] Outcome lines_in(const struct stat& info) const {
         const bool is_link = S_ISLNK(info.st_mode);
-        if (is_link && !is_superuser(info.st_uid) && info.st_uid != ::geteuid())
+        if (is_link && !is_trusted_link(info, fonts_.info()))
             return Failure{fonts_.path_of(INDEX), Reason::NOT_OURS};
         const Result<std::string> bytes = is_link ? read_file(fonts_.path_of(INDEX)) : fonts_.read(INDEX);
         if (!bytes) return bytes.failure();
         std::string text = *bytes;
         for (const journal::Line& line : lines_) set_occurrences(text, line.text, line.number);
-        return text == *bytes ? done() : replace_file(fonts_.path_of(INDEX), text);
+        return text == *bytes ? done() : overwrite_index(fonts_, info, text);
     }
 
     const Directory& fonts_;
@@ -107,9 +119,7 @@ class TakingBack {
 /// The journal, if there is one that may be believed.
 Result<std::string> journal_in(const Directory& fonts, const OwnDirectory& own, const struct stat& info) {
     const std::string path = own.dir().path_of(OwnDirectory::JOURNAL);
-    const bool believed =
-        S_ISREG(info.st_mode) && info.st_nlink == 1 &&
-        (is_superuser(info.st_uid) || info.st_uid == fonts.info().st_uid || info.st_uid == ::geteuid());
+    const bool believed = S_ISREG(info.st_mode) && info.st_nlink == 1 && is_trusted(info, fonts.info());
     if (!believed) return Failure{path, Reason::NOT_OURS};
     return own.dir().read(OwnDirectory::JOURNAL);
 }
@@ -133,8 +143,37 @@ int PlaceBelow::rename_to(const Directory& to, const std::string& new_name) cons
     return file_calls().rename(dir().fd(), name_.c_str(), to.fd(), new_name.c_str()) == 0 ? 0 : errno;
 }
 
-// The index comes first: until the files are back, a line too few does less harm than a line too many. A
-// failure does not keep the rest from being taken back.
+Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text) {
+    const std::string path = fonts.path_of(INDEX);
+    // Nobody else can exchange a link that is trusted.
+    if (S_ISLNK(looked_at.st_mode)) {
+        return is_trusted_link(looked_at, fonts.info()) ? replace_file(path, text)
+                                                        : Outcome(Failure{path, Reason::NOT_OURS});
+    }
+    const FileCalls& calls = file_calls();
+    const Descriptor file(
+        calls.open(fonts.fd(), INDEX.c_str(), O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0));
+    struct stat now = {};
+    if (!file.is_open() || ::fstat(file.get(), &now) != 0) return Failure::of_system(path, errno);
+    if (now.st_dev != looked_at.st_dev || now.st_ino != looked_at.st_ino || !S_ISREG(now.st_mode))
+        return Failure::of_system(path, EAGAIN);
+    const auto size = static_cast<off_t>(text.size());
+    // Growing the file first finds out whether the disk is full, before the old content is overwritten.
+    if (size > now.st_size) {
+        if (const int error = calls.allocate(file.get(), 0, size); error != 0) {
+            (void)calls.truncate(file.get(), now.st_size);
+            return Failure::of_system(path, error);
+        }
+    }
+    if (const int error = write_all(file.get(), text); error != 0) return Failure::of_system(path, error);
+    if (calls.truncate(file.get(), size) != 0 || calls.sync(file.get()) != 0)
+        return Failure::of_system(path, errno);
+    const timespec times[2] = {now.st_atim, {std::max(::time(nullptr), now.st_mtim.tv_sec + 1), 0}};
+    (void)calls.set_times(file.get(), times);
+    return done();
+}
+
+// A failure does not keep the rest from being taken back.
 Outcome take_back(const Directory& fonts, const OwnDirectory& own,
                   const std::vector<journal::Record>& records) {
     TakingBack step(fonts, own);
@@ -151,9 +190,12 @@ Outcome take_back(const Directory& fonts, const OwnDirectory& own,
 Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     struct stat info = {};
     if (!own.dir().look_at(OwnDirectory::JOURNAL, info)) {
+        if (errno != ENOENT) return Failure::of_system(own.dir().path_of(OwnDirectory::JOURNAL), errno);
         own.clear();
         return done();
     }
+    // Killed before its first record: nothing was begun.
+    if (info.st_size == 0 && S_ISREG(info.st_mode)) return own.remove_journal();
     const Result<std::string> text = journal_in(fonts, own, info);
     if (!text) return text.failure();
     const auto records = journal::parse(*text, own.dir().path_of(OwnDirectory::JOURNAL));

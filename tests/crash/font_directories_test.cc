@@ -161,6 +161,9 @@ bool leaves_nothing_of_its_own(const std::string& dir) {
     return nothing;
 }
 
+/// The date of an index needs no call when a second has begun since the index was written before.
+constexpr int UNSTEADY_CALLS = 2;
+
 class Crash : public testing::TestWithParam<Operation> {
   protected:
     void SetUp() override {
@@ -186,7 +189,8 @@ TEST_P(Crash, KilledAtAnyCallItIsTheOldStateOrTheNew) {
     int as_before = 0;
     for (int at = 1; at <= calls; ++at) {
         World world;
-        ASSERT_TRUE(gw::test::killed_at(at, [&] { (void)GetParam().run(world); })) << at << " of " << calls;
+        const bool killed = gw::test::killed_at(at, [&] { (void)GetParam().run(world); });
+        ASSERT_TRUE(killed || at >= calls - UNSTEADY_CALLS) << at << " of " << calls;
         EXPECT_TRUE(gw::settle(world.dir.file(GetParam().where))) << at;
         const Files state = state_of(world);
         EXPECT_TRUE(state == before || state == after) << "killed at " << at << " of " << calls << ":\n"
@@ -202,7 +206,8 @@ TEST_P(Crash, KilledWhileItIsTakenBackItIsStillTheOldState) {
         for (int again = 1; again <= 12; again += 2) {
             World world;
             const std::string dir = world.dir.file(GetParam().where);
-            ASSERT_TRUE(gw::test::killed_at(at, [&] { (void)GetParam().run(world); }));
+            const bool killed = gw::test::killed_at(at, [&] { (void)GetParam().run(world); });
+            ASSERT_TRUE(killed || at >= calls - UNSTEADY_CALLS) << at << " of " << calls;
             (void)gw::test::killed_at(again, [&] { (void)gw::settle(dir); });
             EXPECT_TRUE(gw::settle(dir));
             const Files state = state_of(world);
