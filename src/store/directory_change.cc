@@ -78,12 +78,13 @@ Outcome DirectoryChange::load_index() {
     has_index_ = dir_.look_at(INDEX, index_info_);
     if (!has_index_)
         return errno == ENOENT ? done() : Outcome(Failure::of_system(dir_.path_of(INDEX), errno));
-    if (S_ISLNK(index_info_.st_mode) && !is_superuser(index_info_.st_uid) &&
-        index_info_.st_uid != ::geteuid())
+    const bool is_link = S_ISLNK(index_info_.st_mode);
+    if (is_link && !is_trusted_link(index_info_, dir_.info()))
         return Failure{dir_.path_of(INDEX), Reason::NOT_OURS};
-    overwrites_index_ = S_ISLNK(index_info_.st_mode) || index_info_.st_nlink != 1;
-    Result<std::string> bytes =
-        S_ISLNK(index_info_.st_mode) ? read_file(dir_.path_of(INDEX)) : dir_.read(INDEX);
+    // A file in its place would have another owner.
+    const bool is_anothers = !runs_as_superuser() && index_info_.st_uid != ::geteuid();
+    overwrites_index_ = is_link || index_info_.st_nlink != 1 || is_anothers;
+    Result<std::string> bytes = is_link ? read_file(dir_.path_of(INDEX)) : dir_.read(INDEX);
     if (!bytes) return bytes.failure();
     before_ = std::move(*bytes);
     text_ = before_;
@@ -125,6 +126,8 @@ Outcome DirectoryChange::note(const std::vector<journal::Record>& records) {
 /// An index that may not be written is not replaced either.
 Outcome DirectoryChange::may_write_index() const {
     if (!has_index_ || ::faccessat(dir_.fd(), INDEX.c_str(), W_OK, AT_EACCESS) == 0) return done();
+    // Another program has removed it meanwhile; the new one takes its place.
+    if (errno == ENOENT) return done();
     return Failure::of_system(dir_.path_of(INDEX), errno);
 }
 
@@ -293,7 +296,7 @@ Outcome DirectoryChange::write_index() {
     if (Outcome allowed = may_write_index(); !allowed) return allowed;
     if (overwrites_index_) return write_index_in_place();
     for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
-        const Mark before = mark();
+        const std::size_t before = records_.size();
         std::vector<journal::Record> records;
         if (Outcome made = prepare_index(text_, records); !made) return made;
         if (Outcome noted = note(records); !noted) return noted;
@@ -305,7 +308,7 @@ Outcome DirectoryChange::write_index() {
             if (calls.rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) == 0) return done();
             return Failure::of_system(dir_.path_of(INDEX), errno);
         }
-        if (Outcome merged = merge_index(before.records); !merged) return merged;
+        if (Outcome merged = merge_index(before); !merged) return merged;
     }
     return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
 }
@@ -448,6 +451,14 @@ DirectoryChange* FontAction::find(const Directory& dir) const {
     return found != open_.end() ? found->get() : nullptr;
 }
 
+Result<std::unique_ptr<DirectoryChange>> FontAction::begin(Directory dir) {
+    const std::pair<dev_t, ino_t> identity(dir.info().st_dev, dir.info().st_ino);
+    if (const auto known = in_use_.find(identity); known != in_use_.end()) return known->second;
+    Result<std::unique_ptr<DirectoryChange>> begun = DirectoryChange::begin(std::move(dir));
+    if (!begun && begun.failure().reason == Reason::IN_USE) in_use_.emplace(identity, begun.failure());
+    return begun;
+}
+
 // No file goes before all indexes are written and all files have come, so a font that moves from one
 // directory to another is never in neither. Where something comes is made final first.
 std::vector<FontAction::Failed> FontAction::commit() {
@@ -483,14 +494,8 @@ Outcome in_change(const std::string& path, const std::function<Outcome(Directory
     DirectoryChange* change = action != nullptr ? action->find(*dir) : nullptr;
     std::unique_ptr<DirectoryChange> own;
     if (change == nullptr) {
-        const ino_t inode = dir->info().st_ino;
-        if (action != nullptr) {
-            for (const auto& [refused, why] : action->refused_) {
-                if (refused == inode) return why;
-            }
-        }
-        Result<std::unique_ptr<DirectoryChange>> begun = DirectoryChange::begin(std::move(*dir));
-        if (!begun && action != nullptr) action->refused_.emplace_back(inode, begun.failure());
+        Result<std::unique_ptr<DirectoryChange>> begun =
+            action != nullptr ? action->begin(std::move(*dir)) : DirectoryChange::begin(std::move(*dir));
         if (!begun) return begun.failure();
         own = std::move(*begun);
         change = own.get();

@@ -43,6 +43,7 @@ class DirectoryChange {
 
     /// Opens the directory, takes its lock, and takes back a change that did not come to its end.
     static Result<std::unique_ptr<DirectoryChange>> begin(const std::string& dir);
+    /// The same, with a directory that is open; a lock that another process has is waited for, or not.
     static Result<std::unique_ptr<DirectoryChange>> begin(Directory dir, bool waits = true);
     /// Takes back what is not committed.
     ~DirectoryChange();
@@ -142,7 +143,7 @@ class DirectoryChange {
     std::string text_;
     struct stat index_info_ = {};
     bool has_index_ = false;
-    bool overwrites_index_ = false;  // it is a link, or has other names
+    bool overwrites_index_ = false;  // it is a link, has other names, or belongs to another user
     unsigned next_number_ = 0;
     std::optional<Failure> broken_;  // why nothing can be added: the journal says more than was done
 };
@@ -172,11 +173,13 @@ class FontAction {
     friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
     friend Outcome as_one_change(const std::function<Outcome()>& steps);
     [[nodiscard]] DirectoryChange* find(const Directory& dir) const;
+    Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
     std::vector<Failed> commit_alone();
 
     FontAction* outer_;
     std::vector<std::unique_ptr<DirectoryChange>> open_;
-    std::vector<std::pair<ino_t, Failure>> refused_;  // directories that another process is changing
+    // Directories that another process is changing: the action waits for each of them once.
+    std::map<std::pair<dev_t, ino_t>, Failure> in_use_;
 };
 
 /// Runs the step as part of the user's action that is going on, or as a change of its own. What a failed step

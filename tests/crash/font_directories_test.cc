@@ -248,6 +248,41 @@ std::string name_of(const testing::TestParamInfo<Operation>& param) {
     return name;
 }
 
+/// A font comes, and then one moves here from another directory, as one action.
+void move_between_directories(World& world) {
+    gw::FontAction action;
+    (void)world.install(world.bitmap("from", "c.pcf"), "empty");
+    (void)gw::as_one_change([&] {
+        gw::Outcome removed = world.remove(world.bitmap("fonts"));
+        return removed ? world.install(world.bitmap("from"), "empty") : removed;
+    });
+    (void)action.commit();
+}
+
+TEST(TwoDirectories, TheFontIsNeverInNeither) {
+    const auto is_somewhere = [](const World& world) {
+        for (const char* where : {"fonts", "empty"}) EXPECT_TRUE(gw::settle(world.dir.file(where)));
+        return world.dir.exists("fonts/b.pcf") || world.dir.exists("empty/b.pcf");
+    };
+    int killed = 0;
+    for (int at = 1;; ++at) {
+        World world;
+        if (!gw::test::killed_at(at, [&] { move_between_directories(world); })) break;
+        ++killed;
+        EXPECT_TRUE(is_somewhere(world)) << "killed at " << at;
+        for (const FileFaults::Fault fault :
+             {FileFaults::Fault::FAIL_ONCE, FileFaults::Fault::FAIL_FROM_THEN_ON}) {
+            World failing;
+            {
+                const FileFaults faults(fault, at, ENOSPC);
+                move_between_directories(failing);
+            }
+            EXPECT_TRUE(is_somewhere(failing)) << "failed at " << at;
+        }
+    }
+    EXPECT_GT(killed, 20);
+}
+
 /// Installs that many fonts into the directory "fonts", one by one, and deletes every third of them again.
 void come_and_go(World& world, const std::string& names, int number) {
     for (int i = 0; i < number; ++i) {

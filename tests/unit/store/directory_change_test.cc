@@ -172,6 +172,134 @@ TEST_F(Change, TrustsNobodyElsesLinksAndFiles) {
     EXPECT_EQ(dir.read("a.pcf"), "A");
 }
 
+/// A directory of an ordinary user's, and a file of the superuser's that the user would like to reach.
+class OthersDirectory : public Change {
+  protected:
+    void SetUp() override {
+        if (::geteuid() != 0) GTEST_SKIP() << "only the superuser changes the directories of others";
+        ASSERT_EQ(::chown(dir.c_str(), USER, USER), 0);
+        target.write("passwd", "root\n");
+    }
+    /// What the owner of a directory can do at any moment.
+    void exchange_index_for_a_link() const {
+        std::filesystem::remove(dir.file("fonts.dir"));
+        std::filesystem::create_symlink(target.file("passwd"), dir.file("fonts.dir"));
+        ASSERT_EQ(::lchown(dir.file("fonts.dir").c_str(), USER, USER), 0);
+    }
+    void plant_journal(const std::string& records) const {
+        dir.write(".glyphward/journal", "glyphward-journal 1\n" + records);
+        ASSERT_EQ(::chown(dir.file(".glyphward/journal").c_str(), USER, USER), 0);
+    }
+    static constexpr uid_t USER = 1000;
+    TempDir target;
+};
+
+TEST_F(OthersDirectory, AnIndexThatBecomesALinkIsNotFollowed) {
+    std::filesystem::create_hard_link(dir.file("fonts.dir"), dir.file("second"));
+    const auto change = begin();
+    change->enter("c.pcf -c\n");
+    exchange_index_for_a_link();
+    EXPECT_FALSE(change->commit());
+    EXPECT_EQ(target.read("passwd"), "root\n");
+}
+
+TEST_F(OthersDirectory, AnIndexThatBecomesALinkIsNotFollowedOnAFullDisk) {
+    const auto change = begin();
+    change->strike_out("a.pcf", 1);
+    EXPECT_TRUE(change->take_out("a.pcf", false));
+    exchange_index_for_a_link();
+    {
+        const gw::test::FileFaults faults(gw::test::FileFaults::Fault::FAIL_ONCE, 2, ENOSPC);
+        EXPECT_FALSE(change->commit());
+    }
+    EXPECT_EQ(target.read("passwd"), "root\n");
+    EXPECT_TRUE(dir.exists("a.pcf"));
+}
+
+// The owner can give a link that the superuser has made another name.
+TEST_F(OthersDirectory, ALinkOfTheSuperusersLeadsNowhere) {
+    { const auto change = begin(); }
+    std::filesystem::create_directory_symlink(target.path(), dir.file("afm"));
+    struct stat info = {};
+    ASSERT_EQ(::stat(target.file("passwd").c_str(), &info), 0);
+    dir.write(".glyphward/old/0", "planted");
+    plant_journal("put " + std::to_string(info.st_ino) + " afm/passwd\nout 0 afm/planted\n");
+    EXPECT_FALSE(gw::settle(dir.path()));
+    EXPECT_TRUE(target.exists("passwd"));
+    EXPECT_FALSE(target.exists("planted"));
+
+    std::filesystem::remove(dir.file("afm"));
+    std::filesystem::remove(dir.file("fonts.dir"));
+    std::filesystem::create_symlink(target.file("passwd"), dir.file("fonts.dir"));
+    plant_journal("line 1 evil\nindex 0 1\n");
+    EXPECT_FALSE(gw::settle(dir.path()));
+    EXPECT_EQ(target.read("passwd"), "root\n");
+    std::filesystem::remove(dir.file(".glyphward/journal"));
+    EXPECT_FALSE(DirectoryChange::begin(dir.path())) << "not read either";
+}
+
+// One font goes, and a file of another that fails gets its name for a moment.
+TEST_F(Change, TakenBackToAMarkStillKnowsWhatGoes) {
+    const auto change = begin();
+    change->strike_out("a.pcf", 1);
+    EXPECT_TRUE(change->take_out("a.pcf", false));
+    const DirectoryChange::Mark mark = change->mark();
+    change->strike_out("b.pcf", 1);
+    EXPECT_TRUE(change->take_out("b.pcf", false));
+    put(*change, "a.pcf", "new");
+    change->take_back_to(mark);
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "1\nb.pcf -b\n");
+    EXPECT_FALSE(dir.exists("a.pcf"));
+    EXPECT_EQ(dir.read("b.pcf"), "B");
+}
+
+TEST_F(Change, KnowsTheFirstLineOfAnIndexWithoutACount) {
+    dir.write("fonts.dir", "a.pcf -a\nb.pcf -b\n");
+    const auto change = begin();
+    change->strike_out("a.pcf", 1);
+    dir.write("fonts.dir", INDEX);
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "1\nb.pcf -b\n");
+}
+
+TEST_F(Change, MakesAnIndexThatWasRemovedMeanwhile) {
+    const auto change = begin();
+    change->enter("c.pcf -c\n");
+    std::filesystem::remove(dir.file("fonts.dir"));
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "1\nc.pcf -c\n");
+}
+
+TEST_F(Change, ThatOnlyDeletesKeepsThePermissionsOfTheIndex) {
+    ASSERT_EQ(::chmod(dir.file("fonts.dir").c_str(), 0600), 0);
+    const auto change = begin();
+    change->strike_out("a.pcf", 1);
+    EXPECT_TRUE(change->commit());
+    struct stat info = {};
+    ASSERT_EQ(::stat(dir.file("fonts.dir").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600U);
+}
+
+TEST_F(Change, BringsMetricsBackAlsoWhenTheirDirectoryHasGone) {
+    dir.write(".glyphward/old/0", "metrics");
+    dir.write(".glyphward/journal", "glyphward-journal 1\nout 0 afm/a.afm\n");
+    EXPECT_TRUE(gw::settle(dir.path()));
+    EXPECT_EQ(dir.read("afm/a.afm"), "metrics");
+}
+
+// The first font waits for the lock; the others know.
+TEST_F(Change, OfAnActionWaitsOnceForTheLock) {
+    auto other = begin();
+    const gw::FontAction action;
+    const auto step = [](DirectoryChange&) { return gw::done(); };
+    EXPECT_FALSE(gw::in_change(dir.path(), step));
+    other.reset();
+    const gw::Outcome second = gw::in_change(dir.path(), step);
+    ASSERT_FALSE(second);
+    EXPECT_EQ(second.failure().reason, Reason::IN_USE);
+}
+
 // A journal that somebody has made up can remove nothing that is not its own change's.
 TEST_F(Change, AnInventedJournalDoesNoHarm) {
     dir.write(".glyphward/journal", "glyphward-journal 1\nput 1 a.pcf\nout 0 b.pcf\nindex 1 1\n");
