@@ -173,9 +173,10 @@ bool force_and_tell(GWConflict& conflict, gw::FontReport& all) {
 /// As with single fonts, what fails counts as done unless the windows show reasons.
 void make_final(gw::FontReport& report) {
     const gw::Sequel sequel = installs() ? gw::Sequel::FONT_LEFT_OUT : gw::Sequel::FONT_STAYS;
-    const int failed = gw::commit_font_action(report, sequel);
+    const auto failed = static_cast<unsigned>(gw::commit_font_action(report, sequel));
     gw::hear_new_failures(report);
-    if (gw::window_policy().shows_reasons()) success_count -= static_cast<unsigned>(failed);
+    // A name of which a part had failed before was not counted.
+    if (gw::window_policy().shows_reasons()) success_count -= std::min(failed, success_count);
 }
 
 void carry_out() {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "app/deleting/deletion.h"
 
+#include <algorithm>
 #include <vector>
 
 #include "app/common/progressdlg.h"
@@ -98,6 +99,7 @@ Boolean delete_work_proc(XtPointer data) {
     delete_entry(work->positions[work->index] - work->done, *work);
     ++work->index;
     if (work->is_in_progress()) return False;
-    finish_deletion(work->done - make_deletion_final());
+    // A name of which a part had failed before was not counted.
+    finish_deletion(std::max(0, work->done - make_deletion_final()));
     return True;
 }
