@@ -140,7 +140,11 @@ int occurrences(std::string_view text, std::string_view line) {
 void set_occurrences(std::string& text, std::string_view line, int number) {
     int too_many = occurrences(text, line) - number;
     if (too_many != 0) text = with_sound_count(text, 0);
-    for (; too_many < 0; ++too_many) text = with_entries(text, std::string(without_newline(line)) + '\n', 1);
+    if (too_many < 0) {
+        std::string lines;
+        for (int missing = too_many; missing < 0; ++missing) lines.append(without_newline(line)).append("\n");
+        text = with_entries(text, lines, -too_many);
+    }
     for (; too_many > 0; --too_many) remove_last(text, line);
 }
 

@@ -38,16 +38,19 @@ std::optional<Record> record_in(std::string_view line) {
     const std::string_view word = next_word(line);
     if (kind == "line") {
         const auto number = number_in<int>(word);
-        if (!number || *number < 0) return std::nullopt;
+        if (!number || *number < 0 || *number > MOST_LINES) return std::nullopt;
         return Line{*number, std::string(line) + '\n'};
+    }
+    if (kind == "out") {
+        const auto number = number_in<unsigned>(word);
+        if (!number || !can_name(line)) return std::nullopt;
+        return Out{*number, std::string(line)};
     }
     const auto number = number_in<ino_t>(word);
     if (!number) return std::nullopt;
     if (kind == "index") return index_record(*number, line);
-    if (!can_name(line)) return std::nullopt;
-    if (kind == "put") return Put{*number, std::string(line)};
-    if (kind == "out") return Out{static_cast<unsigned>(*number), std::string(line)};
-    return std::nullopt;
+    if (kind != "put" || !can_name(line)) return std::nullopt;
+    return Put{*number, std::string(line)};
 }
 
 struct Writer {

@@ -8,8 +8,8 @@
 //     out NUMBER NAME        the file NAME is set aside as "old/NUMBER"
 //     dir NAME               the directory NAME is made
 //     line NUMBER TEXT       before the change the index has NUMBER lines with this text, and then another
-//     number index INODE WAS        the file with this inode number becomes the index; WAS is 1 if there was
-//     one before
+//     index INODE WAS        the file with this inode number becomes the index; WAS is 1 if there was one
+//                            before
 //
 // A name is that of a file in the directory, or of one in its subdirectory "afm". A last line without its
 // newline was not written to its end, so nothing of it was done.
@@ -53,6 +53,8 @@ struct Index {
 using Record = std::variant<Put, Out, MadeDir, Line, Index>;
 
 inline constexpr std::string_view HEADING = "glyphward-journal 1\n";
+/// No index has the same line so often: a larger number was not written by us.
+inline constexpr int MOST_LINES = 100000;
 /// The subdirectory for metrics, the only one that a name may be in.
 inline constexpr std::string_view METRICS = "afm";
 

@@ -47,9 +47,26 @@ TEST(Journal, NamesOnlyFilesOfItsDirectory) {
 }
 
 TEST(Journal, OfAnythingElseIsRefused) {
-    for (const char* line : {"put 1 ../a", "put 1", "put x a", "put -1 a", "out 99999999999999999999 a",
-                             "out 1 a/b", "dir ..", "dir a", "line -1 a b", "line a", "index 1", "index 1 2",
-                             "index x 1", "", " ", "rename 1 a", "put 1 /etc/passwd"}) {
+    for (const char* line : {"put 1 ../a",
+                             "put 1",
+                             "put x a",
+                             "put -1 a",
+                             "out 99999999999999999999 a",
+                             "out 4294967296 a",
+                             "line 100001 a b",
+                             "line 2147483647 a b",
+                             "out 1 a/b",
+                             "dir ..",
+                             "dir a",
+                             "line -1 a b",
+                             "line a",
+                             "index 1",
+                             "index 1 2",
+                             "index x 1",
+                             "",
+                             " ",
+                             "rename 1 a",
+                             "put 1 /etc/passwd"}) {
         const auto records = parse(std::string(HEADING) + line + '\n', "j");
         ASSERT_FALSE(records) << line;
         EXPECT_EQ(records.failure().reason, gw::Reason::NOT_A_JOURNAL) << line;
