@@ -2,8 +2,9 @@
 # SPDX-License-Identifier: MIT
 #
 # Installs missing packages, builds, and lets CTest run the suites: each in a sandbox (scripts/suite), once for each
-# build (release and sanitized) and each user (superuser and ordinary user, when the superuser starts it). Ends with the
-# counts of all tests.
+# build (release and sanitized) and each user (superuser and ordinary user, when the superuser starts it). The fuzz
+# targets have a build of their own, and the soak suites are only in the sanitized one. Ends with the counts of all
+# tests.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 . "$(dirname "$0")/scripts/common.sh"
@@ -16,16 +17,17 @@ Usage: ./test.sh [OPTION]... [LANE | NAME]...
 Builds and runs the tests; missing packages are installed first. The last line is "N passed, N failed", with
 ", N skipped" if tests were skipped; the exit status is 0 when nothing failed.
 
-  LANE               unit, widget, end_to_end, package, web or check: the suites of that kind; only what these need is
-                     installed and built; "check" are the checks of the tree itself
+  LANE               unit, widget, end_to_end, package, web, fuzz, soak or check: the suites of that kind; only what
+                     these need is installed and built; "check" are the checks of the tree itself
   NAME               the suites whose name contains NAME, or else the tests whose full name ("Suite.Test") contains it
-  --config CONFIG    only this build: release or asan (may be repeated; default: both, and release where a lane or a
-                     name is given)
+  --config CONFIG    only this build: release, asan or fuzz (may be repeated; default: all, and where lanes or names
+                     are given those that "fuzz" and "soak" are in, and release for the others)
   --user USER        only as root or only as user (may be repeated); unless root starts this, the default is user, some
                      tests of --user root fail, because it has no power over the files of others, and the tests of the
                      Debian package are skipped: they run as root, in the release build
-  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999 (default: a number that is drawn and
-                     printed)
+  --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999, and chooses what soak suites do
+                     (default: a number that is drawn and printed)
+  --seconds N        how long each fuzz target and each soak suite goes on (default: 5 and 60)
   --no-shuffle       runs them in the order of the source files
   --all              clang-tidy looks at all sources (default: at those that have changed; see scripts/tidy --help)
   --jobs N           runs N suites at the same time (default: one more than there are processors)
@@ -36,7 +38,7 @@ Logs are in build/log/tests, and what tests leave, such as screenshots, in build
 END
 }
 
-lanes=(unit widget end_to_end package web check)
+lanes=(unit widget end_to_end package web fuzz soak check)
 asked_lanes=()
 names=()
 configs=()
@@ -49,22 +51,32 @@ while [ $# -gt 0 ]; do
         --config) configs+=("${2:?--config wants a build}"); shift ;;
         --user) users+=("${2:?--user wants root or user}"); shift ;;
         --seed) seed=${2:?--seed wants a number}; shift ;;
+        --seconds) GLYPHWARD_SECONDS=${2:?--seconds wants a number}; export GLYPHWARD_SECONDS; shift ;;
         --no-shuffle) seed= ;;
         --all) export GLYPHWARD_TIDY=--all ;;
         --jobs) jobs=${2:?--jobs wants a number}; shift ;;
         --list) list=1 ;;
         --help) usage; exit 0 ;;
         -*) usage >&2; exit 2 ;;
-        unit | widget | end_to_end | package | web | check) asked_lanes+=("$1") ;;
+        unit | widget | end_to_end | package | web | fuzz | soak | check) asked_lanes+=("$1") ;;
         *) names+=("$1") ;;
     esac
     shift
 done
 everything=
 [ $((${#asked_lanes[@]} + ${#names[@]})) -gt 0 ] || { everything=1; asked_lanes=("${lanes[@]}"); }
-if [ ${#configs[@]} -eq 0 ]; then
-    configs=(release)
-    [ -z "$everything" ] || configs+=(asan)
+# build_of WORD: the build that the suites of a lane or with such a name are in.
+build_of() {
+    case $1 in
+        fuzz*) echo fuzz ;;
+        soak*) echo asan ;;
+        *) echo release ;;
+    esac
+}
+if [ ${#configs[@]} -eq 0 ] && [ -n "$everything" ]; then
+    configs=(release asan fuzz)
+elif [ ${#configs[@]} -eq 0 ]; then
+    mapfile -t configs < <(for asked in "${asked_lanes[@]}" "${names[@]}"; do build_of "$asked"; done | sort -ru)
 fi
 if [ ${#users[@]} -eq 0 ]; then
     users=(user)
@@ -72,12 +84,13 @@ if [ ${#users[@]} -eq 0 ]; then
     [ "$(id -u)" -ne 0 ] || users=(root user)
 fi
 for config in "${configs[@]}"; do
-    [[ $config == @(release|asan) ]] || fail "There is no test build $config: it is release or asan."
+    [[ $config == @(release|asan|fuzz) ]] || fail "There is no test build $config: it is release, asan or fuzz."
 done
 for user in "${users[@]}"; do
     [[ $user == @(root|user) ]] || fail "There is no test user $user: it is root or user."
 done
 [[ $jobs =~ ^[1-9][0-9]*$ ]] || fail '--jobs wants a number.'
+[[ ${GLYPHWARD_SECONDS-5} =~ ^[1-9][0-9]{0,4}$ ]] || fail '--seconds wants a number from 1 to 99999.'
 [[ $seed =~ ^([1-9][0-9]{0,4})?$ ]] || fail '--seed wants a number from 1 to 99999.'
 
 # has WORD LIST...: whether the list has the word.
@@ -98,7 +111,7 @@ selected_by() {
     ! awk -v wanted="$wanted" 'index($2, wanted) { print; found = 1 } END { exit !found }' "$suites" || return 0
     build "$config" >&2
     while read -r kind name path; do
-        if [ "$kind" != check ] && tests_named "$path" "$wanted"; then
+        if [[ $kind != @(check|fuzz) ]] && tests_named "$path" "$wanted"; then
             echo "$kind $name $path"
             printf '%s *%s*\n' "$name" "$wanted" >>"$test_logs/filters"
         fi
@@ -116,7 +129,7 @@ selected() {
 
 # sections KIND...: the sections of scripts/packages that suites of these kinds need.
 sections() {
-    ! has asan "${configs[@]}" || echo asan
+    ! { has asan "${configs[@]}" || has fuzz "${configs[@]}"; } || echo asan
     ! has package "$@" || echo package
     ! has web "$@" || printf '%s\n' web browser
     ! has check "$@" || printf '%s\n' check asan
@@ -127,6 +140,7 @@ targets() {
     case $1 in
         check) [ "$2" != engine ] || echo glyphward_engine ;;
         package) printf '%s\n' "$2" package_sessions ;;
+        fuzz) echo "$2" ;;
         *) printf '%s\n' "$2" installation ;;
     esac
 }
@@ -137,7 +151,7 @@ build_for() {
     while read -r kind name path; do
         mapfile -t -O ${#wanted[@]} wanted < <(targets "$kind" "$name")
     done < <(printf '%s\n' "$@")
-    [ -z "$everything" ] || wanted=(all)
+    [ -z "$everything" ] || [ "$config" = fuzz ] || wanted=(all)
     [ ${#wanted[@]} -gt 0 ] || return 0
     build "$config" "${wanted[@]}"
     if has installation "${wanted[@]}" || has all "${wanted[@]}"; then
@@ -188,8 +202,8 @@ fi
 
 runs=$(ctest --test-dir build -N -R "$pattern" | sed -n 's/^Total Tests: //p')
 export GLYPHWARD_SEED=$seed
-if [ -n "$seed" ] && { has unit "${kinds[@]}" || has widget "${kinds[@]}"; }; then
-    say "Unit and widget tests are shuffled by the seed $seed; --seed $seed does it again."
+if [ -n "$seed" ] && { has unit "${kinds[@]}" || has widget "${kinds[@]}" || has soak "${kinds[@]}"; }; then
+    say "The seed of shuffled and random tests is $seed; --seed $seed does the same again."
 fi
 status=0
 [ "$runs" -eq 0 ] ||

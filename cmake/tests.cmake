@@ -1,4 +1,4 @@
-# glyphward_test(NAME KIND unit|widget|end_to_end|package|web SOURCES ... [ALONE ...] [LIBRARIES ...])
+# glyphward_test(NAME KIND unit|widget|end_to_end|package|web|soak SOURCES ... [ALONE ...] [LIBRARIES ...])
 #
 # Sources are compiled four at a time, which takes half as long. Those behind ALONE are compiled one by one, because
 # they have names in common with others.
@@ -7,6 +7,7 @@
 # of its own, with scripts/suite, once for each user that it is for. Its labels are its kind and the user. test.sh
 # selects suites by their lines "kind name path" in tests/suites.txt. The target KIND_suites builds all suites of a
 # kind.
+enable_testing()
 set(GLYPHWARD_SUITES_FILE ${CMAKE_BINARY_DIR}/tests/suites.txt)
 file(WRITE ${GLYPHWARD_SUITES_FILE} "")
 cmake_path(GET CMAKE_BINARY_DIR FILENAME GLYPHWARD_CONFIG)
@@ -23,12 +24,19 @@ set(limit_package 300)
 set(users_package root)
 set(limit_web 300)
 set(users_web any)
+# These run as long as they are told to (test.sh --seconds), so there is no limit but a day.
+set(limit_fuzz 86400)
+set(users_fuzz user)
+set(limit_soak 86400)
+set(users_soak user root)
 # CTest starts the longest suites first, so that the last ones are short. It uses these costs until it has measured.
 set(cost_unit 1)
 set(cost_widget 10)
 set(cost_package 20)
 set(cost_web 25)
 set(cost_end_to_end 30)
+set(cost_fuzz 5)
+set(cost_soak 70)
 
 function(glyphward_test name)
   cmake_parse_arguments(arg "" "KIND" "SOURCES;ALONE;LIBRARIES" ${ARGN})
@@ -41,14 +49,19 @@ function(glyphward_test name)
   if(NOT CMAKE_DISABLE_PRECOMPILE_HEADERS)
     set_target_properties(${name} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 4)
   endif()
-  if(NOT TARGET ${arg_KIND}_suites)
-    add_custom_target(${arg_KIND}_suites)
+  glyphward_suite(${name} ${arg_KIND})
+endfunction()
+
+# glyphward_suite(NAME KIND): makes the program NAME, in the directory "tests" of the build, known as a suite.
+function(glyphward_suite name kind)
+  if(NOT TARGET ${kind}_suites)
+    add_custom_target(${kind}_suites)
   endif()
-  add_dependencies(${arg_KIND}_suites ${name})
-  file(APPEND ${GLYPHWARD_SUITES_FILE} "${arg_KIND} ${name} ${CMAKE_BINARY_DIR}/tests/${name}\n")
-  foreach(user IN LISTS users_${arg_KIND})
-    glyphward_run(${GLYPHWARD_CONFIG}.${user}.${name} ${arg_KIND} ${user}
-      ${GLYPHWARD_CONFIG} ${user} ${arg_KIND} ${name} ${limit_${arg_KIND}} ${CMAKE_BINARY_DIR}/tests/${name})
+  add_dependencies(${kind}_suites ${name})
+  file(APPEND ${GLYPHWARD_SUITES_FILE} "${kind} ${name} ${CMAKE_BINARY_DIR}/tests/${name}\n")
+  foreach(user IN LISTS users_${kind})
+    glyphward_run(${GLYPHWARD_CONFIG}.${user}.${name} ${kind} ${user}
+      ${GLYPHWARD_CONFIG} ${user} ${kind} ${name} ${limit_${kind}} ${CMAKE_BINARY_DIR}/tests/${name})
   endforeach()
 endfunction()
 
