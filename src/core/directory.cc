@@ -167,7 +167,8 @@ Result<std::string> Directory::read(const std::string& name) const {
 Result<std::string> read_open_file(int fd, const std::string& path) {
     struct stat info = {};
     if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);
-    if (!S_ISREG(info.st_mode)) return Failure::of_system(path, S_ISDIR(info.st_mode) ? EISDIR : EINVAL);
+    if (S_ISDIR(info.st_mode)) return Failure::of_system(path, EISDIR);
+    if (!S_ISREG(info.st_mode)) return Failure{path, Reason::NOT_A_FILE};
     if (info.st_size > Directory::FILE_LIMIT) return Failure::of_system(path, EFBIG);
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(info.st_size));

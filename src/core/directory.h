@@ -24,6 +24,8 @@ class Descriptor {
 
     [[nodiscard]] bool is_open() const { return fd_ >= 0; }
     [[nodiscard]] int get() const { return fd_; }
+    /// Gives it up without closing it.
+    void release() { fd_ = -1; }
     /// Closes it now; false when the system reports that data was lost.
     bool close();
 

@@ -28,6 +28,8 @@ class FontPolicy {
     [[nodiscard]] constexpr bool names_charsets() const { return modern_; }
     /// A sample for which the locale has no font set is drawn with the font itself.
     [[nodiscard]] constexpr bool draws_with_the_font_itself() const { return modern_; }
+    /// Scratch files stand in a private directory of each run, so any number of runs can work at once.
+    [[nodiscard]] constexpr bool has_private_scratch() const { return modern_; }
 
   private:
     bool modern_;

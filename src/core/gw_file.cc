@@ -1,10 +1,49 @@
 // SPDX-License-Identifier: MIT
 #include "core/gw_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <cstring>
+
+#include "core/directory.h"
+
+namespace {
+
+constexpr int NOT_REGULAR = -1;  // in the place of an `errno`
+
+int flags_of(const char* mode) {
+    switch (*mode) {
+        case 'w':
+            return O_CREAT | O_TRUNC | (std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY);
+        case 'a':
+            return O_CREAT | O_APPEND | (std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY);
+        default:
+            return std::strchr(mode, '+') != nullptr ? O_RDWR : O_RDONLY;
+    }
+}
+
+/// As `fopen`, but without waiting for the other end of a pipe. Only a regular file of an ordinary size is
+/// opened; `error` says why not.
+std::FILE* open_regular(const char* path, const char* mode, int& error) {
+    constexpr mode_t ANYBODY_BEFORE_UMASK = 0666;
+    gw::Descriptor file(::open(path, flags_of(mode) | O_NONBLOCK | O_CLOEXEC, ANYBODY_BEFORE_UMASK));
+    struct stat info = {};
+    if (!file.is_open() || ::fstat(file.get(), &info) != 0) {
+        error = errno;
+    } else if (!S_ISREG(info.st_mode)) {
+        error = S_ISDIR(info.st_mode) ? EISDIR : NOT_REGULAR;
+    } else if (info.st_size > gw::Directory::FILE_LIMIT) {
+        error = EFBIG;
+    }
+    if (error != 0) return nullptr;
+    std::FILE* opened = ::fdopen(file.get(), mode);
+    if (opened != nullptr) file.release();
+    return opened;
+}
+
+}  // namespace
 
 GW_FILE::GW_FILE(const char* file_name, const char* file_dir, int type)
     : GW_FILE_SPEC(file_name, file_dir, type, gw::EXT_UNKNOWN) {}
@@ -14,9 +53,9 @@ GW_FILE::GW_FILE(const GW_FILE_SPEC* spec) : GW_FILE_SPEC(spec) {}
 int GW_FILE::open(const char* mode) {
     if (fp) return 0;
     error = 0;
-    fp.reset(std::fopen(get_path(), mode));
+    fp.reset(open_regular(get_path(), mode, error));
     if (!fp) {
-        note_error();
+        if (error == 0) note_error();
         return 0;
     }
     if (std::strpbrk(mode, "aw") != nullptr)
@@ -29,7 +68,9 @@ void GW_FILE::note_error() {
 }
 
 gw::Outcome GW_FILE::outcome() const {
-    return error == 0 ? gw::done() : gw::Outcome(gw::Failure::of_system(get_path(), error));
+    if (error == 0) return gw::done();
+    if (error == NOT_REGULAR) return gw::Failure{get_path(), gw::Reason::NOT_A_FILE};
+    return gw::Failure::of_system(get_path(), error);
 }
 
 int GW_FILE::close() {

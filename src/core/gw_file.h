@@ -54,5 +54,5 @@ class GW_FILE : public GW_FILE_SPEC {
     void note_error();
 
     std::unique_ptr<std::FILE, Closer> fp;
-    int error = 0;  // the `errno` of the first failure
+    int error = 0;  // the `errno` of the first failure, or that it is no regular file
 };

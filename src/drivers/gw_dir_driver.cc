@@ -1,31 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "drivers/gw_dir_driver.h"
 
-#include <unistd.h>
-
 #include "drivers/engine_globals.h"
 #include "drivers/staging.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
 
 namespace {
 
 constexpr const char* USER_DIR_LINK = "link";
 constexpr const char* SCRATCH_LINK = "tmp";
 
-std::string below_staging(const char* name) {
-    return std::string(gw::STAGING_DIR) + name;
-}
-
 }  // namespace
 
 GWDirDriver::GWDirDriver(const char* dir) : user_dir(dir) {}
 
 void GWDirDriver::get_hrn_list(GWHRNList& out) {
-    if (!gw::tell_unless_done(gw::prepare_staging(gw::STAGING_DIR, USER_DIR_LINK, user_dir.c_str()))) return;
-    // A link that exists already is left as it is.
-    [[maybe_unused]] const int made = ::symlink(gw::SCRATCH_ROOT, below_staging(SCRATCH_LINK).c_str());
-    preview_dir = gw::STAGING_DIR;
-    gw::stage_fonts(out, the_fsm_list, below_staging(USER_DIR_LINK).c_str(), 0, gw::STAGING_DIR);
+    const std::string staging = gw::scratch_path(gw::STAGING_DIR);
+    if (!gw::tell_unless_done(gw::prepare_staging(staging, USER_DIR_LINK, user_dir))) return;
+    (void)gw::link_in_scratch_dir(staging, SCRATCH_LINK, gw::scratch_path(gw::SCRATCH_ROOT));
+    preview_dir = staging;
+    gw::stage_fonts(out, the_fsm_list, (staging + USER_DIR_LINK).c_str(), 0, staging);
 }
 
 void GWDirDriver::make_upr_file(GW_DIR* dir) {

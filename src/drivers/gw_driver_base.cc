@@ -51,7 +51,7 @@ std::vector<gw::Failure> GWDriverBase::put_on_font_path(const std::string& dir) 
 
 void GWDriverBase::start_preview() {
     // When the directory is not ours, the listing has reported it already.
-    if (!preview_dir || preview_dir->empty() || gw::is_foreign_dir(preview_dir->c_str())) return;
+    if (!preview_dir || !gw::holds_scratch_dir(*preview_dir)) return;
     if (position_in(GWFontPath::SESSION_FP, preview_dir->c_str()) != 0) {
         the_font_path->rehash_session_fp();
         return;

@@ -6,6 +6,7 @@
 #include "drivers/engine_globals.h"
 #include "drivers/staging.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
 
 namespace {
 
@@ -40,9 +41,10 @@ void GW_REM_MEDIA_DRIVER::get_hrn_list(GWHRNList& out) {
 void GW_REM_MEDIA_DRIVER::get_fsml_hrn_list(GWHRNList& out, GW_FSM_LIST* modules) {
     const Medium* medium = medium_of(medium_kind);
     if (medium == nullptr) return;
-    const gw::Outcome ready = gw::prepare_staging(medium->staging, medium->word, medium->link_target);
-    if (!gw::tell_unless_done(ready)) return;
+    const std::string staging = gw::scratch_path(medium->staging);
+    if (!gw::tell_unless_done(gw::prepare_staging(staging, medium->word, medium->link_target))) return;
+    preview_dir = staging;
     GWHRNList found(0);
-    gw::stage_fonts(found, *modules, medium->mount_point, 1, medium->staging);
+    gw::stage_fonts(found, *modules, medium->mount_point, 1, staging);
     out.merge(found);
 }

@@ -11,13 +11,14 @@
 
 namespace gw {
 
-/// Prepares the directory `staging`: makes it (mode 0777 before the umask) unless it exists, makes the link
-/// `link_name` in it point to `link_target`, and writes an index without entries. A failure when something
-/// that is not ours has this name.
-Outcome prepare_staging(const char* staging, const std::string& link_name, const char* link_target);
+/// Prepares the directory `staging`: makes it (mode 0777 before the umask) unless this process has made it
+/// already, makes the link `link_name` in it point to `link_target`, and writes an index without entries. A
+/// failure when another process has made something of this name.
+Outcome prepare_staging(const std::string& staging, const std::string& link_name,
+                        const std::string& link_target);
 
 /// Adds every font that the modules find in `source` to the index of `staging` and to `out`, which owns it.
 void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int recursive,
-                 const char* staging);
+                 const std::string& staging);
 
 }  // namespace gw

@@ -13,7 +13,8 @@
 
 namespace gw {
 
-FontsetWorkingCopy::FontsetWorkingCopy() : file(FONTSET_FILE_NAME, SCRATCH_ROOT, FILE_TYPE_REGULAR) {}
+FontsetWorkingCopy::FontsetWorkingCopy()
+    : file(FONTSET_FILE_NAME, scratch_path(SCRATCH_ROOT).c_str(), FILE_TYPE_REGULAR) {}
 
 FontsetWorkingCopy::~FontsetWorkingCopy() {
     if (is_own_file()) file.remove();

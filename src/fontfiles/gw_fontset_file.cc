@@ -8,6 +8,7 @@
 
 #include "core/replace_file.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
 
 namespace {
 
@@ -52,6 +53,25 @@ bool take_base_font(GWFontSet& fontset, std::string_view text) {
     return !is_last;
 }
 
+std::string appended(std::string bytes, const std::string& definition) {
+    // A last line without a newline would be joined to the name.
+    if (!bytes.empty() && !bytes.ends_with('\n')) bytes += '\n';
+    return bytes + definition;
+}
+
+std::string without_fontset(std::string_view bytes, const std::string& unwanted) {
+    std::string kept;
+    bool skips = false;
+    for_each_line(bytes, [&](std::string_view line) {
+        const std::string_view text = text_of(line);
+        if (text.starts_with('!')) skips = false;
+        // Kept: deleting a fontset removes all definitions of its name.
+        if (text.starts_with('-')) skips = fontset_name(text) == unwanted;
+        if (!skips) kept.append(line);
+    });
+    return kept;
+}
+
 }  // namespace
 
 GW_FONTSET_FILE::GW_FONTSET_FILE(const char* file_dir, const char* file_name, int type)
@@ -60,8 +80,9 @@ GW_FONTSET_FILE::GW_FONTSET_FILE(const char* file_dir, const char* file_name, in
     if (!bytes && exist() != 0) reading = bytes.failure();
     if (bytes) read_fontsets(*bytes);
     // In that directory the scratch file would be this file itself.
-    if (is_in_directory(gw::SCRATCH_ROOT)) work.keep_in_memory();
-    work.set_bytes(bytes ? *bytes : std::string());
+    if (is_in_directory(gw::scratch_path(gw::SCRATCH_ROOT).c_str())) work.keep_in_memory();
+    if (bytes) on_disk = *bytes;
+    work.set_bytes(on_disk);
 }
 
 GW_FONTSET_FILE::~GW_FONTSET_FILE() {
@@ -96,10 +117,7 @@ int GW_FONTSET_FILE::append_fontset(GWFontSet* fontset) {
     gw::Ref<GWFontSet> owned(fontset);
     fontsets.append(fontset);
     owned.leave();
-    std::string bytes = work.get_bytes();
-    // A last line without a newline would be joined to the name.
-    if (!bytes.empty() && !bytes.ends_with('\n')) bytes += '\n';
-    work.set_bytes(bytes + fontset->definition());
+    edit({"", fontset->definition()});
     return 1;
 }
 
@@ -113,24 +131,35 @@ int GW_FONTSET_FILE::delete_fontset(const GWFontSet* fontset) {
     GWFontSet* removed = fontsets.zap_elem_at_pos(pos);
     if (removed != nullptr) deleted.push_back(gw::Ref<GWFontSet>::adopt(removed));
 
-    std::string kept;
-    bool skips = false;
-    for_each_line(work.get_bytes(), [&](std::string_view line) {
-        const std::string_view text = text_of(line);
-        if (text.starts_with('!')) skips = false;
-        // Kept: deleting a fontset removes all definitions of its name.
-        if (text.starts_with('-')) skips = fontset_name(text) == unwanted;
-        if (!skips) kept.append(line);
-    });
-    work.set_bytes(kept);
+    edit({unwanted, ""});
     return removed != nullptr ? 1 : 0;
+}
+
+void GW_FONTSET_FILE::edit(Edit change) {
+    work.set_bytes(edited(work.get_bytes(), change));
+    edits.push_back(std::move(change));
+}
+
+std::string GW_FONTSET_FILE::edited(const std::string& bytes, const Edit& change) {
+    if (!change.added.empty()) return appended(bytes, change.added);
+    return without_fontset(bytes, change.removed);
 }
 
 gw::Outcome GW_FONTSET_FILE::put_in_place() {
     if (!reading) return reading.with(gw::Sequel::FONTSETS_STAY);
     // Kept: fontsets are always written under one file name.
     const std::string target = std::string(get_dir()) + work.get_name();
-    return gw::replace_file(target, work.get_bytes()).with(gw::Sequel::FONTSETS_STAY);
+    if (const gw::Result<std::string> now = gw::read_file(target);
+        now && target == get_path() && *now != on_disk) {
+        std::string bytes = *now;
+        for (const Edit& change : edits) bytes = edited(bytes, change);
+        work.set_bytes(bytes);
+    }
+    gw::Outcome written = gw::replace_file(target, work.get_bytes());
+    if (!written) return written.with(gw::Sequel::FONTSETS_STAY);
+    on_disk = work.get_bytes();
+    edits.clear();
+    return written;
 }
 
 int GW_FONTSET_FILE::sync() {

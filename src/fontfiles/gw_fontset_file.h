@@ -42,15 +42,27 @@ class GW_FONTSET_FILE : public GW_FILE {
     int delete_fontset(const GWFontSet* fontset);
     /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay.
     /// Fails, and leaves the old file, when it cannot be written, or when it existed but could not be read.
+    /// When another process has changed the file since it was read, the changes are made to what that has
+    /// left; the caller has taken the turn to write it (`gw::take_turn_at`).
     gw::Outcome put_in_place();
     /// The same with a number as result: 1, or 0 after the listener for failures was told.
     int sync();
 
   private:
+    /// A change of the working copy: the name of a fontset that goes, or a definition that comes.
+    struct Edit {
+        std::string removed;
+        std::string added;
+    };
+
     void read_fontsets(std::string_view bytes);
+    void edit(Edit change);
+    [[nodiscard]] static std::string edited(const std::string& bytes, const Edit& change);
 
     GW_LIST<GWFontSet> fontsets;
     std::vector<gw::Ref<GWFontSet>> deleted;
     gw::FontsetWorkingCopy work;
-    gw::Outcome reading;  // why a file that exists could not be read
+    std::string on_disk;
+    std::vector<Edit> edits;  // since `on_disk` was read or written
+    gw::Outcome reading;      // why a file that exists could not be read
 };

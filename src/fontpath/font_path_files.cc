@@ -177,6 +177,13 @@ Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::stri
     return written;
 }
 
+FileStamp stamp_of(const std::string& path) {
+    constexpr std::int64_t NANOSECONDS = 1000000000;
+    struct stat info = {};
+    if (::stat(path.c_str(), &info) != 0) return {};
+    return {info.st_dev, info.st_ino, info.st_size, info.st_mtim.tv_sec * NANOSECONDS + info.st_mtim.tv_nsec};
+}
+
 bool writable_by_uid(const std::string& path, uid_t uid) {
     struct stat info = {};
     if (::stat(path.c_str(), &info) != 0) return false;

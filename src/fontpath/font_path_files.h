@@ -6,6 +6,7 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -52,6 +53,16 @@ Outcome write_to_vtconfig(const std::string& path, const char* value);
 Outcome insert_and_write_to_vtconfig(ElementList& list, int pos, const GW_STRING* element,
                                      const std::string& path);
 Outcome delete_and_write_to_vtconfig(ElementList& list, int pos, const std::string& path);
+
+/// What tells whether a file was changed or replaced. All zero for a missing file.
+struct FileStamp {
+    dev_t device = 0;
+    ino_t inode = 0;
+    off_t size = 0;
+    std::int64_t changed = 0;  ///< the time of modification, in nanoseconds
+    bool operator==(const FileStamp&) const = default;
+};
+[[nodiscard]] FileStamp stamp_of(const std::string& path);
 
 /// Whether the permission bits let the user write, as `is_writeable_by` has it.
 [[nodiscard]] bool writable_by_uid(const std::string& path, uid_t uid);

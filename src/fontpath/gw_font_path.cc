@@ -6,17 +6,20 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <clocale>
 #include <cstdlib>
+#include <cstring>
+#include <filesystem>
 #include <memory>
 #include <utility>
 #include <vector>
 
-#include "core/gw_file.h"
 #include "core/replace_file.h"
 #include "core/rights.h"
 #include "core/text.h"
 #include "fontpath/font_path_files.h"
+#include "fontpath/vtfontpath_file.h"
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
@@ -25,73 +28,40 @@
 
 namespace {
 
-constexpr const char* REMOVE = "/bin/rm -f %s";
-constexpr const char* EXPAND_LINES =
-    "cat %s |  while read input\n\t\t\t  do \n\t\t\t    eval echo $input \n\t\t\t  done  > %s";
-constexpr int LONGEST_READ = 500;
-constexpr mode_t USER_FILE_MODE = 0644;
+constexpr auto HOST_CONFIG_DIR_MODE = static_cast<std::filesystem::perms>(0755);
 
 Display* session_display = nullptr;
 
-/// Runs `xset` on the session font path; its error messages go to the scratch file for errors. A failure when
-/// it was not run.
-gw::Outcome run_xset(const char* operation, const char* element) {
-    gw::run_shell(REMOVE, {gw::SCRATCH_ERRORS});
-    if (gw::Outcome made = gw::create_scratch_file(gw::SCRATCH_ERRORS); !made)
-        return made.with(gw::Sequel::SESSION_PATH_STAYS);
-    gw::run_shell("%s fp%s %s 2> %s", {gw::XSET, operation, element, gw::SCRATCH_ERRORS});
+/// Runs `xset` on the session font path; its complaints go to the scratch file for errors. A failure when it
+/// was not run, or did not end.
+gw::Outcome run_xset(const char* operation, const char* element, const std::string& errors) {
+    gw::Outcome run = gw::create_scratch_file(errors);
+    if (!run) return run.with(gw::Sequel::SESSION_PATH_STAYS);
+    run = gw::run_command("%s fp%s %s 2> %s", {gw::XSET, operation, element, errors}, gw::MOMENTS);
+    // A status is no news: what is wrong stands in the file.
+    if (!run && run.failure().reason != gw::Reason::COMMAND_FAILED) return run;
     return gw::done();
 }
 
 gw::Outcome _append_to_current_session(const char* element) {
-    if (gw::Outcome run = run_xset("+", element); !run) return run;
-    const GW_FILE_SPEC errors("errors", gw::SCRATCH_ROOT, gw::FILE_TYPE_REGULAR, gw::EXT_UNKNOWN);
-    if (errors.file_size() == 0) return gw::done();
+    const std::string errors = gw::scratch_path(gw::SCRATCH_ERRORS);
+    if (gw::Outcome run = run_xset("+", element, errors); !run) return run;
+    const gw::Result<std::string> complaints = gw::read_file(errors);
+    if (!complaints) return complaints.failure();
+    if (complaints->empty()) return gw::done();
     return gw::Failure{element, gw::Reason::REFUSED_BY_SERVER};
 }
 
-/// The directory and name of a path, for the file classes.
-GW_FILE file_at(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return {path.substr(slash + 1).c_str(), path.substr(0, slash + 1).c_str(), gw::FILE_TYPE_REGULAR};
+bool has_comma(const GW_STRING& element) {
+    return std::strchr(element.get_str(), ',') != nullptr;
 }
 
-/// The lines of a file without their newlines. A line that is longer than one read is put together again.
-std::vector<std::string> lines_of(const std::string& path) {
-    std::vector<std::string> lines;
-    GW_FILE file = file_at(path);
-    if (file.open("r") == 0) return lines;
-    char piece[LONGEST_READ + 1];
-    bool at_start = true;
-    while (file.get_line(piece, sizeof piece) != nullptr) {
-        if (at_start) lines.emplace_back();
-        lines.back() += piece;
-        at_start = lines.back().ends_with('\n');
-        if (at_start) lines.back().pop_back();
-    }
-    file.close();
-    return lines;
-}
-
-// The first blank line of a font path file ends the append section. Kept: later groups of a font path file
-// come first.
-void read_sections(const std::string& path, GW_LIST<GW_STRING>& append_list,
-                   GW_LIST<GW_STRING>& prepend_list) {
-    bool in_append_section = true;
-    int position = 0;
-    for (const std::string& line : lines_of(path)) {
-        const std::size_t start = line.find_first_not_of(" \t");
-        if (start == std::string::npos) {
-            in_append_section = false;
-            position = 0;
-            continue;
-        }
-        auto* element = new GW_STRING(line.substr(start).c_str());
-        if (in_append_section) {
-            append_list.append(element);
-        } else {
-            prepend_list.insert_after_pos(position++, element);
-        }
+/// Appends to `elements` what another process has added to the file since this one last read it.
+void add_newcomers(GW_LIST<GW_STRING>& elements, const std::vector<std::string>& now,
+                   const std::vector<std::string>& known) {
+    for (const std::string& text : now) {
+        if (std::find(known.begin(), known.end(), text) == known.end())
+            elements.append(new GW_STRING(text.c_str()));
     }
 }
 
@@ -112,12 +82,9 @@ void gw::set_font_path_display(Display* display) {
     session_display = display;
 }
 
-GWFontPath::GWFontPath(const char* root_dir, Scratch scratch_file)
-    : scratch(scratch_file),
-      effective_uid(::geteuid()),
-      root(root_dir),
-      installation_config(root + gw::INSTALLATION_CONFIG) {
-    gw::read_config_font_path(installation_config, list(INSTALLATION_FP), gw::DEFAULT_FONT_PATH);
+GWFontPath::GWFontPath(const char* root_dir)
+    : effective_uid(::geteuid()), root(root_dir), installation_config(root + gw::INSTALLATION_CONFIG) {
+    read_config(INSTALLATION_FP);
     if (is_main_installation() && !read_host_and_locale()) return;
     load_session();
     _set_all_fpe_list();
@@ -134,9 +101,17 @@ bool GWFontPath::is_main_installation() const {
     return root == gw::INSTALLATION_ROOT;
 }
 
+void GWFontPath::read_config(TYPE t) {
+    const std::string path = store_of(t);
+    store(t).stamp = gw::stamp_of(path);
+    gw::delete_elements(list(t));
+    gw::read_config_font_path(path, list(t), t == INSTALLATION_FP ? gw::DEFAULT_FONT_PATH : nullptr);
+    stores[t].texts = texts_of(t);
+}
+
 /// False when nothing more is to be read. Kept: without a home directory a user has no composed font path.
 bool GWFontPath::read_host_and_locale() {
-    gw::read_config_font_path(gw::HOST_CONFIG, list(HOST_FP), nullptr);
+    read_config(HOST_FP);
 
     if (const char* name = std::setlocale(LC_MESSAGES, nullptr); name != nullptr) locale = name;
     std::string desktop_dir = gw::DESKTOP_FONT_DIR_NO_LOCALE;
@@ -147,13 +122,14 @@ bool GWFontPath::read_host_and_locale() {
     if (gw::file_exists(desktop_dir)) list(DT_LOCALE_FP).append(new GW_STRING(desktop_dir.c_str()));
 
     locale_file = root + gw::LOCALE_FONT_PATH_DIR + locale.value_or("C") + gw::LOCALE_FONT_PATH_FILE;
-    _read_from_vtfontpath(locale_file, list(LOCALE_APPEND_FP), list(LOCALE_PREPEND_FP));
+    read_locale_file();
 
     if (gw::is_superuser(effective_uid)) return true;
     const char* home = std::getenv("HOME");
     if (home == nullptr) return false;
     user_file = std::string(home) + gw::USER_FONT_PATH_FILE;
-    _read_from_vtfontpath(*user_file, list(USER_APPEND_FP), list(USER_PREPEND_FP));
+    read_user_file();
+    gw::tell_unless_done(store(USER_APPEND_FP).read.with(gw::Sequel::FILE_NOT_READ, *user_file));
     return true;
 }
 
@@ -174,40 +150,39 @@ void GWFontPath::load_session() {
     if (path != nullptr) XFreeFontPath(path);
 }
 
-// Kept: lines of a font path file are run by the shell. So they may contain variables ("$HOME/fonts").
-void GWFontPath::_read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) const {
-    if (!gw::file_exists(path)) return;
-    if (scratch == Scratch::UNNAMED) {
-        const gw::UnnamedScratchFile file;
-        if (const std::string expanded = file.path(); !expanded.empty()) {
-            gw::run_shell(EXPAND_LINES, {path, expanded});
-            read_sections(expanded, append_list, prepend_list);
-            return;
-        }
-    }
-    gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
-    const gw::Outcome made = gw::create_scratch_file(gw::SCRATCH_FONT_PATH);
-    if (!gw::tell_unless_done(made.with(gw::Sequel::FILE_NOT_READ, path))) return;
-    gw::run_shell(EXPAND_LINES, {path, gw::SCRATCH_FONT_PATH});
-    read_sections(gw::SCRATCH_FONT_PATH, append_list, prepend_list);
-    gw::run_shell(REMOVE, {gw::SCRATCH_FONT_PATH});
+void GWFontPath::read_locale_file() {
+    const gw::VtFontPath elements = gw::read_vtfontpath(locale_file);
+    gw::tell_unless_done(elements.outcome.with(gw::Sequel::FILE_NOT_READ, locale_file));
+    take(LOCALE_APPEND_FP, elements.append);
+    take(LOCALE_PREPEND_FP, elements.prepend);
 }
 
-gw::Outcome GWFontPath::_write_to_vtfontpath(const std::string& path, const List& append_list,
-                                             const List& prepend_list) {
-    const std::optional<std::string> text = gw::vtfontpath_text(append_list, prepend_list);
-    if (!text) return gw::Failure{path, gw::Reason::NAME_UNFIT_FOR_PATH};
-    // Kept: the backup of a font path file stays.
-    const bool backed_up = gw::file_exists(path);
-    if (backed_up) gw::run_shell("/bin/mv -f %s %s.bak", {path, path});
-    gw::Outcome written = gw::replace_file(path, *text, USER_FILE_MODE);
-    if (!written && backed_up) gw::run_shell("/bin/mv -f %s.bak %s", {path, path});
-    return written;
+void GWFontPath::read_user_file() {
+    Store& known = store(USER_APPEND_FP);
+    known.stamp = gw::stamp_of(*user_file);
+    const gw::VtFontPath elements = gw::read_vtfontpath(*user_file);
+    known.read = elements.outcome;
+    take(USER_APPEND_FP, elements.append);
+    take(USER_PREPEND_FP, elements.prepend);
+}
+
+void GWFontPath::take(TYPE t, const Texts& texts) {
+    gw::delete_elements(list(t));
+    for (const std::string& text : texts) list(t).append(new GW_STRING(text.c_str()));
+    stores[t].texts = texts;
+}
+
+GWFontPath::Texts GWFontPath::texts_of(TYPE t) {
+    Texts texts;
+    for (const GW_STRING* element : list(t)) texts.emplace_back(element->get_str());
+    return texts;
 }
 
 gw::Outcome GWFontPath::write_user_file(const List& append_list, const List& prepend_list) const {
     if (!user_file) return gw::Failure{gw::USER_FONT_PATH_FILE, gw::Reason::NOT_ALLOWED};
-    return _write_to_vtfontpath(*user_file, append_list, prepend_list);
+    const std::optional<std::string> text = gw::vtfontpath_text(append_list, prepend_list);
+    if (!text) return gw::Failure{*user_file, gw::Reason::NAME_UNFIT_FOR_PATH};
+    return gw::write_vtfontpath(*user_file, *text);
 }
 
 GW_LIST<GW_STRING>* GWFontPath::get_fpe_list(TYPE t, unsigned int& count) {
@@ -249,11 +224,62 @@ gw::Outcome GWFontPath::insert(TYPE t, const GW_STRING& element, int pos) {
     if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
     // A copy, because `element` may be in one of our lists and be deleted when writing fails.
     const GW_STRING copy(&element);
-    return finish(insert_by_type(t, copy, pos));
+    if (has_comma(copy)) return gw::Failure{copy.get_str(), gw::Reason::COMMA_IN_NAME};
+    const Texts before = texts_of(t);
+    gw::Result<Turn> turn = take_turn(t);
+    if (!turn) return turn.failure();
+    return end_turn(t, finish(insert_by_type(t, copy, moved_position(t, before, pos))));
 }
 
 int GWFontPath::insert_after_pos(TYPE t, const GW_STRING* element, int pos) {
     return element != nullptr ? number_of(insert(t, *element, pos)) : 0;
+}
+
+/// Waits for the turn of this process to change the file of `t`, and reads it again if somebody else has
+/// changed it.
+gw::Result<GWFontPath::Turn> GWFontPath::take_turn(TYPE t) {
+    Turn turn;
+    if (t >= SESSION_FP) return turn;
+    const std::string file = store_of(t);
+    gw::Result<gw::FileTurn> lock = gw::take_turn_at(file);
+    if (!lock) return lock.failure().with(gw::Sequel::FONT_PATH_STAYS);
+    turn.lock = std::move(*lock);
+    turn.moved_on = catch_up(t);
+    if (!store(t).read)
+        return gw::Failure{file, gw::Reason::NOT_READ_BEFORE}.with(gw::Sequel::FONT_PATH_STAYS);
+    return turn;
+}
+
+/// Reads the file of `t` again if it is not as this process left it. Returns whether it did.
+bool GWFontPath::catch_up(TYPE t) {
+    const bool is_user = t == USER_APPEND_FP || t == USER_PREPEND_FP;
+    if (is_user && !user_file) return false;
+    // A file that is gone says nothing; what this process knows is all that is left of it.
+    const gw::FileStamp now = gw::stamp_of(store_of(t));
+    if (store(t).read && (now == store(t).stamp || now == gw::FileStamp{})) return false;
+    if (is_user) {
+        read_user_file();
+    } else {
+        read_config(t);
+    }
+    _set_all_fpe_list();
+    return true;
+}
+
+/// Remembers the file of `t` as this process leaves it.
+gw::Outcome GWFontPath::end_turn(TYPE t, const gw::Outcome& outcome) {
+    if (t >= SESSION_FP) return outcome;
+    store(t).stamp = gw::stamp_of(store_of(t));
+    if (outcome) stores[t].texts = texts_of(t);
+    return outcome;
+}
+
+/// Where the element that was at `pos` in `before` is now; 0 when it is gone.
+int GWFontPath::moved_position(TYPE t, const Texts& before, int pos) {
+    const Texts now = texts_of(t);
+    if (pos < 1 || pos > static_cast<int>(before.size()) || now == before) return pos;
+    const auto place = std::find(now.begin(), now.end(), before[static_cast<std::size_t>(pos) - 1]);
+    return place == now.end() ? 0 : static_cast<int>(place - now.begin()) + 1;
 }
 
 /// Composes the list again after every change that was tried, not after a refusal.
@@ -330,7 +356,20 @@ gw::Outcome GWFontPath::replace(TYPE t, const List& elements) {
     List copies;
     const gw::ElementsOwner owner(copies);
     gw::list_replace(copies, elements);
-    return finish(set_by_type(t, copies));
+    for (const GW_STRING* element : copies) {
+        if (has_comma(*element)) return gw::Failure{element->get_str(), gw::Reason::COMMA_IN_NAME};
+    }
+    const Texts known = stores[t].texts;
+    gw::Result<Turn> turn = take_turn(t);
+    if (!turn) return turn.failure();
+    if (turn->moved_on) add_newcomers(copies, texts_of(t), known);
+    gw::Outcome set = end_turn(t, finish(set_by_type(t, copies)));
+    if (set) {
+        // Not what the list holds: the quirks of setting a path leave it behind.
+        stores[t].texts.clear();
+        for (const GW_STRING* element : copies) stores[t].texts.emplace_back(element->get_str());
+    }
+    return set;
 }
 
 int GWFontPath::set_font_path(TYPE t, GW_LIST<GW_STRING>* elements) {
@@ -366,7 +405,12 @@ GWFontPath::Change GWFontPath::set_user(TYPE t, const List& elements) {
 gw::Outcome GWFontPath::remove(TYPE t, int pos) {
     if (pos < 1 && pos != -1) return gw::Failure{store_of(t), gw::Reason::NO_SUCH_ELEMENT};
     if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
-    return finish(delete_by_type(t, pos));
+    const Texts before = texts_of(t);
+    gw::Result<Turn> turn = take_turn(t);
+    if (!turn) return turn.failure();
+    const int position = moved_position(t, before, pos);
+    if (position == 0) return gw::Failure{store_of(t), gw::Reason::NO_SUCH_ELEMENT};
+    return end_turn(t, finish(delete_by_type(t, position)));
 }
 
 int GWFontPath::delete_pos(TYPE t, int pos) {
@@ -417,13 +461,12 @@ GWFontPath::Change GWFontPath::delete_session(int pos) {
     const std::unique_ptr<GW_STRING> removed = gw::list_delete(list(SESSION_FP), pos);
     if (!removed) return refusal(gw::XSET, gw::Reason::NO_SUCH_ELEMENT);
     // Kept: deleting from the session's path always succeeds.
-    gw::tell_unless_done(run_xset("-", removed->get_str()));
+    gw::tell_unless_done(run_xset("-", removed->get_str(), gw::scratch_path(gw::SCRATCH_ERRORS)));
     return {};
 }
 
 void GWFontPath::rehash_session_fp() {
-    gw::run_shell(REMOVE, {gw::SCRATCH_ERRORS});
-    gw::run_shell("%s fp rehash", {gw::XSET});
+    gw::tell_unless_done(gw::run_command("%s fp rehash", {gw::XSET}, gw::MOMENTS));
 }
 
 int GWFontPath::is_writeable(TYPE t) {
@@ -443,16 +486,18 @@ int GWFontPath::is_writeable(TYPE t) {
     }
 }
 
-int GWFontPath::_installation_vtconfig_writeable() const {
-    const bool may_write = gw::writable_by_uid(installation_config, effective_uid);
-    return may_write && gw::write_to_vtconfig(installation_config, nullptr) ? 1 : 0;
+int GWFontPath::_installation_vtconfig_writeable() {
+    if (!gw::writable_by_uid(installation_config, effective_uid)) return 0;
+    const gw::Result<Turn> turn = take_turn(INSTALLATION_FP);
+    return turn && end_turn(INSTALLATION_FP, gw::write_to_vtconfig(installation_config, nullptr)) ? 1 : 0;
 }
 
 int GWFontPath::_host_vtconfig_writeable() const {
     // Kept: asking whether the host can be configured makes its directory.
     if (!gw::file_exists(gw::HOST_CONFIG_DIR)) {
-        gw::run_shell("/bin/mkdir -p %s", {gw::HOST_CONFIG_DIR});
-        gw::run_shell("/bin/chmod 755 %s", {gw::HOST_CONFIG_DIR});
+        std::error_code unmade;
+        std::filesystem::create_directories(gw::HOST_CONFIG_DIR, unmade);
+        if (!unmade) std::filesystem::permissions(gw::HOST_CONFIG_DIR, HOST_CONFIG_DIR_MODE, unmade);
         return 1;
     }
     const bool exists = gw::file_exists(gw::HOST_CONFIG);

@@ -12,10 +12,13 @@
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "core/failure.h"
 #include "core/gw_list.h"
 #include "core/gw_string.h"
+#include "fontpath/font_path_files.h"
+#include "store/file_turn.h"
 
 class GWFontPath {
   public:
@@ -32,13 +35,9 @@ class GWFontPath {
     };
     static constexpr int TYPE_COUNT = 9;
 
-    /// Where the shell writes an expanded font path file: to the scratch file with the fixed name, which only
-    /// one process at a time can use, or to private memory of this process.
-    enum class Scratch { NAMED, UNNAMED };
-
     /// Reads everything that belongs to the installation below `root`, without a trailing slash. The server's
     /// path is read only when a display has been given to `gw::set_font_path_display`.
-    explicit GWFontPath(const char* root, Scratch scratch = Scratch::NAMED);
+    explicit GWFontPath(const char* root);
     ~GWFontPath();
     GWFontPath(const GWFontPath&) = delete;
     GWFontPath& operator=(const GWFontPath&) = delete;
@@ -72,17 +71,38 @@ class GWFontPath {
 
   private:
     using List = GW_LIST<GW_STRING>;
+    using Texts = std::vector<std::string>;
+
+    /// A file as this process has left it, or last read it.
+    struct Store {
+        gw::FileStamp stamp = {};
+        gw::Outcome read = {};
+        Texts texts = {};
+    };
+    /// The right to change a file of font paths, which other processes change too.
+    struct Turn {
+        gw::FileTurn lock = {};
+        bool moved_on = false;  ///< somebody else has changed the file, and it was read again
+    };
 
     List& list(TYPE t) { return lists[static_cast<std::size_t>(t)]; }
+    /// The store of `t`; both lists of the user are in one file.
+    Store& store(TYPE t) { return stores[t == USER_PREPEND_FP ? USER_APPEND_FP : t]; }
+    gw::Result<Turn> take_turn(TYPE t);
+    bool catch_up(TYPE t);
+    gw::Outcome end_turn(TYPE t, const gw::Outcome& outcome);
+    int moved_position(TYPE t, const Texts& before, int pos);
     [[nodiscard]] bool is_main_installation() const;
     /// The reasons for a refusal that all changes share.
     [[nodiscard]] bool refuses(TYPE t) const;
 
     bool read_host_and_locale();
     void _set_all_fpe_list();
-    void _read_from_vtfontpath(const std::string& path, List& append_list, List& prepend_list) const;
-    static gw::Outcome _write_to_vtfontpath(const std::string& path, const List& append_list,
-                                            const List& prepend_list);
+    void read_config(TYPE t);
+    void read_locale_file();
+    void read_user_file();
+    void take(TYPE t, const Texts& texts);
+    [[nodiscard]] Texts texts_of(TYPE t);
     gw::Outcome write_user_file(const List& append_list, const List& prepend_list) const;
     void load_session();
 
@@ -110,12 +130,12 @@ class GWFontPath {
     bool seed_host_list();
     void take_seeds_back();
 
-    [[nodiscard]] int _installation_vtconfig_writeable() const;
+    [[nodiscard]] int _installation_vtconfig_writeable();
     [[nodiscard]] int _host_vtconfig_writeable() const;
     [[nodiscard]] int _user_vtfontpath_writeable() const;
 
     std::array<List, TYPE_COUNT> lists;
-    Scratch scratch;
+    std::array<Store, TYPE_COUNT> stores;
     uid_t effective_uid;
     std::string root;
     std::string installation_config;

@@ -25,10 +25,6 @@ constexpr int TABLE_TOKENS = 4;
 constexpr int TABLE_CHARS = 32;
 constexpr mode_t SCRATCH_MODE = 0744;
 
-void run_and_tell(const char* format, const char* argument) {
-    if (run_shell(format, {argument}) == -1) tell(Failure::of_system(shell_text(format, {argument}), errno));
-}
-
 }  // namespace
 
 IndexedModule::IndexedModule(int type, std::initializer_list<Extension> extensions,
@@ -124,14 +120,16 @@ void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_F
     }
 }
 
-bool IndexedModule::make_scratch_index(const GW_FSPEC_LIST& files) const {
-    if (!tell_unless_done(may_use_scratch_dir(scratch_dir))) return false;
-    // Kept: a scratch directory of this user is used as it was left. The message names the operation instead
-    // of the file.
-    if (const Outcome linked = link_into_new_directory(scratch_dir, files); !linked)
+bool IndexedModule::make_scratch_index(const std::string& scratch, const GW_FSPEC_LIST& files) {
+    if (!tell_unless_done(hold_scratch_dir(scratch, SCRATCH_MODE).with(Sequel::NOT_USED))) return false;
+    // The message names the operation instead of the file.
+    for (const GW_FILE_SPEC* spec : files) {
+        const Outcome linked = link_in_scratch_dir(scratch, spec->get_name(), spec->get_path());
+        if (linked) continue;
         tell(Failure::of_system("make_font_list", linked.failure().error));
-    run_and_tell("mkfontdir %s;", scratch_dir);
-    return true;
+        break;
+    }
+    return tell_unless_done(run_command("mkfontdir %s;", {scratch}, LONG_WORK).with(Sequel::NOT_USED));
 }
 
 void IndexedModule::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive) {
@@ -147,10 +145,12 @@ void IndexedModule::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recurs
         append_indexed_fonts(out, *dir, index, nullptr);
         return;
     }
-    if (!make_scratch_index(files)) return;
-    GW_FONTDIR_FILE scratch_index(scratch_dir, FILE_TYPE_REGULAR);
-    append_indexed_fonts(out, *dir, scratch_index, &files);
-    run_and_tell("\\rm -r %s;", scratch_dir);
+    const std::string scratch = scratch_path(scratch_dir);
+    if (make_scratch_index(scratch, files)) {
+        GW_FONTDIR_FILE scratch_index(scratch.c_str(), FILE_TYPE_REGULAR);
+        append_indexed_fonts(out, *dir, scratch_index, &files);
+    }
+    drop_scratch_dir(scratch);
 }
 
 void IndexedModule::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {

@@ -62,7 +62,7 @@ class IndexedModule : public AnsweringModule {
   private:
     void append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_FONTDIR_FILE& index,
                               const GW_FSPEC_LIST* files);
-    [[nodiscard]] bool make_scratch_index(const GW_FSPEC_LIST& files) const;
+    static bool make_scratch_index(const std::string& scratch, const GW_FSPEC_LIST& files);
     [[nodiscard]] bool takes_gzipped() const;
 
     GW_TOKEN_TABLE file_names;

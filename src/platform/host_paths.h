@@ -25,9 +25,8 @@ inline constexpr const char* DESKTOP_FONT_DIR_NO_LOCALE = "/usr/dt/config/xfonts
 inline constexpr const char* USER_FONT_PATH_FILE = "/.VTfontpath";
 inline constexpr const char* USER_SETTINGS_FILE = "/.glyphwdrc";
 
-// Kept: scratch files have fixed names. So one instance runs at a time.
+// Kept: scratch files have fixed names. Each is used as `scratch_path` has it.
 inline constexpr const char* SCRATCH_ERRORS = "/tmp/errors";
-inline constexpr const char* SCRATCH_FONT_PATH = "/tmp/.VTfontpath";
 inline constexpr const char* SCRATCH_PCF_DIR = "/tmp/pcf/";
 inline constexpr const char* SCRATCH_TYPE0_DIR = "/tmp/type0/";
 inline constexpr const char* SCRATCH_TYPE3_DIR = "/tmp/type3/";
@@ -36,6 +35,7 @@ inline constexpr const char* SCRATCH_MANUAL_ERRORS = "/tmp/glyphward_err.man";
 inline constexpr const char* SCRATCH_FONTSETS =
     "/tmp/Vantor.fs";  ///< has the name of the file that it is a copy of
 inline constexpr const char* SCRATCH_ROOT = "/tmp";
+inline constexpr const char* SCRATCH_PRIVATE = "/tmp/glyphward-XXXXXX";  ///< for `mkdtemp`
 
 // Staging directories for the preview of fonts that are not installed yet.
 inline constexpr const char* STAGING_DIR = "/tmp/gw_dir/";

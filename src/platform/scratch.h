@@ -1,24 +1,51 @@
 // SPDX-License-Identifier: MIT
 //
-// Scratch files and directories have fixed names in a directory that everybody may write. So the functions
-// here make sure that something that somebody else has put under such a name is never used.
+// Scratch files and directories. With today's fonts they stand in a private directory that this run has made;
+// otherwise they have fixed names in a directory that everybody may write. Something that another process has
+// put under such a name is never used, and all of them go when the program ends.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "core/failure.h"
 
 namespace gw {
 
-/// Makes an empty file (mode 0600) at `path`, for a command to write into. A failure when something is there
-/// already, a link included.
+/// Where a scratch file or directory stands whose fixed path is `fixed` ("/tmp/pcf/"; or "/tmp" itself):
+/// under the same name in the private directory of this run, or, if the font policy has none or it cannot be
+/// made, at `fixed`.
+[[nodiscard]] std::string scratch_path(std::string_view fixed);
+
+/// Makes an empty file (mode 0600) at `path`, for a command to write into, in place of an old one that this
+/// user may remove. A failure when something else is there. The file is removed at the end of the program.
 Outcome create_scratch_file(const std::string& path);
+
+/// Makes the directory `path` (`mode` before the umask) and holds it until `drop_scratch_dir` or the end of
+/// the program; when it is held already, it only stays. What a dead run of this user has left there is
+/// removed first. A failure when a running process holds it (`Reason::USED_BY_ANOTHER`) or something is there
+/// that is not ours.
+Outcome hold_scratch_dir(const std::string& path, mode_t mode);
+/// Whether `hold_scratch_dir` made this directory and it is still there.
+[[nodiscard]] bool holds_scratch_dir(const std::string& path);
+/// Makes the link NAME in a held directory, in place of an old one.
+Outcome link_in_scratch_dir(const std::string& path, const std::string& name, const std::string& target);
+/// Removes a held directory with what is in it.
+void drop_scratch_dir(const std::string& path);
+
+/// Removes all scratch files and directories of this process.
+void remove_scratch();
+/// Removes the private directories of this user's runs that were killed; their paths, ending in "/".
+std::vector<std::string> remove_left_scratch();
 
 /// A scratch file in memory, without a name in any directory. No other user can open it, and it is gone with
 /// the object.
 class UnnamedScratchFile {
   public:
-    UnnamedScratchFile();
+    explicit UnnamedScratchFile(std::string_view content = {});
     ~UnnamedScratchFile();
     UnnamedScratchFile(const UnnamedScratchFile&) = delete;
     UnnamedScratchFile& operator=(const UnnamedScratchFile&) = delete;
@@ -30,12 +57,5 @@ class UnnamedScratchFile {
   private:
     int fd_;
 };
-
-/// Whether `dir` exists but is not a directory of this user. A link never counts as one, whatever it points
-/// to.
-[[nodiscard]] bool is_foreign_dir(const char* dir);
-
-/// The same as an outcome: a failure when the directory is foreign.
-Outcome may_use_scratch_dir(const std::string& dir);
 
 }  // namespace gw

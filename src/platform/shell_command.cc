@@ -1,11 +1,20 @@
 // SPDX-License-Identifier: MIT
 #include "platform/shell_command.h"
 
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <csignal>
 #include <cstdlib>
+#include <thread>
 
+#include "core/directory.h"
 #include "core/text.h"
 
 namespace gw {
@@ -31,6 +40,79 @@ bool names_dir(std::string_view path, std::string_view dir) {
         if (element.size() == path.size()) return false;
         path.remove_prefix(element.size() + 1);
     }
+}
+
+using Clock = std::chrono::steady_clock;
+
+constexpr int FIRST_SIGNAL = 128;  // a shell's own number for a command that was ended by a signal
+constexpr std::chrono::milliseconds BETWEEN_LOOKS(5);
+
+std::chrono::milliseconds patience = LONG_WORK;
+
+struct Ended {
+    int status = -1;
+    bool was_killed = false;
+};
+
+/// Starts the shell in a process group of its own, with the usual signals. Returns an `errno` or 0.
+int start_shell(const std::string& text, pid_t& child) {
+    posix_spawnattr_t attributes;
+    posix_spawn_file_actions_t files;
+    if (const int error = ::posix_spawnattr_init(&attributes); error != 0) return error;
+    ::posix_spawn_file_actions_init(&files);
+    ::posix_spawn_file_actions_addopen(&files, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    sigset_t usual;
+    ::sigemptyset(&usual);
+    ::posix_spawnattr_setsigmask(&attributes, &usual);
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGPIPE}) ::sigaddset(&usual, signal);
+    ::posix_spawnattr_setsigdefault(&attributes, &usual);
+    ::posix_spawnattr_setpgroup(&attributes, 0);
+    ::posix_spawnattr_setflags(&attributes,
+                               POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGDEF | POSIX_SPAWN_SETSIGMASK);
+    std::string shell = "sh";
+    std::string option = "-c";
+    std::string command = text;
+    char* const words[] = {shell.data(), option.data(), command.data(), nullptr};
+    const int error = ::posix_spawn(&child, "/bin/sh", &files, &attributes, words, environ);
+    ::posix_spawn_file_actions_destroy(&files);
+    ::posix_spawnattr_destroy(&attributes);
+    return error;
+}
+
+/// Waits until the process has ended or may have: where the system cannot wait for a process with a time
+/// limit, this only sleeps a little.
+void wait_a_while(const Descriptor& process, std::chrono::milliseconds longest) {
+    if (!process.is_open()) return std::this_thread::sleep_for(std::min(longest, BETWEEN_LOOKS));
+    pollfd end = {process.get(), POLLIN, 0};
+    (void)::poll(&end, 1, static_cast<int>(longest.count()));
+}
+
+Ended wait_for(pid_t child, std::chrono::milliseconds limit) {
+    const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+    const Clock::time_point end = Clock::now() + limit;
+    Ended ended;
+    for (;;) {
+        const pid_t got = ::waitpid(child, &ended.status, ended.was_killed ? 0 : WNOHANG);
+        if (got == child) return ended;
+        if (got < 0 && errno != EINTR) return {-1, ended.was_killed};
+        if (ended.was_killed) continue;
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() > 0) {
+            wait_a_while(process, left);
+        } else {
+            ::kill(-child, SIGKILL);
+            ended.was_killed = true;
+        }
+    }
+}
+
+Ended run_text(const std::string& text, std::chrono::milliseconds limit) {
+    pid_t child = 0;
+    if (const int error = start_shell(text, child); error != 0) {
+        errno = error;
+        return {};
+    }
+    return wait_for(child, std::min(limit, patience));
 }
 
 }  // namespace
@@ -69,8 +151,25 @@ void add_command_dir(std::string_view dir) {
     ::setenv("PATH", path.c_str(), 1);
 }
 
-int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments) {
-    return std::system(shell_text(format, arguments).c_str());
+int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments,
+              std::chrono::milliseconds limit) {
+    return run_text(shell_text(format, arguments), limit).status;
+}
+
+Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
+                    std::chrono::milliseconds limit) {
+    const std::string text = shell_text(format, arguments);
+    const Ended ended = run_text(text, limit);
+    if (ended.status == -1) return Failure::of_system(text, errno);
+    if (ended.was_killed) return Failure{.subject = text, .reason = Reason::NO_ANSWER};
+    if (ended.status == 0) return done();
+    const int number =
+        WIFEXITED(ended.status) ? WEXITSTATUS(ended.status) : FIRST_SIGNAL + WTERMSIG(ended.status);
+    return Failure{.subject = text, .reason = Reason::COMMAND_FAILED, .detail = std::to_string(number)};
+}
+
+void set_command_patience(std::chrono::milliseconds longest) {
+    patience = longest;
 }
 
 }  // namespace gw

@@ -3,9 +3,12 @@
 // The one place that runs the shell. Texts from users and files reach the shell as quoted arguments only.
 #pragma once
 
+#include <chrono>
 #include <initializer_list>
 #include <string>
 #include <string_view>
+
+#include "core/failure.h"
 
 namespace gw {
 
@@ -23,8 +26,24 @@ namespace gw {
 /// PATH that is unset or empty first becomes the system's default.
 void add_command_dir(std::string_view dir);
 
-/// Runs `shell_text(format, arguments)` through `system` and returns its result: -1 when no shell could be
-/// started, else the wait status of the command.
-int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments = {});
+/// How long a command may take. One that answers a question of a window takes moments; one that reads all
+/// fonts of a directory may take long.
+inline constexpr std::chrono::seconds MOMENTS(10);
+inline constexpr std::chrono::seconds LONG_WORK(120);
+
+/// Runs `shell_text(format, arguments)` through the shell, with nothing on standard input. Returns -1 when no
+/// shell could be started (see `errno`), else the wait status of the command. A command that does not end
+/// within `limit` is killed with all that it has started.
+int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments = {},
+              std::chrono::milliseconds limit = MOMENTS);
+
+/// The same. Fails, with the command as its subject, when no shell could be started, when the command had to
+/// be killed
+/// (`Reason::NO_ANSWER`), and when its status is not 0 (`Reason::COMMAND_FAILED`).
+Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
+                    std::chrono::milliseconds limit);
+
+/// For tests: no command may take longer than this.
+void set_command_patience(std::chrono::milliseconds longest);
 
 }  // namespace gw

@@ -6,6 +6,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <chrono>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -29,7 +31,6 @@ constexpr const char* HELP = "Glyph Warden - Help";
 constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
 constexpr const char* PROGRESS = "Font Installation Progress Dialog";
-constexpr const char* STAGING = "/tmp/gw_dir/";
 // Their lines come before those of all staged fonts.
 const BitmapFont AARDVARKS{"Aardvarks"};
 const BitmapFont ABYSSINIA{"Abyssinia"};
@@ -37,6 +38,26 @@ const BitmapFont ACROPOLIS{"Acropolis"};
 
 class Install : public ProgramTest {
   protected:
+    /// The directories of previews on the server's path.
+    [[nodiscard]] std::vector<std::string> staged() const {
+        std::vector<std::string> found = desktop.font_path();
+        std::erase_if(found, [](const std::string& element) {
+            return !element.starts_with("/tmp/") || !element.ends_with("/gw_dir/");
+        });
+        return found;
+    }
+    [[nodiscard]] bool previews() const { return !staged().empty(); }
+    /// What runs of the program have in the directory for temporary files.
+    [[nodiscard]] static std::vector<std::string> scratch() {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator("/tmp")) {
+            const std::string name = entry.path().filename();
+            if (name == "gw_dir" || name == "pcf" || name == "errors" || name == "Vantor.fs" ||
+                (name.starts_with("glyphward-") && !name.starts_with("glyphward-test")))
+                names.push_back(name);
+        }
+        return names;
+    }
     void open_dialog() {
         ASSERT_NE(open_by_menu("f", "i", InstallDialog::TITLE), 0U);
         dialog = std::make_unique<InstallDialog>(desktop);
@@ -94,9 +115,40 @@ TEST_F(Install, DrawsASampleOfAFontThatIsNotInstalled) {
     open_on_source();
     EXPECT_TRUE(sample_of_line(0));
     desktop.picture("install-preview");
-    EXPECT_TRUE(is_on_font_path(STAGING));
+    EXPECT_TRUE(previews());
     EXPECT_EQ(leave(), 0);
-    EXPECT_FALSE(is_on_font_path(STAGING));
+    EXPECT_FALSE(previews());
+}
+
+TEST_F(Install, ASignalEndsTheProgramAsTheCloseBoxDoes) {
+    AARDVARKS.write_to(source.path());
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        open_on_source();
+        ASSERT_TRUE(sample_of_line(0));
+        ASSERT_TRUE(previews());
+        ASSERT_FALSE(scratch().empty());
+        ::kill(program->pid(), signal);
+        EXPECT_EQ(program->wait_for_exit(), 0) << signal;
+        EXPECT_FALSE(previews()) << signal;
+        EXPECT_EQ(scratch(), std::vector<std::string>{}) << signal;
+    }
+}
+
+TEST_F(Install, WhatAKilledProgramPreviewedGoesAtTheNextStart) {
+    if (is_as_ever()) GTEST_SKIP() << "its scratch directories have fixed names, and are used again";
+    AARDVARKS.write_to(source.path());
+    open_on_source();
+    ASSERT_TRUE(sample_of_line(0));
+    const std::string left = staged().at(0);
+    ::kill(program->pid(), SIGKILL);
+    ASSERT_FALSE(program->wait_for_exit().has_value());
+    const std::filesystem::path dir = std::filesystem::path(left).parent_path().parent_path();
+    std::filesystem::last_write_time(dir,
+                                     std::filesystem::file_time_type::clock::now() - std::chrono::minutes(5));
+    start();
+    EXPECT_FALSE(is_on_font_path(left));
+    EXPECT_FALSE(std::filesystem::exists(dir));
+    EXPECT_EQ(leave(), 0);
 }
 
 TEST_F(Install, TheServerAndTheMainWindowShowTheNewFontAtOnce) {
@@ -131,9 +183,9 @@ TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
     open_on_source();
     ASSERT_TRUE(sample_of_line(0));
     desktop.picture("install-preview-outline");
-    const StrictUpr staged(TempDir::read_bytes(std::string(STAGING) + "glyphwd.upr"));
-    EXPECT_EQ(staged.files("FontOutline"),
-              (Files{{font.postscript_name(), std::string(STAGING) + "link/" + font.file_name()}}));
+    const std::string preview = staged().at(0);
+    EXPECT_EQ(StrictUpr(TempDir::read_bytes(preview + "glyphwd.upr")).files("FontOutline"),
+              (Files{{font.postscript_name(), preview + "link/" + font.file_name()}}));
     ASSERT_TRUE(install());
     const std::string outline = default_destination() + font.file_name();
     const std::string resources = default_destination() + "glyphwd.upr";
@@ -178,7 +230,7 @@ class InstallByKeyboard : public Install {
         desktop.key("Tab");  // the selection
         desktop.key("Return");
         ASSERT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
-        ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
+        ASSERT_TRUE(wait_until([&] { return previews(); }));
         ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(dialog->window); }));
         desktop.key("Tab");  // the list of fonts
         ASSERT_TRUE(follows([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
@@ -350,7 +402,7 @@ TEST_F(Install, EveryWayOutOfTheChooserListsNothing) {
         }
         dialog->click_line(0);
     }
-    EXPECT_FALSE(is_on_font_path(STAGING));
+    EXPECT_FALSE(previews());
     EXPECT_FALSE(dialog->sample_is_drawn());
     ASSERT_TRUE(dialog->list_fonts_of(source.path()));
     EXPECT_TRUE(sample_of_line(0)) << "the next choice is taken";
@@ -465,7 +517,7 @@ TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
     constexpr int MANY = 2000;
     for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(MANY + i), 8}.write_to(source.path());
     open_on_source();
-    ASSERT_TRUE(wait_until([&] { return is_on_font_path(STAGING); }));
+    ASSERT_TRUE(wait_until([&] { return previews(); }));
     ASSERT_TRUE(sample_of_line(0));
     desktop.key("Control_L", "slash");
     ASSERT_TRUE(install());

@@ -59,7 +59,7 @@ Configuration read_configuration(const std::string& root) {
     Configuration configuration;
     note_unread_database(root + INSTALLATION_CONFIG, configuration.unread);
     if (root == INSTALLATION_ROOT) note_unread_database(HOST_CONFIG, configuration.unread);
-    GWFontPath font_path(root.c_str(), GWFontPath::Scratch::UNNAMED);
+    GWFontPath font_path(root.c_str());
     unsigned int count = 0;
     for (const GW_STRING* element : *font_path.get_fpe_list(GWFontPath::ALL_FP, count))
         configuration.elements.emplace_back(element->get_str());

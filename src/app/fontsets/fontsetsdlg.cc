@@ -23,6 +23,7 @@
 #include "fontfiles/gw_fontset.h"
 #include "model/gw_font.h"
 #include "platform/host_paths.h"
+#include "store/file_turn.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -158,7 +159,9 @@ bool apply_fontsets() {
     const gw::BusyWindows busy;
     set_message(gw::text_of(Message::UPDATING_FONTSETS));
     process_xt_events();
-    const gw::Outcome written = fontsetdlg_cb.file->put_in_place();
+    const gw::Result<gw::FileTurn> lock = gw::take_turn_at(fontsetdlg_cb.file->get_path());
+    const gw::Outcome written = lock ? fontsetdlg_cb.file->put_in_place()
+                                     : gw::Outcome(lock.failure()).with(gw::Sequel::FONTSETS_STAY);
     const bool is_shown = !gw::tell_unless_done(written) && gw::window_policy().shows_reasons();
     set_message(is_shown ? gw::failure_line(written.failure()) : " ");
     return !is_shown;

@@ -145,7 +145,7 @@ void show_source() {
     gw::set_label(_fontlist_label, gw::source_label());
     show_samples_last();
     show_no_selection();
-    set_status("");
+    set_status(gw::take_scratch_failure().c_str());
 }
 
 void other_media_dlg_cb(Widget, XtPointer, XtPointer) {
@@ -258,8 +258,9 @@ void finish_installation(int installed) {
                               gw::gathered_failures()};
     if (!start_summary(summary) && gw::user_is_superuser()) start_fp_info_dlg();
     XmTextFieldSetString(wi_installed_sample_textfield, gw::name_arg(" "));
-    update_label(wi_main_window_status_label,
-                 gw::count_text(static_cast<unsigned>(installed), Message::FONTS_INSTALLED).c_str(), nullptr);
+    std::string status = gw::count_text(static_cast<unsigned>(installed), Message::FONTS_INSTALLED);
+    if (const std::string trouble = gw::take_scratch_failure(); !trouble.empty()) status += "  " + trouble;
+    update_label(wi_main_window_status_label, status.c_str(), nullptr);
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {

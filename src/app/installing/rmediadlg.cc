@@ -28,6 +28,7 @@ using gw::Attach;
 using gw::Message;
 
 constexpr int GAP = 10;
+constexpr std::chrono::seconds EJECTING(30);
 
 int current_choice = FLOPPY_MEDIUM;  // the option menu's first entry
 void (*_rmedia_cb)(int) = nullptr;
@@ -68,7 +69,8 @@ void check_cb(Widget, XtPointer, XtPointer) {
 
 void eject_cb(Widget, XtPointer, XtPointer) {
     // Kept: the result of ejecting is not checked.
-    gw::run_shell("/bin/eject -f %s", {current_choice == CDROM_MEDIUM ? "cdrom" : "floppy"});
+    (void)gw::run_command("/bin/eject -f %s", {current_choice == CDROM_MEDIUM ? "cdrom" : "floppy"},
+                          EJECTING);
     tell_caller(NO_MEDIUM);
     popdown_rmedia_dlg();
 }

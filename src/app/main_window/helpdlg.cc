@@ -1,13 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "app/main_window/helpdlg.h"
 
-#include <sys/stat.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <optional>
 #include <string>
 
@@ -16,6 +12,7 @@
 #include "app/kit/handles.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "core/replace_file.h"
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
@@ -59,7 +56,7 @@ class ScopedVariable {
 
 /// Writes the manual page to the scratch file: in plain ASCII, which the text widget can show in every
 /// locale, with lines that fit, and without overstriking. man is found whatever the user's PATH is.
-void run_man() {
+void run_man(const std::string& page, const std::string& errors) {
     const char* path = std::getenv("MANPATH");
     const std::string man_path = std::string(gw::MANUAL_DIR) + ':' + (path != nullptr ? path : "");
     const ScopedVariable where("MANPATH", man_path.c_str());
@@ -67,21 +64,22 @@ void run_man() {
     const ScopedVariable formatting("MAN_KEEP_FORMATTING", nullptr);
     const ScopedVariable all_categories("LC_ALL", nullptr);
     const ScopedVariable characters("LC_CTYPE", "C");
-    gw::run_shell("/bin/man glyphward > %s 2> %s", {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS});
+    (void)gw::run_command("/bin/man glyphward > %s 2> %s", {page, errors}, gw::MOMENTS);
 }
 
 /// The manual page, or the message that there is none.
 gw::XtOwned<char> manual() {
     char* text = nullptr;
-    for (const char* scratch : {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS}) ::unlink(scratch);
+    const std::string page = gw::scratch_path(gw::SCRATCH_MANUAL);
+    const std::string errors = gw::scratch_path(gw::SCRATCH_MANUAL_ERRORS);
     // Other users' files with these names are neither written nor shown.
-    if (gw::create_scratch_file(gw::SCRATCH_MANUAL) && gw::create_scratch_file(gw::SCRATCH_MANUAL_ERRORS)) {
-        run_man();
-        read_from_file(gw::SCRATCH_MANUAL, &text);
+    if (gw::create_scratch_file(page) && gw::create_scratch_file(errors)) {
+        run_man(page, errors);
+        read_from_file(page.c_str(), &text);
     } else {
         read_from_file("", &text);
     }
-    gw::run_shell("/bin/rm -f %s %s", {gw::SCRATCH_MANUAL, gw::SCRATCH_MANUAL_ERRORS});
+    for (const std::string& file : {page, errors}) ::unlink(file.c_str());
     return gw::XtOwned<char>(text);
 }
 
@@ -116,14 +114,6 @@ void start_help_dlg() {
 }
 
 void read_from_file(const char* path, char** text) {
-    struct stat info = {};
-    std::string bytes;
-    if (::stat(path, &info) == 0 && S_ISREG(info.st_mode)) {
-        if (const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "r"), std::fclose);
-            file) {
-            bytes.resize(static_cast<std::size_t>(info.st_size));
-            bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
-        }
-    }
-    *text = XtNewString(gw::name_arg(bytes.empty() ? gw::text_of(Message::NO_HELP) : bytes.c_str()));
+    const gw::Result<std::string> page = gw::read_file(path);
+    *text = XtNewString(gw::name_arg(page && !page->empty() ? page->c_str() : gw::text_of(Message::NO_HELP)));
 }

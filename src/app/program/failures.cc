@@ -2,6 +2,7 @@
 #include "app/program/failures.h"
 
 #include <cstdio>
+#include <utility>
 
 #include "app/kit/messages.h"
 #include "core/text.h"
@@ -45,6 +46,11 @@ std::string sequel_message(Sequel sequel) {
     }
 }
 
+std::string& scratch_failure() {
+    static std::string line;
+    return line;
+}
+
 std::vector<std::string>& gathered() {
     static std::vector<std::string> lines;
     return lines;
@@ -69,6 +75,8 @@ void say_on_standard_error(const Failure& failure) {
 
 void hear_failure(const Failure& failure) {
     say_on_standard_error(failure);
+    if (failure.sequel == Sequel::NOT_USED || failure.sequel == Sequel::SESSION_PATH_STAYS)
+        scratch_failure() = failure_line(failure);
     gather(failure_line(failure));
     gather_sequel(failure);
 }
@@ -88,6 +96,10 @@ std::vector<std::string> gathered_failures() {
 
 void forget_failures() {
     gathered().clear();
+}
+
+std::string take_scratch_failure() {
+    return std::exchange(scratch_failure(), "");
 }
 
 std::string failure_line(const Failure& failure) {

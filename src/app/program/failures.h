@@ -24,6 +24,11 @@ void hear_new_failures(FontReport& report);
 std::vector<std::string> gathered_failures();
 void forget_failures();
 
+/// The last failure that was heard of one of our scratch places, because somebody else has it, as a line for
+/// a status line; "" when there was none since the last call. It is told whatever else windows tell: without
+/// the place nothing can be listed, or given to the server.
+std::string take_scratch_failure();
+
 /// For a window, in the user's language: what and why.
 std::string failure_line(const Failure& failure);
 

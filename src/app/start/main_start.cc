@@ -34,6 +34,7 @@
 #include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
 #include "app/samples/attrdlg.h"
+#include "app/start/end_signals.h"
 #include "app/start/fallback_resources.h"
 #include "app/start/initdlg.h"
 #include "app/start/interface_font.h"
@@ -42,6 +43,7 @@
 #include "core/gw_misc.h"
 #include "modules/font_modules.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
 #include "platform/shell_command.h"
 
 #include "fontpath/session_display.h"
@@ -108,7 +110,23 @@ void quiet_about_fonts(String warning) {
 // Without the display nothing can be saved or shown. Exit handlers would only try to use it.
 int display_lost(Display*) {
     std::fprintf(stderr, "%s\n", gw::text_of(gw::Message::DISPLAY_LOST));
+    gw::remove_scratch();
     std::_Exit(1);
+}
+
+/// Takes what killed runs previewed off the server's path: as long as it names a directory that is not there,
+/// the server takes no other path.
+void forget_killed_previews() {
+    for (const std::string& dir : gw::remove_left_scratch()) {
+        unsigned count = 0;
+        int position = 0;
+        for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::SESSION_FP, count)) {
+            ++position;
+            if (!std::string_view(element->get_str()).starts_with(dir)) continue;
+            the_font_path->delete_pos(GWFontPath::SESSION_FP, position);
+            break;
+        }
+    }
 }
 
 void create_dialogs() {
@@ -169,6 +187,7 @@ void init_gui(int* argc, char** argv) {
 
 void build_program() {
     the_font_path = new GWFontPath(gw::INSTALLATION_ROOT);
+    forget_killed_previews();
     gw::append_font_modules(the_fsm_list);
     fill_program_lists();
     create_font_admin_main_window();
@@ -178,6 +197,7 @@ void build_program() {
     XtRealizeWidget(wi_toplevel);
     gw::set_window_icon(wi_toplevel);
     gw::name_windows(wi_toplevel);
+    gw::end_on_signals(app, [] { exit_btn_cb(nullptr, nullptr, nullptr); });
 }
 
 int gw_main(int argc, char** argv) {

@@ -23,11 +23,14 @@
 #include "modules/gw_fsm_list.h"
 #include "modules/gw_pcf_fsm.h"
 #include "modules/gw_t1_fsm.h"
+#include "platform/scratch.h"
+#include "support/another_run.h"
 #include "support/font_maker.h"
 #include "support/heard_failures.h"
 #include "support/own_commands.h"
 #include "support/small_disk.h"
 #include "support/temp_dir.h"
+#include "support/under_policy.h"
 
 #include "support/session.h"
 
@@ -289,6 +292,48 @@ TEST_F(Drivers, AStagingDirectoryOfAnotherUserIsNotUsed) {
     EXPECT_TRUE(std::filesystem::is_empty("/tmp/gw_cdrom"));
 }
 
+// Each run looks at its own scratch directory, so one does not see, and install, what the other lists.
+TEST_F(Drivers, TwoRunsListTwoDirectoriesAtOnce) {
+    const gw::test::UnderPolicy modern(true);
+    use_path("/x/");
+    home.write("one/t.pfa", HEADER);
+    home.write("other/u.pfa", HEADER);
+    const auto list_all_of = [&](const char* name) {
+        GWHRNList list(0);
+        GWDirDriver driver(home.file(name).c_str());
+        driver.get_hrn_list(list);
+        return std::to_string(list.get_count()) + *driver.get_preview_dir();
+    };
+    const gw::test::AnotherRun other([&] { return list_all_of("other"); });
+    const std::string own = list_all_of("one");
+    ASSERT_EQ(own.front(), '1');
+    ASSERT_EQ(other.answer().front(), '1');
+    EXPECT_EQ(std::filesystem::read_symlink(own.substr(1) + "link"), home.file("one"));
+    EXPECT_EQ(std::filesystem::read_symlink(other.answer().substr(1) + "link"), home.file("other"));
+    EXPECT_NE(TempDir::read_bytes(own.substr(1) + "fonts.dir").find("t.pfa"), std::string::npos);
+    gw::remove_scratch();
+    std::filesystem::remove_all(std::filesystem::path(other.answer().substr(1)).parent_path().parent_path());
+}
+
+TEST_F(Drivers, WithFixedNamesTheSecondRunListsNothingAndSaysWhy) {
+    use_path("/x/");
+    home.write("fonts/t.pfa", HEADER);
+    const auto count = [&] {
+        GWHRNList list(0);
+        GWDirDriver(home.file("fonts").c_str()).get_hrn_list(list);
+        return std::to_string(list.get_count());
+    };
+    gw::test::AnotherRun other(count);
+    ASSERT_EQ(other.answer(), "1");
+    {
+        const gw::test::HeardFailures heard;
+        EXPECT_EQ(count(), "0");
+        EXPECT_EQ(heard.text(), "/tmp/gw_dir/: another running Glyph Warden uses it; it is not used\n");
+    }
+    other.kill();
+    EXPECT_EQ(count(), "1");
+}
+
 TEST_F(Drivers, AMediumThatIsNotMountedGivesNothing) {
     use_path("/x/");
     for (const int kind : {0, 1}) {
@@ -359,8 +404,9 @@ class PreviewDriver : public GWDriverBase {
 class Preview : public Drivers {
   protected:
     Preview() {
-        home.write("staging/fonts.dir", "0\n");
         staging = home.file("staging/");
+        (void)gw::hold_scratch_dir(staging, 0777);
+        home.write("staging/fonts.dir", "0\n");
         std::filesystem::permissions(home.path(), std::filesystem::perms(0755));
         the_font_path = new GWFontPath("/usr/vantor");
     }

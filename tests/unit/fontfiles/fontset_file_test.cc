@@ -197,6 +197,19 @@ TEST_F(FontsetFile, WhatIsAppendedReadsBackEqual) {
 }
 
 // The name of the new fontset must not be joined to a last line without a newline.
+TEST_F(FontsetFile, WhatAnotherRunHasWrittenStays) {
+    const auto one = opened_on("-a:definition,\\\n\t-f1\n-b:definition,\\\n\t-f2\n");
+    const auto other = opened();
+    EXPECT_EQ(one->delete_fontset(one->get_fontset("-a")), 1);
+    EXPECT_EQ(other->append_fontset(made({"-c", {"-f3"}})), 1);
+    EXPECT_EQ(one->sync(), 1);
+    EXPECT_EQ(other->sync(), 1);
+    EXPECT_EQ(reread(), (std::vector<Definition>{{"-b", {"-f2"}}, {"-c", {"-f3"}}}));
+    EXPECT_EQ(one->append_fontset(made({"-d", {"-f4"}})), 1);
+    EXPECT_EQ(one->sync(), 1) << "again, from what the other has left";
+    EXPECT_EQ(reread(), (std::vector<Definition>{{"-b", {"-f2"}}, {"-c", {"-f3"}}, {"-d", {"-f4"}}}));
+}
+
 TEST_F(FontsetFile, EndsTheLastLineBeforeItAppends) {
     const auto file = opened_on("-a:definition,\\\n\t-f1");
     file->append_fontset(made({"-b", {"-f2"}}));

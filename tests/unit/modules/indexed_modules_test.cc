@@ -103,16 +103,40 @@ TEST_F(Indexed, FontsOfAMediumLieWhereTheirFilesAre) {
               (Texts{dir.file("cd/sub/tiny.pcf"), dir.file("cd/top.pcf"), dir.file("cd/zz/last.pcf")}));
 }
 
-TEST_F(Indexed, AScratchDirectoryLeftOverIsReportedAndItsStaleIndexUsed) {
+// Only an index that this process has made says what is in the directory.
+TEST_F(Indexed, AScratchDirectoryThatAKilledRunHasLeftIsMadeAnew) {
     std::filesystem::create_directory("/tmp/pcf");
+    std::filesystem::create_symlink("/nonexistent/old.pcf", "/tmp/pcf/old.pcf");
+    std::ofstream("/tmp/pcf/fonts.dir") << "1\nold.pcf " << XLFD << '\n';
     make_pcf("new.pcf");
-    make_pcf("old.pcf", "-test-old-bold-r-normal--8-80-75-75-c-80-iso8859-1");
-    std::filesystem::rename(dir.file("old.pcf"), "/tmp/pcf/old.pcf");
+    list(pcf, dir.path());
+    EXPECT_EQ(paths(), Texts{dir.file("new.pcf")});
+    EXPECT_FALSE(std::filesystem::exists("/tmp/pcf"));
+}
+
+TEST_F(Indexed, AScratchDirectoryWithFilesThatAreNotOursIsReportedAndNotUsed) {
+    std::filesystem::create_directory("/tmp/pcf");
+    std::ofstream("/tmp/pcf/notes") << "somebody's";
+    std::ofstream("/tmp/pcf/fonts.dir") << "1\nold.pcf " << XLFD << '\n';
+    make_pcf("new.pcf");
     const gw::test::HeardFailures heard;
     list(pcf, dir.path());
-    EXPECT_NE(heard.text().find("make_font_list: "), std::string::npos);
-    ASSERT_EQ(fonts.get_count(), 1);
-    EXPECT_EQ(paths(), Texts{dir.file("old.pcf")});
+    EXPECT_EQ(heard.text(), "/tmp/pcf/: this is a link or belongs to someone else; it is not used\n");
+    EXPECT_EQ(fonts.get_count(), 0);
+    EXPECT_TRUE(std::filesystem::exists("/tmp/pcf/notes"));
+}
+
+TEST_F(Indexed, AnIndexThatCannotBeMadeIsReported) {
+    make_pcf("8x13.pcf");
+    dir.write("bin/mkfontdir", "#!/bin/sh\nexit 3\n");
+    std::filesystem::permissions(dir.file("bin/mkfontdir"), std::filesystem::perms(0755));
+    const std::string path = std::getenv("PATH");
+    ::setenv("PATH", (dir.file("bin:") + path).c_str(), 1);
+    const gw::test::HeardFailures heard;
+    list(pcf, dir.path());
+    ::setenv("PATH", path.c_str(), 1);
+    EXPECT_EQ(heard.text(), "mkfontdir /tmp/pcf/;: this command failed with status 3; it is not used\n");
+    EXPECT_FALSE(std::filesystem::exists("/tmp/pcf"));
 }
 
 TEST_F(Indexed, AForeignScratchDirectoryIsNotUsed) {

@@ -4,11 +4,13 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
+#include <thread>
 
 #include "core/pattern.h"
-#include "platform/scratch.h"
+#include "support/heard_failures.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -40,6 +42,36 @@ TEST(RunShell, GivesStrangeNamesToTheCommandUnharmed) {
 
 TEST(RunShell, GivesTheCommandsStatus) {
     EXPECT_NE(gw::run_shell("exit 3"), 0);
+}
+
+TEST(RunCommand, TellsHowACommandFailed) {
+    using gw::test::text_of;
+    EXPECT_EQ(text_of(gw::run_command("true", {}, gw::MOMENTS)), "");
+    EXPECT_EQ(text_of(gw::run_command("exit %s", {"3"}, gw::MOMENTS)),
+              "exit 3: this command failed with status 3");
+    EXPECT_EQ(text_of(gw::run_command("kill -9 $$", {}, gw::MOMENTS)),
+              "kill -9 $$: this command failed with status 137");
+}
+
+TEST(RunCommand, ACommandHasNothingToRead) {
+    EXPECT_TRUE(gw::run_command("test -z \"$(cat)\"", {}, gw::MOMENTS));
+}
+
+TEST(RunCommand, OneThatHangsIsStoppedWithAllThatItStarted) {
+    const TempDir dir;
+    const gw::Outcome run = gw::run_command("sleep 1000 & echo $! > %s; wait", {dir.file("started")},
+                                            std::chrono::milliseconds(300));
+    ASSERT_FALSE(run);
+    EXPECT_EQ(run.failure().reason, gw::Reason::NO_ANSWER);
+    const auto started = static_cast<pid_t>(std::stol(dir.read("started")));
+    // It is gone when its new parent has collected it.
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto is_alive = [&] {
+        const std::string state = TempDir::read_bytes("/proc/" + std::to_string(started) + "/stat");
+        return !state.empty() && state.find(") Z ") == std::string::npos;
+    };
+    while (is_alive() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    EXPECT_FALSE(is_alive());
 }
 
 class CommandDir : public testing::Test {
@@ -106,32 +138,6 @@ TEST(Pattern, ReportsWhereItMatches) {
 
 TEST(Pattern, OneThatCannotBeCompiledMatchesNothing) {
     EXPECT_FALSE(gw::Pattern("[").find("[").has_value());
-}
-
-TEST(Scratch, AFileIsMadeOnceAndNeverThroughALink) {
-    const TempDir dir;
-    EXPECT_TRUE(gw::create_scratch_file(dir.file("errors").c_str()));
-    EXPECT_FALSE(gw::create_scratch_file(dir.file("errors").c_str()));
-    std::filesystem::create_symlink(dir.file("victim"), dir.file("link"));
-    EXPECT_FALSE(gw::create_scratch_file(dir.file("link").c_str()));
-    EXPECT_FALSE(dir.exists("victim"));
-}
-
-TEST(Scratch, ADirectoryMustBeOurOwn) {
-    const TempDir dir;
-    const std::string own = dir.make_dir("own");
-    EXPECT_FALSE(gw::is_foreign_dir(own.c_str()));
-    EXPECT_FALSE(gw::is_foreign_dir(dir.file("missing/").c_str()));
-    std::filesystem::create_directory_symlink(own, dir.file("link"));
-    EXPECT_TRUE(gw::is_foreign_dir(dir.file("link/").c_str()));
-    dir.write("file", "x");
-    EXPECT_TRUE(gw::is_foreign_dir(dir.file("file").c_str()));
-    if (::geteuid() == 0) {
-        ASSERT_EQ(::chown(own.c_str(), 1234, 1234), 0);
-        EXPECT_TRUE(gw::is_foreign_dir(own.c_str()));
-    } else {
-        EXPECT_TRUE(gw::is_foreign_dir("/usr/share"));
-    }
 }
 
 }  // namespace

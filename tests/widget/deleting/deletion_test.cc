@@ -24,6 +24,7 @@
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
 
 #include "widget/work_test_support.h"
 
@@ -379,11 +380,11 @@ TEST_F(Leaving, TakesThePreviewOffTheServer) {
             FontDirectory source;
             source.add("a.pcf", face("alpha"));
             choose_source(source);
-            if (!is_on_server_path(gw::STAGING_DIR)) std::_Exit(2);
+            if (!is_on_server_path(gw::scratch_path(gw::STAGING_DIR))) std::_Exit(2);
             leave();
         },
         testing::ExitedWithCode(0), "");
-    EXPECT_FALSE(is_on_server_path(gw::STAGING_DIR));
+    EXPECT_FALSE(is_on_server_path(gw::scratch_path(gw::STAGING_DIR)));
 }
 
 }  // namespace

@@ -24,6 +24,8 @@
 #include "app/main_window/glyphwardapp.h"
 #include "app/samples/attrdlg.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
+#include "support/under_policy.h"
 
 #include "widget/work_test_support.h"
 
@@ -277,22 +279,41 @@ TEST_F(InstallDialog, PreviewsTheSourceAsLongAsItIsTheSource) {
     fonts_.add("a.pcf", face("previewed"));
     const FontDirectory empty;
     choose_source(fonts_);
-    EXPECT_TRUE(is_on_server_path(gw::STAGING_DIR));
+    EXPECT_TRUE(is_on_server_path(gw::scratch_path(gw::STAGING_DIR)));
     EXPECT_TRUE(server_has(face("previewed")));
     select(source_list(), {1});
     EXPECT_GT(ink(find(wi_install_dlg, "_sample_textfield")), 0);
 
     choose_source(empty);
     EXPECT_TRUE(items(source_list()).empty());
-    EXPECT_FALSE(is_on_server_path(gw::STAGING_DIR));
+    EXPECT_FALSE(is_on_server_path(gw::scratch_path(gw::STAGING_DIR)));
     EXPECT_FALSE(server_has(face("previewed")));
 
     choose_source(fonts_);
     EXPECT_TRUE(server_has(face("previewed")));
     installdlg::rmedia_specified_cb(2);
-    EXPECT_FALSE(is_on_server_path(gw::STAGING_DIR));
+    EXPECT_FALSE(is_on_server_path(gw::scratch_path(gw::STAGING_DIR)));
     EXPECT_TRUE(items(source_list()).empty());
     ASSERT_TRUE(wait_for_lookup());
+}
+
+// With fixed names somebody else's directory is in the way. The user is told where they look.
+TEST_F(InstallDialog, SaysThatAnotherOneUsesTheScratchDirectory) {
+    const gw::test::UnderPolicy as_ever(false);
+    fonts_.add("a.pcf", face("alpha"));
+    std::filesystem::create_directories("/tmp/gw_dir/not ours");
+    open_install_dialog();
+    installdlg::from_dir_specified_cb(fonts_.c_str());
+    ASSERT_TRUE(pump_until([] { return status() != BE_PATIENT; }));
+    EXPECT_TRUE(items(source_list()).empty());
+    EXPECT_EQ(status(), "/tmp/gw_dir/: this is a link or belongs to someone else");
+    std::filesystem::remove_all("/tmp/gw_dir");
+    choose_source(fonts_);
+    EXPECT_EQ(items(source_list()).size(), 1U);
+    EXPECT_EQ(status(), "");
+    const FontDirectory empty;
+    choose_source(empty);
+    gw::remove_scratch();
 }
 
 TEST_F(InstallDialog, ListsAMedium) {
@@ -307,12 +328,12 @@ TEST_F(InstallDialog, ListsAMedium) {
     EXPECT_EQ(source(), "Fonts From Floppy");
     ASSERT_TRUE(wait_for_lookup());
     EXPECT_THAT(items(source_list()), ElementsAre(listed("Floppy")));
-    EXPECT_TRUE(is_on_server_path(gw::STAGING_FLOPPY));
+    EXPECT_TRUE(is_on_server_path(gw::scratch_path(gw::STAGING_FLOPPY)));
     std::filesystem::remove_all(mount);
 
     installdlg::rmedia_specified_cb(1);
     EXPECT_EQ(source(), "Fonts From CD-ROM");
-    EXPECT_FALSE(is_on_server_path(gw::STAGING_FLOPPY));
+    EXPECT_FALSE(is_on_server_path(gw::scratch_path(gw::STAGING_FLOPPY)));
     ASSERT_TRUE(wait_for_lookup());
     EXPECT_TRUE(items(source_list()).empty());
 
@@ -367,7 +388,7 @@ TEST_F(InstallDialog, ListsTheSameSourceTwice) {
     EXPECT_THAT(items(source_list()), ElementsAre(listed("Alpha"), listed("Beta")));
     EXPECT_TRUE(server_has(face("beta")));
     const std::vector<std::string> path = server_font_path();
-    EXPECT_EQ(std::count(path.begin(), path.end(), gw::STAGING_DIR), 1);
+    EXPECT_EQ(std::count(path.begin(), path.end(), gw::scratch_path(gw::STAGING_DIR)), 1);
 }
 
 TEST_F(InstallDialog, ForgetsTheSelectionWithTheList) {
