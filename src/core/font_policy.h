@@ -23,6 +23,9 @@ class FontPolicy {
     [[nodiscard]] constexpr bool lists_an_outline_once() const { return modern_; }
     /// Lines of an alias file that begin with "!" are comments.
     [[nodiscard]] constexpr bool knows_alias_comments() const { return modern_; }
+    /// The fonts of a directory are listed although the font path has attributes for the X server behind it
+    /// ("DIR/:unscaled"), and once, however often the directory is on the path.
+    [[nodiscard]] constexpr bool knows_path_attributes() const { return modern_; }
     /// The names of bitmap fonts in lists include the charset, unless it is ISO 8859-1: a face may exist in
     /// forty charsets.
     [[nodiscard]] constexpr bool names_charsets() const { return modern_; }

@@ -4,20 +4,20 @@
 #include "drivers/engine_globals.h"
 #include "fontfiles/gw_alias_file.h"
 #include "fontpath/gw_font_path.h"
+#include "fontpath/path_element.h"
 
 void GWAliasDriver::get_alias_list(GW_SORTED_LIST<GWAlias>& out) {
     unsigned count = 0;
-    for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::ALL_FP, count)) {
-        if (element->get_str()[0] != '/') continue;
+    for (const std::string& dir :
+         gw::directories_to_list(*the_font_path->get_fpe_list(GWFontPath::ALL_FP, count))) {
         GW_STRING_LIST aliases;
         const gw::ElementsOwner aliases_owner(aliases);
         GW_STRING_LIST font_names;
         const gw::ElementsOwner font_names_owner(font_names);
-        GW_ALIAS_FILE(element->get_str(), gw::FILE_TYPE_REGULAR)
-            .get_alias_font_name_list(aliases, font_names);
+        GW_ALIAS_FILE(dir.c_str(), gw::FILE_TYPE_REGULAR).get_alias_font_name_list(aliases, font_names);
         for (int i = 1; i <= font_names.get_count(); ++i) {
             out.insert(new GWAlias(aliases.get_elem_at_pos(i)->get_str(),
-                                   font_names.get_elem_at_pos(i)->get_str(), element->get_str()));
+                                   font_names.get_elem_at_pos(i)->get_str(), dir.c_str()));
         }
     }
 }

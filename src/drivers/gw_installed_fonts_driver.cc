@@ -3,6 +3,7 @@
 
 #include "drivers/engine_globals.h"
 #include "fontpath/gw_font_path.h"
+#include "fontpath/path_element.h"
 #include "modules/gw_fsm_list.h"
 #include "store/directory_change.h"
 
@@ -10,10 +11,10 @@
 // was killed in the middle is taken back first, so that the list shows whole fonts.
 void GWInstalledFontsDriver::get_hrn_list(GWHRNList& out) {
     unsigned count = 0;
-    for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::ALL_FP, count)) {
-        if (element->get_str()[0] != '/') continue;
-        gw::tell_unless_done(gw::settle(element->get_str()));
-        GW_FPE fpe(element->get_str());
+    for (const std::string& dir :
+         gw::directories_to_list(*the_font_path->get_fpe_list(GWFontPath::ALL_FP, count))) {
+        gw::tell_unless_done(gw::settle(dir));
+        GW_FPE fpe(dir.c_str());
         GW_LIST<GWFont> fonts;
         the_fsm_list.make_installed_font_list(fonts, &fpe);
         for (GWFont* font : fonts) out.add_font(font);

@@ -12,8 +12,10 @@ inline constexpr const char* INSTALLATION_BIN = "/usr/vantor/bin";  ///< its com
 inline constexpr const char* MANUAL_DIR = "/usr/vantor/share/man";  ///< the program's own manual page
 inline constexpr const char* XSET = "/usr/vantor/bin/xset";
 inline constexpr const char* INSTALLATION_CONFIG = "/server/etc/VTconfig";  ///< below the installation root
-inline constexpr const char* LOCALE_FONT_PATH_DIR = "/lib/locale/";         ///< below the installation root
-inline constexpr const char* LOCALE_FONT_PATH_FILE = "/VTfontpath";         ///< below a locale's directory
+inline constexpr const char* SETUP_RECORD =
+    "/var/lib/glyphward/VTconfig";                                   ///< what glyphward-setup wrote there
+inline constexpr const char* LOCALE_FONT_PATH_DIR = "/lib/locale/";  ///< below the installation root
+inline constexpr const char* LOCALE_FONT_PATH_FILE = "/VTfontpath";  ///< below a locale's directory
 
 // The host's own configuration.
 inline constexpr const char* HOST_CONFIG_DIR = "/etc/vantor/server/etc";
@@ -53,6 +55,8 @@ inline constexpr const char* CDROM_MEDIUM_DIR = "/cdrom/cdrom0";
 // below it or below a user's home directory.
 inline constexpr const char* HOST_DIR = "/etc/vantor";
 inline constexpr const char* DEFAULT_INSTALL_DIR = "/glyphwd_fonts";
+/// The superuser's, as a font path has it. The first installation there makes it.
+inline constexpr const char* SUPERUSER_FONT_DIR = "/etc/vantor/glyphwd_fonts/";
 
 /// The print spooler's directory; it has a subdirectory for each printer.
 inline constexpr const char* PRINTERS_DIR = "/etc/lp/printers";

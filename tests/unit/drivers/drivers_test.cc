@@ -125,6 +125,32 @@ TEST_F(Drivers, InstalledFontsAreThoseOfTheWholePath) {
     EXPECT_TRUE(found[2].starts_with("Gamma Medium [Type-1]")) << found[2];
 }
 
+// The font path that the set-up writes, and one element by another path.
+TEST_F(Drivers, TodayADirectoryIsListedOnceWithOrWithoutAttributes) {
+    home.write("one/fonts.dir", "1\na.pcf -x-alpha-medium-r-normal--8-80-75-75-c-80-iso8859-1\n");
+    home.write("one/fonts.alias", "first -x\n");
+    home.write("two/fonts.dir", "1\nc.pfa -x-gamma-medium-r-normal--0-0-0-0-p-0-iso8859-1\n");
+    std::filesystem::create_directory_symlink(home.file("one"), home.file("link"));
+    use_path(home.file("two/:unscaled") + ',' + home.file("one/") + ':' + "unscaled," + home.file("one/") +
+             ',' + home.file("link"));
+    for (const bool modern : {false, true}) {
+        const gw::test::UnderPolicy policy(modern);
+        GWHRNList list(0);
+        GWInstalledFontsDriver().get_hrn_list(list);
+        GW_SORTED_LIST<GWAlias> aliases(0);
+        const gw::ElementsOwner owner(aliases);
+        GWAliasDriver().get_alias_list(aliases);
+        EXPECT_EQ(aliases.get_count(), modern ? 1 : 2);
+        ASSERT_EQ(list.get_count(), modern ? 2 : 1);
+        EXPECT_TRUE(names(list)[0].starts_with("Alpha Medium [Bitmap]")) << names(list)[0];
+        EXPECT_EQ(list.get_elem_at_pos(1)->get_slots()[0].fonts.size(), modern ? 1U : 2U);
+        EXPECT_EQ(aliases.get_elem_at_pos(modern ? 1 : 2)->get_dir_name(), home.file("one/"));
+        if (modern) {
+            EXPECT_TRUE(names(list)[1].starts_with("Gamma Medium [Type-1]")) << names(list)[1];
+        }
+    }
+}
+
 TEST_F(Drivers, DirectoriesWithStrangeNamesAreListed) {
     std::string path;
     for (const char* name : {"a b", "it's", "$(touch oops)", "\"q\"", "caf\xe9"}) {

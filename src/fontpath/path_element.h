@@ -1,0 +1,38 @@
+// SPDX-License-Identifier: MIT
+//
+// What a text on a font path stands for. An element that begins with "/" is a directory; what the X server is
+// told about it stands behind its first colon ("/fonts/75dpi/:unscaled") and makes another element of it.
+// Anything else ("built-ins", "tcp/host:7100", "catalogue:/etc/fontpath.d") is for the X server only.
+#pragma once
+
+#include <sys/types.h>
+
+#include <string>
+#include <string_view>
+#include <tuple>
+#include <vector>
+
+#include "core/gw_list.h"
+#include "core/gw_string.h"
+
+namespace gw {
+
+/// The directory of an element that begins with "/", as it is written.
+[[nodiscard]] std::string directory_of_element(std::string_view element);
+
+/// Equal for two elements that are the same: the same directory by any path with the same attributes, or,
+/// where there is no such directory to look at, the same text. A slash at the end of a directory's name makes
+/// no difference.
+using ElementIdentity = std::tuple<dev_t, ino_t, std::string>;
+
+/// Whether the directories of a font path are on this host, so that they can be looked at.
+enum class PathHost { THIS, ANOTHER };
+
+[[nodiscard]] ElementIdentity identity_of_element(std::string_view element, PathHost host = PathHost::THIS);
+
+/// The directories of a font path whose fonts the program lists, in their order. By default these are the
+/// elements that begin with "/", as they are written. With today's fonts they are listed without attributes,
+/// and each once (see `FontPolicy::knows_path_attributes`).
+[[nodiscard]] std::vector<std::string> directories_to_list(const GW_LIST<GW_STRING>& path);
+
+}  // namespace gw
