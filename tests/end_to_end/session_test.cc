@@ -292,7 +292,7 @@ TEST_F(SessionTest, OnlyAnOrdinaryUsersOwnFileIsRead) {
     EXPECT_TRUE(std::filesystem::remove("/tmp/.VTfontpath"));
     EXPECT_EQ(login.status, 0);
     EXPECT_EQ(login.errors, "");
-    EXPECT_EQ(server_path(), installation_ + (is_root() ? Texts{} : Texts{dir}) + Texts{"built-ins"});
+    EXPECT_EQ(server_path(), installation_ + Texts{"built-ins"} + (is_root() ? Texts{} : Texts{dir}));
 }
 
 TEST_F(SessionTest, OnlyTheSuperuserNeedsNoHome) {

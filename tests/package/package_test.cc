@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <filesystem>
@@ -109,12 +110,28 @@ std::string package_file() {
 std::string install_command() {
     return "dpkg --force-unsafe-io -i " + package_file();
 }
-std::string font_path_of(const std::vector<std::string>& names) {
+/// The value of a font path of these elements, relative to the directory with the links.
+std::string joined(const std::vector<std::string>& names) {
     std::string path;
-    for (const std::string& name : names) path += (path.empty() ? "" : ",") + LINKS + name + '/';
+    for (const std::string& name : names) path += (path.empty() ? "" : ",") + LINKS + name;
+    return path;
+}
+std::string config_of(const std::string& path) {
     return "XDISPLAY.0.fontpath:\t" + path + '\n';
 }
-const std::vector<std::string> ALL_NAMES{"misc", "75dpi", "100dpi", "Type1"};
+/// The first font path of an installation: that of the distribution's server, and the superuser's directory.
+std::string font_path_of(const std::vector<std::string>& names) {
+    const auto has = [&](const std::string& element) {
+        const std::string name = element.substr(0, element.find('/'));
+        return std::find(names.begin(), names.end(), name) != names.end();
+    };
+    std::vector<std::string> elements;
+    for (const char* element :
+         {"misc/", "cyrillic/", "100dpi/:unscaled", "75dpi/:unscaled", "Type1/", "100dpi/", "75dpi/"})
+        if (has(element)) elements.emplace_back(element);
+    return config_of(joined(elements) + (elements.empty() ? "" : ",") + gw::SUPERUSER_FONT_DIR);
+}
+const std::vector<std::string> ALL_NAMES{"misc", "100dpi", "75dpi", "Type1"};
 
 class Package : public testing::Test {
   protected:
@@ -123,7 +140,7 @@ class Package : public testing::Test {
         fs::remove("/var/lib/man-db/auto-update");
     }
     ~Package() override {
-        run("dpkg --force-unsafe-io -P glyphward test-fonts");
+        run("dpkg --force-unsafe-io -P glyphward test-fonts other-fonts");
         for (const std::string& path :
              {INSTALLATION, std::string("/etc/vantor"), std::string("/var/lib/glyphward")}) {
             fs::remove_all(path);
@@ -136,19 +153,25 @@ class Package : public testing::Test {
         hidden_.push_back(name);
     }
     /// Makes a package with a directory of fonts, like Debian's font packages.
-    std::string font_package(const std::string& name) {
-        const TempDir& dir = kept_;
-        dir.write(
-            "test-fonts/DEBIAN/control",
-            "Package: test-fonts\nVersion: 1\nArchitecture: all\nMaintainer: Nobody <nobody@test.invalid>\n"
-            "Description: fonts that come and go\n");
-        dir.write("test-fonts" + HOST_FONTS + name + "/fonts.dir", "0\n");
-        EXPECT_TRUE(succeeds("dpkg-deb --root-owner-group -b " + dir.file("test-fonts") + ' ' +
-                             dir.file("test-fonts.deb")));
-        return dir.file("test-fonts.deb");
+    std::string font_package(const std::string& name) { return package_of("test-fonts", name, "0\n"); }
+    /// A second one.
+    std::string other_font_package(const std::string& name, const std::string& index = "0\n") {
+        return package_of("other-fonts", name, index);
     }
 
   private:
+    std::string package_of(const std::string& package, const std::string& name, const std::string& index) {
+        const TempDir& dir = kept_;
+        dir.write(package + "/DEBIAN/control",
+                  "Package: " + package +
+                      "\nVersion: 1\nArchitecture: all\nMaintainer: Nobody <nobody@test.invalid>\n"
+                      "Description: fonts that come and go\n");
+        dir.write(package + HOST_FONTS + name + "/fonts.dir", index);
+        EXPECT_TRUE(succeeds("dpkg-deb --root-owner-group -b " + dir.file(package) + ' ' +
+                             dir.file(package + ".deb")));
+        return dir.file(package + ".deb");
+    }
+
     TempDir kept_;
     std::vector<std::string> hidden_;
 };
@@ -216,6 +239,52 @@ std::string session(const char* name) {
                                       " --gtest_color=no "
                                       "--gtest_filter=") +
            name;
+}
+
+/// Makes a directory of bitmap fonts with these index lines; their files are copies of the host's.
+void make_fonts(const std::string& dir, const std::vector<std::string>& lines) {
+    std::string index = std::to_string(lines.size()) + '\n';
+    for (const std::string& line : lines) {
+        const std::string file = line.substr(0, line.find(' '));
+        write(dir + file, read(HOST_FONTS + "75dpi/" + file));
+        index += line + '\n';
+    }
+    write(dir + "fonts.dir", index);
+}
+
+/// The name by which the server offers to scale a bitmap font for 75 dots per inch.
+std::string scalable(const std::string& name) {
+    const std::string family = name.substr(0, name.find("--"));
+    return family + "--0-0-75-75-p-0-iso8859-1";
+}
+
+// Fonts of the superuser, of the user, and Cyrillic ones of a package come with the installation. Some of
+// them have names that others have, which are to be found first.
+TEST_F(Package, EveryProgramGetsTheFontsThatItGotWithoutIt) {
+    const std::string koi8 = "-cronyx-fixed-medium-r-normal--10-100-75-75-c-60-koi8-r";
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -i " +
+                         other_font_package("cyrillic", "1\nk.pcf.gz " + koi8 + '\n')));
+    fs::copy(HOST_FONTS + "misc/6x10-KOI8-R.pcf.gz", HOST_FONTS + "cyrillic/k.pcf.gz");
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_EQ(read(CONFIG), font_path_of({"misc", "cyrillic", "100dpi", "75dpi", "Type1"}));
+    const std::string taken = "-adobe-helvetica-bold-r-normal--12-120-75-75-p-70-iso8859-1";
+    const std::string roots = "-own-helvetica-bold-r-normal--24-240-75-75-p-138-iso8859-1";
+    const std::string users = "-own-helvetica-medium-r-normal--24-240-75-75-p-130-iso8859-1";
+    make_fonts(gw::SUPERUSER_FONT_DIR,
+               {"helvB24-ISO8859-1.pcf.gz " + roots, "helvB18-ISO8859-1.pcf.gz fixed"});
+    make_fonts("/home/glyph/glyphwd_fonts/",
+               {"helvR24-ISO8859-1.pcf.gz " + users, "helvB24-ISO8859-1.pcf.gz " + taken});
+    write("/home/glyph/.VTfontpath", "/home/glyph/glyphwd_fonts/\n");
+    std::string names = "fixed\n";
+    for (const std::string& name : {roots, users, taken}) names += name + '\n' + scalable(name) + '\n';
+    write("/home/glyph/names-that-come", names);
+
+    EXPECT_TRUE(succeeds(session("ServerFonts.StayWhatTheyWereAtALogin")));
+    write(CONFIG, config_of(joined({"misc/", "75dpi/", "100dpi/", "Type1/"})));
+    EXPECT_TRUE(succeeds(session("ServerFonts.AreThoseOfAChosenOrder")));
+    fs::remove_all("/home/glyph");
+    fs::create_directory("/home/glyph");
+    fs::remove(HOST_FONTS + "cyrillic/k.pcf.gz");
 }
 
 TEST_F(Package, ServesAUserFromTheFirstLoginToItsRemoval) {
@@ -324,16 +393,46 @@ TEST_F(Package, FontPackagesComeAndGo) {
     EXPECT_TRUE(fs::exists(LINKS + "own/fonts.dir"));
 }
 
+// The font path window has changed the font path: an element has gone and one has come.
+TEST_F(Package, AFontPackageThatComesLaterIsAddedToAChangedFontPath) {
+    hide_host_fonts("75dpi");
+    ASSERT_TRUE(succeeds(install_command()));
+    const std::string changed =
+        joined({"misc/", "100dpi/:unscaled", "100dpi/"}) + ',' + gw::SUPERUSER_FONT_DIR + ",/opt/fonts/";
+    write(CONFIG, "Another.0.attribute:\tvalue\n" + config_of(changed));
+    const std::string with_75dpi = changed + ',' + joined({"75dpi/:unscaled", "75dpi/"});
+
+    const Outcome installed = run("dpkg --force-unsafe-io -i " + font_package("75dpi"));
+    EXPECT_EQ(installed.status, 0) << installed.text;
+    EXPECT_THAT(installed.text, HasSubstr(CONFIG + ": the font path is now " + with_75dpi + '\n'));
+    EXPECT_EQ(read(CONFIG), "Another.0.attribute:\tvalue\n" + config_of(with_75dpi));
+
+    // What was taken out stays out, when it comes a second time too.
+    write(CONFIG, config_of(changed));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P test-fonts"));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -i " + font_package("75dpi")));
+    ASSERT_TRUE(succeeds(install_command()));
+    EXPECT_EQ(read(CONFIG), config_of(changed));
+    // Somebody who writes comments does so by hand.
+    for (const std::string& own : {"! mine\n" + config_of(changed), std::string(OWN_CONFIG)}) {
+        write(CONFIG, own);
+        ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -i " + other_font_package("cyrillic")));
+        EXPECT_TRUE(fs::is_symlink(LINKS + "cyrillic"));
+        EXPECT_EQ(read(CONFIG), own);
+        ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P other-fonts"));
+    }
+}
+
 TEST_F(Package, AMachineWithoutFontsGetsItsFontPathLater) {
     for (const std::string& name : ALL_NAMES) hide_host_fonts(name);
     const Outcome installation = run(install_command());
     EXPECT_EQ(installation.status, 0) << installation.text;
     EXPECT_THAT(installation.text, HasSubstr("install font packages"));
-    EXPECT_FALSE(is_there(CONFIG));
+    EXPECT_EQ(read(CONFIG), font_path_of({}));
     ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -i " + font_package("Type1")));
     EXPECT_EQ(read(CONFIG), font_path_of({"Type1"}));
     ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P test-fonts"));
-    EXPECT_FALSE(is_there(CONFIG));
+    EXPECT_EQ(read(CONFIG), font_path_of({}));
 }
 
 TEST_F(Package, OwnDirectoriesAndLinksOfTheSameNameStay) {

@@ -85,14 +85,14 @@ void report(const Plan& plan) {
 /// A directory that looked usable but was refused by the server is a failure. A font server is not: it may be
 /// down.
 bool is_failure(const Plan& plan, const std::string& refused) {
-    const auto end = plan.path.begin() + static_cast<std::ptrdiff_t>(plan.configured);
-    return refused.starts_with('/') && std::find(plan.path.begin(), end, refused) != end;
+    const auto end = plan.configured.end();
+    return refused.starts_with('/') && std::find(plan.configured.begin(), end, refused) != end;
 }
 
 int set(const XServer& server, const Plan& plan, const Elements& current) {
     if (plan.path.empty()) return EXIT_SUCCESS;  // no element is usable
-    const Outcome outcome =
-        put(plan.path, current, [&](const Elements& path) { return server.set_font_path(path); });
+    const Outcome outcome = put(plan.path, current, server.host(),
+                                [&](const Elements& path) { return server.set_font_path(path); });
     int status = outcome.path.empty() ? EXIT_FAILURE : EXIT_SUCCESS;
     for (const std::string& element : outcome.refused) {
         complain(element + ": the X server refuses it");
@@ -101,18 +101,18 @@ int set(const XServer& server, const Plan& plan, const Elements& current) {
     return status;
 }
 
-int run(bool dry, const Elements& configured) {
+int run(bool dry, const Configuration& configured) {
     const XServer server;
     if (!server.is_open()) {
         complain("cannot open display" + display_in_words());
         return EXIT_FAILURE;
     }
     const Elements current = server.font_path();
-    if (configured.empty()) {
+    if (configured.elements.empty()) {
         if (dry) print_all(current);
         return EXIT_SUCCESS;
     }
-    const Plan plan = make_plan(configured, current, server.is_here());
+    const Plan plan = make_plan(configured, current, server.host());
     report(plan);
     if (!dry) return set(server, plan, current);
     print_all(plan.path);
@@ -150,10 +150,9 @@ int carry_out(Task task) {
         complain("HOME is not set, so the font path is not known");
         return EXIT_FAILURE;
     }
-    const Configuration configuration = read_configuration(gw::INSTALLATION_ROOT);
+    const Configuration configuration = read_configuration(gw::INSTALLATION_ROOT, gw::SETUP_RECORD);
     for (const Remark& remark : configuration.unread) complain(remark);
-    return task == Task::LIST ? list(configuration.elements)
-                              : run(task == Task::DRY_RUN, configuration.elements);
+    return task == Task::LIST ? list(configuration.elements) : run(task == Task::DRY_RUN, configuration);
 }
 
 }  // namespace

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <set>
 
-#include "core/text.h"
+#include "core/replace_file.h"
 #include "fontpath/gw_font_path.h"
 #include "platform/config_db.h"
 #include "platform/host_paths.h"
@@ -35,14 +35,31 @@ void note_unread_database(const std::string& path, std::vector<Remark>& unread) 
                                                     : "cannot be read; it is not used"});
 }
 
-std::string directory_of(std::string_view element) {
-    return std::string(element.substr(0, element.find(':')));
-}
-
 /// The verdict on a path for which `stat` has failed.
 Verdict not_found(int error, const char* gone) {
     if (error == ENOENT || error == ENOTDIR) return {Condition::GONE, gone};
     return {Condition::UNREADABLE, std::strerror(error)};
+}
+
+/// Whether both files are there and have the same bytes.
+bool has_bytes_of(const std::string& path, const std::string& other) {
+    const Result<std::string> bytes = read_file(path);
+    const Result<std::string> others = read_file(other);
+    return bytes && others && *bytes == *others;
+}
+
+/// The beginning of the composed path whose order somebody has chosen. It goes on to the end of the host's or
+/// the installation's part, unless that is as the set-up has made it.
+std::size_t count_in_chosen_order(GWFontPath& font_path, bool installation_is_as_set_up) {
+    const auto count_of = [&](GWFontPath::TYPE type) {
+        unsigned int count = 0;
+        font_path.get_fpe_list(type, count);
+        return std::size_t{count};
+    };
+    const std::size_t in_front =
+        count_of(GWFontPath::USER_PREPEND_FP) + count_of(GWFontPath::LOCALE_PREPEND_FP);
+    if (const std::size_t hosts = count_of(GWFontPath::HOST_FP); hosts > 0) return in_front + hosts;
+    return in_front + (installation_is_as_set_up ? 0 : count_of(GWFontPath::INSTALLATION_FP));
 }
 
 Elements subset(const Elements& wanted, const std::vector<bool>& chosen) {
@@ -55,7 +72,7 @@ Elements subset(const Elements& wanted, const std::vector<bool>& chosen) {
 
 }  // namespace
 
-Configuration read_configuration(const std::string& root) {
+Configuration read_configuration(const std::string& root, const std::string& setup_record) {
     Configuration configuration;
     note_unread_database(root + INSTALLATION_CONFIG, configuration.unread);
     if (root == INSTALLATION_ROOT) note_unread_database(HOST_CONFIG, configuration.unread);
@@ -63,20 +80,16 @@ Configuration read_configuration(const std::string& root) {
     unsigned int count = 0;
     for (const GW_STRING* element : *font_path.get_fpe_list(GWFontPath::ALL_FP, count))
         configuration.elements.emplace_back(element->get_str());
+    configuration.chosen =
+        count_in_chosen_order(font_path, has_bytes_of(root + INSTALLATION_CONFIG, setup_record));
     return configuration;
-}
-
-std::string identity(std::string_view element) {
-    const std::string directory = directory_of(element);
-    const std::string_view attributes = element.substr(directory.size());
-    return std::string(without_trailing_slashes(directory)).append(attributes);
 }
 
 Verdict judge(const std::string& element) {
     if (element.size() > LONGEST_ELEMENT)
         return {Condition::GONE, "longer than the 255 bytes that the X protocol allows"};
     if (!element.starts_with('/')) return {};
-    const std::string directory = directory_of(element);
+    const std::string directory = directory_of_element(element);
     struct stat info = {};
     if (::stat(directory.c_str(), &info) != 0) return not_found(errno, "no such directory");
     if (!S_ISDIR(info.st_mode)) return {Condition::GONE, "not a directory"};
@@ -89,54 +102,90 @@ Verdict judge(const std::string& element) {
 
 std::vector<std::string> reasons_to_skip(const Elements& configured) {
     std::vector<std::string> reasons;
-    std::set<std::string> seen;
+    std::set<ElementIdentity> seen;
     for (const std::string& element : configured) {
-        const bool is_new = seen.insert(identity(element)).second;
+        const bool is_new = seen.insert(identity_of_element(element)).second;
         reasons.push_back(is_new ? judge(element).why : "named before");
     }
     return reasons;
 }
 
-Plan make_plan(const Elements& configured, const Elements& server, bool server_is_here) {
-    Plan plan;
-    std::set<std::string> on_server;
-    for (const std::string& element : server) on_server.insert(identity(element));
-    std::set<std::string> seen;
-    for (const std::string& element : configured) {
-        const std::string id = identity(element);
-        if (seen.contains(id)) continue;
+namespace {
+
+/// Puts a plan together, one element after the other.
+class Planner {
+  public:
+    Planner(const Elements& configured, const Elements& server, PathHost host) : host_(host) {
+        for (const std::string& element : configured) configured_.insert(identity(element));
+        for (const std::string& element : server) on_server_.insert(identity(element));
+    }
+
+    void add_configured(const std::string& element) {
+        const ElementIdentity id = identity(element);
+        if (seen_.contains(id)) return;
         const Verdict verdict = judge(element);
         // A directory that this user cannot read, but the server has, keeps its place among the server's
         // elements.
-        if (verdict.condition == Condition::UNREADABLE && on_server.contains(id)) continue;
-        seen.insert(id);
+        if (verdict.condition == Condition::UNREADABLE && on_server_.contains(id)) return;
+        seen_.insert(id);
         if (verdict.condition == Condition::USABLE) {
-            plan.path.push_back(element);
-        } else {
-            plan.skipped.push_back({element, verdict.why});
+            append(element, id);
+        } else if (verdict.condition == Condition::UNREADABLE || element != SUPERUSER_FONT_DIR) {
+            plan_.skipped.push_back({element, verdict.why});
         }
     }
-    plan.configured = plan.path.size();
-    for (const std::string& element : server) {
-        if (!seen.insert(identity(element)).second) continue;
-        const Verdict verdict = server_is_here ? judge(element) : Verdict{};
+
+    void add_servers(const std::string& element) {
+        const ElementIdentity id = identity(element);
+        if (!seen_.insert(id).second) return;
+        const Verdict verdict = host_ == PathHost::THIS ? judge(element) : Verdict{};
         if (verdict.condition == Condition::GONE) {
-            plan.dropped.push_back({element, verdict.why});
+            plan_.dropped.push_back({element, verdict.why});
         } else {
-            plan.path.push_back(element);
+            append(element, id);
         }
     }
-    return plan;
+
+    [[nodiscard]] Plan plan() && { return std::move(plan_); }
+
+  private:
+    [[nodiscard]] ElementIdentity identity(const std::string& element) const {
+        return identity_of_element(element, host_);
+    }
+    void append(const std::string& element, const ElementIdentity& id) {
+        plan_.path.push_back(element);
+        if (configured_.contains(id)) plan_.configured.push_back(element);
+    }
+
+    PathHost host_;
+    std::set<ElementIdentity> configured_;
+    std::set<ElementIdentity> on_server_;
+    std::set<ElementIdentity> seen_;
+    Plan plan_;
+};
+
+}  // namespace
+
+Plan make_plan(const Configuration& configured, const Elements& server, PathHost host) {
+    Planner planner(configured.elements, server, host);
+    const auto behind = configured.elements.begin() + static_cast<std::ptrdiff_t>(configured.chosen);
+    std::for_each(configured.elements.begin(), behind,
+                  [&](const std::string& element) { planner.add_configured(element); });
+    for (const std::string& element : server) planner.add_servers(element);
+    std::for_each(behind, configured.elements.end(),
+                  [&](const std::string& element) { planner.add_configured(element); });
+    return std::move(planner).plan();
 }
 
-Outcome put(const Elements& wanted, const Elements& current, const SetPath& set) {
+Outcome put(const Elements& wanted, const Elements& current, PathHost host, const SetPath& set) {
     if (wanted.empty()) return {};  // an empty path would give the server its default path
     if (set(wanted)) return {wanted, {}};
 
-    std::set<std::string> on_server;
-    for (const std::string& element : current) on_server.insert(identity(element));
+    std::set<ElementIdentity> on_server;
+    for (const std::string& element : current) on_server.insert(identity_of_element(element, host));
     std::vector<bool> accepted;
-    for (const std::string& element : wanted) accepted.push_back(on_server.contains(identity(element)));
+    for (const std::string& element : wanted)
+        accepted.push_back(on_server.contains(identity_of_element(element, host)));
     if (const Elements kept = subset(wanted, accepted); kept.empty() || !set(kept))
         accepted.assign(wanted.size(), false);
 

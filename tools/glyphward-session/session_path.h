@@ -1,14 +1,17 @@
 // SPDX-License-Identifier: MIT
 //
-// Which font path a session should have: first the configured elements, in their order, then the other
-// elements that the X server has. The server refuses the whole path when it cannot use one element of it, so
-// each one is checked first.
+// Which font path a session should have. The server asks the elements in order, and the first one that has an
+// answer decides what a program gets. So what the server has keeps its place, and configured elements that
+// are missing come behind; only those whose order somebody has chosen come first, in that order. The server
+// refuses the whole path when it cannot use one element of it, so each one is checked first.
 #pragma once
 
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "fontpath/path_element.h"
 
 namespace gw::session {
 
@@ -25,15 +28,14 @@ struct Remark {
 /// What the configuration files say.
 struct Configuration {
     Elements elements;           ///< the effective font path, as composed
+    std::size_t chosen = 0;      ///< so many at its beginning stand in an order that somebody has chosen
     std::vector<Remark> unread;  ///< databases that exist and cannot be read
 };
 
 /// Reads the configuration of the installation below `root`, without a trailing slash. Nothing is written.
-[[nodiscard]] Configuration read_configuration(const std::string& root);
-
-/// The text without the slashes at the directory's end. It is equal for two elements that are the same
-/// directory with the same attributes.
-[[nodiscard]] std::string identity(std::string_view element);
+/// Somebody has chosen the order of the front parts of the user's and the locale's file, and of a database
+/// that does not have the bytes of the file `setup_record`.
+[[nodiscard]] Configuration read_configuration(const std::string& root, const std::string& setup_record);
 
 /// What this process finds out about an element.
 enum class Condition {
@@ -57,14 +59,15 @@ struct Verdict {
 /// The path that the server should get.
 struct Plan {
     Elements path;
-    std::size_t configured = 0;   ///< so many at the beginning of `path` come from the configuration
+    Elements configured;          ///< those in `path` that the configuration names, as they are in `path`
     std::vector<Remark> skipped;  ///< configured elements that are not in `path`
     std::vector<Remark> dropped;  ///< elements of the server that are not
 };
 
-/// `server` is the path that the server has. Its directories are checked only when the server runs on this
-/// host, because the file system of another host cannot be seen from here.
-[[nodiscard]] Plan make_plan(const Elements& configured, const Elements& server, bool server_is_here);
+/// `server` is the path that the server has. Its directories are looked at only when the server runs on this
+/// host, because the file system of another host cannot be seen from here. That the superuser's font
+/// directory is not there yet is not remarked on.
+[[nodiscard]] Plan make_plan(const Configuration& configured, const Elements& server, PathHost host);
 
 /// Sets a server's path as a whole; false when the server refused it.
 using SetPath = std::function<bool(const Elements&)>;
@@ -77,7 +80,7 @@ struct Outcome {
 /// Replaces the server's path `current` by `wanted`. When the server refuses the whole path, sets as much of
 /// it as the server accepts, in the order of `wanted`; while that is tried out, the elements that the server
 /// had stay on its path if possible.
-[[nodiscard]] Outcome put(const Elements& wanted, const Elements& current, const SetPath& set);
+[[nodiscard]] Outcome put(const Elements& wanted, const Elements& current, PathHost host, const SetPath& set);
 
 /// `text` for one line of a terminal: control characters become "?".
 [[nodiscard]] std::string printable(std::string_view text);

@@ -38,12 +38,14 @@ XServer::XServer() {
     display_.reset(XOpenDisplay(nullptr));
 }
 
-bool XServer::is_here() const {
+PathHost XServer::host() const {
     sockaddr_storage peer{};
     socklen_t size = sizeof peer;
     // The socket functions take a pointer to this type for every kind of address.
     auto* address = reinterpret_cast<sockaddr*>(&peer);
-    return ::getpeername(ConnectionNumber(display_.get()), address, &size) == 0 && peer.ss_family == AF_UNIX;
+    const bool is_local =
+        ::getpeername(ConnectionNumber(display_.get()), address, &size) == 0 && peer.ss_family == AF_UNIX;
+    return is_local ? PathHost::THIS : PathHost::ANOTHER;
 }
 
 Elements XServer::font_path() const {

@@ -18,8 +18,8 @@ class XServer {
     XServer();
 
     [[nodiscard]] bool is_open() const { return display_ != nullptr; }
-    /// Whether the server uses this host's file system, which is so when the connection is a local socket.
-    [[nodiscard]] bool is_here() const;
+    /// The host whose directories the server reads: this one when the connection is a local socket.
+    [[nodiscard]] PathHost host() const;
     [[nodiscard]] Elements font_path() const;
     /// Sets the whole path; false when the server refused it, which leaves the old one. The server rereads
     /// directories whose index has changed. An empty path is refused here, because the server would use its

@@ -10,7 +10,9 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <set>
 #include <string>
 
@@ -19,9 +21,11 @@
 namespace {
 
 using namespace gw::session;
+using gw::PathHost;
 using gw::test::TempDir;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::UnorderedElementsAre;
 
 bool is_root() {
     return ::geteuid() == 0;
@@ -40,22 +44,13 @@ class SessionPathTest : public testing::Test {
         return dir.file("root");
     }
 
+    /// The file in which the set-up keeps what it has written.
+    [[nodiscard]] std::string record() const { return dir.file("record"); }
+
     const TempDir dir;
 };
 
 // --- what an element is ------------------------------------------------------
-
-TEST_F(SessionPathTest, ASlashAtTheEndMakesNoOtherDirectory) {
-    EXPECT_EQ(identity("/a"), identity("/a/"));
-    EXPECT_EQ(identity("/a"), identity("/a//"));
-    EXPECT_EQ(identity("/a/:unscaled"), identity("/a:unscaled"));
-    EXPECT_NE(identity("/a/"), identity("/a/:unscaled"));
-    EXPECT_NE(identity("/a/"), identity("/a/b/"));
-    EXPECT_NE(identity("/a"), identity("/A"));
-    EXPECT_EQ(identity("/"), "/");
-    EXPECT_NE(identity("tcp/host:7100"), identity("tcp/host:7101"));
-    EXPECT_EQ(identity("built-ins"), "built-ins");
-}
 
 TEST_F(SessionPathTest, AFontDirectoryIsUsableWhateverItsName) {
     for (const char* name : {"plain", "with blanks", "a,b", "it's $HOME"}) {
@@ -107,19 +102,53 @@ TEST_F(SessionPathTest, OnlyTheServerKnowsOtherElements) {
 
 // --- the plan ----------------------------------------------------------------
 
-TEST_F(SessionPathTest, ConfiguredElementsGoInFrontOfTheServers) {
+/// A configuration whose whole order somebody has chosen.
+Configuration chosen(const Elements& elements) {
+    return {elements, elements.size(), {}};
+}
+/// One whose order nobody has chosen.
+Configuration plain(const Elements& elements) {
+    return {elements, 0, {}};
+}
+
+TEST_F(SessionPathTest, WhatTheServerHasKeepsItsPlaceAndWhatIsMissingComesBehind) {
     const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c");
-    const Plan plan = make_plan({b, a}, {c, "built-ins"}, true);
-    EXPECT_THAT(plan.path, ElementsAre(b, a, c, "built-ins"));
-    EXPECT_EQ(plan.configured, 2U);
+    const Plan plan = make_plan(plain({b, a, c}), {"tcp/host:7100", c, a, "built-ins"}, PathHost::THIS);
+    EXPECT_THAT(plan.path, ElementsAre("tcp/host:7100", c, a, "built-ins", b));
+    EXPECT_THAT(plan.configured, ElementsAre(c, a, b));
     EXPECT_THAT(plan.skipped, IsEmpty());
     EXPECT_THAT(plan.dropped, IsEmpty());
+}
+
+TEST_F(SessionPathTest, AnOrderThatSomebodyHasChosenComesFirst) {
+    const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c"), d = font_dir("d");
+    const Configuration both{{b, a, d, c}, 2, {}};
+    const Plan plan = make_plan(both, {c, a, "built-ins"}, PathHost::THIS);
+    EXPECT_THAT(plan.path, ElementsAre(b, a, c, "built-ins", d));
+    EXPECT_THAT(plan.configured, ElementsAre(b, a, c, d));
+}
+
+TEST_F(SessionPathTest, LinksToWhatTheServerHasChangeNothing) {
+    const std::string a = font_dir("a"), b = font_dir("b");
+    dir.make_dir("links");
+    std::filesystem::create_directory_symlink(dir.file("a"), dir.file("links/a"));
+    std::filesystem::create_directory_symlink(dir.file("b"), dir.file("links/b"));
+    const std::string link_a = dir.file("links/a/"), link_b = dir.file("links/b/");
+    const Elements server = {dir.file("b"), a + ":unscaled", "catalogue:/etc/fonts", dir.file("a"),
+                             "built-ins"};
+    EXPECT_EQ(make_plan(plain({link_a, link_b, link_a + ":unscaled"}), server, PathHost::THIS).path, server);
+    EXPECT_THAT(make_plan(plain({link_b + ":unscaled", link_a}), server, PathHost::THIS).path,
+                ElementsAre(dir.file("b"), a + ":unscaled", "catalogue:/etc/fonts", dir.file("a"),
+                            "built-ins", link_b + ":unscaled"));
+    // On another host they may be other directories.
+    EXPECT_EQ(make_plan(plain({link_a}), server, PathHost::ANOTHER).path.size(), server.size() + 1);
 }
 
 TEST_F(SessionPathTest, EachElementComesOnceAsItIsConfigured) {
     const std::string a = font_dir("a"), b = font_dir("b");
     const std::string bare_a = dir.file("a");
-    const Plan plan = make_plan({a, b, bare_a, a}, {"built-ins", bare_a, "built-ins", b}, true);
+    const Plan plan =
+        make_plan(chosen({a, b, bare_a, a}), {"built-ins", bare_a, "built-ins", b}, PathHost::THIS);
     EXPECT_THAT(plan.path, ElementsAre(a, b, "built-ins"));
     EXPECT_THAT(plan.skipped, IsEmpty());
     EXPECT_THAT(plan.dropped, IsEmpty());
@@ -127,43 +156,60 @@ TEST_F(SessionPathTest, EachElementComesOnceAsItIsConfigured) {
 
 TEST_F(SessionPathTest, AttributesMakeAnotherElement) {
     const std::string a = font_dir("a");
-    EXPECT_THAT(make_plan({a}, {a + ":unscaled"}, true).path, ElementsAre(a, a + ":unscaled"));
+    EXPECT_THAT(make_plan(chosen({a}), {a + ":unscaled"}, PathHost::THIS).path,
+                ElementsAre(a, a + ":unscaled"));
+    EXPECT_THAT(make_plan(plain({a}), {a + ":unscaled"}, PathHost::THIS).path,
+                ElementsAre(a + ":unscaled", a));
 }
 
 TEST_F(SessionPathTest, APlanThatIsCarriedOutStaysTheSame) {
-    const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c");
-    const Elements configured = {b, missing(), a};
-    const Plan first = make_plan(configured, {a, c, "built-ins"}, true);
-    const Plan second = make_plan(configured, first.path, true);
-    EXPECT_EQ(second.path, first.path);
+    const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c"), d = font_dir("d");
+    for (const std::size_t front : {std::size_t{0}, std::size_t{2}, std::size_t{4}}) {
+        const Configuration configured{{b, missing(), a, d}, front, {}};
+        const Plan first = make_plan(configured, {a, c, "built-ins"}, PathHost::THIS);
+        EXPECT_EQ(make_plan(configured, first.path, PathHost::THIS).path, first.path) << front;
+    }
 }
 
 TEST_F(SessionPathTest, AConfiguredDirectoryThatIsGoneIsSkipped) {
     const std::string a = font_dir("a");
-    const Plan plan = make_plan({missing(), a}, {"built-ins"}, true);
+    const Plan plan = make_plan(chosen({missing(), a}), {"built-ins"}, PathHost::THIS);
     EXPECT_THAT(plan.path, ElementsAre(a, "built-ins"));
-    EXPECT_EQ(plan.configured, 1U);
+    EXPECT_THAT(plan.configured, ElementsAre(a));
     EXPECT_THAT(plan.skipped, ElementsAre(Remark{missing(), "no such directory"}));
+}
+
+// It is on the path from the start, and the first installation makes it.
+TEST_F(SessionPathTest, NothingIsSaidOfTheSuperusersDirectoryThatIsNotThereYet) {
+    ASSERT_FALSE(std::filesystem::exists("/etc/vantor/glyphwd_fonts"));
+    const Plan plan = make_plan(plain({"/etc/vantor/glyphwd_fonts/"}), {"built-ins"}, PathHost::THIS);
+    EXPECT_THAT(plan.path, ElementsAre("built-ins"));
+    EXPECT_THAT(plan.skipped, IsEmpty());
+    EXPECT_THAT(reasons_to_skip({"/etc/vantor/glyphwd_fonts/"}), ElementsAre("no such directory"));
 }
 
 TEST_F(SessionPathTest, WhatTheServerHasAndIsGoneIsDropped) {
     const std::string a = font_dir("a");
-    const Plan plan = make_plan({a}, {missing(), "built-ins"}, true);
-    EXPECT_THAT(plan.path, ElementsAre(a, "built-ins"));
+    const Plan plan = make_plan(plain({a}), {missing(), "built-ins"}, PathHost::THIS);
+    EXPECT_THAT(plan.path, ElementsAre("built-ins", a));
     EXPECT_THAT(plan.dropped, ElementsAre(Remark{missing(), "no such directory"}));
 }
 
 TEST_F(SessionPathTest, WhatIsGoneIsSaidOnce) {
-    const Plan plan = make_plan({missing(), missing()}, {missing(), "built-ins"}, true);
-    EXPECT_THAT(plan.path, ElementsAre("built-ins"));
-    EXPECT_EQ(plan.skipped.size(), 1U);
-    EXPECT_THAT(plan.dropped, IsEmpty());
+    const Plan first = make_plan(chosen({missing(), missing()}), {missing(), "built-ins"}, PathHost::THIS);
+    EXPECT_THAT(first.path, ElementsAre("built-ins"));
+    EXPECT_EQ(first.skipped.size(), 1U);
+    EXPECT_THAT(first.dropped, IsEmpty());
+    const Plan behind = make_plan(plain({missing(), missing()}), {missing(), "built-ins"}, PathHost::THIS);
+    EXPECT_THAT(behind.path, ElementsAre("built-ins"));
+    EXPECT_THAT(behind.skipped, IsEmpty());
+    EXPECT_EQ(behind.dropped.size(), 1U);
 }
 
 TEST_F(SessionPathTest, ADistantServersDirectoriesAreItsOwnAffair) {
     const std::string a = font_dir("a");
-    const Plan plan = make_plan({a}, {missing(), "built-ins"}, false);
-    EXPECT_THAT(plan.path, ElementsAre(a, missing(), "built-ins"));
+    const Plan plan = make_plan(plain({a}), {missing(), "built-ins"}, PathHost::ANOTHER);
+    EXPECT_THAT(plan.path, ElementsAre(missing(), "built-ins", a));
     EXPECT_THAT(plan.dropped, IsEmpty());
 }
 
@@ -171,18 +217,22 @@ TEST_F(SessionPathTest, AClosedDirectoryStaysWhereTheServerHasIt) {
     if (is_root()) GTEST_SKIP() << "nothing is closed to the superuser";
     const std::string a = font_dir("a"), closed = font_dir("closed");
     ::chmod(closed.c_str(), 0);
-    const Plan had = make_plan({closed, a}, {closed, "built-ins"}, true);
+    const Plan had = make_plan(chosen({closed, a}), {closed, "built-ins"}, PathHost::THIS);
     EXPECT_THAT(had.path, ElementsAre(a, closed, "built-ins"));
     EXPECT_THAT(had.skipped, IsEmpty());
-    const Plan had_not = make_plan({closed, a}, {"built-ins"}, true);
-    EXPECT_THAT(had_not.path, ElementsAre(a, "built-ins"));
-    EXPECT_THAT(had_not.skipped, ElementsAre(Remark{closed, "cannot be read"}));
+    for (const Configuration& configured : {chosen({closed, a}), plain({closed, a})}) {
+        const Plan had_not = make_plan(configured, {"built-ins"}, PathHost::THIS);
+        EXPECT_THAT(had_not.path, UnorderedElementsAre(a, "built-ins"));
+        EXPECT_THAT(had_not.skipped, ElementsAre(Remark{closed, "cannot be read"}));
+    }
 }
 
 TEST_F(SessionPathTest, EveryConfiguredElementHasItsReason) {
     const std::string a = font_dir("a");
-    EXPECT_THAT(reasons_to_skip({a, missing(), dir.file("a"), "tcp/host:7100"}),
-                ElementsAre("", "no such directory", "named before", ""));
+    std::filesystem::create_directory_symlink(dir.file("a"), dir.file("link"));
+    EXPECT_THAT(
+        reasons_to_skip({a, missing(), dir.file("a"), dir.file("link/"), a + ":unscaled", "tcp/host:7100"}),
+        ElementsAre("", "no such directory", "named before", "named before", "", ""));
 }
 
 // --- a server ----------------------------------------------------------------
@@ -202,7 +252,8 @@ class PlayedServer {
         return true;
     }
     Outcome put(const Elements& wanted) {
-        return gw::session::put(wanted, path_, [this](const Elements& path) { return set(path); });
+        return gw::session::put(wanted, path_, PathHost::THIS,
+                                [this](const Elements& path) { return set(path); });
     }
     [[nodiscard]] const Elements& path() const { return path_; }
     [[nodiscard]] const std::vector<Elements>& history() const { return history_; }
@@ -277,15 +328,48 @@ TEST(PutTest, AnEmptyPathIsNotSet) {
 
 TEST_F(SessionPathTest, TheConfigurationIsTheEffectiveFontPath) {
     const Configuration read =
-        read_configuration(config("XDISPLAY.0.fontpath:\t/a/,/with blank/,tcp/h:7100\n"));
+        read_configuration(config("XDISPLAY.0.fontpath:\t/a/,/with blank/,tcp/h:7100\n"), record());
     EXPECT_THAT(read.elements, ElementsAre("/a/", "/with blank/", "tcp/h:7100"));
     EXPECT_THAT(read.unread, IsEmpty());
+}
+
+TEST_F(SessionPathTest, ADatabaseAsTheSetUpHasWrittenItIsNobodysChoice) {
+    const std::string bytes = "XDISPLAY.0.fontpath:\t/a/,/b/\n";
+    const std::string root = config(bytes);
+    EXPECT_EQ(read_configuration(root, record()).chosen, 2U) << "the set-up has written none";
+    dir.write("record", bytes);
+    EXPECT_EQ(read_configuration(root, record()).chosen, 0U);
+    EXPECT_THAT(read_configuration(root, record()).elements, ElementsAre("/a/", "/b/"));
+    dir.write("record", "XDISPLAY.0.fontpath:\t/a/,/b/,\n");
+    EXPECT_EQ(read_configuration(root, record()).chosen, 2U) << "byte for byte";
+}
+
+// The front part of a locale's file is a choice too. A user's file is read for ordinary users only, and only
+// the superuser can write one of a locale.
+TEST_F(SessionPathTest, TheFrontPartOfAFontPathFileIsAChoice) {
+    const std::string bytes = TempDir::read_bytes("/usr/vantor/server/etc/VTconfig");
+    dir.write("record", bytes);
+    const std::string file =
+        is_root() ? "/usr/vantor/lib/locale/C/VTfontpath" : dir.write("home/.VTfontpath", "");
+    ::setenv("HOME", dir.make_dir("home").c_str(), 1);
+    const Configuration without = read_configuration("/usr/vantor", record());
+    EXPECT_EQ(without.chosen, 0U);
+    std::ofstream(file) << "/behind/\n\n/front/\n/second/\n";
+    const Configuration with = read_configuration("/usr/vantor", record());
+    const Configuration all = read_configuration("/usr/vantor", dir.file("no record"));
+    std::filesystem::remove(file);
+    EXPECT_EQ(with.chosen, 2U);
+    Elements expected = without.elements;
+    expected.insert(expected.begin(), {"/front/", "/second/"});
+    expected.emplace_back("/behind/");
+    EXPECT_EQ(with.elements, expected);
+    EXPECT_EQ(all.chosen, expected.size() - 1);
 }
 
 TEST_F(SessionPathTest, ADatabaseThatIsNoneIsReportedAndLeftAlone) {
     for (const std::string& bytes : {std::string("this is no database\n"), std::string("a: b\n\0", 6)}) {
         const std::string root = config(bytes);
-        const Configuration read = read_configuration(root);
+        const Configuration read = read_configuration(root, record());
         EXPECT_THAT(read.elements, IsEmpty());
         EXPECT_THAT(read.unread, ElementsAre(Remark{root + "/server/etc/VTconfig",
                                                     "not a configuration database; it is not used"}));
@@ -297,15 +381,15 @@ TEST_F(SessionPathTest, ADatabaseThatIsClosedIsReported) {
     if (is_root()) GTEST_SKIP() << "nothing is closed to the superuser";
     const std::string root = config("XDISPLAY.0.fontpath:\t/a/\n");
     ::chmod((root + "/server/etc/VTconfig").c_str(), 0);
-    EXPECT_THAT(read_configuration(root).unread,
+    EXPECT_THAT(read_configuration(root, record()).unread,
                 ElementsAre(Remark{root + "/server/etc/VTconfig", "cannot be read; it is not used"}));
 }
 
 TEST_F(SessionPathTest, NoDatabaseIsNothingToReport) {
-    const Configuration none = read_configuration(dir.file("no root"));
+    const Configuration none = read_configuration(dir.file("no root"), record());
     EXPECT_THAT(none.elements, IsEmpty());
     EXPECT_THAT(none.unread, IsEmpty());
-    EXPECT_THAT(read_configuration(config("")).unread, IsEmpty());
+    EXPECT_THAT(read_configuration(config(""), record()).unread, IsEmpty());
 }
 
 TEST(PrintableTest, ALineStaysALine) {
