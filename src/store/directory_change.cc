@@ -14,6 +14,7 @@
 #include "core/rights.h"
 #include "fontfiles/index_text.h"
 #include "platform/host_paths.h"
+#include "store/leftovers.h"
 #include "store/take_back.h"
 
 namespace gw {
@@ -68,7 +69,9 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, b
     if (!own) return own.failure();
     if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
     std::unique_ptr<DirectoryChange> change(new DirectoryChange(std::move(dir), std::move(*own)));
-    if (Outcome loaded = change->load_index(); !loaded) return loaded.failure();
+    Outcome loaded = change->load_index();
+    if (loaded && clear_leftovers(*change)) loaded = change->load_index();
+    if (!loaded) return loaded.failure();
     return change;
 }
 
@@ -432,7 +435,7 @@ Outcome settle(const std::string& path) {
     Result<Directory> dir = Directory::open(path);
     const Result<Directory> own = dir ? dir->below(OwnDirectory::NAME) : Result<Directory>(dir.failure());
     // Who may not look into our directory cannot know more.
-    if (!own || !has_left_overs(*own)) return done();
+    if ((!own || !has_left_overs(*own)) && (!dir || !has_leftovers(*dir))) return done();
     const Result<std::unique_ptr<DirectoryChange>> change = DirectoryChange::begin(std::move(*dir), false);
     if (change || change.failure().reason == Reason::IN_USE) return done();
     return change.failure().reason == Reason::SYSTEM ? Outcome(Failure{path, Reason::UNFINISHED})

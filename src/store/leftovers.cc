@@ -1,0 +1,239 @@
+// SPDX-License-Identifier: MIT
+#include "store/leftovers.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <string_view>
+#include <tuple>
+#include <utility>
+#include <vector>
+
+#include "core/file_writer.h"
+#include "fontfiles/index_text.h"
+#include "store/directory_change.h"
+#include "store/journal.h"
+#include "store/own_directory.h"
+
+namespace gw {
+
+namespace {
+
+/// In the order in which they are looked at: a font that was being replaced is worth more.
+enum class Kind { KEPT, OLD, TEMPORARY };
+constexpr std::array<std::pair<Kind, std::string_view>, 3> SUFFIXES = {
+    {{Kind::KEPT, ".gwkept"}, {Kind::OLD, ".gwold"}, {Kind::TEMPORARY, ".gwtmp"}}};
+constexpr std::string_view FONT_SUFFIXES[] = {".pcf", ".pcf.gz", ".pcf.Z", ".pfa", ".pfb"};
+constexpr std::string_view METRICS_SUFFIX = ".afm";
+constexpr mode_t PERMISSIONS = 0777;
+
+LineOfFontFile& line_of_font_file() {
+    static LineOfFontFile function = nullptr;
+    return function;
+}
+
+bool is_font(std::string_view name) {
+    return std::any_of(std::begin(FONT_SUFFIXES), std::end(FONT_SUFFIXES),
+                       [&](std::string_view suffix) { return name.ends_with(suffix); });
+}
+
+/// A file that was left, and the name that it had, or was to have. Both may begin with "afm/".
+struct Leftover {
+    Kind kind;
+    std::string name;
+    std::string hidden;
+    bool operator<(const Leftover& other) const {
+        return std::tie(name, kind) < std::tie(other.name, other.kind);
+    }
+};
+
+std::optional<Leftover> parsed(const std::string& hidden, const std::string& parent) {
+    for (const auto& [kind, suffix] : SUFFIXES) {
+        if (!hidden.starts_with('.') || !hidden.ends_with(suffix) || hidden.size() < suffix.size() + 2)
+            continue;
+        const std::string name = hidden.substr(1, hidden.size() - suffix.size() - 1);
+        // Other small files are made under such names too; the next write takes those away.
+        if (kind == Kind::TEMPORARY && !is_font(name) && !name.ends_with(METRICS_SUFFIX)) return std::nullopt;
+        if (journal::can_name(name)) return Leftover{kind, parent + name, parent + hidden};
+    }
+    return std::nullopt;
+}
+
+/// Appends what was left in one directory; `parent` is its place in the font directory.
+void append_leftovers(std::vector<Leftover>& leftovers, const Directory& dir, const Directory& fonts,
+                      const std::string& parent) {
+    const int copy = ::openat(dir.fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
+    if (entries == nullptr) {
+        if (copy >= 0) ::close(copy);
+        return;
+    }
+    while (const dirent* entry = ::readdir(entries)) {
+        const std::optional<Leftover> leftover = parsed(entry->d_name, parent);
+        struct stat info = {};
+        if (leftover && dir.look_at(entry->d_name, info) && S_ISREG(info.st_mode) &&
+            is_trusted(info, fonts.info()))
+            leftovers.push_back(*leftover);
+    }
+    ::closedir(entries);
+}
+
+std::vector<Leftover> leftovers_in(const Directory& fonts) {
+    std::vector<Leftover> leftovers;
+    append_leftovers(leftovers, fonts, fonts, "");
+    const std::string metrics(journal::METRICS);
+    struct stat info = {};
+    if (fonts.look_at(metrics, info) && S_ISDIR(info.st_mode)) {
+        if (const Result<Directory> dir = fonts.below(metrics); dir)
+            append_leftovers(leftovers, *dir, fonts, metrics + '/');
+    }
+    std::sort(leftovers.begin(), leftovers.end());
+    return leftovers;
+}
+
+bool is_listed(const DirectoryChange& change, const std::string& file_name) {
+    const std::vector<IndexEntry> entries = index_entries(change.index());
+    return std::any_of(entries.begin(), entries.end(),
+                       [&](const IndexEntry& entry) { return entry.file_name == file_name; });
+}
+
+/// Whether another file, which is there, has the font name of this line.
+bool has_successor(const DirectoryChange& change, const std::string& line) {
+    std::string file_name;
+    std::string font_name;
+    split_index_line(line, file_name, font_name);
+    const std::vector<IndexEntry> entries = index_entries(change.index());
+    return std::any_of(entries.begin(), entries.end(), [&](const IndexEntry& entry) {
+        return entry.font_name == font_name && entry.file_name != file_name &&
+               change.will_have(entry.file_name);
+    });
+}
+
+/// One directory's leftovers, step by step.
+class Clearing {
+  public:
+    explicit Clearing(DirectoryChange& change) : change_(change) {}
+
+    Outcome clear(const Leftover& leftover) {
+        struct stat info = {};
+        const bool has_file = look_at(leftover.name, info);
+        if (leftover.kind == Kind::TEMPORARY) return take_away(leftover);
+        if (!has_file) return bring_back(leftover);
+        return leftover.kind == Kind::KEPT && lost_its_line(leftover, info) ? bring_back_line(leftover)
+                                                                            : take_away(leftover);
+    }
+
+    /// What was done. To be told when it is final.
+    [[nodiscard]] const std::vector<Failure>& news() const { return news_; }
+
+  private:
+    [[nodiscard]] bool look_at(const std::string& name, struct stat& info) const {
+        return ::fstatat(change_.dir().fd(), name.c_str(), &info, AT_SYMLINK_NOFOLLOW) == 0;
+    }
+
+    Outcome take_away(const Leftover& leftover) {
+        if (!change_.take_out(leftover.hidden, true))
+            return Failure{change_.dir().path_of(leftover.hidden), Reason::NAME_UNFIT_FOR_INDEX};
+        note(leftover, Reason::TAKEN_AWAY);
+        return done();
+    }
+
+    /// The run was killed after it had taken the font out of the index, and before it took the file.
+    [[nodiscard]] bool lost_its_line(const Leftover& leftover, const struct stat& file) const {
+        struct stat kept = {};
+        return is_font(leftover.name) && !is_listed(change_, leftover.name) &&
+               look_at(leftover.hidden, kept) && kept.st_ino == file.st_ino && kept.st_dev == file.st_dev;
+    }
+
+    Outcome bring_back_line(const Leftover& leftover) {
+        const std::optional<std::string> line = line_of(leftover);
+        if (!line || has_successor(change_, *line)) return take_away(leftover);
+        change_.enter(*line);
+        change_.take_out(leftover.hidden, true);
+        note(leftover, Reason::LISTED_AGAIN);
+        return done();
+    }
+
+    Outcome bring_back(const Leftover& leftover) {
+        const DirectoryChange::Mark before = change_.mark();
+        if (Outcome copied = copy_back(leftover); !copied) return copied;
+        const bool wants_line = is_font(leftover.name) && !is_listed(change_, leftover.name);
+        const std::optional<std::string> line = wants_line ? line_of(leftover) : std::nullopt;
+        if (line && leftover.kind == Kind::KEPT && has_successor(change_, *line)) {
+            change_.take_back_to(before);
+            return take_away(leftover);
+        }
+        if (line) change_.enter(*line);
+        change_.take_out(leftover.hidden, false);
+        note(leftover, wants_line && !line ? Reason::BROUGHT_BACK_UNLISTED : Reason::BROUGHT_BACK);
+        return done();
+    }
+
+    /// Makes the file from the one that was set aside, with its owner and permissions.
+    Outcome copy_back(const Leftover& leftover) {
+        struct stat info = {};
+        const Result<std::string> bytes = read(leftover.hidden, info);
+        if (!bytes) return bytes.failure();
+        Result<DirectoryChange::StagedFile> file = change_.stage(leftover.name);
+        if (!file) return file.failure();
+        file->set_owner({info.st_uid, info.st_gid});
+        file->set_mode(info.st_mode & PERMISSIONS);
+        file->write(*bytes);
+        if (Outcome finished = file->finish(); !finished) return finished;
+        return change_.put(*file);
+    }
+
+    Result<std::string> read(const std::string& name, struct stat& info) const {
+        const std::string path = change_.dir().path_of(name);
+        const Descriptor file(
+            ::openat(change_.dir().fd(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+        if (!file.is_open() || ::fstat(file.get(), &info) != 0) return Failure::of_system(path, errno);
+        return read_open_file(file.get(), path);
+    }
+
+    [[nodiscard]] std::optional<std::string> line_of(const Leftover& leftover) const {
+        const LineOfFontFile function = line_of_font_file();
+        return function != nullptr ? function(change_.dir().path(), leftover.name) : std::nullopt;
+    }
+
+    void note(const Leftover& leftover, Reason reason) {
+        news_.push_back(
+            {.subject = change_.dir().path_of(leftover.hidden), .reason = reason, .detail = leftover.name});
+    }
+
+    DirectoryChange& change_;
+    std::vector<Failure> news_;
+};
+
+}  // namespace
+
+bool has_leftovers(const Directory& fonts) {
+    return !leftovers_in(fonts).empty();
+}
+
+bool clear_leftovers(DirectoryChange& change) {
+    const std::vector<Leftover> leftovers = leftovers_in(change.dir());
+    if (leftovers.empty()) return false;
+    Clearing clearing(change);
+    for (const Leftover& leftover : leftovers) {
+        const DirectoryChange::Mark before = change.mark();
+        const Outcome cleared = clearing.clear(leftover);
+        if (!cleared) change.take_back_to(before);
+        tell_unless_done(cleared);
+    }
+    if (tell_unless_done(change.commit())) {
+        for (const Failure& news : clearing.news()) tell(news);
+    }
+    return true;
+}
+
+void know_lines_by(LineOfFontFile function) {
+    line_of_font_file() = function;
+}
+
+}  // namespace gw
