@@ -48,8 +48,17 @@ std::size_t reference_length(std::string_view text) {
     return end < text.size() && text[end] == '}' ? end + 1 : 0;
 }
 
-/// Whether the shell leaves the text unchanged, except for references to variables.
+/// Whether the shell's "echo" would take the beginning of the text for options.
+bool begins_with_options(std::string_view text) {
+    const std::string_view word = text.substr(0, text.find(' '));
+    return word.size() > 1 && word.front() == '-' &&
+           word.find_first_not_of("neE", 1) == std::string_view::npos;
+}
+
+/// Whether the shell leaves the text unchanged, except for references to variables and a home directory at
+/// its beginning.
 bool is_inert(std::string_view text) {
+    if (text.find(" ~") != std::string_view::npos) return false;
     while (!text.empty()) {
         const char c = text.front();
         const bool plain = is_name_character(c) || static_cast<unsigned char>(c) > 0x7F ||
@@ -109,18 +118,16 @@ std::optional<std::string> create_fpe_string(const ElementList& list) {
 std::optional<std::string> vtfontpath_line(std::string_view element) {
     if (element.empty() || element.front() == ' ' || element.back() == ' ' ||
         element.find("  ") != std::string_view::npos ||
-        element.find_first_of("\n\t\\") != std::string_view::npos) {
+        element.find_first_of("\n\t\\") != std::string_view::npos || begins_with_options(element)) {
         return std::nullopt;
     }
     if (is_inert(element)) return std::string(element);
     std::string quoted = "'";
     for (const char c : element) {
-        // `read` removes one of the two backslashes.
-        if (c == '\'') {
-            quoted += R"('\\'')";
-        } else {
-            quoted += c;
-        }
+        // `read` removes one of the two backslashes. The other one keeps the shell from taking a word of the
+        // line for a pattern of file names, which it looks for before it looks for quotes.
+        const bool is_special = std::string_view("'*?[").find(c) != std::string_view::npos;
+        quoted += is_special ? std::string(R"('\\)") + c + '\'' : std::string(1, c);
     }
     return quoted + '\'';
 }

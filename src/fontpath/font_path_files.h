@@ -36,7 +36,8 @@ std::optional<std::string> create_fpe_string(const ElementList& list);
 /// The line of a font path file, without its newline, from which the shell that reads the file gets `element`
 /// again. It is the element itself, with its references to variables, or the element in single quotes when it
 /// has other characters that are special to the shell. No value for an element that no line can hold: one
-/// that is empty or blank, or has a newline, a tab, a backslash, a blank at an end, or two blanks in a row.
+/// that is empty or blank, or has a newline, a tab, a backslash, a blank at an end, or two blanks in a row,
+/// or begins with an option of "echo" ("-n").
 [[nodiscard]] std::optional<std::string> vtfontpath_line(std::string_view element);
 [[nodiscard]] bool fits_vtfontpath(const ElementList& list);
 /// The text of a font path file; no value when an element does not fit.

@@ -56,7 +56,7 @@ void try_shell(const Elements& append, const Elements& prepend, std::string_view
     GW_MUST_HOLD(text.has_value(), input);
     gw::fuzz::directory().write(".VTfontpath", *text);
 
-    GWFontPath path(gw::INSTALLATION_ROOT, GWFontPath::Scratch::UNNAMED);
+    GWFontPath path(gw::INSTALLATION_ROOT);
     unsigned count = 0;
     GW_MUST_HOLD(texts_of(*path.get_fpe_list(GWFontPath::USER_APPEND_FP, count)) == append, *text);
     GW_MUST_HOLD(texts_of(*path.get_fpe_list(GWFontPath::USER_PREPEND_FP, count)) == prepend, *text);

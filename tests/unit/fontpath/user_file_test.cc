@@ -109,6 +109,9 @@ TEST_F(UsersFontPath, NoNameOfADirectoryIsRunOrSpoilsTheLinesBehindIt) {
                          "/\"open/",
                          "/*/",
                          "/u?r/[a-z]/",
+                         "/a * b/ ? [a-z]",
+                         "/a ~ ~root/b/",
+                         "-/a/",
                          "/a#b/#c/",
                          "/{a}/",
                          "/100$/$9/$$/",
@@ -146,7 +149,7 @@ TEST_F(UsersFontPath, WhatTheFileCannotHoldIsRefusedAndChangesNothing) {
     home.write(".VTfontpath", "/a/\n\n/p/\n");
     const auto store = main_store();
     for (const char* text : {"", " ", "\t", "/two\nlines/", " /leading/", "/trailing ", "/two  blanks/",
-                             "/a\ttab/", "/back\\slash/"}) {
+                             "/a\ttab/", "/back\\slash/", "-n", "-n /a/", "-neE /a/"}) {
         const GW_STRING element(text);
         GW_LIST<GW_STRING> list;
         const gw::ElementsOwner owner(list);
