@@ -164,12 +164,75 @@ Result<std::string> Directory::read(const std::string& name) const {
     return read_open_file(file.get(), path_of(name));
 }
 
-Result<std::string> read_open_file(int fd, const std::string& path) {
-    struct stat info = {};
+namespace {
+
+constexpr int READ_NOW = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
+
+std::string directory_part(const std::string& path) {
+    const std::size_t slash = path.rfind('/');
+    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
+}
+
+Outcome is_readable_file(int fd, const std::string& path, struct stat& info) {
     if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);
     if (S_ISDIR(info.st_mode)) return Failure::of_system(path, EISDIR);
     if (!S_ISREG(info.st_mode)) return Failure{path, Reason::NOT_A_FILE};
     if (info.st_size > Directory::FILE_LIMIT) return Failure::of_system(path, EFBIG);
+    return done();
+}
+
+/// What the link NAME in `home` points to, if it may be followed.
+Result<Descriptor> open_linked(int home, const std::string& name, const std::string& path) {
+    const Descriptor link(::openat(home, name.c_str(), JUST_LOOK));
+    struct stat info = {};
+    struct stat home_info = {};
+    if (!link.is_open() || ::fstat(link.get(), &info) != 0 || ::fstat(home, &home_info) != 0)
+        return Failure::of_system(path, errno);
+    if (is_trusted_link(info, home_info)) return Descriptor(::openat(home, name.c_str(), READ_NOW));
+    char target[PATH_MAX];
+    const ssize_t length = ::readlinkat(link.get(), "", target, sizeof target);
+    if (length < 0) return Failure::of_system(path, errno);
+    const std::string near(target, static_cast<std::size_t>(length));
+    Descriptor file(near.find('/') == std::string::npos ? ::openat(home, near.c_str(), READ_NOW | O_NOFOLLOW)
+                                                        : -1);
+    if (!file.is_open()) return Failure{path, Reason::NOT_OURS};
+    return file;
+}
+
+}  // namespace
+
+Result<Descriptor> open_to_read(const std::string& path) {
+    const std::string dir = directory_part(path);
+    const std::string name = path.substr(dir == "." ? 0 : dir.size());
+    const Descriptor home(::open(dir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!home.is_open() || name.empty()) return Failure::of_system(path, home.is_open() ? EISDIR : errno);
+    Descriptor file(::openat(home.get(), name.c_str(), READ_NOW | O_NOFOLLOW));
+    if (!file.is_open() && errno == ELOOP) {
+        Result<Descriptor> linked = open_linked(home.get(), name, path);
+        if (!linked) return linked;
+        file = std::move(*linked);
+    }
+    if (!file.is_open()) return Failure::of_system(path, errno);
+    struct stat info = {};
+    if (Outcome usual = is_readable_file(file.get(), path, info); !usual) return usual.failure();
+    return file;
+}
+
+Outcome may_be_given_to_all(int fd, const std::string& path) {
+    struct stat info = {};
+    struct stat home = {};
+    if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);
+    if ((info.st_mode & S_IROTH) != 0) return done();
+    const bool is_single = S_ISREG(info.st_mode) && info.st_nlink == 1;
+    const bool is_the_homes =
+        runs_as_superuser() && ::stat(directory_part(path).c_str(), &home) == 0 && home.st_uid == info.st_uid;
+    if (is_single && (info.st_uid == ::geteuid() || is_the_homes)) return done();
+    return Failure{path, Reason::NOT_EVERYBODYS};
+}
+
+Result<std::string> read_open_file(int fd, const std::string& path) {
+    struct stat info = {};
+    if (Outcome usual = is_readable_file(fd, path, info); !usual) return usual.failure();
     std::string bytes;
     bytes.reserve(static_cast<std::size_t>(info.st_size));
     char block[65536];

@@ -12,8 +12,12 @@ int GW_BUF_FILE::copy(GW_DIR* target) {
 }
 
 gw::Outcome GW_BUF_FILE::copy_into(gw::FileWriter& copy) {
-    open("r");
-    bool going_well = static_cast<bool>(outcome());
+    if (open("r") == 0) return outcome();
+    if (gw::Outcome allowed = may_be_copied(); !allowed) {
+        close();
+        return allowed;
+    }
+    bool going_well = true;
     while (const int got = going_well ? read(buffer.data(), static_cast<int>(buffer.size())) : 0)
         going_well = copy.write({buffer.data(), static_cast<std::size_t>(got)});
     close();

@@ -11,36 +11,22 @@
 
 namespace {
 
-constexpr int NOT_REGULAR = -1;  // in the place of an `errno`
+constexpr mode_t ANYBODY_BEFORE_UMASK = 0666;
 
-int flags_of(const char* mode) {
-    switch (*mode) {
-        case 'w':
-            return O_CREAT | O_TRUNC | (std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY);
-        case 'a':
-            return O_CREAT | O_APPEND | (std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY);
-        default:
-            return std::strchr(mode, '+') != nullptr ? O_RDWR : O_RDONLY;
-    }
+int writing_flags(const char* mode) {
+    const int access = std::strchr(mode, '+') != nullptr ? O_RDWR : O_WRONLY;
+    if (*mode == 'w') return access | O_CREAT | O_TRUNC;
+    return *mode == 'a' ? access | O_CREAT | O_APPEND : access;
 }
 
-/// As `fopen`, but without waiting for the other end of a pipe. Only a regular file of an ordinary size is
-/// opened; `error` says why not.
-std::FILE* open_regular(const char* path, const char* mode, int& error) {
-    constexpr mode_t ANYBODY_BEFORE_UMASK = 0666;
-    gw::Descriptor file(::open(path, flags_of(mode) | O_NONBLOCK | O_CLOEXEC, ANYBODY_BEFORE_UMASK));
+/// Only a regular file is written: a pipe would wait for a reader, a device would do anything.
+gw::Result<gw::Descriptor> open_to_write(const std::string& path, const char* mode) {
+    gw::Descriptor file(
+        ::open(path.c_str(), writing_flags(mode) | O_NONBLOCK | O_CLOEXEC, ANYBODY_BEFORE_UMASK));
     struct stat info = {};
-    if (!file.is_open() || ::fstat(file.get(), &info) != 0) {
-        error = errno;
-    } else if (!S_ISREG(info.st_mode)) {
-        error = S_ISDIR(info.st_mode) ? EISDIR : NOT_REGULAR;
-    } else if (info.st_size > gw::Directory::FILE_LIMIT) {
-        error = EFBIG;
-    }
-    if (error != 0) return nullptr;
-    std::FILE* opened = ::fdopen(file.get(), mode);
-    if (opened != nullptr) file.release();
-    return opened;
+    if (!file.is_open() || ::fstat(file.get(), &info) != 0) return gw::Failure::of_system(path, errno);
+    if (!S_ISREG(info.st_mode)) return gw::Failure{path, gw::Reason::NOT_A_FILE};
+    return file;
 }
 
 }  // namespace
@@ -52,25 +38,44 @@ GW_FILE::GW_FILE(const GW_FILE_SPEC* spec) : GW_FILE_SPEC(spec) {}
 
 int GW_FILE::open(const char* mode) {
     if (fp) return 0;
-    error = 0;
-    fp.reset(open_regular(get_path(), mode, error));
-    if (!fp) {
-        if (error == 0) note_error();
-        return 0;
-    }
+    failed = gw::done();
+    fp.reset(opened(mode));
+    if (!fp) return 0;
     if (std::strpbrk(mode, "aw") != nullptr)
         ::fchmod(::fileno(fp.get()), S_IRUSR | S_IWUSR | S_IRGRP | S_IROTH);
     return 1;
 }
 
+std::FILE* GW_FILE::opened(const char* mode) {
+    gw::Result<gw::Descriptor> file =
+        std::strcmp(mode, "r") == 0 ? gw::open_to_read(get_path()) : open_to_write(get_path(), mode);
+    if (!file) {
+        note(file.failure());
+        return nullptr;
+    }
+    std::FILE* stream = ::fdopen(file->get(), mode);
+    if (stream == nullptr) {
+        note_error();
+    } else {
+        file->release();
+    }
+    return stream;
+}
+
+void GW_FILE::note(const gw::Failure& failure) {
+    if (failed) failed = failure;
+}
+
 void GW_FILE::note_error() {
-    if (error == 0) error = errno;
+    note(gw::Failure::of_system(get_path(), errno));
 }
 
 gw::Outcome GW_FILE::outcome() const {
-    if (error == 0) return gw::done();
-    if (error == NOT_REGULAR) return gw::Failure{get_path(), gw::Reason::NOT_A_FILE};
-    return gw::Failure::of_system(get_path(), error);
+    return failed;
+}
+
+gw::Outcome GW_FILE::may_be_copied() const {
+    return fp ? gw::may_be_given_to_all(::fileno(fp.get()), get_path()) : failed;
 }
 
 int GW_FILE::close() {

@@ -29,6 +29,9 @@ class GW_FILE : public GW_FILE_SPEC {
     [[nodiscard]] long get_pos() const;
     int file_flush();
 
+    /// Whether a copy of the open file may be made that everybody may read: see `gw::may_be_given_to_all`.
+    [[nodiscard]] gw::Outcome may_be_copied() const;
+
     /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
     int read(char* buf, int n);
     /// The first failure of opening, reading or writing since the last call of `open`; a success when there
@@ -51,8 +54,11 @@ class GW_FILE : public GW_FILE_SPEC {
     struct Closer {
         void operator()(std::FILE* stream) const { std::fclose(stream); }
     };
+    /// Remembers the first failure; the second form takes it from `errno`.
+    void note(const gw::Failure& failure);
     void note_error();
+    std::FILE* opened(const char* mode);
 
     std::unique_ptr<std::FILE, Closer> fp;
-    int error = 0;  // the `errno` of the first failure, or that it is no regular file
+    gw::Outcome failed;
 };

@@ -104,10 +104,8 @@ Error put_new_file(const std::string& path, std::string_view bytes, const struct
 }  // namespace
 
 Result<std::string> read_file(const std::string& path) {
-    // Opening a pipe would wait for a writer.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-    if (!file.is_open()) return Failure::of_system(path, errno);
-    return read_open_file(file.get(), path);
+    const Result<Descriptor> file = open_to_read(path);
+    return file ? read_open_file(file->get(), path) : file.failure();
 }
 
 Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode) {

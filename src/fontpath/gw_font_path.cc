@@ -350,7 +350,7 @@ GWFontPath::Change GWFontPath::insert_session(const GW_STRING& element, int pos)
     return {added};
 }
 
-gw::Outcome GWFontPath::replace(TYPE t, const List& elements) {
+gw::Outcome GWFontPath::replace(TYPE t, const List& elements, bool stores_empty) {
     if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
     // A copy, because `elements` may be one of our lists.
     List copies;
@@ -363,7 +363,7 @@ gw::Outcome GWFontPath::replace(TYPE t, const List& elements) {
     gw::Result<Turn> turn = take_turn(t);
     if (!turn) return turn.failure();
     if (turn->moved_on) add_newcomers(copies, texts_of(t), known);
-    gw::Outcome set = end_turn(t, finish(set_by_type(t, copies)));
+    gw::Outcome set = end_turn(t, finish(set_by_type(t, copies, stores_empty)));
     if (set) {
         // Not what the list holds: the quirks of setting a path leave it behind.
         stores[t].texts.clear();
@@ -376,7 +376,7 @@ int GWFontPath::set_font_path(TYPE t, GW_LIST<GW_STRING>* elements) {
     return elements != nullptr ? number_of(replace(t, *elements)) : 0;
 }
 
-GWFontPath::Change GWFontPath::set_by_type(TYPE t, const List& elements) {
+GWFontPath::Change GWFontPath::set_by_type(TYPE t, const List& elements, bool stores_empty) {
     if (t == USER_PREPEND_FP || t == USER_APPEND_FP) return set_user(t, elements);
     // The session is changed one element at a time.
     if (t == SESSION_FP) return refusal(store_of(t), gw::Reason::NOT_ALLOWED);
@@ -384,7 +384,8 @@ GWFontPath::Change GWFontPath::set_by_type(TYPE t, const List& elements) {
     if (t == HOST_FP && _host_vtconfig_writeable() == 0)
         return refusal(gw::HOST_CONFIG, gw::Reason::NOT_ALLOWED);
     // Kept: an empty font path is not written.
-    const std::optional<std::string> value = gw::create_fpe_string(elements);
+    std::optional<std::string> value = gw::create_fpe_string(elements);
+    if (!value && stores_empty) value = "";
     gw::Outcome written = gw::write_to_vtconfig(store_of(t), value ? value->c_str() : nullptr);
     // Kept: setting the host's font path changes the installation's list.
     if (written) gw::list_replace(list(INSTALLATION_FP), elements);

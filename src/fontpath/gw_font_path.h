@@ -50,8 +50,9 @@ class GWFontPath {
     /// change. A change that is refused or cannot be written leaves everything as it was, but see
     /// docs/COMPATIBILITY.md.
     gw::Outcome insert(TYPE t, const GW_STRING& element, int pos);
-    /// Replaces the whole font path of `t` by copies and writes it.
-    gw::Outcome replace(TYPE t, const GW_LIST<GW_STRING>& elements);
+    /// Replaces the whole font path of `t` by copies and writes it. An empty path of a database is written
+    /// only if `stores_empty`.
+    gw::Outcome replace(TYPE t, const GW_LIST<GW_STRING>& elements, bool stores_empty = false);
     /// Removes the element at `pos` (1-based, -1 the last) and writes the change.
     gw::Outcome remove(TYPE t, int pos);
 
@@ -120,7 +121,7 @@ class GWFontPath {
     Change insert_host(const GW_STRING& element, int pos);
     Change insert_user(TYPE t, const GW_STRING& element, int pos);
     Change insert_session(const GW_STRING& element, int pos);
-    Change set_by_type(TYPE t, const List& elements);
+    Change set_by_type(TYPE t, const List& elements, bool stores_empty);
     Change set_user(TYPE t, const List& elements);
     Change delete_by_type(TYPE t, int pos);
     Change delete_host(int pos);

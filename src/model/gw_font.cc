@@ -16,6 +16,7 @@
 #include <string_view>
 #include <utility>
 
+#include "core/directory.h"
 #include "core/font_policy.h"
 #include "core/rights.h"
 #include "core/text.h"
@@ -74,10 +75,10 @@ bool bits_allow_writing(const struct stat& info) {
 
 /// Whether `path` can be opened with these flags. With `remove_after` the file is then removed.
 bool can_open(const std::string& path, int flags, bool remove_after) {
-    const int fd = ::open(path.c_str(), flags | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (fd < 0) return false;
-    ::close(fd);
-    if (remove_after) ::unlink(path.c_str());
+    const gw::Descriptor file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    struct stat info = {};
+    if (!file.is_open() || ::fstat(file.get(), &info) != 0) return false;
+    if (remove_after && S_ISREG(info.st_mode)) ::unlink(path.c_str());
     return true;
 }
 

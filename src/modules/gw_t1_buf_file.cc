@@ -15,6 +15,10 @@ int GW_T1_BUF_FILE::copy(GW_DIR* dest) {
 
 gw::Outcome GW_T1_BUF_FILE::copy_into(gw::FileWriter& copy) {
     if (open("r") == 0) return outcome();
+    if (gw::Outcome allowed = may_be_copied(); !allowed) {
+        close();
+        return allowed;
+    }
     int got = read(block.data(), BLOCK_SIZE);
     block[static_cast<std::size_t>(got)] = '\0';
     const char* end = block.data() + got;

@@ -189,7 +189,9 @@ void delete_cb(Widget, XtPointer, XtPointer) {
 // Kept: new elements are compared with the stored path only.
 void add_new_cb(Widget, XtPointer, XtPointer) {
     const std::string element = gw::field_text(_new_fp_textfield);
-    if (element.empty() || fpe_exists(element.c_str(), current->elements) != 0) return;
+    const bool has_comma = element.find(',') != std::string::npos;
+    gw::set_label(_msg_label, has_comma ? gw::text_of(Message::REASON_COMMA_IN_NAME) : "");
+    if (has_comma || element.empty() || fpe_exists(element.c_str(), current->elements) != 0) return;
     put_at(displayed_fpe_count() + 1, element);
     note_change();
 }
@@ -210,7 +212,9 @@ void apply_cb(Widget w, XtPointer client_data, XtPointer call_data) {
     const gw::ElementsOwner owner(list);
     for (const std::string& element : displayed) list.append(new GW_STRING(element.c_str()));
     const gw::Outcome written =
-        current->font_path->replace(GWFontPath::INSTALLATION_FP, list).with(gw::Sequel::FONT_PATH_STAYS);
+        current->font_path
+            ->replace(GWFontPath::INSTALLATION_FP, list, gw::window_policy().stores_an_empty_path())
+            .with(gw::Sequel::FONT_PATH_STAYS);
     if (gw::tell_unless_done(written)) {
         current->elements = displayed;
         if (current == &default_inst) relist_installed_fonts();

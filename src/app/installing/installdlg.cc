@@ -104,6 +104,10 @@ void set_default_destination() {
 /// Creates the destination when it is missing. When nothing can be installed there, the status line says so,
 /// and false is returned.
 bool destination_is_ready() {
+    if (current_install_dir.find(',') != std::string::npos) {
+        set_status(gw::text_of(Message::REASON_COMMA_IN_NAME));
+        return false;
+    }
     struct stat info = {};
     if (::stat(current_install_dir.c_str(), &info) != 0) {
         if (::mkdir(current_install_dir.c_str(), DIRECTORY_MODE) == 0) return true;

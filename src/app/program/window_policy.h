@@ -12,6 +12,9 @@ class WindowPolicy {
 
     /// Failures are shown in a window, with their reasons, and not only on standard error.
     [[nodiscard]] constexpr bool shows_reasons() const { return modern_; }
+    /// A font path from which all directories were deleted is stored empty. Otherwise it is not stored, and
+    /// the window shows something else than the file.
+    [[nodiscard]] constexpr bool stores_an_empty_path() const { return modern_; }
 
   private:
     bool modern_;

@@ -250,6 +250,33 @@ TEST_F(ModifyFontPathTest, ApplyStoresTheListAndResetGoesBackToIt) {
         EXPECT_FALSE(sensitive(button)) << button;
 }
 
+TEST_F(ModifyFontPathTest, ADirectoryWithACommaIsRefusedWithASentence) {
+    type("/fonts/a,b/");
+    ASSERT_TRUE(press(part("_add_new_button")));
+    EXPECT_EQ(items(list()), before_);
+    EXPECT_EQ(text_of("_msg_label"), "a directory of a font path cannot have a comma in its name");
+    EXPECT_FALSE(sensitive("_apply_button"));
+    type("/fonts/ab/");
+    ASSERT_TRUE(press(part("_add_new_button")));
+    EXPECT_EQ(text_of("_msg_label"), "");
+}
+
+// With the resource for today's windows the file becomes what the window shows.
+TEST_F(ModifyFontPathTest, APathWithoutDirectoriesIsStored) {
+    gw::set_window_policy(gw::WindowPolicy(true));
+    while (!items(list()).empty()) {
+        select(1);
+        if (!press(part("_delete_button"))) break;
+    }
+    const bool is_applied = press(part("_apply_button"));
+    gw::set_window_policy(gw::WindowPolicy(false));
+    ASSERT_TRUE(is_applied);
+    unsigned count = 1;
+    GWFontPath stored("/usr/vantor");
+    stored.get_fpe_list(GWFontPath::INSTALLATION_FP, count);
+    EXPECT_EQ(count, 0U);
+}
+
 TEST_F(ModifyFontPathTest, EditsWithoutApplyAreGoneAtTheNextOpening) {
     for (const bool by_close_box : {false, true}) {
         type("/unwanted/");
