@@ -545,6 +545,22 @@ TEST_F(Package, AFontPackageThatComesLaterIsAddedToAChangedFontPath) {
     }
 }
 
+// A program that changes the font path file at the same time has its lock.
+TEST_F(Package, TheSetUpWaitsForItsTurn) {
+    ASSERT_TRUE(succeeds(install_command()));
+    const std::string lock = INSTALLATION + "/server/etc/.glyphward/lock";
+    write(lock, "");
+    fs::remove(CONFIG);
+    const Outcome refused = run("flock " + lock + ' ' + SETUP);
+    EXPECT_EQ(refused.status, 0);
+    EXPECT_THAT(refused.text, HasSubstr(CONFIG + " is being changed by another program"));
+    EXPECT_FALSE(is_there(CONFIG));
+    ASSERT_TRUE(succeeds(SETUP));
+    EXPECT_EQ(read(CONFIG), font_path_of(ALL_NAMES));
+    ASSERT_TRUE(succeeds("dpkg --force-unsafe-io -P glyphward"));
+    EXPECT_FALSE(fs::exists(INSTALLATION));
+}
+
 TEST_F(Package, AMachineWithoutFontsGetsItsFontPathLater) {
     for (const std::string& name : ALL_NAMES) hide_host_fonts(name);
     const Outcome installation = run(install_command());
