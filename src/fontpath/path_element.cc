@@ -39,7 +39,7 @@ std::vector<std::string> directories_to_list(const GW_LIST<GW_STRING>& path) {
     for (const GW_STRING* element : path) {
         std::string directory = element->get_str();
         if (!is_directory(directory)) continue;
-        // By default a directory with attributes is not listed, and one that is on the path twice is, twice.
+        // Kept: a directory with attributes is not listed. One that is on the path twice is listed twice.
         if (knows_attributes) {
             directory = directory_of_element(directory);
             if (!listed.insert(identity_of_element(directory)).second) continue;
