@@ -106,7 +106,7 @@ void GWFontPath::read_config(TYPE t) {
     store(t).stamp = gw::stamp_of(path);
     gw::delete_elements(list(t));
     gw::read_config_font_path(path, list(t), t == INSTALLATION_FP ? gw::DEFAULT_FONT_PATH : nullptr);
-    stores[t].texts = texts_of(t);
+    known_texts(t) = texts_of(t);
 }
 
 /// False when nothing more is to be read. Kept: without a home directory a user has no composed font path.
@@ -169,7 +169,7 @@ void GWFontPath::read_user_file() {
 void GWFontPath::take(TYPE t, const Texts& texts) {
     gw::delete_elements(list(t));
     for (const std::string& text : texts) list(t).append(new GW_STRING(text.c_str()));
-    stores[t].texts = texts;
+    known_texts(t) = texts;
 }
 
 GWFontPath::Texts GWFontPath::texts_of(TYPE t) {
@@ -270,7 +270,7 @@ bool GWFontPath::catch_up(TYPE t) {
 gw::Outcome GWFontPath::end_turn(TYPE t, const gw::Outcome& outcome) {
     if (t >= SESSION_FP) return outcome;
     store(t).stamp = gw::stamp_of(store_of(t));
-    if (outcome) stores[t].texts = texts_of(t);
+    if (outcome) known_texts(t) = texts_of(t);
     return outcome;
 }
 
@@ -359,15 +359,15 @@ gw::Outcome GWFontPath::replace(TYPE t, const List& elements, bool stores_empty)
     for (const GW_STRING* element : copies) {
         if (has_comma(*element)) return gw::Failure{element->get_str(), gw::Reason::COMMA_IN_NAME};
     }
-    const Texts known = stores[t].texts;
+    const Texts known = known_texts(t);
     gw::Result<Turn> turn = take_turn(t);
     if (!turn) return turn.failure();
     if (turn->moved_on) add_newcomers(copies, texts_of(t), known);
     gw::Outcome set = end_turn(t, finish(set_by_type(t, copies, stores_empty)));
     if (set) {
         // Not what the list holds: the quirks of setting a path leave it behind.
-        stores[t].texts.clear();
-        for (const GW_STRING* element : copies) stores[t].texts.emplace_back(element->get_str());
+        known_texts(t).clear();
+        for (const GW_STRING* element : copies) known_texts(t).emplace_back(element->get_str());
     }
     return set;
 }

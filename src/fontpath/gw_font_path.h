@@ -88,7 +88,10 @@ class GWFontPath {
 
     List& list(TYPE t) { return lists[static_cast<std::size_t>(t)]; }
     /// The store of `t`; both lists of the user are in one file.
-    Store& store(TYPE t) { return stores[t == USER_PREPEND_FP ? USER_APPEND_FP : t]; }
+    Store& store(TYPE t) {
+        return stores[static_cast<std::size_t>(t == USER_PREPEND_FP ? USER_APPEND_FP : t)];
+    }
+    Texts& known_texts(TYPE t) { return stores[static_cast<std::size_t>(t)].texts; }
     gw::Result<Turn> take_turn(TYPE t);
     bool catch_up(TYPE t);
     gw::Outcome end_turn(TYPE t, const gw::Outcome& outcome);
