@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "core/file_writer.h"
+#include "core/text.h"
 #include "fontfiles/index_text.h"
 #include "store/directory_change.h"
 #include "store/journal.h"
@@ -102,14 +103,15 @@ bool is_listed(const DirectoryChange& change, const std::string& file_name) {
                        [&](const IndexEntry& entry) { return entry.file_name == file_name; });
 }
 
-/// Whether another file, which is there, has the font name of this line.
+/// Whether another file, which is there, has the font name of this line. The server takes small and capital
+/// letters for the same.
 bool has_successor(const DirectoryChange& change, const std::string& line) {
     std::string file_name;
     std::string font_name;
     split_index_line(line, file_name, font_name);
     const std::vector<IndexEntry> entries = index_entries(change.index());
     return std::any_of(entries.begin(), entries.end(), [&](const IndexEntry& entry) {
-        return entry.font_name == font_name && entry.file_name != file_name &&
+        return lower_case(entry.font_name) == lower_case(font_name) && entry.file_name != file_name &&
                change.will_have(entry.file_name);
     });
 }

@@ -99,10 +99,10 @@ TEST_F(Leftovers, AFontWhoseNameIsNotKnownComesBackWithoutALine) {
 // The run was killed at the very end.
 TEST_F(Leftovers, AFontThatHasItsSuccessorIsTakenAway) {
     dir.write(".a.pcf.gwkept", "A");
-    dir.write("fonts.dir", "1\nb.pcf -lost-a.pcf\n");
+    dir.write("fonts.dir", "1\nb.pcf -Lost-a.pcf\n");
     expect_told(Reason::TAKEN_AWAY, ".a.pcf.gwkept", "a.pcf");
     EXPECT_FALSE(dir.exists("a.pcf"));
-    EXPECT_EQ(dir.read("fonts.dir"), "1\nb.pcf -lost-a.pcf\n");
+    EXPECT_EQ(dir.read("fonts.dir"), "1\nb.pcf -Lost-a.pcf\n");
 }
 
 TEST_F(Leftovers, ALineWithoutItsFileIsNoSuccessor) {
