@@ -354,6 +354,7 @@ TEST_F(SessionPathTest, TheFrontPartOfAFontPathFileIsAChoice) {
     ::setenv("HOME", dir.make_dir("home").c_str(), 1);
     const Configuration without = read_configuration("/usr/vantor", record());
     EXPECT_EQ(without.chosen, 0U);
+    std::filesystem::create_directories(std::filesystem::path(file).parent_path());
     std::ofstream(file) << "/behind/\n\n/front/\n/second/\n";
     const Configuration with = read_configuration("/usr/vantor", record());
     const Configuration all = read_configuration("/usr/vantor", dir.file("no record"));
