@@ -85,6 +85,23 @@ int GWConflict::is_conflict(INFO info) const {
     }
 }
 
+void GWConflict::set_package(const std::string& names) {
+    package = true;
+    packages.insert(names);
+}
+
+std::string GWConflict::get_packages() const {
+    std::string names;
+    for (const std::string& one : packages) names += (names.empty() ? "" : ", ") + one;
+    return names;
+}
+
+std::vector<GWFont*> GWConflict::get_conflicting_fonts() const {
+    std::vector<GWFont*> fonts;
+    for (const auto& [place, font] : conflicting_fonts) fonts.push_back(font.get());
+    return fonts;
+}
+
 std::string GWConflict::get_conflict_dir_name() const {
     if (conflicting_fonts.empty()) return "";
     const char* dir = conflicting_fonts.begin()->second->get_dir_name();

@@ -7,8 +7,10 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/gw_base.h"
 #include "core/ref.h"
@@ -33,6 +35,12 @@ class GWConflict : public GW_BASE {
     void set_conflict(INFO info, GWFont* font, unsigned group, unsigned index);
     /// The flag of `info`; 0 for any other value.
     [[nodiscard]] int is_conflict(INFO info) const;
+    /// Notes that files of this package, or of these packages ("a, b"), would be deleted or replaced.
+    void set_package(const std::string& packages);
+    /// The packages, separated by ", "; "" when there is none.
+    [[nodiscard]] std::string get_packages() const;
+    /// The installed fonts that would be replaced; none for a deletion.
+    [[nodiscard]] std::vector<GWFont*> get_conflicting_fonts() const;
     /// The directory of the first installed font in the way; "" when there is none.
     std::string get_conflict_dir_name() const;
 
@@ -66,6 +74,7 @@ class GWConflict : public GW_BASE {
     bool read_only = false;
     bool same_name = false;
     bool package = false;
+    std::set<std::string> packages;
     bool system_font = false;
     bool is_alias = false;
     std::optional<std::string> dir_name;

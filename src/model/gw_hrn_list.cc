@@ -12,6 +12,7 @@
 #include "model/gw_alias.h"
 #include "model/gw_conflict.h"
 #include "model/gw_xlfd_name.h"
+#include "model/packaged_fonts.h"
 #include "modules/gw_fsm_list.h"
 #include "platform/host_paths.h"
 
@@ -171,6 +172,8 @@ int GWHRNElement::_hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWCon
                     conflict->set_conflict(
                         installed->is_read_only() ? GWConflict::READ_ONLY : GWConflict::SAME_NAME,
                         installed.get(), group, index);
+                    if (is_system_font(*installed))
+                        conflict->set_conflict(GWConflict::SYSTEM_FONT, installed.get(), group, index);
                 }
             }
         }
@@ -239,13 +242,18 @@ int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& confli
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
             GWFont* font = slots[group].fonts[index].get();
-            if (!font->is_read_only() && !is_system_font(*font)) continue;
+            const std::string packages = font->is_read_only() ? "" : gw::packages_of(*font);
+            if (!font->is_read_only() && !is_system_font(*font) && packages.empty()) continue;
             if (!conflict) {
                 conflict =
                     std::make_unique<GWConflict>(GWConflict::DELETE, this, nullptr, nullptr, nullptr, &list);
             }
-            conflict->set_conflict(font->is_read_only() ? GWConflict::READ_ONLY : GWConflict::SYSTEM_FONT,
-                                   font, group, index);
+            if (font->is_read_only()) {
+                conflict->set_conflict(GWConflict::READ_ONLY, font, group, index);
+            } else if (is_system_font(*font)) {
+                conflict->set_conflict(GWConflict::SYSTEM_FONT, font, group, index);
+            }
+            if (!packages.empty()) conflict->set_package(packages);
         }
     }
     if (conflict) {

@@ -156,6 +156,10 @@ int run_shell(std::string_view format, std::initializer_list<std::string_view> a
     return run_text(shell_text(format, arguments), limit).status;
 }
 
+int run_shell_text(const std::string& text, std::chrono::milliseconds limit) {
+    return run_text(text, limit).status;
+}
+
 Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
                     std::chrono::milliseconds limit) {
     const std::string text = shell_text(format, arguments);

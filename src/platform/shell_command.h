@@ -37,6 +37,9 @@ inline constexpr std::chrono::seconds LONG_WORK(120);
 int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments = {},
               std::chrono::milliseconds limit = MOMENTS);
 
+/// The same for a text that is a whole command already, with its arguments quoted.
+int run_shell_text(const std::string& text, std::chrono::milliseconds limit);
+
 /// The same. Fails, with the command as its subject, when no shell could be started, when the command had to
 /// be killed
 /// (`Reason::NO_ANSWER`), and when its status is not 0 (`Reason::COMMAND_FAILED`).

@@ -30,6 +30,7 @@ constexpr const char* ATTRIBUTES = "Glyph Warden - Font Attributes";
 constexpr const char* HELP = "Glyph Warden - Help";
 constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
+constexpr const char* STAGING = "gw_dir";
 constexpr const char* PROGRESS = "Font Installation Progress Dialog";
 // Their lines come before those of all staged fonts.
 const BitmapFont AARDVARKS{"Aardvarks"};
@@ -38,15 +39,6 @@ const BitmapFont ACROPOLIS{"Acropolis"};
 
 class Install : public ProgramTest {
   protected:
-    /// The directories of previews on the server's path.
-    [[nodiscard]] std::vector<std::string> staged() const {
-        std::vector<std::string> found = desktop.font_path();
-        std::erase_if(found, [](const std::string& element) {
-            return !element.starts_with("/tmp/") || !element.ends_with("/gw_dir/");
-        });
-        return found;
-    }
-    [[nodiscard]] bool previews() const { return !staged().empty(); }
     /// What runs of the program have in the directory for temporary files.
     [[nodiscard]] static std::vector<std::string> scratch() {
         std::vector<std::string> names;
@@ -115,9 +107,9 @@ TEST_F(Install, DrawsASampleOfAFontThatIsNotInstalled) {
     open_on_source();
     EXPECT_TRUE(sample_of_line(0));
     desktop.picture("install-preview");
-    EXPECT_TRUE(previews());
+    EXPECT_TRUE(previews(STAGING));
     EXPECT_EQ(leave(), 0);
-    EXPECT_FALSE(previews());
+    EXPECT_FALSE(previews(STAGING));
 }
 
 TEST_F(Install, ASignalEndsTheProgramAsTheCloseBoxDoes) {
@@ -125,11 +117,11 @@ TEST_F(Install, ASignalEndsTheProgramAsTheCloseBoxDoes) {
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         open_on_source();
         ASSERT_TRUE(sample_of_line(0));
-        ASSERT_TRUE(previews());
+        ASSERT_TRUE(previews(STAGING));
         ASSERT_FALSE(scratch().empty());
         ::kill(program->pid(), signal);
         EXPECT_EQ(program->wait_for_exit(), 0) << signal;
-        EXPECT_FALSE(previews()) << signal;
+        EXPECT_FALSE(previews(STAGING)) << signal;
         EXPECT_EQ(scratch(), std::vector<std::string>{}) << signal;
     }
 }
@@ -139,7 +131,7 @@ TEST_F(Install, WhatAKilledProgramPreviewedGoesAtTheNextStart) {
     AARDVARKS.write_to(source.path());
     open_on_source();
     ASSERT_TRUE(sample_of_line(0));
-    const std::string left = staged().at(0);
+    const std::string left = staged(STAGING).at(0);
     ::kill(program->pid(), SIGKILL);
     ASSERT_FALSE(program->wait_for_exit().has_value());
     const std::filesystem::path dir = std::filesystem::path(left).parent_path().parent_path();
@@ -183,7 +175,7 @@ TEST_F(Install, AnOutlineFontIsInTheResourceFileOfItsDirectory) {
     open_on_source();
     ASSERT_TRUE(sample_of_line(0));
     desktop.picture("install-preview-outline");
-    const std::string preview = staged().at(0);
+    const std::string preview = staged(STAGING).at(0);
     EXPECT_EQ(StrictUpr(TempDir::read_bytes(preview + "glyphwd.upr")).files("FontOutline"),
               (Files{{font.postscript_name(), preview + "link/" + font.file_name()}}));
     ASSERT_TRUE(install());
@@ -230,7 +222,7 @@ class InstallByKeyboard : public Install {
         desktop.key("Tab");  // the selection
         desktop.key("Return");
         ASSERT_TRUE(desktop.disappears(DirectoryChooser::SOURCE_TITLE));
-        ASSERT_TRUE(wait_until([&] { return previews(); }));
+        ASSERT_TRUE(wait_until([&] { return previews(STAGING); }));
         ASSERT_TRUE(wait_until([&] { return desktop.has_keyboard(dialog->window); }));
         desktop.key("Tab");  // the list of fonts
         ASSERT_TRUE(follows([&] { return dialog->sample_is_drawn(); }, [&] { desktop.key("space"); }));
@@ -402,7 +394,7 @@ TEST_F(Install, EveryWayOutOfTheChooserListsNothing) {
         }
         dialog->click_line(0);
     }
-    EXPECT_FALSE(previews());
+    EXPECT_FALSE(previews(STAGING));
     EXPECT_FALSE(dialog->sample_is_drawn());
     ASSERT_TRUE(dialog->list_fonts_of(source.path()));
     EXPECT_TRUE(sample_of_line(0)) << "the next choice is taken";
@@ -517,7 +509,7 @@ TEST_F(Install, ManyFontsLeaveTheWindowsAlive) {
     constexpr int MANY = 2000;
     for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(MANY + i), 8}.write_to(source.path());
     open_on_source();
-    ASSERT_TRUE(wait_until([&] { return previews(); }));
+    ASSERT_TRUE(wait_until([&] { return previews(STAGING); }));
     ASSERT_TRUE(sample_of_line(0));
     desktop.key("Control_L", "slash");
     ASSERT_TRUE(install());

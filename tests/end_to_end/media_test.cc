@@ -23,8 +23,8 @@ using gw::test::TempDir;
 constexpr const char* MEDIA = "Glyph Warden - Other Media";  // also the title of the warning
 constexpr const char* CDROM = "/cdrom/cdrom0";
 constexpr const char* FLOPPY = "/floppy/floppy0";
-constexpr const char* CDROM_STAGING = "/tmp/gw_cdrom/";
-constexpr const char* FLOPPY_STAGING = "/tmp/gw_floppy/";
+constexpr const char* CDROM_STAGING = "gw_cdrom";
+constexpr const char* FLOPPY_STAGING = "gw_floppy";
 constexpr const char* EJECT_LOG = "/tmp/eject.log";
 const BitmapFont AARDVARKS{"Aardvarks"};
 const BitmapFont ABYSSINIA{"Abyssinia"};
@@ -87,7 +87,7 @@ class Media : public ProgramTest {
         desktop.picture(picture);
         ASSERT_TRUE(follows([&] { return !warns(); }, [&] { desktop.key("Return"); }));
         EXPECT_NE(media_window(), 0U);
-        EXPECT_FALSE(is_on_font_path(CDROM_STAGING) || is_on_font_path(FLOPPY_STAGING));
+        EXPECT_FALSE(previews(CDROM_STAGING) || previews(FLOPPY_STAGING));
     }
     bool sample_of_line(int line) {
         const auto before = desktop.settled_pixels(dialog->sample());
@@ -119,7 +119,7 @@ TEST_F(ServedMedia, ADiscsFontsAreShownAndInstalled) {
     choose_cdrom();
     desktop.picture("media");
     click("check_button");
-    ASSERT_TRUE(wait_until([&] { return is_on_font_path(CDROM_STAGING); }));
+    ASSERT_TRUE(wait_until([&] { return previews(CDROM_STAGING); }));
     ASSERT_TRUE(press(MEDIA, "close_button"));
     EXPECT_TRUE(sample_of_line(0));
     desktop.picture("media-preview");
@@ -132,7 +132,7 @@ TEST_F(ServedMedia, ADiscsFontsAreShownAndInstalled) {
     }
     EXPECT_TRUE(hint_comes_and_goes());
     EXPECT_EQ(leave(), 0);
-    EXPECT_FALSE(is_on_font_path(CDROM_STAGING));
+    EXPECT_FALSE(previews(CDROM_STAGING));
 }
 
 // The open menu gets the keys, wherever the pointer is.
@@ -151,7 +151,7 @@ TEST_F(ServedMedia, TheMediumIsChosenByKeyboard) {
 
     AARDVARKS.write_to(CDROM);
     desktop.key("Return");
-    EXPECT_TRUE(wait_until([&] { return is_on_font_path(CDROM_STAGING); })) << "Return is Check";
+    EXPECT_TRUE(wait_until([&] { return previews(CDROM_STAGING); })) << "Return is Check";
     desktop.key("Escape");
     EXPECT_TRUE(desktop.disappears(MEDIA));
 }
@@ -161,7 +161,7 @@ TEST_F(ServedMedia, AFloppyIsListedOnceItIsInserted) {
     expect_warning("no-floppy");
     ABYSSINIA.write_to(FLOPPY);
     service.insert_medium("fd0");
-    ASSERT_TRUE(follows([&] { return is_on_font_path(FLOPPY_STAGING); }, [&] { click("check_button"); }));
+    ASSERT_TRUE(follows([&] { return previews(FLOPPY_STAGING); }, [&] { click("check_button"); }));
     ASSERT_TRUE(press(MEDIA, "close_button"));
     EXPECT_TRUE(sample_of_line(0));
 }
@@ -171,7 +171,7 @@ TEST_F(ServedMedia, ADiscThatIsNotThereIsAskedFor) {
     choose_cdrom();
     expect_warning("no-disc");
     AARDVARKS.write_to(CDROM);
-    ASSERT_TRUE(follows([&] { return is_on_font_path(CDROM_STAGING); }, [&] { click("check_button"); }));
+    ASSERT_TRUE(follows([&] { return previews(CDROM_STAGING); }, [&] { click("check_button"); }));
 }
 
 TEST_F(ServedMedia, EjectsWhatIsChosenAndCloses) {
@@ -197,7 +197,7 @@ TEST_F(ServedMedia, EveryWayOutListsNothing) {
         desktop.settle();
         EXPECT_FALSE(dialog->sample_is_drawn());
     }
-    EXPECT_FALSE(is_on_font_path(CDROM_STAGING));
+    EXPECT_FALSE(previews(CDROM_STAGING));
     EXPECT_FALSE(std::filesystem::exists(EJECT_LOG));
 }
 

@@ -120,6 +120,14 @@ void ProgramTest::list_fonts_of(const std::string& dir) {
     std::ofstream(CONFIG) << config_before_.substr(0, colon) << joined << config_before_.substr(colon);
 }
 
+std::vector<std::string> ProgramTest::staged(const std::string& name) const {
+    std::vector<std::string> found = desktop.font_path();
+    std::erase_if(found, [&](const std::string& element) {
+        return !element.starts_with("/tmp/") || !element.ends_with('/' + name + '/');
+    });
+    return found;
+}
+
 bool ProgramTest::is_on_font_path(const std::string& dir) const {
     const std::vector<std::string> path = desktop.font_path();
     return std::find(path.begin(), path.end(), dir) != path.end();

@@ -55,6 +55,10 @@ class ProgramTest : public testing::Test {
     void list_fonts_of(const std::string& dir);
     /// Whether the server takes fonts from the directory.
     [[nodiscard]] bool is_on_font_path(const std::string& dir) const;
+    /// The directories for previews of this name ("gw_dir") from which the server takes fonts. Each run has
+    /// its own, or all have the same.
+    [[nodiscard]] std::vector<std::string> staged(const std::string& name) const;
+    [[nodiscard]] bool previews(const std::string& name) const { return !staged(name).empty(); }
 
     Desktop desktop;
     gw::test::TempDir home;

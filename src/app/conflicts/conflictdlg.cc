@@ -21,6 +21,7 @@
 #include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
+#include "core/text.h"
 #include "model/hrn_words.h"
 
 #include <Xm/Form.h>
@@ -70,6 +71,15 @@ std::string resolution_word(Resolution resolution) {
     }
 }
 
+/// Which package it is and, where windows say more, what its package manager will do.
+std::string package_detail(const GWConflict& conflict) {
+    std::string text = gw::text_of(Message::IS_IN_PACKAGE);
+    if (const std::string names = conflict.get_packages(); !names.empty())
+        text.append("\n").append(gw::text_of(Message::PACKAGE)).append(gw::escaped(names));
+    if (gw::window_policy().shows_packages()) text += gw::text_of(Message::PACKAGE_MANAGER);
+    return text;
+}
+
 std::string detail_of(const GWConflict& conflict) {
     std::string text;
     if (conflict.is_conflict(GWConflict::SAME_NAME) != 0) {
@@ -78,7 +88,7 @@ std::string detail_of(const GWConflict& conflict) {
     }
     if (conflict.is_conflict(GWConflict::READ_ONLY) != 0) text += gw::text_of(Message::IS_READ_ONLY);
     if (conflict.is_conflict(GWConflict::SYSTEM_FONT) != 0) text += gw::text_of(Message::IS_SYSTEM_FONT);
-    if (conflict.is_conflict(GWConflict::PACKAGE) != 0) text += gw::text_of(Message::IS_IN_PACKAGE);
+    if (conflict.is_conflict(GWConflict::PACKAGE) != 0) text += package_detail(conflict);
     if (conflict.is_conflict(GWConflict::ALIAS) != 0) text += gw::text_of(Message::IS_ALIAS);
     return text;
 }

@@ -19,6 +19,8 @@
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
+#include "model/packaged_fonts.h"
+#include "platform/package_owner.h"
 
 #include <Xm/List.h>
 
@@ -41,6 +43,23 @@ void delete_entry(int position, WorkRecord& work) {
     count_installed_fonts();
     XmListDeletePos(wi_hrn_list, position);
     update_progress_dlg(++work.done);
+}
+
+/// Asks the package manager once about all fonts that are to be deleted.
+void ask_about_packages(const std::vector<int>& positions) {
+    const gw::ShownList entries = gw::installed_entries();
+    std::vector<const GWFont*> fonts;
+    for (const int position : positions) {
+        const GWHRNElement* element = entries.font_at(position);
+        if (element == nullptr) continue;
+        for (const GWHRNElement::PointSize& slot : element->get_slots()) {
+            for (const gw::Ref<GWFont>& font : slot.fonts) {
+                if (!font->is_read_only()) fonts.push_back(font.get());
+            }
+        }
+    }
+    gw::forget_package_owners();
+    gw::ask_packages_of(fonts);
 }
 
 /// Returns how many of the names that were deleted stay after all.
@@ -95,6 +114,7 @@ Boolean delete_work_proc(XtPointer data) {
         the_installed_hrn_list.get_report().clear();
         begin_summary();
         gw::begin_font_action();
+        ask_about_packages(work->positions);
     }
     delete_entry(work->positions[work->index] - work->done, *work);
     ++work->index;

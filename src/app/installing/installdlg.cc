@@ -42,7 +42,9 @@
 #include "app/samples/sample_text_cb.h"
 #include "core/rights.h"
 #include "core/text.h"
+#include "model/packaged_fonts.h"
 #include "platform/host_paths.h"
+#include "platform/package_owner.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -251,6 +253,8 @@ void hold_on_to_sources(const GW_LIST<GWConflict>& conflicts) {
 
 void finish_installation(int installed) {
     hold_on_to_sources(the_conflict_list);
+    gw::forget_package_owners();
+    gw::mark_packages(the_conflict_list);
     stop_progress_dlg();
     permit_other_work();
     update_wi_installed_hrn_list();

@@ -15,6 +15,8 @@ class WindowPolicy {
     /// A font path from which all directories were deleted is stored empty. Otherwise it is not stored, and
     /// the window shows something else than the file.
     [[nodiscard]] constexpr bool stores_an_empty_path() const { return modern_; }
+    /// The package that a font belongs to is shown, and what the package manager does when it is missing.
+    [[nodiscard]] constexpr bool shows_packages() const { return modern_; }
 
   private:
     bool modern_;

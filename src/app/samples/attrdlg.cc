@@ -10,8 +10,11 @@
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/window_policy.h"
 #include "core/text.h"
 #include "model/gw_xlfd_name.h"
+#include "model/packaged_fonts.h"
+#include "platform/package_owner.h"
 
 #include <Xm/Form.h>
 
@@ -19,6 +22,7 @@ Widget wi_attr_dlg = nullptr;
 int attr_dlg_managed = 0;
 Widget wi_font_hrn_name, wi_font_xlfd_name, wi_font_loc_name;
 Widget wi_foundry_name, wi_charset_name, wi_spacing_name;
+Widget wi_package_name;  // null unless windows show packages
 Widget wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name;
 
 namespace {
@@ -43,6 +47,11 @@ void show_dialog() {
 
 void set_value(Widget value, const char* text) {
     update_label(value, text, nullptr);
+}
+
+/// Only with the row for packages.
+void show_package(const std::string& packages) {
+    if (wi_package_name != nullptr) set_value(wi_package_name, packages.c_str());
 }
 
 /// Puts `row` below `above`, or on top of its form when `above` is null.
@@ -105,6 +114,9 @@ void create_foundry_section(Widget parent) {
     wi_foundry_name = value_row(parent, "foundry_label", Message::ATTR_FOUNDRY, "foundry_name", nullptr, row);
     wi_charset_name = value_row(parent, "charset_label", Message::ATTR_CHARSET, "charset_name", row, row);
     wi_spacing_name = value_row(parent, "spacing_label", Message::ATTR_SPACING, "spacing_name", row, row);
+    wi_package_name = nullptr;
+    if (gw::window_policy().shows_packages())
+        wi_package_name = value_row(parent, "package_label", Message::ATTR_PACKAGE, "package_name", row, row);
 }
 
 void create_alias_section(Widget parent) {
@@ -179,6 +191,9 @@ void show_font_attributes(GWFont* font, const char* location) {
     set_value(wi_foundry_name, xlfd ? font->get_field(GWFont::FOUNDRY) : " ");
     set_value(wi_spacing_name, xlfd ? spacing_word(font->get_field(GWFont::SPACING)).c_str() : " ");
     for (Widget value : {wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name}) set_value(value, nullptr);
+    if (wi_package_name == nullptr) return;
+    gw::forget_package_owners();
+    show_package(gw::packages_of(*font));
 }
 
 void show_alias_attributes(const GWAlias* alias) {
@@ -190,6 +205,7 @@ void show_alias_attributes(const GWAlias* alias) {
     set_value(wi_font_xlfd_name, alias->get_font_name());
     for (Widget value : {wi_font_loc_name, wi_foundry_name, wi_charset_name, wi_spacing_name})
         set_value(value, nullptr);
+    show_package("");
 }
 
 void clear_attributes() {
@@ -198,6 +214,7 @@ void clear_attributes() {
           wi_spacing_name, wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name}) {
         set_value(value, nullptr);
     }
+    show_package("");
 }
 
 int is_attr_dlg_displayed() {

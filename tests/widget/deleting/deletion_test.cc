@@ -20,11 +20,13 @@
 #include "app/kit/widgets.h"
 #include "app/main_window/glyphwardapp.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
+#include "support/fake_packages.h"
 
 #include "widget/work_test_support.h"
 
@@ -267,6 +269,30 @@ TEST_F(Deletion, OfASystemFontWantsADecision) {
     EXPECT_TRUE(items(wi_hrn_list).empty());
     EXPECT_TRUE(is_managed(wi_fp_info_dlg));
     std::filesystem::remove_all(dir);
+}
+
+// The package manager would miss the file. So the user is asked first, wherever the font is.
+TEST_F(Deletion, OfAPackagesFontWantsADecisionThatNamesThePackage) {
+    if (!is_root()) GTEST_SKIP() << "to an ordinary user the fonts of packages are read-only";
+    make_fonts();
+    const gw::test::FakePackages packages(installed().path(), "xfonts-test");
+    for (const bool modern : {false, true}) {
+        gw::set_window_policy(gw::WindowPolicy(modern));
+        remove({1});
+        EXPECT_EQ(main_status(), "0 fonts successfully deleted.");
+        EXPECT_EQ(label(wi_preconflict_dlg, "conflict_label"), "Deletions needing confirmation: 1 *");
+        ASSERT_TRUE(press(find(wi_preconflict_dlg, "resolve_button")));
+        pick(conflicts_list(), 1);
+        const std::string more = "\nThe package manager will miss it,\nand may bring it back at an update.";
+        EXPECT_EQ(label(wi_conflict_dlg, "conflict_detail_label"),
+                  "\nIt is part of a package.\nPackage: xfonts-test" + (modern ? more : ""));
+        const std::size_t before = items(wi_hrn_list).size();
+        ASSERT_TRUE(press(find(wi_conflict_dlg, modern ? "not_keep_button" : "keep_button")));
+        ASSERT_TRUE(press(find(wi_conflict_dlg, "ok_button")));
+        EXPECT_EQ(items(wi_hrn_list).size(), before - (modern ? 1 : 0)) << "the superuser may insist";
+        stop_fp_info_dlg();
+    }
+    gw::set_window_policy(gw::WindowPolicy(false));
 }
 
 // An ordinary user cannot insist on deleting the same font.
