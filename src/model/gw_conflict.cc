@@ -6,7 +6,7 @@
 
 #include "model/gw_alias.h"
 #include "modules/gw_fsm_list.h"
-#include "store/directory_change.h"
+#include "store/font_action.h"
 
 namespace {
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "modules/index_access.h"
+#include "store/font_action.h"
 
 namespace gw {
 

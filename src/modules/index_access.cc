@@ -18,6 +18,7 @@
 #include "core/gw_reg_exp.h"
 #include "core/rights.h"
 #include "platform/host_paths.h"
+#include "store/font_action.h"
 
 namespace gw {
 

@@ -25,6 +25,7 @@
 #include "modules/gw_pcf_fsm.h"
 #include "modules/gw_t1_fsm.h"
 #include "store/directory_change.h"
+#include "store/font_action.h"
 #include "support/file_faults.h"
 #include "support/font_maker.h"
 #include "support/temp_dir.h"

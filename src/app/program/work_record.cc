@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "app/program/program_objects.h"
-#include "store/directory_change.h"
+#include "store/font_action.h"
 
 WorkRecord the_wp_cl_data;
 

@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <string>
 
+#include "store/font_action.h"
 #include "support/file_faults.h"
 #include "support/heard_failures.h"
 #include "support/temp_dir.h"

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+//
+// What one action of the user changes: any number of fonts, in any number of directories. Each directory has
+// one change, and all of them become final together.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/directory.h"
+#include "core/failure.h"
+#include "store/directory_change.h"
+
+namespace gw {
+
+/// Everything that belongs to one action of the user. As long as there is one, changes of a directory are one
+/// change, which `commit` makes final.
+class FontAction {
+  public:
+    FontAction();
+    /// Takes back what is not committed.
+    ~FontAction();
+    FontAction(const FontAction&) = delete;
+    FontAction& operator=(const FontAction&) = delete;
+
+    struct Failed {
+        std::string dir;  ///< ends in "/"
+        Failure why;
+    };
+    /// Makes all changes final, until one fails. Returns the directories that are as they were before.
+    std::vector<Failed> commit();
+
+  private:
+    friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
+    friend Outcome as_one_change(const std::function<Outcome()>& steps);
+    [[nodiscard]] DirectoryChange* find(const Directory& dir) const;
+    Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
+    std::vector<Failed> commit_alone();
+
+    FontAction* outer_;
+    std::vector<std::unique_ptr<DirectoryChange>> open_;
+    // Directories that another process is changing: the action waits for each of them once.
+    std::map<std::pair<dev_t, ino_t>, Failure> in_use_;
+};
+
+/// Runs the step as part of the user's action that is going on, or as a change of its own. What a failed step
+/// has done is taken back.
+Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
+
+/// The same for steps in several directories: if they fail, all that they have done is taken back.
+Outcome as_one_change(const std::function<Outcome()>& steps);
+
+}  // namespace gw
