@@ -26,7 +26,6 @@ Outcome FileWriter::finish() {
     if (error_ != 0) return outcome();
     struct stat made = {};
     if (::fstat(fd_.get(), &made) != 0) fail(errno);
-    inode_ = made.st_ino;
     if (owner_ && (owner_->first != made.st_uid || owner_->second != made.st_gid))
         (void)file_calls().set_owner(fd_.get(), owner_->first, owner_->second);
     if (earlier_ && made.st_mtim.tv_sec <= earlier_->st_mtim.tv_sec) {
@@ -35,6 +34,7 @@ Outcome FileWriter::finish() {
     }
     // Otherwise an index that names the file could reach the disk before the file.
     if (file_calls().set_mode(fd_.get(), mode_) != 0 || file_calls().sync(fd_.get()) != 0) fail(errno);
+    if (::fstat(fd_.get(), &info_) != 0) fail(errno);
     close();
     return outcome();
 }

@@ -42,8 +42,8 @@ class FileWriter {
     /// The first failure, or a success when there was none so far.
     [[nodiscard]] Outcome outcome() const;
     [[nodiscard]] const std::string& path() const { return path_; }
-    /// The file's number in its file system, once it is finished.
-    [[nodiscard]] ino_t inode() const { return inode_; }
+    /// The file's information, once it is finished.
+    [[nodiscard]] const struct stat& info() const { return info_; }
 
   protected:
     /// Remembers the first failure; false.
@@ -57,7 +57,7 @@ class FileWriter {
     std::optional<Owner> owner_;
     std::optional<struct stat> earlier_;
     mode_t mode_ = 0644;
-    ino_t inode_ = 0;
+    struct stat info_ = {};
     int error_ = 0;
 };
 

@@ -77,12 +77,12 @@ Outcome DirectoryChange::load_index() {
     if (!has_index_)
         return errno == ENOENT ? done() : Outcome(Failure::of_system(dir_.path_of(INDEX), errno));
     const bool is_link = S_ISLNK(index_info_.st_mode);
-    if (is_link && !is_trusted_link(index_info_, dir_.info()))
-        return Failure{dir_.path_of(INDEX), Reason::NOT_OURS};
     // A file in its place would have another owner.
     const bool is_anothers = !runs_as_superuser() && index_info_.st_uid != ::geteuid();
     overwrites_index_ = is_link || index_info_.st_nlink != 1 || is_anothers;
-    Result<std::string> bytes = is_link ? read_file(dir_.path_of(INDEX)) : dir_.read(INDEX);
+    content_info_ = index_info_;
+    if (is_link) (void)::fstatat(dir_.fd(), INDEX.c_str(), &content_info_, 0);
+    Result<std::string> bytes = read_index(dir_, index_info_);
     if (!bytes) return bytes.failure();
     before_ = std::move(*bytes);
     text_ = before_;
@@ -190,7 +190,7 @@ Outcome DirectoryChange::put(const StagedFile& file) {
     std::vector<journal::Record> records;
     const unsigned number = next_number_++;
     if (replaces) records.emplace_back(journal::Out{number, file.name()});
-    records.emplace_back(journal::Put{file.inode(), file.name()});
+    records.emplace_back(journal::Put{FileIdentity::of(file.info()), file.name()});
     if (Outcome noted = note(records); !noted) return noted;
     const std::string aside = std::to_string(number);
     const FileCalls& calls = file_calls();
@@ -264,48 +264,85 @@ void DirectoryChange::take_back_to(const Mark& mark) {
     offsets_.resize(mark.records);
 }
 
-Outcome DirectoryChange::prepare_index(const std::string& text, std::vector<journal::Record>& records) {
+Outcome DirectoryChange::prepare_index() {
     Result<Descriptor> fd = own_->create(own_->made(), INDEX);
     if (!fd) return fd.failure();
     FileWriter file(std::move(*fd), dir_.path_of(INDEX));
     if (has_index_) file.set_owner({index_info_.st_uid, index_info_.st_gid});
-    if (has_index_ && text.size() <= before_.size()) file.set_mode(index_info_.st_mode & PERMISSIONS);
-    file.write(text);
+    if (has_index_ && text_.size() <= before_.size()) file.set_mode(index_info_.st_mode & PERMISSIONS);
+    file.write(text_);
     if (has_index_) file.be_later_than(index_info_);
     if (Outcome finished = file.finish(); !finished) return finished;
-    for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
-    records.emplace_back(journal::Index{file.inode(), has_index_});
-    return done();
+    std::vector<journal::Record> records = line_records();
+    records.emplace_back(journal::Index{FileIdentity::of(file.info()), has_index_});
+    return note(records);
 }
 
-/// An index that is a link, or has other names, stays what it is.
-Outcome DirectoryChange::write_index_in_place() {
+std::vector<journal::Record> DirectoryChange::line_records() const {
     std::vector<journal::Record> records;
     for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
-    records.emplace_back(journal::Index{0, true});
-    if (Outcome noted = note(records); !noted) return noted;
-    return overwrite_index(dir_, index_info_, text_);
+    return records;
+}
+
+/// Makes a file with the index as it was, for taking it back.
+Outcome DirectoryChange::copy_old_index() {
+    Result<Descriptor> fd = own_->create(own_->set_aside(), INDEX);
+    if (!fd) return fd.failure();
+    FileWriter copy(std::move(*fd), dir_.path_of(INDEX));
+    copy.set_owner({content_info_.st_uid, content_info_.st_gid});
+    copy.set_mode(content_info_.st_mode & PERMISSIONS);
+    copy.write(before_);
+    return copy.finish();
+}
+
+// A file system without hard links gets a copy.
+Outcome DirectoryChange::set_index_aside() {
+    if (!has_index_) return done();
+    const FileCalls& calls = file_calls();
+    if (calls.link(dir_.fd(), INDEX.c_str(), own_->set_aside().fd(), INDEX.c_str()) == 0) return done();
+    return errno == ENOENT ? done() : copy_old_index();
+}
+
+Outcome DirectoryChange::prepare_overwriting() {
+    if (Outcome copied = copy_old_index(); !copied) return copied;
+    Result<Descriptor> fd = own_->create(own_->made(), INDEX);
+    if (!fd) return fd.failure();
+    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
+    file.write(text_);
+    if (Outcome finished = file.finish(); !finished) return finished;
+    std::vector<journal::Record> records = line_records();
+    records.emplace_back(journal::Overwrite{});
+    return note(records);
+}
+
+/// Whether the index is still as it was read.
+bool DirectoryChange::index_is_unchanged() const {
+    struct stat now = {};
+    if (dir_.look_at(INDEX, now) != has_index_) return false;
+    if (!has_index_) return true;
+    if (!is_unchanged(now, index_info_)) return false;
+    return !S_ISLNK(now.st_mode) ||
+           (::fstatat(dir_.fd(), INDEX.c_str(), &now, 0) == 0 && is_unchanged(now, content_info_));
+}
+
+Outcome DirectoryChange::put_index_in_place() {
+    if (overwrites_index_) return overwrite_index(dir_, index_info_, text_);
+    if (file_calls().rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) == 0) return done();
+    return Failure::of_system(dir_.path_of(INDEX), errno);
 }
 
 // The index is looked at again just before the new one takes its place, because programs that know nothing of
 // the lock write it too.
 Outcome DirectoryChange::write_index() {
     if (lines_.empty()) return done();
-    if (Outcome allowed = may_write_index(); !allowed) return allowed;
-    if (overwrites_index_) return write_index_in_place();
     for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
+        if (Outcome allowed = may_write_index(); !allowed) return allowed;
         const std::size_t before = records_.size();
-        std::vector<journal::Record> records;
-        if (Outcome made = prepare_index(text_, records); !made) return made;
-        if (Outcome noted = note(records); !noted) return noted;
-        const FileCalls& calls = file_calls();
-        if (has_index_) (void)calls.link(dir_.fd(), INDEX.c_str(), own_->set_aside().fd(), INDEX.c_str());
-        struct stat now = {};
-        const bool has_now = dir_.look_at(INDEX, now);
-        if (has_now == has_index_ && (!has_now || is_unchanged(now, index_info_))) {
-            if (calls.rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) == 0) return done();
-            return Failure::of_system(dir_.path_of(INDEX), errno);
-        }
+        // An index that is a link, or has other names, stays what it is.
+        Outcome prepared = overwrites_index_ ? prepare_overwriting() : prepare_index();
+        if (prepared && !overwrites_index_) prepared = set_index_aside();
+        if (!prepared) return prepared;
+        if (index_is_unchanged()) return put_index_in_place();
         if (Outcome merged = merge_index(before); !merged) return merged;
     }
     return Failure::of_system(dir_.path_of(INDEX), EAGAIN);

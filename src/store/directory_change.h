@@ -122,8 +122,13 @@ class DirectoryChange {
     Outcome note(const std::vector<journal::Record>& records);
     void touch(const std::string& line);
     Outcome write_index();
-    Outcome prepare_index(const std::string& text, std::vector<journal::Record>& records);
-    Outcome write_index_in_place();
+    [[nodiscard]] std::vector<journal::Record> line_records() const;
+    Outcome prepare_index();
+    Outcome copy_old_index();
+    Outcome set_index_aside();
+    Outcome prepare_overwriting();
+    [[nodiscard]] bool index_is_unchanged() const;
+    Outcome put_index_in_place();
     Outcome merge_index(std::size_t records);
     Outcome move_out();
     Outcome commit_for_good();
@@ -142,6 +147,7 @@ class DirectoryChange {
     std::string before_;
     std::string text_;
     struct stat index_info_ = {};
+    struct stat content_info_ = {};  // of what it points to, if it is a link
     bool has_index_ = false;
     bool overwrites_index_ = false;  // it is a link, has other names, or belongs to another user
     unsigned next_number_ = 0;

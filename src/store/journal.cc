@@ -2,61 +2,60 @@
 #include "store/journal.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 
 #include "core/directory.h"
+#include "store/numbers.h"
 
 namespace gw::journal {
 
+static_assert(HEADING.size() == FIRST_HEADING.size());
+
 namespace {
 
-/// Removes the word at the beginning of `rest`, and the blank behind it.
-std::string_view next_word(std::string_view& rest) {
-    const std::string_view word = rest.substr(0, rest.find(' '));
-    rest.remove_prefix(std::min(word.size() + 1, rest.size()));
-    return word;
-}
+/// Reads the records of one version of the format.
+class Reader {
+  public:
+    explicit Reader(bool has_full_stamps) : has_full_stamps_(has_full_stamps) {}
 
-template <class Number>
-std::optional<Number> number_in(std::string_view word) {
-    Number number = 0;
-    const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), number);
-    if (error != std::errc() || end != word.data() + word.size()) return std::nullopt;
-    return number;
-}
+    std::optional<Record> operator()(std::string_view line) const {
+        const std::string_view kind = take_word(line);
+        if (kind == "put") return put(line);
+        if (kind == "out") return out(line);
+        if (kind == "dir" && line == METRICS) return MadeDir{std::string(line)};
+        if (kind == "line") return index_line(line);
+        if (kind == "index") return index(line);
+        if (kind == "overwrite" && line.empty()) return Overwrite{};
+        return std::nullopt;
+    }
 
-std::optional<Record> index_record(ino_t inode, std::string_view was) {
-    if (was != "0" && was != "1") return std::nullopt;
-    return Index{inode, was == "1"};
-}
-
-std::optional<Record> record_in(std::string_view line) {
-    const std::string_view kind = next_word(line);
-    if (kind == "dir")
-        return line == METRICS ? std::optional<Record>(MadeDir{std::string(line)}) : std::nullopt;
-    const std::string_view word = next_word(line);
-    if (kind == "line") {
-        const auto number = number_in<int>(word);
+  private:
+    [[nodiscard]] std::optional<Record> put(std::string_view rest) const {
+        const auto stamp = take_stamp(rest, has_full_stamps_);
+        if (!stamp || !can_name(rest)) return std::nullopt;
+        return Put{*stamp, std::string(rest)};
+    }
+    static std::optional<Record> out(std::string_view rest) {
+        const auto number = number_in<unsigned>(take_word(rest));
+        if (!number || !can_name(rest)) return std::nullopt;
+        return Out{*number, std::string(rest)};
+    }
+    static std::optional<Record> index_line(std::string_view rest) {
+        const auto number = number_in<int>(take_word(rest));
         if (!number || *number < 0 || *number > MOST_LINES) return std::nullopt;
-        return Line{*number, std::string(line) + '\n'};
+        return Line{*number, std::string(rest) + '\n'};
     }
-    if (kind == "out") {
-        const auto number = number_in<unsigned>(word);
-        if (!number || !can_name(line)) return std::nullopt;
-        return Out{*number, std::string(line)};
+    [[nodiscard]] std::optional<Record> index(std::string_view rest) const {
+        const auto stamp = take_stamp(rest, has_full_stamps_);
+        if (!stamp || (rest != "0" && rest != "1")) return std::nullopt;
+        return Index{*stamp, rest == "1"};
     }
-    const auto number = number_in<ino_t>(word);
-    if (!number) return std::nullopt;
-    if (kind == "index") return index_record(*number, line);
-    if (kind != "put" || !can_name(line)) return std::nullopt;
-    return Put{*number, std::string(line)};
-}
+
+    bool has_full_stamps_;
+};
 
 struct Writer {
-    std::string operator()(const Put& put) const {
-        return "put " + std::to_string(put.inode) + ' ' + put.name;
-    }
+    std::string operator()(const Put& put) const { return "put " + put.stamp.text() + ' ' + put.name; }
     std::string operator()(const Out& out) const {
         return "out " + std::to_string(out.number) + ' ' + out.name;
     }
@@ -65,8 +64,9 @@ struct Writer {
         return "line " + std::to_string(line.number) + ' ' + line.text.substr(0, line.text.find('\n'));
     }
     std::string operator()(const Index& index) const {
-        return "index " + std::to_string(index.inode) + (index.was ? " 1" : " 0");
+        return "index " + index.stamp.text() + (index.was ? " 1" : " 0");
     }
+    std::string operator()(const Overwrite&) const { return "overwrite"; }
 };
 
 }  // namespace
@@ -84,7 +84,9 @@ std::string line_of(const Record& record) {
 Result<std::vector<Record>> parse(std::string_view text, const std::string& subject) {
     std::vector<Record> records;
     if (text.size() < HEADING.size() && HEADING.starts_with(text)) return records;
-    if (!text.starts_with(HEADING)) return Failure{subject, Reason::NOT_A_JOURNAL};
+    const bool is_old = text.starts_with(FIRST_HEADING);
+    if (!is_old && !text.starts_with(HEADING)) return Failure{subject, Reason::NOT_A_JOURNAL};
+    const Reader record_in(!is_old);
     text.remove_prefix(HEADING.size());
     for (std::size_t newline = text.find('\n'); newline != std::string_view::npos;
          newline = text.find('\n')) {

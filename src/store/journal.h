@@ -1,21 +1,21 @@
 // SPDX-License-Identifier: MIT
 //
 // The journal of a change of a font directory: what has to be taken back if the change does not come to its
-// end. Each record is on the disk before what it describes is done. Format: the line "glyphward-journal 1",
+// end. Each record is on the disk before what it describes is done. Format: the line "glyphward-journal 2",
 // then a line for each record:
 //
-//     put INODE NAME         the file with this inode number gets the name NAME
+//     put STAMP NAME         this file gets the name NAME
 //     out NUMBER NAME        the file NAME is set aside as "old/NUMBER"
 //     dir NAME               the directory NAME is made
 //     line NUMBER TEXT       before the change the index has NUMBER lines with this text, and then another
-//     index INODE WAS        the file with this inode number becomes the index; WAS is 1 if there was one
-//                            before
+//                            number
+//     index STAMP WAS        this file becomes the index; WAS is 1 if there was one before
+//     overwrite              the index is written in place; "old" has its text before, "new" that to be
 //
-// A name is that of a file in the directory, or of one in its subdirectory "afm". A last line without its
-// newline was not written to its end, so nothing of it was done.
+// A stamp is a file's number, its size, and the seconds and nanoseconds of its last change (in the first
+// version of the format, the number alone). A name is that of a file in the directory, or of one in its
+// subdirectory "afm". A last line without its newline was not written to its end, so nothing of it was done.
 #pragma once
-
-#include <sys/types.h>
 
 #include <string>
 #include <string_view>
@@ -23,11 +23,12 @@
 #include <vector>
 
 #include "core/failure.h"
+#include "store/file_identity.h"
 
 namespace gw::journal {
 
 struct Put {
-    ino_t inode;
+    FileIdentity stamp;
     std::string name;
     bool operator==(const Put&) const = default;
 };
@@ -46,13 +47,17 @@ struct Line {
     bool operator==(const Line&) const = default;
 };
 struct Index {
-    ino_t inode;
+    FileIdentity stamp;
     bool was;
     bool operator==(const Index&) const = default;
 };
-using Record = std::variant<Put, Out, MadeDir, Line, Index>;
+struct Overwrite {
+    bool operator==(const Overwrite&) const = default;
+};
+using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite>;
 
-inline constexpr std::string_view HEADING = "glyphward-journal 1\n";
+inline constexpr std::string_view HEADING = "glyphward-journal 2\n";
+inline constexpr std::string_view FIRST_HEADING = "glyphward-journal 1\n";
 /// No index has the same line so often: a larger number was not written by us.
 inline constexpr int MOST_LINES = 100000;
 /// The subdirectory for metrics, the only one that a name may be in.

@@ -26,6 +26,19 @@ Outcome fails_unless(bool fine, const std::string& path) {
     return fine ? done() : Outcome(Failure::of_system(path, errno));
 }
 
+/// Whether somebody was writing `made` over `old` when this was read. The file grows first, by zeros, and is
+/// cut in the end.
+bool is_between(std::string_view now, std::string_view old, std::string_view made) {
+    if (now.size() != old.size() && now.size() != std::max(old.size(), made.size()) &&
+        now.size() != made.size())
+        return false;
+    const auto at = [](std::string_view text, std::size_t i) { return i < text.size() ? text[i] : '\0'; };
+    for (std::size_t i = 0; i < now.size(); ++i) {
+        if (now[i] != at(old, i) && now[i] != at(made, i)) return false;
+    }
+    return true;
+}
+
 class TakingBack {
   public:
     TakingBack(const Directory& fonts, const OwnDirectory& own) : fonts_(fonts), own_(own) {}
@@ -33,7 +46,7 @@ class TakingBack {
     Outcome operator()(const journal::Put& put) const {
         const Result<PlaceBelow> place = PlaceBelow::of(fonts_, put.name);
         struct stat info = {};
-        if (!place || !place->dir().look_at(place->name(), info) || info.st_ino != put.inode) return done();
+        if (!place || !place->dir().look_at(place->name(), info) || !put.stamp.fits(info)) return done();
         return fails_unless(file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0,
                             fonts_.path_of(put.name));
     }
@@ -75,15 +88,22 @@ class TakingBack {
         return done();
     }
 
+    Outcome operator()(const journal::Overwrite&) {
+        is_overwritten_ = true;
+        return done();
+    }
+
     Outcome index() const {
+        if (is_overwritten_) return overwritten_index();
         if (!is_written_) return done();
         struct stat now = {};
         struct stat old = {};
         const bool has_now = fonts_.look_at(INDEX, now);
         const bool has_old = own_.set_aside().look_at(INDEX, old);
         if (has_now && has_old && now.st_ino == old.st_ino) return done();  // it was not replaced yet
-        if (has_old && (!has_now || now.st_ino == index_.inode)) return bring_back_index();
-        if (!index_.was && has_now && now.st_ino == index_.inode)
+        const bool is_ours = has_now && index_.stamp.fits(now);
+        if (has_old && (!has_now || is_ours)) return bring_back_index();
+        if (!index_.was && is_ours)
             return fails_unless(file_calls().unlink(fonts_.fd(), INDEX.c_str(), 0) == 0,
                                 fonts_.path_of(INDEX));
         return has_now ? lines_in(now) : done();
@@ -97,12 +117,24 @@ class TakingBack {
             fonts_.path_of(INDEX));
     }
 
+    /// What was written in place is overwritten again, unless somebody has changed it since.
+    [[nodiscard]] Outcome overwritten_index() const {
+        struct stat info = {};
+        if (!fonts_.look_at(INDEX, info)) {
+            if (errno != ENOENT) return Failure::of_system(fonts_.path_of(INDEX), errno);
+            return own_.set_aside().has(INDEX) ? bring_back_index() : done();
+        }
+        const Result<std::string> now = read_index(fonts_, info);
+        if (!now) return now.failure();
+        const Result<std::string> old = own_.set_aside().read(INDEX);
+        const Result<std::string> made = own_.made().read(INDEX);
+        if (!old || !made || !is_between(*now, *old, *made)) return lines_in(info);
+        return *now == *old ? done() : overwrite_index(fonts_, info, *old);
+    }
+
     /// The index is another program's, or was overwritten: only our lines are set right.
     [[nodiscard]] Outcome lines_in(const struct stat& info) const {
-        const bool is_link = S_ISLNK(info.st_mode);
-        if (is_link && !is_trusted_link(info, fonts_.info()))
-            return Failure{fonts_.path_of(INDEX), Reason::NOT_OURS};
-        const Result<std::string> bytes = is_link ? read_file(fonts_.path_of(INDEX)) : fonts_.read(INDEX);
+        const Result<std::string> bytes = read_index(fonts_, info);
         if (!bytes) return bytes.failure();
         std::string text = *bytes;
         for (const journal::Line& line : lines_) set_occurrences(text, line.text, line.number);
@@ -114,6 +146,7 @@ class TakingBack {
     std::vector<journal::Line> lines_;
     journal::Index index_{};
     bool is_written_ = false;
+    bool is_overwritten_ = false;
 };
 
 /// The journal, if there is one that may be believed.
@@ -141,6 +174,12 @@ int PlaceBelow::rename_to(const Directory& to, const std::string& new_name) cons
     struct stat info = {};
     if (dir().look_at(name_, info) && S_ISDIR(info.st_mode)) return EISDIR;
     return file_calls().rename(dir().fd(), name_.c_str(), to.fd(), new_name.c_str()) == 0 ? 0 : errno;
+}
+
+Result<std::string> read_index(const Directory& fonts, const struct stat& looked_at) {
+    if (!S_ISLNK(looked_at.st_mode)) return fonts.read(INDEX);
+    if (!is_trusted_link(looked_at, fonts.info())) return Failure{fonts.path_of(INDEX), Reason::NOT_OURS};
+    return read_file(fonts.path_of(INDEX));
 }
 
 Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text) {

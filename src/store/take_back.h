@@ -31,6 +31,9 @@ class PlaceBelow {
     std::string name_;
 };
 
+/// The text of the index that `looked_at` describes. A link that is not trusted is refused.
+Result<std::string> read_index(const Directory& fonts, const struct stat& looked_at);
+
 /// Overwrites an index that cannot be replaced: it is a link, has other names, or belongs to somebody else.
 /// Fails when it is not the file any more that `looked_at` describes.
 Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text);

@@ -10,8 +10,13 @@ namespace {
 
 using namespace gw::journal;
 
-const std::vector<Record> RECORDS = {Out{3, "a.pfa"},       Put{123456789012, "a.pfa"}, MadeDir{"afm"},
-                                     Put{7, "afm/a b.afm"}, Line{0, "a.pfa -x-a b\n"},  Index{12, true}};
+using gw::FileIdentity;
+
+constexpr FileIdentity STAMP = {123456789012, FileIdentity::Content{34567, 1700000000, 999999999}};
+
+const std::vector<Record> RECORDS = {
+    Out{3, "a.pfa"},           Put{STAMP, "a.pfa"}, MadeDir{"afm"}, Put{STAMP, "afm/a b.afm"},
+    Line{0, "a.pfa -x-a b\n"}, Index{STAMP, true},  Overwrite{}};
 
 std::string text_of(const std::vector<Record>& records) {
     std::string text(HEADING);
@@ -37,6 +42,23 @@ TEST(Journal, EndsWithItsLastWholeLine) {
     }
 }
 
+// The first version knew a file by its number alone.
+TEST(Journal, OfTheFirstVersionIsRead) {
+    const auto records =
+        parse("glyphward-journal 1\nput 7 a b.pfa\nout 3 a.pfa\nline 1 a.pfa -a\nindex 12 1\n", "j");
+    ASSERT_TRUE(records);
+    EXPECT_EQ(*records, (std::vector<Record>{Put{FileIdentity{7}, "a b.pfa"}, Out{3, "a.pfa"},
+                                             Line{1, "a.pfa -a\n"}, Index{FileIdentity{12}, true}}));
+    struct stat info = {};
+    info.st_mode = S_IFREG;
+    info.st_ino = 7;
+    info.st_size = 5;
+    EXPECT_TRUE(std::get<Put>(records->front()).stamp.fits(info));
+    EXPECT_FALSE((FileIdentity{7, FileIdentity::Content{6, 0, 0}}).fits(info));
+    info.st_mode = S_IFDIR;
+    EXPECT_FALSE(std::get<Put>(records->front()).stamp.fits(info));
+}
+
 TEST(Journal, NamesOnlyFilesOfItsDirectory) {
     for (const char* name : {"a.pfa", "a b", "afm/a.afm", "afm", "..a", ".hidden", "-rf", "100%"})
         EXPECT_TRUE(can_name(name)) << name;
@@ -47,7 +69,12 @@ TEST(Journal, NamesOnlyFilesOfItsDirectory) {
 }
 
 TEST(Journal, OfAnythingElseIsRefused) {
-    for (const char* line : {"put 1 ../a",
+    for (const char* line : {"put 1 2 3 4 ../a",
+                             "put 1 2 3 4",
+                             "put 1 2 3 a",
+                             "put 1 a",
+                             "put 1 2 3 x a",
+                             "put 1 ../a",
                              "put 1",
                              "put x a",
                              "put -1 a",
@@ -63,15 +90,18 @@ TEST(Journal, OfAnythingElseIsRefused) {
                              "index 1",
                              "index 1 2",
                              "index x 1",
+                             "index 1 2 3 1",
+                             "index 1 2 3 4 2",
+                             "overwrite 1",
                              "",
                              " ",
                              "rename 1 a",
-                             "put 1 /etc/passwd"}) {
+                             "put 1 2 3 4 /etc/passwd"}) {
         const auto records = parse(std::string(HEADING) + line + '\n', "j");
         ASSERT_FALSE(records) << line;
         EXPECT_EQ(records.failure().reason, gw::Reason::NOT_A_JOURNAL) << line;
     }
-    for (const char* text : {"glyphward-journal 2\n", "x", "put 1 a\n", "\n"})
+    for (const char* text : {"glyphward-journal 3\n", "x", "put 1 a\n", "\n"})
         EXPECT_FALSE(parse(text, "j")) << text;
 }
 
