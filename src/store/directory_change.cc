@@ -61,11 +61,18 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(const std::strin
 
 Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, bool waits) {
     Result<std::unique_ptr<OwnDirectory>> own = OwnDirectory::enter(dir, waits);
-    if (!own) return own.failure();
-    if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
-    std::unique_ptr<DirectoryChange> change(new DirectoryChange(std::move(dir), std::move(*own)));
+    std::unique_ptr<DirectoryChange> change;
+    if (own) {
+        if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
+        change.reset(new DirectoryChange(std::move(dir), std::move(*own)));
+    } else {
+        // Where there never was a change, nobody else can be in the middle of one.
+        if (!is_lack_of_room(own.failure()) || dir.has(OwnDirectory::NAME)) return own.failure();
+        change.reset(new DirectoryChange(std::move(dir), nullptr));
+        change->broken_ = own.failure();
+    }
     Outcome loaded = change->load_index();
-    if (loaded && clear_leftovers(*change)) loaded = change->load_index();
+    if (loaded && change->own_ && clear_leftovers(*change)) loaded = change->load_index();
     if (!loaded) return loaded.failure();
     return change;
 }
@@ -131,6 +138,7 @@ Outcome DirectoryChange::may_write_index() const {
 
 Outcome DirectoryChange::make_index() {
     if (has_index_) return may_write_index();
+    if (!own_) return *broken_;
     Result<Descriptor> fd = own_->create(own_->made(), INDEX);
     if (!fd) return Failure::of_system(dir_.path_of(INDEX), fd.failure().error);
     FileWriter file(std::move(*fd), dir_.path_of(INDEX));
@@ -163,6 +171,7 @@ Outcome DirectoryChange::may_be_replaced(const std::string& name) const {
 
 Result<DirectoryChange::StagedFile> DirectoryChange::stage(const std::string& name) {
     const std::string path = dir_.path_of(name);
+    if (!own_) return *broken_;
     if (!journal::can_name(name)) return Failure{path, Reason::NAME_UNFIT_FOR_INDEX};
     if (Outcome allowed = may_be_replaced(name); !allowed) return allowed.failure();
     const std::string number = std::to_string(next_number_++);
@@ -348,12 +357,16 @@ Outcome DirectoryChange::write_index() {
     return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
 }
 
-/// Makes the same edits to the index that another program has written meanwhile.
 Outcome DirectoryChange::merge_index(std::size_t records) {
     (void)file_calls().unlink(own_->set_aside().fd(), INDEX.c_str(), 0);
     if (Outcome cut = cut_journal(offsets_[records]); !cut) return cut;
     records_.resize(records);
     offsets_.resize(records);
+    return edit_again();
+}
+
+/// Makes the same edits to the index that another program has written meanwhile.
+Outcome DirectoryChange::edit_again() {
     std::map<std::string, int> wanted;
     for (const auto& [line, number] : lines_) wanted[line] = occurrences(text_, line) - number;
     if (Outcome loaded = load_index(); !loaded) return loaded;
@@ -385,6 +398,7 @@ Outcome DirectoryChange::move_out() {
 }
 
 Outcome DirectoryChange::forget_journal() {
+    if (!own_) return done();
     if (!journal_.is_open()) {
         own_->clear();
         return done();
@@ -425,6 +439,10 @@ bool DirectoryChange::brings_files() const {
 
 // On a full disk there is no room for a journal or for a second index, but what only deletes makes room.
 Outcome DirectoryChange::commit_for_good() {
+    for (int attempt = 1; has_index_ && !lines_.empty() && !index_is_unchanged(); ++attempt) {
+        if (attempt == MOST_ATTEMPTS) return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
+        if (Outcome edited = edit_again(); !edited) return edited;
+    }
     if (has_index_ && !lines_.empty()) {
         if (Outcome written = overwrite_index(dir_, index_info_, text_); !written) return written;
     }
@@ -448,7 +466,7 @@ void DirectoryChange::finish() {
 Outcome DirectoryChange::commit() {
     const Mark end = mark();
     const bool only_deletes = records_.empty() && text_.size() <= before_.size();
-    Outcome outcome = commit_index();
+    Outcome outcome = own_ ? commit_index() : Outcome(*broken_);
     if (outcome) outcome = commit_files();
     if (outcome) outcome = commit_end();
     if (outcome) return outcome;

@@ -130,6 +130,7 @@ class DirectoryChange {
     [[nodiscard]] bool index_is_unchanged() const;
     Outcome put_index_in_place();
     Outcome merge_index(std::size_t records);
+    Outcome edit_again();
     Outcome move_out();
     Outcome commit_for_good();
     Outcome cut_journal(off_t size);
@@ -137,7 +138,7 @@ class DirectoryChange {
     Outcome forget_journal();
 
     Directory dir_;
-    std::unique_ptr<OwnDirectory> own_;
+    std::unique_ptr<OwnDirectory> own_;  // null where there was no room for one: then files can only go
     Descriptor journal_;
     std::vector<journal::Record> records_;
     std::vector<off_t> offsets_;  // of the records in the journal

@@ -8,6 +8,7 @@
 
 #include <cerrno>
 #include <utility>
+#include <vector>
 
 #include "core/file_calls.h"
 #include "core/rights.h"
@@ -21,6 +22,12 @@ constexpr mode_t GROUPS = 0770;
 constexpr mode_t LOCK_MODE = 0600;
 constexpr mode_t GROUPS_LOCK_MODE = 0660;
 constexpr int STEP_MS = 20;
+constexpr int MOST_ATTEMPTS = 5;
+constexpr int MOST_LEFT = 1000;
+
+constexpr const char* LOCK = "lock";
+constexpr const char* MADE = "new";
+constexpr const char* SET_ASIDE = "old";
 
 int& patience() {
     static int milliseconds = 5000;
@@ -33,8 +40,11 @@ bool is_shared(const Directory& fonts) {
 
 }  // namespace
 
+// In a directory that everybody may write, the group of a file says nothing: the set-group-ID bit gives it to
+// the files of all.
 bool is_trusted(const struct stat& info, const struct stat& fonts) {
-    const bool is_the_groups = (fonts.st_mode & S_IWGRP) != 0 && info.st_gid == fonts.st_gid;
+    const bool is_the_groups = (fonts.st_mode & (S_IWGRP | S_IWOTH)) == S_IWGRP &&
+                               info.st_gid == fonts.st_gid && (info.st_mode & S_IWOTH) == 0;
     return is_the_groups || info.st_uid == fonts.st_uid || is_superuser(info.st_uid) ||
            info.st_uid == ::geteuid();
 }
@@ -49,52 +59,136 @@ void give_away(int fd, const struct stat& like) {
                                  shared || runs_as_superuser() ? like.st_gid : static_cast<gid_t>(-1));
 }
 
-/// The directory NAME in `parent`, made if it is missing.
-Result<Directory> made_below(const Directory& parent, const char* name, const Directory& fonts) {
-    const bool is_new = file_calls().make_dir(parent.fd(), name, OWNERS) == 0;
-    if (!is_new && errno != EEXIST) return Failure::of_system(parent.path_of(name), errno);
+std::vector<std::string> names_in(const Directory& dir) {
+    std::vector<std::string> names;
+    const int copy = ::openat(dir.fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
+    if (entries == nullptr) {
+        if (copy >= 0) ::close(copy);
+        return names;
+    }
+    while (const dirent* entry = ::readdir(entries)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(name);
+    }
+    ::closedir(entries);
+    return names;
+}
+
+/// The failure to use what is called NAME in `parent`. Where everybody may write, another user may have been
+/// the first to make it.
+Failure refusal(const Directory& parent, const char* name, const Directory& fonts) {
+    const bool open_to_all = (fonts.info().st_mode & S_IWOTH) != 0;
+    if (open_to_all) return Failure{fonts.path(), Reason::OPEN_TO_ALL};
+    return Failure{parent.path_of(name), Reason::NOT_OURS};
+}
+
+bool can_be_ours(const struct stat& info, const Directory& fonts) {
+    return S_ISDIR(info.st_mode) && is_trusted(info, fonts.info()) && (info.st_mode & S_IWOTH) == 0;
+}
+
+/// The directory NAME in `parent`, if it can be relied on.
+Result<Directory> opened_below(const Directory& parent, const char* name, const Directory& fonts) {
     struct stat info = {};
     if (!parent.look_at(name, info)) return Failure::of_system(parent.path_of(name), errno);
-    if (!S_ISDIR(info.st_mode) || !is_trusted(info, fonts.info()))
-        return Failure{parent.path_of(name), Reason::NOT_OURS};
+    if (!can_be_ours(info, fonts)) return refusal(parent, name, fonts);
     Result<Directory> dir = parent.below(name);
-    const bool is_given = !runs_as_superuser() || info.st_uid == fonts.info().st_uid;
-    if (!dir || (!is_new && is_given)) return dir;
+    // It may have been exchanged since.
+    if (dir && !can_be_ours(dir->info(), fonts)) return refusal(parent, name, fonts);
+    const bool is_open_to_all = (fonts.info().st_mode & S_IWOTH) != 0;
+    if (!dir && dir.failure().error == EACCES && is_open_to_all) return refusal(parent, name, fonts);
+    return dir;
+}
+
+/// Makes the directory NAME in `parent`. Nothing but an empty directory is given away: its owner could have
+/// put another one in its place.
+Result<Directory> made_below(const Directory& parent, const char* name, const Directory& fonts) {
+    if (file_calls().make_dir(parent.fd(), name, OWNERS) != 0 && errno != EEXIST)
+        return Failure::of_system(parent.path_of(name), errno);
+    Result<Directory> dir = opened_below(parent, name, fonts);
+    if (!dir || !names_in(*dir).empty()) return dir;
     give_away(dir->fd(), fonts.info());
     if (is_shared(fonts) && file_calls().set_mode(dir->fd(), GROUPS) != 0)
         return Failure::of_system(dir->path(), errno);
     return dir;
 }
 
+/// Opens the directory NAME, and makes it if it is missing.
+Result<Directory> found_below(const Directory& parent, const char* name, const Directory& fonts) {
+    return parent.has(name) ? opened_below(parent, name, fonts) : made_below(parent, name, fonts);
+}
+
+/// Makes an empty lock file that whoever may write the directory can open.
+Outcome make_lock(const Directory& dir, const Directory& fonts) {
+    const Descriptor fd(
+        file_calls().open(dir.fd(), LOCK, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, LOCK_MODE));
+    if (!fd.is_open()) return Failure::of_system(dir.path_of(LOCK), errno);
+    give_away(fd.get(), fonts.info());
+    if (is_shared(fonts)) (void)file_calls().set_mode(fd.get(), GROUPS_LOCK_MODE);
+    return done();
+}
+
 /// The lock file, opened.
 Result<Descriptor> lock_file(const Directory& dir, const Directory& fonts) {
-    static constexpr const char* LOCK = "lock";
-    const mode_t mode = is_shared(fonts) ? GROUPS_LOCK_MODE : LOCK_MODE;
-    Descriptor fd(
-        file_calls().open(dir.fd(), LOCK, O_RDWR | O_CREAT | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, mode));
+    if (!dir.has(LOCK)) {
+        // Another process may be faster.
+        if (Outcome made = make_lock(dir, fonts); !made && made.failure().error != EEXIST)
+            return made.failure();
+    }
+    Descriptor fd(::openat(dir.fd(), LOCK, O_RDWR | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
     struct stat info = {};
     if (!fd.is_open() || ::fstat(fd.get(), &info) != 0) return Failure::of_system(dir.path_of(LOCK), errno);
     if (!S_ISREG(info.st_mode) || info.st_nlink != 1 || !is_trusted(info, fonts.info()))
-        return Failure{dir.path_of(LOCK), Reason::NOT_OURS};
-    if (info.st_size == 0 || (runs_as_superuser() && info.st_uid != fonts.info().st_uid)) {
-        give_away(fd.get(), fonts.info());
-        if ((info.st_mode & GROUPS_LOCK_MODE) != mode) (void)file_calls().set_mode(fd.get(), mode);
-    }
+        return refusal(dir, LOCK, fonts);
     return fd;
 }
 
-void remove_all_in(const Directory& dir) {
-    const int copy = ::openat(dir.fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
-    if (entries == nullptr) {
-        if (copy >= 0) ::close(copy);
-        return;
+/// Removes our directory that was begun under this name and is still empty but for what we make there.
+void remove_begun(const Directory& fonts, const std::string& name) {
+    {
+        const Result<Directory> dir = fonts.below(name);
+        if (dir) {
+            (void)file_calls().unlink(dir->fd(), LOCK, 0);
+            for (const char* part : {MADE, SET_ASIDE})
+                (void)file_calls().unlink(dir->fd(), part, AT_REMOVEDIR);
+        }
     }
-    while (const dirent* entry = ::readdir(entries)) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") file_calls().unlink(dir.fd(), name.c_str(), 0);
+    (void)file_calls().unlink(fonts.fd(), name.c_str(), AT_REMOVEDIR);
+}
+
+/// Makes our directory under another name, with all that is in it.
+Outcome make_begun(const Directory& fonts, const std::string& name) {
+    const Result<Directory> dir = made_below(fonts, name.c_str(), fonts);
+    if (!dir) return dir.failure();
+    for (const char* part : {MADE, SET_ASIDE}) {
+        if (const Result<Directory> made = made_below(*dir, part, fonts); !made) return made.failure();
     }
-    ::closedir(entries);
+    return make_lock(*dir, fonts);
+}
+
+// It is complete, and its owner's, from the moment when it can be found: who is killed while making it locks
+// nobody out.
+Outcome make_own(const Directory& fonts) {
+    const std::string prefix = std::string(OWN_DIRECTORY_NAME) + '-';
+    for (const std::string& name : names_in(fonts)) {
+        if (name.starts_with(prefix)) remove_begun(fonts, name);
+    }
+    const std::string begun = prefix + std::to_string(::getpid());
+    Outcome made = make_begun(fonts, begun);
+    if (made && file_calls().rename(fonts.fd(), begun.c_str(), fonts.fd(), OWN_DIRECTORY_NAME) == 0)
+        return done();
+    if (made) made = Failure::of_system(fonts.path_of(OWN_DIRECTORY_NAME), errno);
+    remove_begun(fonts, begun);
+    return made;
+}
+
+/// Our directory. Several processes may begin to make it, and each takes away what the others have begun.
+Result<Directory> own_directory(const Directory& fonts) {
+    for (int attempt = 0; attempt < MOST_ATTEMPTS && !fonts.has(OWN_DIRECTORY_NAME); ++attempt) {
+        const Outcome made = make_own(fonts);
+        if (!made && !fonts.has(OWN_DIRECTORY_NAME) && made.failure().error != ENOENT) return made.failure();
+    }
+    return opened_below(fonts, OWN_DIRECTORY_NAME, fonts);
 }
 
 std::string holder_in(int fd) {
@@ -137,22 +231,22 @@ OwnDirectory::OwnDirectory(const struct stat& owner, Directory dir, Directory ma
       lock_(std::move(lock)) {}
 
 Result<std::unique_ptr<OwnDirectory>> OwnDirectory::enter(const Directory& fonts, bool waits) {
-    Result<Directory> dir = made_below(fonts, NAME, fonts);
+    Result<Directory> dir = own_directory(fonts);
     if (!dir) return dir.failure();
     Result<Descriptor> lock = lock_file(*dir, fonts);
     if (!lock) return lock.failure();
     if (const Outcome taken = take_lock(lock->get(), fonts.path(), waits ? patience() : 0); !taken)
         return taken.failure();
-    Result<Directory> made = made_below(*dir, "new", fonts);
+    Result<Directory> made = found_below(*dir, MADE, fonts);
     if (!made) return made.failure();
-    Result<Directory> set_aside = made_below(*dir, "old", fonts);
+    Result<Directory> set_aside = found_below(*dir, SET_ASIDE, fonts);
     if (!set_aside) return set_aside.failure();
     return std::unique_ptr<OwnDirectory>(new OwnDirectory(fonts.info(), std::move(*dir), std::move(*made),
                                                           std::move(*set_aside), std::move(*lock)));
 }
 
 Result<Descriptor> OwnDirectory::create(const Directory& where, const std::string& name) const {
-    file_calls().unlink(where.fd(), name.c_str(), 0);
+    make_way(where, name);
     Descriptor fd(file_calls().open(where.fd(), name.c_str(),
                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!fd.is_open()) return Failure::of_system(where.path_of(name), errno);
@@ -164,6 +258,17 @@ Result<Descriptor> OwnDirectory::create(const Directory& where, const std::strin
     return fd;
 }
 
+/// Removes what has the name. A directory is not ours; it gets another name.
+void OwnDirectory::make_way(const Directory& where, const std::string& name) const {
+    if (file_calls().unlink(where.fd(), name.c_str(), 0) == 0 || errno == ENOENT) return;
+    for (int number = 0; number < MOST_LEFT; ++number) {
+        const std::string left = "left-" + std::to_string(number);
+        if (dir_.has(left)) continue;
+        (void)file_calls().rename(where.fd(), name.c_str(), dir_.fd(), left.c_str());
+        return;
+    }
+}
+
 Outcome OwnDirectory::remove_journal() const {
     if (file_calls().unlink(dir_.fd(), JOURNAL, 0) != 0 && errno != ENOENT)
         return Failure::of_system(dir_.path_of(JOURNAL), errno);
@@ -172,8 +277,9 @@ Outcome OwnDirectory::remove_journal() const {
 }
 
 void OwnDirectory::clear() const {
-    remove_all_in(made_);
-    remove_all_in(set_aside_);
+    for (const Directory* dir : {&made_, &set_aside_}) {
+        for (const std::string& name : names_in(*dir)) make_way(*dir, name);
+    }
 }
 
 }  // namespace gw

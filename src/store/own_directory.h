@@ -20,8 +20,10 @@ class OwnDirectory {
     static constexpr const char* JOURNAL = "journal";
 
     /// Makes the directory in `fonts`, if it is missing, and takes its lock, for which it waits a few
-    /// seconds. Fails when another process has the lock (`Reason::IN_USE`), and for what somebody else has
-    /// put there under this name.
+    /// seconds. While it is made it is called ".glyphward-PROCESS"; the next one to make it removes what a
+    /// killed process has left. Fails when another process has the lock (`Reason::IN_USE`), and for what
+    /// somebody else has put there under this name (`Reason::NOT_OURS`; `Reason::OPEN_TO_ALL` where everybody
+    /// may write).
     static Result<std::unique_ptr<OwnDirectory>> enter(const Directory& fonts, bool waits = true);
     ~OwnDirectory() = default;
     OwnDirectory(const OwnDirectory&) = delete;
@@ -35,10 +37,12 @@ class OwnDirectory {
     [[nodiscard]] Result<Descriptor> create(const Directory& where, const std::string& name) const;
     /// Removes the journal: the change is final, or taken back.
     [[nodiscard]] Outcome remove_journal() const;
-    /// Removes what is in `made` and in `set_aside`.
+    /// Removes what is in `made` and in `set_aside`. Directories that somebody has put there get the names
+    /// "left-0", "left-1" and so on in this directory.
     void clear() const;
 
   private:
+    void make_way(const Directory& where, const std::string& name) const;
     OwnDirectory(const struct stat& owner, Directory dir, Directory made, Directory set_aside,
                  Descriptor lock);
 
@@ -49,8 +53,9 @@ class OwnDirectory {
     Descriptor lock_;
 };
 
-/// Whether what was found in a font directory under our name can be relied on, by its owner. Where a group
-/// may write the fonts, its members may write this too.
+/// Whether what was found in a font directory under our name can be relied on: it belongs to the directory's
+/// owner, to the superuser or to this user. Where a group, but not everybody, may write the fonts, its
+/// members can change everything there, and what belongs to that group counts too.
 [[nodiscard]] bool is_trusted(const struct stat& info, const struct stat& fonts);
 
 /// How long to wait for a lock, in milliseconds. For tests.
