@@ -28,16 +28,10 @@ int lines_in(std::string_view text) {
     return static_cast<int>(newlines) + (text.empty() || text.ends_with('\n') ? 0 : 1);
 }
 
-/// Whether the first line is a number that an `int` cannot hold once `more` is added to it.
-bool count_overflows(std::string_view text, int more) {
-    const long count = std::strtol(std::string(first_line(text)).c_str(), nullptr, 10);
-    return count > std::numeric_limits<int>::max() - more || count < std::numeric_limits<int>::min();
-}
-
 /// The text with a first line that can be counted on, also when `more` is added to it.
 std::string with_sound_count(std::string_view text, int more) {
     if (is_entry(first_line(text))) return std::to_string(lines_in(text)) + '\n' + std::string(text);
-    if (!count_overflows(text, more)) return std::string(text);
+    if (!index_count_overflows(text, more)) return std::string(text);
     return with_index_count(text, lines_in(text.substr(index_line_end(text, 0))));
 }
 
@@ -68,6 +62,15 @@ bool remove_last(std::string& text, std::string_view line) {
 }
 
 }  // namespace
+
+bool begins_with_an_entry(std::string_view text) {
+    return is_entry(first_line(text));
+}
+
+bool index_count_overflows(std::string_view text, int more) {
+    const long count = std::strtol(std::string(first_line(text)).c_str(), nullptr, 10);
+    return count > std::numeric_limits<int>::max() - more || count < std::numeric_limits<int>::min();
+}
 
 std::size_t index_line_end(std::string_view text, std::size_t start) {
     const std::size_t newline = text.find('\n', start);
@@ -130,22 +133,47 @@ bool withdraw(std::string& text, std::string_view line) {
     return !line.empty() && remove_last(text, line);
 }
 
-int occurrences(std::string_view text, std::string_view line) {
-    int number = 0;
-    for (std::size_t start = first_entry(text); start < text.size(); start = index_line_end(text, start))
-        number += without_newline(line_at(text, start)) == without_newline(line) ? 1 : 0;
-    return number;
+LineNumbers occurrences(std::string_view text, const LineNumbers& lines) {
+    LineNumbers numbers;
+    for (const auto& [line, number] : lines) numbers[line] = 0;
+    std::string line;
+    for (std::size_t start = first_entry(text); start < text.size(); start = index_line_end(text, start)) {
+        line = without_newline(line_at(text, start));
+        if (const auto found = numbers.find(line += '\n'); found != numbers.end()) ++found->second;
+    }
+    return numbers;
 }
 
-void set_occurrences(std::string& text, std::string_view line, int number) {
-    int too_many = occurrences(text, line) - number;
-    if (too_many != 0) text = with_sound_count(text, 0);
-    if (too_many < 0) {
-        std::string lines;
-        for (int missing = too_many; missing < 0; ++missing) lines.append(without_newline(line)).append("\n");
-        text = with_entries(text, lines, -too_many);
+std::string with_occurrences(std::string_view text, const LineNumbers& wanted) {
+    LineNumbers missing = occurrences(text, wanted);
+    bool is_right = true;
+    for (auto& [line, number] : missing) {
+        const int wanted_number = wanted.find(line)->second;
+        is_right = is_right && number == wanted_number;
+        number = wanted_number;
     }
-    for (; too_many > 0; --too_many) remove_last(text, line);
+    if (is_right) return std::string(text);
+    const std::string sound = with_sound_count(text, 0);
+    std::string kept(line_at(sound, 0));
+    int removed = 0;
+    std::string line;
+    for (std::size_t start = kept.size(); start < sound.size(); start = index_line_end(sound, start)) {
+        line = without_newline(line_at(sound, start));
+        const auto found = missing.find(line += '\n');
+        const bool is_too_much = found != missing.end() && found->second-- <= 0;
+        if (is_too_much) {
+            ++removed;
+        } else {
+            kept += line_at(sound, start);
+        }
+    }
+    kept = with_index_count(kept, index_count(kept) - removed);
+    std::string more;
+    int entered = 0;
+    for (const auto& [text_of_line, number] : missing) {
+        for (int i = 0; i < number; ++i, ++entered) more += text_of_line;
+    }
+    return entered > 0 ? with_entries(kept, more, entered) : kept;
 }
 
 void split_index_line(std::string_view line, std::string& file_name, std::string& font_name) {

@@ -4,6 +4,8 @@
 // edit. The bytes of all other lines stay as they are.
 #pragma once
 
+#include <functional>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,10 +35,18 @@ std::vector<std::string> strike_out(std::string& text, std::string_view file_nam
 /// Removes the last line with exactly this text (newline included); false when there is none.
 bool withdraw(std::string& text, std::string_view line);
 
-/// How many lines have exactly this text (newline included).
-[[nodiscard]] int occurrences(std::string_view text, std::string_view line);
-/// Removes the last or appends as many lines with this text that there are `number`.
-void set_occurrences(std::string& text, std::string_view line, int number);
+/// Line texts (newline included) with a number for each.
+using LineNumbers = std::map<std::string, int, std::less<>>;
+
+/// How many lines have each of these texts; the numbers in `lines` do not matter.
+[[nodiscard]] LineNumbers occurrences(std::string_view text, const LineNumbers& lines);
+/// Removes the last or appends as many lines of each of these texts that there is that number of them.
+[[nodiscard]] std::string with_occurrences(std::string_view text, const LineNumbers& wanted);
+
+/// Whether the first line is an entry instead of a count.
+[[nodiscard]] bool begins_with_an_entry(std::string_view text);
+/// Whether the first line is a number that an `int` cannot hold once `more` is added to it.
+[[nodiscard]] bool index_count_overflows(std::string_view text, int more);
 
 /// `text` with the number `count` as its first line.
 [[nodiscard]] std::string with_index_count(std::string_view text, int count);

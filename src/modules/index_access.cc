@@ -71,10 +71,7 @@ Result<int> strike_out(DirectoryChange& change, const std::string& file_name, co
     const int struck = change.strike_out(file_name, all ? std::numeric_limits<int>::max() : 1);
     if (struck > 0) return struck;
     // Readers take a line that is too long for two, and may find the file's name in the second.
-    const std::vector<IndexEntry> entries = index_entries(change.index());
-    const bool is_listed = std::any_of(entries.begin(), entries.end(),
-                                       [&](const IndexEntry& entry) { return entry.file_name == file_name; });
-    if (!is_listed) return 0;
+    if (change.font_names(file_name).empty()) return 0;
     return Failure{change.dir().path_of(FONT_INDEX_NAME), Reason::NOT_IN_THE_INDEX};
 }
 
@@ -119,13 +116,10 @@ Outcome can_be_indexed(GWFont& font) {
 }
 
 bool is_file_of_another(const char* file_name, GWFont& font, const DirectoryChange& change) {
-    bool listed = false;
-    for (const IndexEntry& entry : index_entries(change.index())) {
-        if (entry.file_name != file_name) continue;
-        if (::strcasecmp(entry.font_name.c_str(), font.get_xlfd_name()) == 0) return false;
-        listed = true;
-    }
-    return listed;
+    const std::vector<std::string> names = change.font_names(file_name);
+    return !names.empty() && std::none_of(names.begin(), names.end(), [&](const std::string& name) {
+        return ::strcasecmp(name.c_str(), font.get_xlfd_name()) == 0;
+    });
 }
 
 Outcome enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name) {

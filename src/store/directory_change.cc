@@ -77,22 +77,23 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, b
     return change;
 }
 
-Outcome DirectoryChange::load_index() {
-    before_.clear();
-    text_.clear();
+Result<std::string> DirectoryChange::look_at_index() {
     has_index_ = dir_.look_at(INDEX, index_info_);
-    if (!has_index_)
-        return errno == ENOENT ? done() : Outcome(Failure::of_system(dir_.path_of(INDEX), errno));
+    if (!has_index_ && errno == ENOENT) return std::string();
+    if (!has_index_) return Failure::of_system(dir_.path_of(INDEX), errno);
     const bool is_link = S_ISLNK(index_info_.st_mode);
     // A file in its place would have another owner.
     const bool is_anothers = !runs_as_superuser() && index_info_.st_uid != ::geteuid();
     overwrites_index_ = is_link || index_info_.st_nlink != 1 || is_anothers;
     content_info_ = index_info_;
     if (is_link) (void)::fstatat(dir_.fd(), INDEX.c_str(), &content_info_, 0);
-    Result<std::string> bytes = read_index(dir_, index_info_);
+    return read_index(dir_, index_info_);
+}
+
+Outcome DirectoryChange::load_index() {
+    Result<std::string> bytes = look_at_index();
     if (!bytes) return bytes.failure();
-    before_ = std::move(*bytes);
-    text_ = before_;
+    edit_ = std::make_unique<IndexEdit>(std::move(*bytes));
     return done();
 }
 
@@ -211,12 +212,16 @@ Outcome DirectoryChange::put(const StagedFile& file) {
     }
     if (calls.rename(own_->made().fd(), file.number_.c_str(), old_place, place->name().c_str()) != 0)
         return Failure::of_system(file.path(), errno);
-    std::erase_if(leaving_, [&](const Leaving& leaving) { return leaving.name == file.name(); });
+    for (auto [found, end] = places_of_leaving_.equal_range(file.name()); found != end; ++found) {
+        if (std::exchange(leaving_[found->second].stays, true)) continue;
+        staying_.push_back(found->second);
+    }
     return done();
 }
 
 bool DirectoryChange::take_out(const std::string& name, bool may_stay) {
     if (!journal::can_name(name)) return false;
+    places_of_leaving_.emplace(name, leaving_.size());
     leaving_.push_back({name, may_stay});
     return true;
 }
@@ -228,39 +233,45 @@ void DirectoryChange::afterwards(const std::string& key, std::function<void()> s
 }
 
 bool DirectoryChange::will_have(const std::string& name) const {
-    const bool leaves = std::any_of(leaving_.begin(), leaving_.end(),
-                                    [&](const Leaving& leaving) { return leaving.name == name; });
+    const auto [first, end] = places_of_leaving_.equal_range(name);
+    const bool leaves =
+        std::any_of(first, end, [&](const auto& place) { return !leaving_[place.second].stays; });
     return !leaves && dir_.has(name);
 }
 
-void DirectoryChange::touch(const std::string& line) {
-    lines_.try_emplace(line, occurrences(before_, line));
-}
-
 void DirectoryChange::enter(const std::string& line) {
-    touch(line);
-    text_ = with_entries(text_, line, 1);
+    edit_->enter(line);
 }
 
 int DirectoryChange::strike_out(const std::string& file_name, int most) {
-    const std::vector<std::string> struck = gw::strike_out(text_, file_name, most);
-    for (const std::string& line : struck) touch(line.ends_with('\n') ? line : line + '\n');
-    return static_cast<int>(struck.size());
+    return edit_->strike_out(file_name, most);
+}
+
+std::vector<std::string> DirectoryChange::font_names(const std::string& file_name) const {
+    return edit_->font_names(file_name);
 }
 
 DirectoryChange::Mark DirectoryChange::mark() const {
-    return {records_.size(), leaving_, afterwards_, text_, lines_};
+    return {records_.size(), edit_->edits(), leaving_.size(), staying_.size(), afterwards_.size()};
 }
 
 void DirectoryChange::take_back_all() {
-    take_back_to({0, {}, {}, before_, {}});
+    take_back_to({});
+}
+
+void DirectoryChange::forget_leaving(std::size_t leaving, std::size_t staying) {
+    for (; staying_.size() > staying; staying_.pop_back()) leaving_[staying_.back()].stays = false;
+    for (; leaving_.size() > leaving; leaving_.pop_back()) {
+        auto [found, end] = places_of_leaving_.equal_range(leaving_.back().name);
+        while (found->second != leaving_.size() - 1) ++found;
+        places_of_leaving_.erase(found);
+    }
 }
 
 void DirectoryChange::take_back_to(const Mark& mark) {
-    text_ = mark.text;
-    lines_ = mark.lines;
-    leaving_ = mark.leaving;
-    afterwards_ = mark.afterwards;
+    edit_->take_back_to(mark.edits);
+    forget_leaving(mark.leaving, mark.staying);
+    afterwards_.resize(mark.afterwards);
     if (records_.size() <= mark.records) return;
     const auto first = records_.begin() + static_cast<std::ptrdiff_t>(mark.records);
     // What cannot be taken back stays in the journal, for the next time.
@@ -365,33 +376,41 @@ Outcome DirectoryChange::merge_index(std::size_t records) {
     return edit_again();
 }
 
+void DirectoryChange::collect_edits() {
+    before_ = edit_->before();
+    text_ = edit_->text();
+    differences_ = edit_->differences();
+    lines_ = occurrences(before_, differences_);
+}
+
 /// Makes the same edits to the index that another program has written meanwhile.
 Outcome DirectoryChange::edit_again() {
-    std::map<std::string, int> wanted;
-    for (const auto& [line, number] : lines_) wanted[line] = occurrences(text_, line) - number;
-    if (Outcome loaded = load_index(); !loaded) return loaded;
-    for (auto& [line, number] : lines_) {
-        number = occurrences(text_, line);
-        set_occurrences(text_, line, std::max(0, number + wanted[line]));
-    }
+    Result<std::string> bytes = look_at_index();
+    if (!bytes) return bytes.failure();
+    before_ = std::move(*bytes);
+    lines_ = occurrences(before_, differences_);
+    LineNumbers wanted = lines_;
+    for (auto& [line, number] : wanted) number = std::max(0, number + differences_[line]);
+    text_ = with_occurrences(before_, wanted);
     return done();
 }
 
 Outcome DirectoryChange::move_out() {
     std::vector<journal::Record> records;
-    std::vector<unsigned> numbers;
+    std::vector<std::pair<const Leaving*, unsigned>> going;
     for (const Leaving& leaving : leaving_) {
-        numbers.push_back(next_number_);
+        if (leaving.stays) continue;
+        going.emplace_back(&leaving, next_number_);
         records.emplace_back(journal::Out{next_number_++, leaving.name});
     }
     if (records.empty()) return done();
     if (Outcome noted = note(records); !noted) return noted;
-    for (std::size_t i = 0; i < leaving_.size(); ++i) {
-        const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving_[i].name);
-        const int error = place ? place->rename_to(own_->set_aside(), std::to_string(numbers[i])) : ENOENT;
+    for (const auto& [leaving, number] : going) {
+        const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving->name);
+        const int error = place ? place->rename_to(own_->set_aside(), std::to_string(number)) : ENOENT;
         if (error == 0 || error == ENOENT || error == ENOTDIR) continue;
-        const Failure failure = Failure::of_system(dir_.path_of(leaving_[i].name), error);
-        if (!leaving_[i].may_stay) return failure;
+        const Failure failure = Failure::of_system(dir_.path_of(leaving->name), error);
+        if (!leaving->may_stay) return failure;
         tell(failure.with(Sequel::FILE_REMAINS));
     }
     return done();
@@ -412,6 +431,7 @@ Outcome DirectoryChange::forget_journal() {
 }
 
 Outcome DirectoryChange::commit_index() {
+    collect_edits();
     return broken_ ? Outcome(*broken_) : write_index();
 }
 
@@ -438,7 +458,7 @@ bool DirectoryChange::brings_files() const {
 }
 
 // On a full disk there is no room for a journal or for a second index, but what only deletes makes room.
-Outcome DirectoryChange::commit_for_good() {
+Outcome DirectoryChange::commit_for_good(const std::vector<Leaving>& going) {
     for (int attempt = 1; has_index_ && !lines_.empty() && !index_is_unchanged(); ++attempt) {
         if (attempt == MOST_ATTEMPTS) return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
         if (Outcome edited = edit_again(); !edited) return edited;
@@ -446,10 +466,10 @@ Outcome DirectoryChange::commit_for_good() {
     if (has_index_ && !lines_.empty()) {
         if (Outcome written = overwrite_index(dir_, index_info_, text_); !written) return written;
     }
-    for (const Leaving& leaving : leaving_) {
+    for (const Leaving& leaving : going) {
         const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving.name);
-        if (!place || file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0 ||
-            errno == ENOENT)
+        if (leaving.stays || !place ||
+            file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0 || errno == ENOENT)
             continue;
         tell(Failure::of_system(dir_.path_of(leaving.name), errno).with(Sequel::FILE_REMAINS));
     }
@@ -459,26 +479,27 @@ Outcome DirectoryChange::commit_for_good() {
 /// What follows a change that is final.
 void DirectoryChange::finish() {
     leaving_.clear();
+    places_of_leaving_.clear();
+    staying_.clear();
     lines_.clear();
     for (const Step& step : std::exchange(afterwards_, {})) step.run();
 }
 
 Outcome DirectoryChange::commit() {
-    const Mark end = mark();
-    const bool only_deletes = records_.empty() && text_.size() <= before_.size();
-    Outcome outcome = own_ ? commit_index() : Outcome(*broken_);
+    const bool only_deletes = records_.empty() && edit_->text().size() <= edit_->before().size();
+    Outcome outcome = commit_index();
     if (outcome) outcome = commit_files();
     if (outcome) outcome = commit_end();
     if (outcome) return outcome;
+    const std::vector<Leaving> leaving = leaving_;
+    const std::vector<Step> steps = afterwards_;
     abandon();
     if (!records_.empty() || !only_deletes || !is_lack_of_room(outcome.failure())) return outcome;
-    text_ = end.text;
-    lines_ = end.lines;
-    leaving_ = end.leaving;
-    afterwards_ = end.afterwards;
-    outcome = commit_for_good();
-    if (outcome) finish();
-    return outcome;
+    outcome = commit_for_good(leaving);
+    if (!outcome) return outcome;
+    afterwards_ = steps;
+    finish();
+    return done();
 }
 
 Outcome settle(const std::string& path) {

@@ -9,16 +9,18 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <memory>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "core/directory.h"
 #include "core/failure.h"
 #include "core/file_writer.h"
+#include "fontfiles/index_edit.h"
+#include "fontfiles/index_text.h"
 #include "store/journal.h"
 #include "store/own_directory.h"
 
@@ -71,8 +73,10 @@ class DirectoryChange {
     /// Makes an index without entries, if there is none. It stays, whatever becomes of the change. Fails for
     /// an index that may not be written.
     Outcome make_index();
-    /// The index as it will be.
-    [[nodiscard]] const std::string& index() const { return text_; }
+    /// The names of the fonts for which the index, as it will be, has this file.
+    [[nodiscard]] std::vector<std::string> font_names(const std::string& file_name) const;
+    /// The index as it will be; put together anew for each call.
+    [[nodiscard]] std::string index() const { return edit_->text(); }
     /// Appends an entry line, newline included.
     void enter(const std::string& line);
     /// Removes the entries of the file, at most the first `most`; returns their number.
@@ -80,23 +84,13 @@ class DirectoryChange {
     /// Whether the directory will have a file of this name.
     [[nodiscard]] bool will_have(const std::string& name) const;
 
-    /// What shall go when the change is committed, and what follows then.
-    struct Leaving {
-        std::string name;
-        bool may_stay;
-    };
-    struct Step {
-        std::string key;
-        std::function<void()> run;
-    };
-
-    /// What a font's part of the change can be taken back to.
+    /// What a font's part of the change can be taken back to: how much there was of everything.
     struct Mark {
-        std::size_t records;
-        std::vector<Leaving> leaving;
-        std::vector<Step> afterwards;
-        std::string text;
-        std::map<std::string, int> lines;
+        std::size_t records = 0;
+        std::size_t edits = 0;
+        std::size_t leaving = 0;
+        std::size_t staying = 0;
+        std::size_t afterwards = 0;
     };
     [[nodiscard]] Mark mark() const;
     void take_back_to(const Mark& mark);
@@ -115,12 +109,26 @@ class DirectoryChange {
     [[nodiscard]] bool brings_files() const;
 
   private:
+    /// What shall go when the change is committed, unless another file gets its name.
+    struct Leaving {
+        std::string name;
+        bool may_stay;
+        bool stays = false;
+    };
+    /// What follows then.
+    struct Step {
+        std::string key;
+        std::function<void()> run;
+    };
+
     DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own);
+    Result<std::string> look_at_index();
     Outcome load_index();
+    void collect_edits();
     [[nodiscard]] Outcome may_write_index() const;
     [[nodiscard]] Outcome may_be_replaced(const std::string& name) const;
     Outcome note(const std::vector<journal::Record>& records);
-    void touch(const std::string& line);
+    void forget_leaving(std::size_t leaving, std::size_t staying);
     Outcome write_index();
     [[nodiscard]] std::vector<journal::Record> line_records() const;
     Outcome prepare_index();
@@ -132,7 +140,7 @@ class DirectoryChange {
     Outcome merge_index(std::size_t records);
     Outcome edit_again();
     Outcome move_out();
-    Outcome commit_for_good();
+    Outcome commit_for_good(const std::vector<Leaving>& going);
     Outcome cut_journal(off_t size);
     void finish();
     Outcome forget_journal();
@@ -143,10 +151,16 @@ class DirectoryChange {
     std::vector<journal::Record> records_;
     std::vector<off_t> offsets_;  // of the records in the journal
     std::vector<Leaving> leaving_;
+    std::unordered_multimap<std::string, std::size_t> places_of_leaving_;
+    std::vector<std::size_t> staying_;  // in the order in which they were found to stay
     std::vector<Step> afterwards_;
-    std::map<std::string, int> lines_;  // how many of each changed line there were
+    std::unique_ptr<IndexEdit> edit_ = std::make_unique<IndexEdit>();
+    // The index when it is written: as it was and as it will be, what becomes of each changed line, and how
+    // many of each there were.
     std::string before_;
     std::string text_;
+    LineNumbers differences_;
+    LineNumbers lines_;
     struct stat index_info_ = {};
     struct stat content_info_ = {};  // of what it points to, if it is a link
     bool has_index_ = false;

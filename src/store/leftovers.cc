@@ -98,9 +98,7 @@ std::vector<Leftover> leftovers_in(const Directory& fonts) {
 }
 
 bool is_listed(const DirectoryChange& change, const std::string& file_name) {
-    const std::vector<IndexEntry> entries = index_entries(change.index());
-    return std::any_of(entries.begin(), entries.end(),
-                       [&](const IndexEntry& entry) { return entry.file_name == file_name; });
+    return !change.font_names(file_name).empty();
 }
 
 /// Whether another file, which is there, has the font name of this line. The server takes small and capital

@@ -78,7 +78,7 @@ class TakingBack {
     }
 
     Outcome operator()(const journal::Line& line) {
-        lines_.push_back(line);
+        lines_[line.text] = line.number;
         return done();
     }
 
@@ -136,14 +136,13 @@ class TakingBack {
     [[nodiscard]] Outcome lines_in(const struct stat& info) const {
         const Result<std::string> bytes = read_index(fonts_, info);
         if (!bytes) return bytes.failure();
-        std::string text = *bytes;
-        for (const journal::Line& line : lines_) set_occurrences(text, line.text, line.number);
+        const std::string text = with_occurrences(*bytes, lines_);
         return text == *bytes ? done() : overwrite_index(fonts_, info, text);
     }
 
     const Directory& fonts_;
     const OwnDirectory& own_;
-    std::vector<journal::Line> lines_;
+    LineNumbers lines_;
     journal::Index index_{};
     bool is_written_ = false;
     bool is_overwritten_ = false;

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "fontfiles/gw_fontdir_file.h"
+#include "fontfiles/index_edit.h"
 #include "fontfiles/index_text.h"
 #include "fuzz.h"
 
@@ -71,15 +72,30 @@ void try_striking_out(std::string_view text, const std::string& file) {
 
 void try_occurrences(std::string_view text, const std::string& line) {
     for (const int number : {2, 0, 1}) {
-        std::string edited(text);
-        gw::set_occurrences(edited, line, number);
-        GW_MUST_HOLD(gw::occurrences(edited, line) == number, edited);
+        const gw::LineNumbers wanted = {{line, number}};
+        const std::string edited = gw::with_occurrences(text, wanted);
+        GW_MUST_HOLD(gw::occurrences(edited, wanted) == wanted, edited);
         std::vector<std::string> expected = entry_lines(text);
         std::erase(expected, line);
         std::vector<std::string> lines = entry_lines(edited);
         std::erase(lines, line);
         GW_MUST_HOLD(lines == expected, edited);
     }
+}
+
+/// The same edits, each made to the whole text, give the same.
+void try_editing(std::string_view text, const std::string& line) {
+    gw::IndexEdit edit{std::string(text)};
+    std::string plain(text);
+    const std::string file = file_of(line);
+    const int struck = edit.strike_out(file, 1);
+    GW_MUST_HOLD(struck == static_cast<int>(gw::strike_out(plain, file, 1).size()), text);
+    GW_MUST_HOLD(edit.text() == plain, edit.text());
+    edit.enter(line);
+    plain = gw::with_entries(plain, line, 1);
+    GW_MUST_HOLD(edit.text() == plain, edit.text());
+    edit.take_back_to(0);
+    GW_MUST_HOLD(edit.text() == text, edit.text());
 }
 
 /// Entries that are read from the file are those of the text.
@@ -115,5 +131,6 @@ void gw::fuzz::try_input(std::string_view input) {
     if (!fits) return;
     try_appending(text, edit + '\n');
     try_occurrences(text, edit + '\n');
+    try_editing(text, edit + '\n');
     try_file(text, edit + '\n');
 }

@@ -21,7 +21,8 @@ constexpr const char* OUTSIDE = "a file beside the font directory";
 void try_records(std::string_view text) {
     const auto records = gw::journal::parse(text, "journal");
     if (!records) return;
-    std::string written(gw::journal::HEADING);
+    const bool is_old = text.starts_with(gw::journal::FIRST_HEADING);
+    std::string written(is_old ? gw::journal::FIRST_HEADING : gw::journal::HEADING);
     for (const gw::journal::Record& record : *records) written += gw::journal::line_of(record);
     const auto again = gw::journal::parse(written, "journal");
     GW_MUST_HOLD(static_cast<bool>(again), written);
