@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "core/directory.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <unistd.h>
@@ -155,6 +156,22 @@ bool Directory::look_at(const std::string& name, struct stat& info) const {
 bool Directory::has(const std::string& name) const {
     struct stat info = {};
     return look_at(name, info);
+}
+
+std::vector<std::string> Directory::names() const {
+    std::vector<std::string> names;
+    const int copy = ::openat(fd_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
+    if (entries == nullptr) {
+        if (copy >= 0) ::close(copy);
+        return names;
+    }
+    while (const dirent* entry = ::readdir(entries)) {
+        const std::string name = entry->d_name;
+        if (name != "." && name != "..") names.push_back(name);
+    }
+    ::closedir(entries);
+    return names;
 }
 
 Result<std::string> Directory::read(const std::string& name) const {

@@ -7,6 +7,7 @@
 #include <sys/stat.h>
 
 #include <string>
+#include <vector>
 
 #include "core/failure.h"
 
@@ -59,6 +60,8 @@ class Directory {
     /// The file's information, not following a link; false when there is none.
     bool look_at(const std::string& name, struct stat& info) const;
     [[nodiscard]] bool has(const std::string& name) const;
+    /// The names in it, in no order; none when it cannot be read.
+    [[nodiscard]] std::vector<std::string> names() const;
     /// The bytes of the regular file NAME, at most `FILE_LIMIT`. Opened without waiting; a link is refused.
     [[nodiscard]] Result<std::string> read(const std::string& name) const;
 

@@ -59,6 +59,10 @@ std::string Failure::with_detail(std::string text) const {
     return text;
 }
 
+bool Failure::is_lack_of_room() const {
+    return reason == Reason::SYSTEM && (error == ENOSPC || error == EDQUOT);
+}
+
 std::string Failure::reason_text() const {
     return reason == Reason::SYSTEM ? std::strerror(error) : with_detail(text_of(reason));
 }

@@ -37,6 +37,8 @@ struct Failure {
     /// The same failure with its consequence.
     [[nodiscard]] Failure with(Sequel what_follows, std::string its_detail = {}) const;
 
+    /// Whether the disk, or the user's share of it, is full.
+    [[nodiscard]] bool is_lack_of_room() const;
     /// The reason, in English; a reason of the system is in the language of the locale.
     [[nodiscard]] std::string reason_text() const;
     /// `text` with the detail in the place of "%s".

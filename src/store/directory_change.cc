@@ -14,6 +14,7 @@
 #include "core/rights.h"
 #include "fontfiles/index_text.h"
 #include "platform/host_paths.h"
+#include "store/joint_change.h"
 #include "store/leftovers.h"
 #include "store/take_back.h"
 
@@ -27,14 +28,11 @@ constexpr mode_t PERMISSIONS = 07777;
 
 const std::string INDEX(FONT_INDEX_NAME);
 
-bool is_lack_of_room(const Failure& failure) {
-    return failure.reason == Reason::SYSTEM && (failure.error == ENOSPC || failure.error == EDQUOT);
-}
-
 /// Whether a change has left anything behind that did not come to its end.
 bool has_left_overs(const Directory& own) {
     std::error_code unreadable;
-    return own.has(OwnDirectory::JOURNAL) || !std::filesystem::is_empty(own.path_of("new"), unreadable) ||
+    return own.has(OwnDirectory::JOURNAL) || !final_names(own).empty() ||
+           !std::filesystem::is_empty(own.path_of("new"), unreadable) ||
            !std::filesystem::is_empty(own.path_of("old"), unreadable);
 }
 
@@ -64,10 +62,11 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, b
     std::unique_ptr<DirectoryChange> change;
     if (own) {
         if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
+        finish_joint_changes(**own);
         change.reset(new DirectoryChange(std::move(dir), std::move(*own)));
     } else {
         // Where there never was a change, nobody else can be in the middle of one.
-        if (!is_lack_of_room(own.failure()) || dir.has(OwnDirectory::NAME)) return own.failure();
+        if (!own.failure().is_lack_of_room() || dir.has(OwnDirectory::NAME)) return own.failure();
         change.reset(new DirectoryChange(std::move(dir), nullptr));
         change->broken_ = own.failure();
     }
@@ -451,6 +450,48 @@ void DirectoryChange::abandon() {
     if (records_.empty()) tell_unless_done(forget_journal());
 }
 
+void DirectoryChange::undo_on_disk() {
+    Mark all = mark();
+    all.records = 0;
+    take_back_to(all);
+    if (records_.empty()) tell_unless_done(forget_journal());
+}
+
+Outcome DirectoryChange::depend_on(const DirectoryChange& leader, const std::string& token) {
+    const std::optional<std::string> path = joint_path(leader.dir_);
+    return path ? note({journal::With{token, *path}}) : done();
+}
+
+Outcome DirectoryChange::lead(const std::vector<DirectoryChange*>& others, const std::string& token) {
+    std::vector<journal::Record> records;
+    for (const DirectoryChange* other : others) {
+        if (const auto path = joint_path(other->dir_)) records.emplace_back(journal::And{*path});
+    }
+    if (Outcome noted = note(records); !noted) return noted;
+    (void)file_calls().sync(dir_.fd());
+    const int own = own_->dir().fd();
+    if (file_calls().rename(own, OwnDirectory::JOURNAL, own, final_name(token).c_str()) != 0)
+        return Failure::of_system(dir_.path(), errno);
+    (void)file_calls().sync(own);
+    return done();
+}
+
+bool DirectoryChange::end_as_final() {
+    (void)file_calls().sync(dir_.fd());
+    const bool is_gone = static_cast<bool>(own_->remove_journal());
+    // What cannot be removed says itself that the change is final.
+    records_.clear();
+    offsets_.clear();
+    journal_ = Descriptor();
+    if (is_gone) own_->clear();
+    finish();
+    return is_gone;
+}
+
+void DirectoryChange::end_leading(const std::string& token) const {
+    (void)file_calls().unlink(own_->dir().fd(), final_name(token).c_str(), 0);
+}
+
 bool DirectoryChange::brings_files() const {
     return std::any_of(records_.begin(), records_.end(), [](const journal::Record& record) {
         return std::holds_alternative<journal::Put>(record);
@@ -458,7 +499,7 @@ bool DirectoryChange::brings_files() const {
 }
 
 // On a full disk there is no room for a journal or for a second index, but what only deletes makes room.
-Outcome DirectoryChange::commit_for_good(const std::vector<Leaving>& going) {
+Outcome DirectoryChange::commit_for_good() {
     for (int attempt = 1; has_index_ && !lines_.empty() && !index_is_unchanged(); ++attempt) {
         if (attempt == MOST_ATTEMPTS) return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
         if (Outcome edited = edit_again(); !edited) return edited;
@@ -466,7 +507,7 @@ Outcome DirectoryChange::commit_for_good(const std::vector<Leaving>& going) {
     if (has_index_ && !lines_.empty()) {
         if (Outcome written = overwrite_index(dir_, index_info_, text_); !written) return written;
     }
-    for (const Leaving& leaving : going) {
+    for (const Leaving& leaving : leaving_) {
         const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving.name);
         if (leaving.stays || !place ||
             file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0 || errno == ENOENT)
@@ -491,15 +532,14 @@ Outcome DirectoryChange::commit() {
     if (outcome) outcome = commit_files();
     if (outcome) outcome = commit_end();
     if (outcome) return outcome;
-    const std::vector<Leaving> leaving = leaving_;
-    const std::vector<Step> steps = afterwards_;
-    abandon();
-    if (!records_.empty() || !only_deletes || !is_lack_of_room(outcome.failure())) return outcome;
-    outcome = commit_for_good(leaving);
-    if (!outcome) return outcome;
-    afterwards_ = steps;
-    finish();
-    return done();
+    undo_on_disk();
+    if (records_.empty() && only_deletes && outcome.failure().is_lack_of_room()) outcome = commit_for_good();
+    if (outcome) {
+        finish();
+    } else {
+        abandon();
+    }
+    return outcome;
 }
 
 Outcome settle(const std::string& path) {

@@ -99,12 +99,24 @@ class DirectoryChange {
     /// Makes the change final. After a failure everything is as it was before `begin`.
     Outcome commit();
 
-    // The three steps of `commit`, for changes that are final together.
+    // The steps of `commit`, for changes that are final together (see joint_change.h).
     Outcome commit_index();
     Outcome commit_files();
     Outcome commit_end();
+    /// Whether anything was begun.
+    [[nodiscard]] bool has_journal() const { return journal_.is_open(); }
+    /// Says in the journal that this change is final when that of the leader is.
+    Outcome depend_on(const DirectoryChange& leader, const std::string& token);
+    /// Makes this change and those that depend on it final.
+    Outcome lead(const std::vector<DirectoryChange*>& others, const std::string& token);
+    /// Ends a change that is final; false when its journal could not be removed.
+    bool end_as_final();
+    /// Removes the sign that the changes which depended on this one are final.
+    void end_leading(const std::string& token) const;
     /// Takes all of it back after a failure.
     void abandon();
+    /// The same, but it can be committed again.
+    void undo_on_disk();
     /// Whether files come with this change.
     [[nodiscard]] bool brings_files() const;
 
@@ -140,7 +152,7 @@ class DirectoryChange {
     Outcome merge_index(std::size_t records);
     Outcome edit_again();
     Outcome move_out();
-    Outcome commit_for_good(const std::vector<Leaving>& going);
+    Outcome commit_for_good();
     Outcome cut_journal(off_t size);
     void finish();
     Outcome forget_journal();

@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "store/joint_change.h"
+
 namespace gw {
 
 namespace {
@@ -35,18 +37,22 @@ Result<std::unique_ptr<DirectoryChange>> FontAction::begin(Directory dir) {
     return begun;
 }
 
-// No file goes before all indexes are written and all files have come, so a font that moves from one
-// directory to another is never in neither. Where something comes is made final first.
+// No file goes before all indexes are written and all files have come. Where something comes leads.
 std::vector<FontAction::Failed> FontAction::commit() {
     std::stable_partition(open_.begin(), open_.end(),
                           [](const auto& change) { return change->brings_files(); });
-    if (open_.size() == 1) return commit_alone();
+    if (open_.empty()) return {};
+    if (open_.size() == 1) return commit_each();
     Outcome outcome;
     for (const auto& change : open_) outcome = outcome ? change->commit_index() : outcome;
     for (const auto& change : open_) outcome = outcome ? change->commit_files() : outcome;
+    if (outcome) outcome = make_final();
+    if (!outcome && outcome.failure().is_lack_of_room() && !open_.front()->brings_files()) {
+        for (const auto& change : open_) change->undo_on_disk();
+        return commit_each();
+    }
     std::vector<Failed> failed;
     for (const auto& change : open_) {
-        if (outcome) outcome = change->commit_end();
         if (outcome) continue;
         change->abandon();
         failed.push_back({change->dir().path(), outcome.failure()});
@@ -55,12 +61,40 @@ std::vector<FontAction::Failed> FontAction::commit() {
     return failed;
 }
 
-std::vector<FontAction::Failed> FontAction::commit_alone() {
-    const std::unique_ptr<DirectoryChange> change = std::move(open_.front());
-    open_.clear();
-    const Outcome committed = change->commit();
-    if (committed) return {};
-    return {{change->dir().path(), committed.failure()}};
+/// Makes all changes final in one moment.
+Outcome FontAction::make_final() {
+    std::vector<DirectoryChange*> begun;
+    for (const auto& change : open_) {
+        if (change->has_journal()) begun.push_back(change.get());
+    }
+    if (begun.size() > 1) {
+        DirectoryChange& leader = *begun.front();
+        begun.erase(begun.begin());
+        const std::string token = new_joint_token();
+        for (DirectoryChange* change : begun) {
+            if (Outcome noted = change->depend_on(leader, token); !noted) return noted;
+        }
+        if (Outcome led = leader.lead(begun, token); !led) return led;
+        bool all_ended = true;
+        for (DirectoryChange* change : begun) all_ended = change->end_as_final() && all_ended;
+        leader.end_as_final();
+        if (all_ended) leader.end_leading(token);
+    } else if (begun.size() == 1) {
+        if (Outcome ended = begun.front()->commit_end(); !ended) return ended;
+    }
+    // The others have nothing to do but what follows.
+    for (const auto& change : open_) tell_unless_done(change->commit_end());
+    return done();
+}
+
+/// Makes each change final, or not, without the others.
+std::vector<FontAction::Failed> FontAction::commit_each() {
+    std::vector<Failed> failed;
+    for (const auto& change : std::exchange(open_, {})) {
+        if (const Outcome committed = change->commit(); !committed)
+            failed.push_back({change->dir().path(), committed.failure()});
+    }
+    return failed;
 }
 
 Outcome in_change(const std::string& path, const std::function<Outcome(DirectoryChange&)>& step) {

@@ -31,7 +31,8 @@ class FontAction {
         std::string dir;  ///< ends in "/"
         Failure why;
     };
-    /// Makes all changes final, until one fails. Returns the directories that are as they were before.
+    /// Makes all changes final, or none; a process that is killed does the same. Returns the directories that
+    /// are as they were before.
     std::vector<Failed> commit();
 
   private:
@@ -39,7 +40,8 @@ class FontAction {
     friend Outcome as_one_change(const std::function<Outcome()>& steps);
     [[nodiscard]] DirectoryChange* find(const Directory& dir) const;
     Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
-    std::vector<Failed> commit_alone();
+    Outcome make_final();
+    std::vector<Failed> commit_each();
 
     FontAction* outer_;
     std::vector<std::unique_ptr<DirectoryChange>> open_;

@@ -26,6 +26,8 @@ class Reader {
         if (kind == "line") return index_line(line);
         if (kind == "index") return index(line);
         if (kind == "overwrite" && line.empty()) return Overwrite{};
+        if (kind == "with") return with(line);
+        if (kind == "and" && can_be_path(line)) return And{std::string(line)};
         return std::nullopt;
     }
 
@@ -51,6 +53,14 @@ class Reader {
         return Index{*stamp, rest == "1"};
     }
 
+    static std::optional<Record> with(std::string_view rest) {
+        const std::string_view token = take_word(rest);
+        const bool is_token =
+            !token.empty() && token.find_first_not_of("0123456789abcdef") == std::string_view::npos;
+        if (!is_token || !can_be_path(rest)) return std::nullopt;
+        return With{std::string(token), std::string(rest)};
+    }
+
     bool has_full_stamps_;
 };
 
@@ -67,6 +77,8 @@ struct Writer {
         return "index " + index.stamp.text() + (index.was ? " 1" : " 0");
     }
     std::string operator()(const Overwrite&) const { return "overwrite"; }
+    std::string operator()(const With& with) const { return "with " + with.token + ' ' + with.path; }
+    std::string operator()(const And& other) const { return "and " + other.path; }
 };
 
 }  // namespace
@@ -75,6 +87,10 @@ bool can_name(std::string_view name) {
     if (name.starts_with("afm/")) name.remove_prefix(METRICS.size() + 1);
     return !name.empty() && name != "." && name != ".." && name != OWN_DIRECTORY_NAME &&
            name.find_first_of(std::string_view("/\n\0", 3)) == std::string_view::npos;
+}
+
+bool can_be_path(std::string_view path) {
+    return path.starts_with('/') && path.find_first_of(std::string_view("\n\0", 2)) == std::string_view::npos;
 }
 
 std::string line_of(const Record& record) {

@@ -11,6 +11,8 @@
 //                            number
 //     index STAMP WAS        this file becomes the index; WAS is 1 if there was one before
 //     overwrite              the index is written in place; "old" has its text before, "new" that to be
+//     with TOKEN PATH        the change is final if that of the directory PATH is: see joint_change.h
+//     and PATH               the change of the directory PATH depends on this one
 //
 // A stamp is a file's number, its size, and the seconds and nanoseconds of its last change (in the first
 // version of the format, the number alone). A name is that of a file in the directory, or of one in its
@@ -54,7 +56,16 @@ struct Index {
 struct Overwrite {
     bool operator==(const Overwrite&) const = default;
 };
-using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite>;
+struct With {
+    std::string token;
+    std::string path;
+    bool operator==(const With&) const = default;
+};
+struct And {
+    std::string path;
+    bool operator==(const And&) const = default;
+};
+using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite, With, And>;
 
 inline constexpr std::string_view HEADING = "glyphward-journal 2\n";
 inline constexpr std::string_view FIRST_HEADING = "glyphward-journal 1\n";
@@ -66,6 +77,9 @@ inline constexpr std::string_view METRICS = "afm";
 /// Whether a journal can name this file: a single component, or one in the subdirectory for metrics; no line
 /// break in it, and none of our own directory's.
 [[nodiscard]] bool can_name(std::string_view name);
+
+/// Whether a journal can name this directory: by an absolute path without line breaks.
+[[nodiscard]] bool can_be_path(std::string_view path);
 
 /// The record as a line. Its name must be one that `can_name` accepts.
 [[nodiscard]] std::string line_of(const Record& record);

@@ -1,14 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "store/own_directory.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <utility>
-#include <vector>
 
 #include "core/file_calls.h"
 #include "core/rights.h"
@@ -59,22 +57,6 @@ void give_away(int fd, const struct stat& like) {
                                  shared || runs_as_superuser() ? like.st_gid : static_cast<gid_t>(-1));
 }
 
-std::vector<std::string> names_in(const Directory& dir) {
-    std::vector<std::string> names;
-    const int copy = ::openat(dir.fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
-    if (entries == nullptr) {
-        if (copy >= 0) ::close(copy);
-        return names;
-    }
-    while (const dirent* entry = ::readdir(entries)) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") names.push_back(name);
-    }
-    ::closedir(entries);
-    return names;
-}
-
 /// The failure to use what is called NAME in `parent`. Where everybody may write, another user may have been
 /// the first to make it.
 Failure refusal(const Directory& parent, const char* name, const Directory& fonts) {
@@ -106,7 +88,7 @@ Result<Directory> made_below(const Directory& parent, const char* name, const Di
     if (file_calls().make_dir(parent.fd(), name, OWNERS) != 0 && errno != EEXIST)
         return Failure::of_system(parent.path_of(name), errno);
     Result<Directory> dir = opened_below(parent, name, fonts);
-    if (!dir || !names_in(*dir).empty()) return dir;
+    if (!dir || !dir->names().empty()) return dir;
     give_away(dir->fd(), fonts.info());
     if (is_shared(fonts) && file_calls().set_mode(dir->fd(), GROUPS) != 0)
         return Failure::of_system(dir->path(), errno);
@@ -170,7 +152,7 @@ Outcome make_begun(const Directory& fonts, const std::string& name) {
 // nobody out.
 Outcome make_own(const Directory& fonts) {
     const std::string prefix = std::string(OWN_DIRECTORY_NAME) + '-';
-    for (const std::string& name : names_in(fonts)) {
+    for (const std::string& name : fonts.names()) {
         if (name.starts_with(prefix)) remove_begun(fonts, name);
     }
     const std::string begun = prefix + std::to_string(::getpid());
@@ -278,7 +260,7 @@ Outcome OwnDirectory::remove_journal() const {
 
 void OwnDirectory::clear() const {
     for (const Directory* dir : {&made_, &set_aside_}) {
-        for (const std::string& name : names_in(*dir)) make_way(*dir, name);
+        for (const std::string& name : dir->names()) make_way(*dir, name);
     }
 }
 

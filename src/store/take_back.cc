@@ -15,6 +15,7 @@
 #include "core/rights.h"
 #include "fontfiles/index_text.h"
 #include "platform/host_paths.h"
+#include "store/joint_change.h"
 
 namespace gw {
 
@@ -92,6 +93,9 @@ class TakingBack {
         is_overwritten_ = true;
         return done();
     }
+
+    Outcome operator()(const journal::With&) const { return done(); }
+    Outcome operator()(const journal::And&) const { return done(); }
 
     Outcome index() const {
         if (is_overwritten_) return overwritten_index();
@@ -238,7 +242,11 @@ Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     if (!text) return text.failure();
     const auto records = journal::parse(*text, own.dir().path_of(OwnDirectory::JOURNAL));
     if (!records) return records.failure();
-    if (Outcome taken = take_back(fonts, own, *records); !taken) return taken;
+    const Result<bool> is_done = is_final(fonts, *records);
+    if (!is_done) return is_done.failure();
+    if (!*is_done) {
+        if (Outcome taken = take_back(fonts, own, *records); !taken) return taken;
+    }
     if (Outcome gone = own.remove_journal(); !gone) return gone;
     own.clear();
     return done();

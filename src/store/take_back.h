@@ -43,7 +43,7 @@ Outcome take_back(const Directory& fonts, const OwnDirectory& own,
                   const std::vector<journal::Record>& records);
 
 /// Takes back a change that did not come to its end, if there is a journal of one, and removes what it has
-/// left.
+/// left. One that was final together with that of another directory stays.
 Outcome recover(const Directory& fonts, const OwnDirectory& own);
 
 }  // namespace gw
