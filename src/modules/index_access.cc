@@ -75,15 +75,25 @@ Result<int> strike_out(DirectoryChange& change, const std::string& file_name, co
     return Failure{change.dir().path_of(FONT_INDEX_NAME), Reason::NOT_IN_THE_INDEX};
 }
 
-/// Removes a file that an index names in a subdirectory, without following links of others.
+/// Removes a file that an index names in a subdirectory. A name that leads out of the directory, by ".." or
+/// by a link, is refused.
 Outcome remove_below(const std::string& dir, const std::string& name) {
-    const Result<Directory> fonts = Directory::open(dir);
-    if (!fonts) return fonts.failure();
-    const std::size_t slash = name.rfind('/');
-    const std::size_t start = slash == std::string::npos ? 0 : slash + 1;
-    const Result<Directory> home = fonts->below(name.substr(0, start) + ".");
+    Result<Directory> home = Directory::open(dir);
+    std::string_view rest = name;
+    for (std::size_t slash = rest.find('/'); home && slash != std::string_view::npos;
+         slash = rest.find('/')) {
+        const std::string part(rest.substr(0, slash));
+        rest.remove_prefix(slash + 1);
+        struct stat info = {};
+        if (part.empty() || part == "..") return Failure::of_system(dir + name, EPERM);
+        if (!home->look_at(part, info))
+            return errno == ENOENT ? done() : Failure::of_system(dir + name, errno);
+        if (S_ISLNK(info.st_mode)) return Failure{dir + name, Reason::NOT_OURS};
+        home = home->below(part);
+    }
     if (!home) return home.failure();
-    if (file_calls().unlink(home->fd(), name.c_str() + start, 0) == 0 || errno == ENOENT) return done();
+    if (rest.empty() || file_calls().unlink(home->fd(), std::string(rest).c_str(), 0) == 0 || errno == ENOENT)
+        return done();
     return Failure::of_system(dir + name, errno);
 }
 
