@@ -71,8 +71,10 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, b
         change->broken_ = own.failure();
     }
     Outcome loaded = change->load_index();
+    if (loaded) change->load_our_lines();
     if (loaded && change->own_ && clear_leftovers(*change)) loaded = change->load_index();
     if (!loaded) return loaded.failure();
+    change->put_lost_lines_back();
     return change;
 }
 
@@ -94,6 +96,19 @@ Outcome DirectoryChange::load_index() {
     if (!bytes) return bytes.failure();
     edit_ = std::make_unique<IndexEdit>(std::move(*bytes));
     return done();
+}
+
+/// Without a register, or with one that cannot be relied on, a new one begins.
+void DirectoryChange::load_our_lines() {
+    if (!own_) return;
+    if (const Result<std::string> text = own_->read(OwnDirectory::LINES); text)
+        our_lines_ = LineRegister::parse(*text);
+}
+
+/// Puts back what other programs have dropped of our lines.
+void DirectoryChange::put_lost_lines_back() {
+    if (own_ && has_index_) our_lines_.put_back(*edit_, dir_);
+    beginning_ = mark();
 }
 
 /// What stands in the journal behind this is not done. If it cannot be cut off, the change can only be taken
@@ -255,7 +270,7 @@ DirectoryChange::Mark DirectoryChange::mark() const {
 }
 
 void DirectoryChange::take_back_all() {
-    take_back_to({});
+    take_back_to(beginning_);
 }
 
 void DirectoryChange::forget_leaving(std::size_t leaving, std::size_t staying) {
@@ -283,6 +298,30 @@ void DirectoryChange::take_back_to(const Mark& mark) {
     offsets_.resize(mark.records);
 }
 
+/// Makes the register of our lines as it is to be.
+Result<journal::Register> DirectoryChange::prepare_register() {
+    our_lines_.follow(lines_, differences_, dir_);
+    Result<Descriptor> fd = own_->create(own_->made(), OwnDirectory::LINES);
+    if (!fd) return fd.failure();
+    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
+    file.set_owner({runs_as_superuser() ? dir_.info().st_uid : ::geteuid(), dir_.info().st_gid});
+    file.write(our_lines_.text());
+    if (Outcome finished = file.finish(); !finished) return finished.failure();
+    return journal::Register{FileIdentity::of(file.info()), own_->dir().has(OwnDirectory::LINES)};
+}
+
+/// The old register is kept for taking it back, and the new one takes its place.
+Outcome DirectoryChange::put_register_in_place() {
+    constexpr const char* LINES = OwnDirectory::LINES;
+    const FileCalls& calls = file_calls();
+    const int own = own_->dir().fd();
+    if (calls.rename(own, LINES, own_->set_aside().fd(), LINES) != 0 && errno != ENOENT)
+        return Failure::of_system(dir_.path_of(INDEX), errno);
+    if (calls.rename(own_->made().fd(), LINES, own, LINES) != 0)
+        return Failure::of_system(dir_.path_of(INDEX), errno);
+    return done();
+}
+
 Outcome DirectoryChange::prepare_index() {
     Result<Descriptor> fd = own_->create(own_->made(), INDEX);
     if (!fd) return fd.failure();
@@ -292,15 +331,17 @@ Outcome DirectoryChange::prepare_index() {
     file.write(text_);
     if (has_index_) file.be_later_than(index_info_);
     if (Outcome finished = file.finish(); !finished) return finished;
-    std::vector<journal::Record> records = line_records();
-    records.emplace_back(journal::Index{FileIdentity::of(file.info()), has_index_});
-    return note(records);
+    return note_index(journal::Index{FileIdentity::of(file.info()), has_index_});
 }
 
-std::vector<journal::Record> DirectoryChange::line_records() const {
+Outcome DirectoryChange::note_index(const journal::Record& record) {
+    const Result<journal::Register> lines = prepare_register();
+    if (!lines) return lines.failure();
     std::vector<journal::Record> records;
     for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
-    return records;
+    records.push_back(record);
+    records.emplace_back(*lines);
+    return note(records);
 }
 
 /// Makes a file with the index as it was, for taking it back.
@@ -329,9 +370,7 @@ Outcome DirectoryChange::prepare_overwriting() {
     FileWriter file(std::move(*fd), dir_.path_of(INDEX));
     file.write(text_);
     if (Outcome finished = file.finish(); !finished) return finished;
-    std::vector<journal::Record> records = line_records();
-    records.emplace_back(journal::Overwrite{});
-    return note(records);
+    return note_index(journal::Overwrite{});
 }
 
 /// Whether the index is still as it was read.
@@ -361,7 +400,10 @@ Outcome DirectoryChange::write_index() {
         Outcome prepared = overwrites_index_ ? prepare_overwriting() : prepare_index();
         if (prepared && !overwrites_index_) prepared = set_index_aside();
         if (!prepared) return prepared;
-        if (index_is_unchanged()) return put_index_in_place();
+        if (index_is_unchanged()) {
+            Outcome written = put_index_in_place();
+            return written ? put_register_in_place() : written;
+        }
         if (Outcome merged = merge_index(before); !merged) return merged;
     }
     return Failure::of_system(dir_.path_of(INDEX), EAGAIN);

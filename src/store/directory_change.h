@@ -22,6 +22,7 @@
 #include "fontfiles/index_edit.h"
 #include "fontfiles/index_text.h"
 #include "store/journal.h"
+#include "store/line_register.h"
 #include "store/own_directory.h"
 
 namespace gw {
@@ -142,7 +143,11 @@ class DirectoryChange {
     Outcome note(const std::vector<journal::Record>& records);
     void forget_leaving(std::size_t leaving, std::size_t staying);
     Outcome write_index();
-    [[nodiscard]] std::vector<journal::Record> line_records() const;
+    Outcome note_index(const journal::Record& record);
+    void load_our_lines();
+    void put_lost_lines_back();
+    Result<journal::Register> prepare_register();
+    Outcome put_register_in_place();
     Outcome prepare_index();
     Outcome copy_old_index();
     Outcome set_index_aside();
@@ -166,6 +171,8 @@ class DirectoryChange {
     std::unordered_multimap<std::string, std::size_t> places_of_leaving_;
     std::vector<std::size_t> staying_;  // in the order in which they were found to stay
     std::vector<Step> afterwards_;
+    LineRegister our_lines_;
+    Mark beginning_;  // with what was put back
     std::unique_ptr<IndexEdit> edit_ = std::make_unique<IndexEdit>();
     // The index when it is written: as it was and as it will be, what becomes of each changed line, and how
     // many of each there were.

@@ -24,7 +24,8 @@ class Reader {
         if (kind == "out") return out(line);
         if (kind == "dir" && line == METRICS) return MadeDir{std::string(line)};
         if (kind == "line") return index_line(line);
-        if (kind == "index") return index(line);
+        if (kind == "index") return replacement<Index>(line);
+        if (kind == "register") return replacement<Register>(line);
         if (kind == "overwrite" && line.empty()) return Overwrite{};
         if (kind == "with") return with(line);
         if (kind == "and" && can_be_path(line)) return And{std::string(line)};
@@ -47,12 +48,12 @@ class Reader {
         if (!number || *number < 0 || *number > MOST_LINES) return std::nullopt;
         return Line{*number, std::string(rest) + '\n'};
     }
-    [[nodiscard]] std::optional<Record> index(std::string_view rest) const {
+    template <class Kind>
+    [[nodiscard]] std::optional<Record> replacement(std::string_view rest) const {
         const auto stamp = take_stamp(rest, has_full_stamps_);
         if (!stamp || (rest != "0" && rest != "1")) return std::nullopt;
-        return Index{*stamp, rest == "1"};
+        return Kind{*stamp, rest == "1"};
     }
-
     static std::optional<Record> with(std::string_view rest) {
         const std::string_view token = take_word(rest);
         const bool is_token =
@@ -77,6 +78,9 @@ struct Writer {
         return "index " + index.stamp.text() + (index.was ? " 1" : " 0");
     }
     std::string operator()(const Overwrite&) const { return "overwrite"; }
+    std::string operator()(const Register& lines) const {
+        return "register " + lines.stamp.text() + (lines.was ? " 1" : " 0");
+    }
     std::string operator()(const With& with) const { return "with " + with.token + ' ' + with.path; }
     std::string operator()(const And& other) const { return "and " + other.path; }
 };

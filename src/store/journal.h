@@ -11,6 +11,7 @@
 //                            number
 //     index STAMP WAS        this file becomes the index; WAS is 1 if there was one before
 //     overwrite              the index is written in place; "old" has its text before, "new" that to be
+//     register STAMP WAS     this file becomes the register of our lines; WAS is 1 if there was one before
 //     with TOKEN PATH        the change is final if that of the directory PATH is: see joint_change.h
 //     and PATH               the change of the directory PATH depends on this one
 //
@@ -56,6 +57,11 @@ struct Index {
 struct Overwrite {
     bool operator==(const Overwrite&) const = default;
 };
+struct Register {
+    FileIdentity stamp;
+    bool was;
+    bool operator==(const Register&) const = default;
+};
 struct With {
     std::string token;
     std::string path;
@@ -65,7 +71,7 @@ struct And {
     std::string path;
     bool operator==(const And&) const = default;
 };
-using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite, With, And>;
+using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite, Register, With, And>;
 
 inline constexpr std::string_view HEADING = "glyphward-journal 2\n";
 inline constexpr std::string_view FIRST_HEADING = "glyphward-journal 1\n";

@@ -251,6 +251,14 @@ void OwnDirectory::make_way(const Directory& where, const std::string& name) con
     }
 }
 
+Result<std::string> OwnDirectory::read(const char* name) const {
+    struct stat info = {};
+    if (!dir_.look_at(name, info)) return Failure::of_system(dir_.path_of(name), errno);
+    if (!S_ISREG(info.st_mode) || info.st_nlink != 1 || !is_trusted(info, owner_))
+        return Failure{dir_.path_of(name), Reason::NOT_OURS};
+    return dir_.read(name);
+}
+
 Outcome OwnDirectory::remove_journal() const {
     if (file_calls().unlink(dir_.fd(), JOURNAL, 0) != 0 && errno != ENOENT)
         return Failure::of_system(dir_.path_of(JOURNAL), errno);

@@ -18,6 +18,7 @@ class OwnDirectory {
   public:
     static constexpr const char* NAME = OWN_DIRECTORY_NAME;
     static constexpr const char* JOURNAL = "journal";
+    static constexpr const char* LINES = "lines";  ///< see line_register.h
 
     /// Makes the directory in `fonts`, if it is missing, and takes its lock, for which it waits a few
     /// seconds. While it is made it is called ".glyphward-PROCESS"; the next one to make it removes what a
@@ -35,6 +36,8 @@ class OwnDirectory {
 
     /// Opens a new file in this directory, in `made` or in `set_aside`, of the owner of the font directory.
     [[nodiscard]] Result<Descriptor> create(const Directory& where, const std::string& name) const;
+    /// The bytes of a file of ours; fails for one that cannot be relied on.
+    [[nodiscard]] Result<std::string> read(const char* name) const;
     /// Removes the journal: the change is final, or taken back.
     [[nodiscard]] Outcome remove_journal() const;
     /// Removes what is in `made` and in `set_aside`. Directories that somebody has put there get the names

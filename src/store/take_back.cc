@@ -94,6 +94,20 @@ class TakingBack {
         return done();
     }
 
+    Outcome operator()(const journal::Register& lines) const {
+        constexpr const char* LINES = OwnDirectory::LINES;
+        struct stat info = {};
+        const bool has_now = own_.dir().look_at(LINES, info);
+        if (has_now && !lines.stamp.fits(info)) return done();
+        bool is_back = true;
+        if (own_.set_aside().has(LINES)) {
+            is_back = file_calls().rename(own_.set_aside().fd(), LINES, own_.dir().fd(), LINES) == 0;
+        } else if (has_now && !lines.was) {
+            is_back = file_calls().unlink(own_.dir().fd(), LINES, 0) == 0;
+        }
+        return fails_unless(is_back, own_.dir().path_of(LINES));
+    }
+
     Outcome operator()(const journal::With&) const { return done(); }
     Outcome operator()(const journal::And&) const { return done(); }
 
@@ -151,14 +165,6 @@ class TakingBack {
     bool is_written_ = false;
     bool is_overwritten_ = false;
 };
-
-/// The journal, if there is one that may be believed.
-Result<std::string> journal_in(const Directory& fonts, const OwnDirectory& own, const struct stat& info) {
-    const std::string path = own.dir().path_of(OwnDirectory::JOURNAL);
-    const bool believed = S_ISREG(info.st_mode) && info.st_nlink == 1 && is_trusted(info, fonts.info());
-    if (!believed) return Failure{path, Reason::NOT_OURS};
-    return own.dir().read(OwnDirectory::JOURNAL);
-}
 
 }  // namespace
 
@@ -238,7 +244,7 @@ Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     }
     // Killed before its first record: nothing was begun.
     if (info.st_size == 0 && S_ISREG(info.st_mode)) return own.remove_journal();
-    const Result<std::string> text = journal_in(fonts, own, info);
+    const Result<std::string> text = own.read(OwnDirectory::JOURNAL);
     if (!text) return text.failure();
     const auto records = journal::parse(*text, own.dir().path_of(OwnDirectory::JOURNAL));
     if (!records) return records.failure();
