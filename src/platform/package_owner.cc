@@ -123,7 +123,7 @@ PackageOwners parse_dpkg_answer(std::string_view answer) {
     PackageOwners owners;
     for (const std::string_view line : lines_of(answer)) {
         const std::size_t end = line.find(": /");
-        if (end == std::string_view::npos || line.starts_with("diversion by ") ||
+        if (end == std::string_view::npos || end == 0 || line.starts_with("diversion by ") ||
             line.starts_with("local diversion ")) {
             continue;
         }

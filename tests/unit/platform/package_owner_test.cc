@@ -27,7 +27,7 @@ TEST(PackageOwner, AnswersOfDpkgAreRead) {
                                     "diversion by dash from: /bin/sh\n"
                                     "local diversion to: /bin/sh.real\n"
                                     "with: colon: /a: /b\n"
-                                    "no path\n\n: \n"),
+                                    "no path\n\n: \n: /of/nobody\n"),
               (PackageOwners{{"/usr/share/fonts/X11/misc/6x13.pcf.gz", "xfonts-base"},
                              {"/usr/share/doc/libc6", "libc6:amd64, libc6:i386"},
                              {"/a: /b", "with: colon"}}));
