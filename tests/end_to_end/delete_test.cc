@@ -5,6 +5,7 @@
 
 #include <sys/stat.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 
@@ -21,6 +22,7 @@ using namespace gw::e2e;
 using gw::test::TempDir;
 
 constexpr const char* WARNING = "Glyph Warden - Deletion Confirmation";
+constexpr const char* ATTRIBUTES = "Glyph Warden - Font Attributes";
 constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
 constexpr const char* PROGRESS = "Font Deletion Progress Dialog";
@@ -236,6 +238,34 @@ TEST_F(DeleteWithConflicts, EveryWayOutOfResolvingLeadsBackToTheSummary) {
     EXPECT_TRUE(others_are_there());
     ASSERT_TRUE(press(SUMMARY, "ok_button"));
     EXPECT_TRUE(hint_comes_and_goes());
+}
+
+// A stand-in for dpkg-query says that the font belongs to a package.
+TEST_F(Delete, AFontOfAPackageIsKeptUntilTheSuperuserInsists) {
+    if (!is_root()) GTEST_SKIP() << "to an ordinary user the fonts of packages are read-only";
+    const std::string command =
+        home.write("bin/dpkg-query", "#!/bin/sh\nshift 2\nfor f; do echo \"xfonts-e2e: $f\"; done\n");
+    std::filesystem::permissions(command, std::filesystem::perms(0755));
+    start({{"PATH", home.file("bin:") + std::getenv("PATH")}});
+    desktop.scroll_to_start(main->list_scroll_bar);
+    main->click_line(0);
+    ASSERT_NE(open_by_menu("f", "a", ATTRIBUTES), 0U);
+    desktop.picture("attributes-package");
+    ASSERT_TRUE(press(ATTRIBUTES, "close_button"));
+    ASSERT_NE(ask([&] { main->click_line(0); }), 0U);
+    ASSERT_TRUE(confirm());
+    ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+    EXPECT_TRUE(mine.exists(AARDVARKS.file_name()));
+    ASSERT_TRUE(press(SUMMARY, "resolve_button"));
+    const Window resolve = opens(RESOLVE, [] {});
+    ASSERT_NE(resolve, 0U);
+    desktop.click(desktop.part_named(resolve, "_conflicts_list"), 60, 12);
+    desktop.click_middle(desktop.part_named(resolve, "not_keep_button"));
+    desktop.picture("resolve-delete-package");
+    ASSERT_TRUE(press(RESOLVE, "ok_button"));
+    EXPECT_TRUE(hint_comes_and_goes());
+    EXPECT_EQ(leave(), 0);
+    EXPECT_TRUE(lists(mine.path(), "0\n"));
 }
 
 class DeleteLeavingTheSummary : public DeleteWithConflicts, public testing::WithParamInterface<Leaving> {};

@@ -84,7 +84,7 @@ std::string detail_of(const GWConflict& conflict) {
     std::string text;
     if (conflict.is_conflict(GWConflict::SAME_NAME) != 0) {
         if (installs()) text += gw::text_of(Message::EXISTS_ALREADY);
-        text += conflict.get_conflict_dir_name();
+        text += gw::escaped(conflict.get_conflict_dir_name());
     }
     if (conflict.is_conflict(GWConflict::READ_ONLY) != 0) text += gw::text_of(Message::IS_READ_ONLY);
     if (conflict.is_conflict(GWConflict::SYSTEM_FONT) != 0) text += gw::text_of(Message::IS_SYSTEM_FONT);

@@ -95,7 +95,8 @@ void display_fpe_list() {
 }
 
 void set_fpe_list_label() {
-    gw::set_label(_fpe_list_label, gw::text_of(Message::FPE_LIST_FOR) + current->root.value_or(""));
+    gw::set_label(_fpe_list_label,
+                  gw::text_of(Message::FPE_LIST_FOR) + gw::escaped(current->root.value_or("")));
 }
 
 int displayed_fpe_count() {
@@ -105,7 +106,7 @@ int displayed_fpe_count() {
 /// Inserts an element at the 1-based position and selects it, calling the selection callback.
 void put_at(int position, const std::string& element) {
     displayed.insert(displayed.begin() + (position - 1), element);
-    const gw::XmText item = gw::xm_text(element);
+    const gw::XmText item = gw::xm_text(gw::escaped(element));
     XmListAddItemUnselected(_fpe_list, item.get(), position);
     XmListSelectPos(_fpe_list, position, True);
     gw::show_position(_fpe_list, position);

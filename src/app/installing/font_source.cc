@@ -13,6 +13,7 @@
 #include "app/program/program_objects.h"
 #include "app/program/shown_list.h"
 #include "app/samples/attrdlg.h"
+#include "core/text.h"
 
 #include <Xm/List.h>
 
@@ -89,7 +90,7 @@ Signal<>& source_changes() {
 
 std::string source_label() {
     const std::string from = text_of(Message::FONTS_FROM);
-    if (install_from == FROM_DIRECTORY) return from + current_dir;
+    if (install_from == FROM_DIRECTORY) return from + escaped(current_dir);
     return from + text_of(install_from == FROM_FLOPPY ? Message::FROM_FLOPPY : Message::FROM_CDROM);
 }
 
@@ -107,7 +108,7 @@ void select_all_of_source(Widget list) {
         if (elem == nullptr) break;
         names.emplace_back(elem->get_name());
     }
-    XmTexts items(names);
+    XmTexts items(escaped(std::move(names)));
     XtVaSetValues(list, XmNselectedItems, items.table(), XmNselectedItemCount, items.count(), nullptr);
 }
 

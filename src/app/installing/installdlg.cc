@@ -93,7 +93,7 @@ std::string find_home_dir() {
 }
 
 void show_destination() {
-    update_label(_dest_label, gw::text_of(Message::DESTINATION), current_install_dir.c_str());
+    update_label(_dest_label, gw::text_of(Message::DESTINATION), gw::escaped(current_install_dir).c_str());
 }
 
 void set_default_destination() {

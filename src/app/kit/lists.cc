@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "core/text.h"
+
 #include <Xm/List.h>
 
 namespace gw {
@@ -39,6 +41,11 @@ XmTexts::XmTexts(const std::vector<std::string>& lines) {
     }
 }
 
+std::vector<std::string> escaped(std::vector<std::string> lines) {
+    for (std::string& line : lines) line = escaped(line);
+    return lines;
+}
+
 void fill_list(Widget list, const std::vector<std::string>& lines) {
     XmListDeleteAllItems(list);
     append_to_list(list, lines);
@@ -46,7 +53,7 @@ void fill_list(Widget list, const std::vector<std::string>& lines) {
 
 void append_to_list(Widget list, const std::vector<std::string>& lines) {
     constexpr int AT_THE_END = 0;
-    XmTexts texts(lines);
+    XmTexts texts(escaped(lines));
     if (texts.count() > 0) XmListAddItemsUnselected(list, texts.table(), texts.count(), AT_THE_END);
 }
 

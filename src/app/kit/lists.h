@@ -33,7 +33,9 @@ class XmTexts {
     std::vector<XmString> table_;
 };
 
-/// Replaces the lines of the list. None of them is selected.
+/// The lines with their control characters escaped: one that has a line feed would look like two.
+std::vector<std::string> escaped(std::vector<std::string> lines);
+/// Replaces the lines of the list, escaped. None of them is selected.
 void fill_list(Widget list, const std::vector<std::string>& lines);
 /// Adds the lines at the end of the list, unselected.
 void append_to_list(Widget list, const std::vector<std::string>& lines);

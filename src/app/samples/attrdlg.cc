@@ -46,7 +46,7 @@ void show_dialog() {
 }
 
 void set_value(Widget value, const char* text) {
-    update_label(value, text, nullptr);
+    update_label(value, text != nullptr ? gw::escaped(text).c_str() : nullptr, nullptr);
 }
 
 /// Only with the row for packages.

@@ -297,6 +297,16 @@ TEST_F(InstallDialog, PreviewsTheSourceAsLongAsItIsTheSource) {
     ASSERT_TRUE(wait_for_lookup());
 }
 
+TEST_F(InstallDialog, ADirectorysNameBreaksNoLine) {
+    const std::string odd = fonts_.dir().make_dir("two\nlines");
+    open_install_dialog();
+    installdlg::from_dir_specified_cb(odd.c_str());
+    EXPECT_EQ(source(), "Fonts From " + fonts_.path() + "two\\x0Alines/");
+    ASSERT_TRUE(wait_for_lookup());
+    choose_destination(odd);
+    EXPECT_EQ(destination(), "Destination : " + fonts_.path() + "two\\x0Alines/");
+}
+
 // With fixed names somebody else's directory is in the way. The user is told where they look.
 TEST_F(InstallDialog, SaysThatAnotherOneUsesTheScratchDirectory) {
     const gw::test::UnderPolicy as_ever(false);

@@ -180,6 +180,18 @@ TEST_F(Install, NeedsADestinationThatCanBeMade) {
     EXPECT_EQ(main_status(), "1 fonts successfully installed.");
 }
 
+TEST_F(Install, NeedsADestinationWithoutAComma) {
+    fonts_.add("a.pcf", face("alpha"));
+    choose_source(fonts_);
+    choose_destination(fonts_.dir().make_dir("a,b"));
+    select(source_list(), {1});
+    ASSERT_TRUE(press(find(wi_install_dlg, "_install_button")));
+    EXPECT_EQ(label(wi_install_dlg, "_message_label"),
+              "a directory of a font path cannot have a comma in its name");
+    EXPECT_TRUE(is_managed(wi_install_dlg));
+    EXPECT_FALSE(fonts_.exists("a,b/a.pcf"));
+}
+
 TEST_F(Install, NeedsADestinationThatIsWriteable) {
     fonts_.add("a.pcf", face("alpha"));
     choose_source(fonts_);
