@@ -44,6 +44,7 @@ TEST(Journal, EndsWithItsLastWholeLine) {
 
 // The first version knew a file by its number alone.
 TEST(Journal, OfTheFirstVersionIsRead) {
+    EXPECT_TRUE(parse("glyphward-journal 1", "j")) << "killed before the end of the heading";
     const auto records =
         parse("glyphward-journal 1\nput 7 a b.pfa\nout 3 a.pfa\nline 1 a.pfa -a\nindex 12 1\n", "j");
     ASSERT_TRUE(records);
