@@ -26,7 +26,8 @@ void try_records(std::string_view text) {
     for (const gw::journal::Record& record : *records) written += gw::journal::line_of(record);
     const auto again = gw::journal::parse(written, "journal");
     GW_MUST_HOLD(static_cast<bool>(again), written);
-    GW_MUST_HOLD(*again == *records, written);
+    // Files of the first version have fewer marks.
+    GW_MUST_HOLD(!text.starts_with(gw::journal::HEADING) || *again == *records, written);
     // What a kill leaves of it is its beginning.
     const auto cut = gw::journal::parse(text.substr(0, text.size() / 2), "journal");
     GW_MUST_HOLD(static_cast<bool>(cut) && cut->size() <= records->size(), text);
