@@ -21,7 +21,8 @@ namespace {
 /// A directory of our own, with nothing in it, for a short time.
 class ShortLivedDirectory {
   public:
-    ShortLivedDirectory() : path_(std::string(SCRATCH_ROOT) + "/glyphward-name-XXXXXX") {
+    // Of a run that is killed meanwhile, the next start removes it.
+    ShortLivedDirectory() : path_(SCRATCH_PRIVATE) {
         if (::mkdtemp(path_.data()) == nullptr) path_.clear();
     }
     ~ShortLivedDirectory() {

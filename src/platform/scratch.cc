@@ -279,6 +279,15 @@ std::vector<std::string> remove_left_scratch() {
     return removed;
 }
 
+bool was_in_private_scratch(std::string_view path) {
+    const std::string root = std::string(SCRATCH_ROOT) + '/';
+    if (!path.starts_with(root)) return false;
+    const std::string_view name = path.substr(root.size(), path.find('/', root.size()) - root.size());
+    struct stat info = {};
+    return is_private_name(name) && ::lstat((root + std::string(name)).c_str(), &info) != 0 &&
+           errno == ENOENT;
+}
+
 // Without MFD_CLOEXEC, so that the commands inherit it.
 UnnamedScratchFile::UnnamedScratchFile(std::string_view content) : fd_(::memfd_create("glyphward", 0)) {
     if (fd_ < 0 || write_all(fd_, content) == 0) return;

@@ -40,6 +40,8 @@ void drop_scratch_dir(const std::string& path);
 void remove_scratch();
 /// Removes the private directories of this user's runs that were killed; their paths, ending in "/".
 std::vector<std::string> remove_left_scratch();
+/// Whether the path is below a private directory that is not there any more.
+[[nodiscard]] bool was_in_private_scratch(std::string_view path);
 
 /// A scratch file in memory, without a name in any directory. No other user can open it, and it is gone with
 /// the object.

@@ -13,12 +13,6 @@
 
 namespace gw::e2e {
 
-namespace {
-
-constexpr const char* INSTALLED_PROGRAM = "/usr/vantor/bin/glyphward";
-
-}  // namespace
-
 bool is_as_ever() {
     const char* resources = std::getenv("GLYPHWARD_RESOURCES");
     return resources != nullptr && std::string_view(resources) == "off";

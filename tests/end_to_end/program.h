@@ -16,6 +16,9 @@
 
 namespace gw::e2e {
 
+/// Where the program is installed.
+inline constexpr const char* INSTALLED_PROGRAM = "/usr/vantor/bin/glyphward";
+
 /// Whether the tests run with both resources for today switched off, as GLYPHWARD_RESOURCES=off asks: what
 /// the program has always done is to be the same then. Tests of what is new are skipped.
 [[nodiscard]] bool is_as_ever();

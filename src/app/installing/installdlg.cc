@@ -45,6 +45,7 @@
 #include "model/packaged_fonts.h"
 #include "platform/host_paths.h"
 #include "platform/package_owner.h"
+#include "store/directory_change.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -100,6 +101,8 @@ void set_default_destination() {
     home_dir = find_home_dir();
     show_kilobytes(get_avail_space(home_dir.c_str()), Message::HOME_SPACE);
     set_current_install_dir((home_dir + gw::DEFAULT_INSTALL_DIR).c_str());
+    // A run that was killed before it put the directory on the font path has left it to nobody else.
+    gw::tell_unless_done(gw::settle(current_install_dir));
     show_destination();
 }
 

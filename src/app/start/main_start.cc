@@ -117,15 +117,12 @@ int display_lost(Display*) {
 /// Takes what killed runs previewed off the server's path: as long as it names a directory that is not there,
 /// the server takes no other path.
 void forget_killed_previews() {
-    for (const std::string& dir : gw::remove_left_scratch()) {
-        unsigned count = 0;
-        int position = 0;
-        for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::SESSION_FP, count)) {
-            ++position;
-            if (!std::string_view(element->get_str()).starts_with(dir)) continue;
+    (void)gw::remove_left_scratch();
+    unsigned count = 0;
+    const GW_LIST<GW_STRING>& elements = *the_font_path->get_fpe_list(GWFontPath::SESSION_FP, count);
+    for (int position = elements.get_count(); position > 0; --position) {
+        if (gw::was_in_private_scratch(elements.get_elem_at_pos(position)->get_str()))
             the_font_path->delete_pos(GWFontPath::SESSION_FP, position);
-            break;
-        }
     }
 }
 

@@ -161,6 +161,11 @@ TEST_F(Scratch, PrivateDirectoriesOfKilledRunsGoAtTheNextStart) {
     age(alive.answer());
     EXPECT_EQ(gw::remove_left_scratch(), std::vector<std::string>{killed.answer() + '/'});
     EXPECT_FALSE(fs::exists(killed.answer()));
+    EXPECT_TRUE(gw::was_in_private_scratch(killed.answer() + "/gw_dir/"));
+    EXPECT_TRUE(gw::was_in_private_scratch(killed.answer()));
+    EXPECT_FALSE(gw::was_in_private_scratch(alive.answer() + "/gw_dir/"));
+    for (const char* other : {"/tmp/fonts/", "/tmp/glyphward-long-name/", "/usr/glyphward-abcdef/", ""})
+        EXPECT_FALSE(gw::was_in_private_scratch(other)) << other;
     EXPECT_TRUE(fs::exists(alive.answer() + "/gw_dir/link"));
     fs::remove_all(alive.answer());
 }
