@@ -9,5 +9,6 @@
 class GWAliasDriver {
   public:
     /// Adds every alias to `out`, which is not cleared first. The aliases belong to `out`'s owner.
+    /// Directories that did not answer to the last list of installed fonts are not asked again.
     void get_alias_list(GW_SORTED_LIST<GWAlias>& out);
 };

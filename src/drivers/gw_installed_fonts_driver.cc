@@ -8,11 +8,14 @@
 #include "store/directory_change.h"
 
 // Lists the fonts of the configured font path, whatever the session's font path is. A change of fonts that
-// was killed in the middle is taken back first, so that the list shows whole fonts.
+// was killed in the middle is taken back first, so that the list shows whole fonts. Directories that do not
+// answer are left out, also by the list of aliases, which is made after this one.
 void GWInstalledFontsDriver::get_hrn_list(GWHRNList& out) {
     unsigned count = 0;
-    for (const std::string& dir :
-         gw::directories_to_list(*the_font_path->get_fpe_list(GWFontPath::ALL_FP, count))) {
+    const GW_LIST<GW_STRING>& path = *the_font_path->get_fpe_list(GWFontPath::ALL_FP, count);
+    for (const std::string& dir : gw::find_silent(path))
+        gw::tell(gw::Failure{dir, gw::Reason::SILENT}.with(gw::Sequel::FONTS_NOT_LISTED));
+    for (const std::string& dir : gw::directories_to_list(path)) {
         gw::tell_unless_done(gw::settle(dir));
         GW_FPE fpe(dir.c_str());
         GW_LIST<GWFont> fonts;

@@ -21,8 +21,8 @@ namespace gw {
 [[nodiscard]] std::string directory_of_element(std::string_view element);
 
 /// Equal for two elements that are the same: the same directory by any path with the same attributes, or,
-/// where there is no such directory to look at, the same text. A slash at the end of a directory's name makes
-/// no difference.
+/// where there is no such directory to look at, or it is silent, the same text. A slash at the end of a
+/// directory's name makes no difference.
 using ElementIdentity = std::tuple<dev_t, ino_t, std::string>;
 
 /// Whether the directories of a font path are on this host, so that they can be looked at.
@@ -32,7 +32,19 @@ enum class PathHost { THIS, ANOTHER };
 
 /// The directories of a font path whose fonts the program lists, in their order. By default these are the
 /// elements that begin with "/", as they are written. With today's fonts they are listed without attributes,
-/// and each once (see `FontPolicy::knows_path_attributes`).
+/// and each once (see `FontPolicy::knows_path_attributes`). A silent directory is left out.
 [[nodiscard]] std::vector<std::string> directories_to_list(const GW_LIST<GW_STRING>& path);
+
+// --- directories that do not answer ------------------------------------------
+
+/// Finds out which of the directories do not answer, in 2 seconds at most (see `silent_directories`). From
+/// now on, and until this is asked again, those are silent and no other one is: this process must not look at
+/// a silent directory, because it would hang. Returns them, in their order.
+std::vector<std::string> find_silent(const std::vector<std::string>& directories);
+/// The same for what is listed of a font path.
+std::vector<std::string> find_silent(const GW_LIST<GW_STRING>& path);
+/// Whether the directory did not answer when it was last asked. A slash at the end of its name makes no
+/// difference.
+[[nodiscard]] bool is_silent(std::string_view directory);
 
 }  // namespace gw

@@ -35,6 +35,21 @@ void note_unread_database(const std::string& path, std::vector<Remark>& unread) 
                                                     : "cannot be read; it is not used"});
 }
 
+std::vector<std::string> directories_of(const Elements& elements) {
+    std::vector<std::string> directories;
+    for (const std::string& element : elements) {
+        if (element.starts_with('/')) directories.push_back(directory_of_element(element));
+    }
+    return directories;
+}
+
+/// Asks all directories of this host whether they answer, before anything else looks at them.
+void ask_all(const Elements& configured, const Elements& server, PathHost host) {
+    Elements all = configured;
+    if (host == PathHost::THIS) all.insert(all.end(), server.begin(), server.end());
+    (void)find_silent(directories_of(all));
+}
+
 /// The verdict on a path for which `stat` has failed.
 Verdict not_found(int error, const char* gone) {
     if (error == ENOENT || error == ENOTDIR) return {Condition::GONE, gone};
@@ -90,6 +105,7 @@ Verdict judge(const std::string& element) {
         return {Condition::GONE, "longer than the 255 bytes that the X protocol allows"};
     if (!element.starts_with('/')) return {};
     const std::string directory = directory_of_element(element);
+    if (is_silent(directory)) return {Condition::UNREADABLE, "does not answer"};
     struct stat info = {};
     if (::stat(directory.c_str(), &info) != 0) return not_found(errno, "no such directory");
     if (!S_ISDIR(info.st_mode)) return {Condition::GONE, "not a directory"};
@@ -101,6 +117,7 @@ Verdict judge(const std::string& element) {
 }
 
 std::vector<std::string> reasons_to_skip(const Elements& configured) {
+    ask_all(configured, {}, PathHost::THIS);
     std::vector<std::string> reasons;
     std::set<ElementIdentity> seen;
     for (const std::string& element : configured) {
@@ -167,6 +184,7 @@ class Planner {
 }  // namespace
 
 Plan make_plan(const Configuration& configured, const Elements& server, PathHost host) {
+    ask_all(configured.elements, server, host);
     Planner planner(configured.elements, server, host);
     const auto behind = configured.elements.begin() + static_cast<std::ptrdiff_t>(configured.chosen);
     std::for_each(configured.elements.begin(), behind,

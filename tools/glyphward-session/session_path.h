@@ -49,11 +49,12 @@ struct Verdict {
 };
 
 /// Checks the directory of an element that begins with "/"; attributes after a ":" are not part of its name.
-/// Any other element, such as a font server, can be checked by the X server only.
+/// One that did not answer when it was last asked (see `find_silent`) is not looked at. Any other element,
+/// such as a font server, can be checked by the X server only.
 [[nodiscard]] Verdict judge(const std::string& element);
 
 /// For each configured element the reason why it is left out, wherever the server runs; empty when it is not
-/// left out.
+/// left out. All directories are first asked whether they answer.
 [[nodiscard]] std::vector<std::string> reasons_to_skip(const Elements& configured);
 
 /// The path that the server should get.
@@ -64,9 +65,10 @@ struct Plan {
     std::vector<Remark> dropped;  ///< elements of the server that are not
 };
 
-/// `server` is the path that the server has. Its directories are looked at only when the server runs on this
-/// host, because the file system of another host cannot be seen from here. That the superuser's font
-/// directory is not there yet is not remarked on.
+/// `server` is the path that the server has. All directories are first asked whether they answer; one that
+/// does not keeps its place if the server has it, and is not added to the path. The server's directories are
+/// looked at only when the server runs on this host, because the file system of another host cannot be seen
+/// from here. That the superuser's font directory is not there yet is not remarked on.
 [[nodiscard]] Plan make_plan(const Configuration& configured, const Elements& server, PathHost host);
 
 /// Sets a server's path as a whole; false when the server refused it.

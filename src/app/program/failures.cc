@@ -41,6 +41,8 @@ std::string sequel_message(Sequel sequel) {
             return text_of(Message::UNKNOWN_TO_PROGRAMS);
         case Sequel::FILE_REMAINS:
             return text_of(Message::FILE_REMAINS);
+        case Sequel::FONTS_NOT_LISTED:
+            return text_of(Message::FONTS_NOT_LISTED);
         default:
             return "";
     }
@@ -49,6 +51,17 @@ std::string sequel_message(Sequel sequel) {
 std::string& scratch_failure() {
     static std::string line;
     return line;
+}
+
+std::string& listing_failures() {
+    static std::string line;
+    return line;
+}
+
+/// Adds what a list lacks to the line about it.
+void note_for_list(const Failure& failure) {
+    if (!listing_failures().empty()) listing_failures() += "  ";
+    listing_failures() += failure_line(failure) + "; " + failure.with_detail(sequel_message(failure.sequel));
 }
 
 std::vector<std::string>& gathered() {
@@ -77,6 +90,7 @@ void hear_failure(const Failure& failure) {
     say_on_standard_error(failure);
     if (failure.sequel == Sequel::NOT_USED || failure.sequel == Sequel::SESSION_PATH_STAYS)
         scratch_failure() = failure_line(failure);
+    if (failure.sequel == Sequel::FONTS_NOT_LISTED) note_for_list(failure);
     gather(failure_line(failure));
     gather_sequel(failure);
 }
@@ -100,6 +114,10 @@ void forget_failures() {
 
 std::string take_scratch_failure() {
     return std::exchange(scratch_failure(), "");
+}
+
+std::string take_listing_failures() {
+    return std::exchange(listing_failures(), "");
 }
 
 std::string failure_line(const Failure& failure) {

@@ -29,6 +29,10 @@ void forget_failures();
 /// the place nothing can be listed, or given to the server.
 std::string take_scratch_failure();
 
+/// What the list of installed fonts lacks, heard since the last call, in one line for a status line; "" when
+/// it lacks nothing. It is told whatever else windows tell.
+std::string take_listing_failures();
+
 /// For a window, in the user's language: what and why.
 std::string failure_line(const Failure& failure);
 

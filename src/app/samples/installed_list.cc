@@ -13,6 +13,7 @@
 #include "app/kit/menus.h"
 #include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/shown_list.h"
 #include "app/samples/attrdlg.h"
@@ -66,6 +67,16 @@ void calc_disk_space_cb(Widget list, XtPointer, XtPointer) {
 void show_changed_sample_text(Widget typed_into) {
     if (typed_into == wi_installed_sample_textfield || gw::selected_count(wi_hrn_list) != 1) return;
     XmTextFieldSetString(wi_installed_sample_textfield, gw::name_arg(sample_text.c_str()));
+}
+
+/// Says in the status line what the list lacks, and no longer what it does not lack any more.
+void show_what_is_lacking() {
+    static std::string shown;
+    const std::string lacks = gw::take_listing_failures();
+    const bool is_out_of_date = !shown.empty() && gw::label_of(wi_main_window_status_label) == shown;
+    if (lacks.empty() && !is_out_of_date) return;
+    shown = lacks;
+    update_label(wi_main_window_status_label, lacks.empty() ? " " : lacks.c_str(), nullptr);
 }
 
 // --- creation ----------------------------------------------------------------
@@ -165,6 +176,7 @@ Signal<int>& selection_changes() {
 void update_wi_installed_hrn_list() {
     update_wi_hrn_list(wi_hrn_list, the_installed_hrn_list);
     display_alias_list(wi_hrn_list, the_alias_list);
+    show_what_is_lacking();
 }
 
 void activate_selection_controls(int selected) {

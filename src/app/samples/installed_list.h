@@ -30,7 +30,8 @@ Signal<int>& selection_changes();
 
 }  // namespace gw
 
-/// Shows all installed fonts and after them the aliases. None of them is selected.
+/// Shows all installed fonts and after them the aliases. None of them is selected. If the list lacks the
+/// fonts of a directory, the status line says so.
 void update_wi_installed_hrn_list();
 
 /// Makes the controls of the main window sensitive or not, as it fits so many selected entries.
