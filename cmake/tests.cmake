@@ -14,7 +14,7 @@ cmake_path(GET CMAKE_BINARY_DIR FILENAME GLYPHWARD_CONFIG)
 
 # The seconds that one run of a suite may take, and the users that it is for. Only the superuser installs packages, and
 # the tests of the page start the program for both users themselves.
-set(limit_unit 180)
+set(limit_unit 600)
 set(users_unit user root)
 set(limit_widget 300)
 set(users_widget user root)

@@ -185,11 +185,6 @@ namespace {
 
 constexpr int READ_NOW = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
 
-std::string directory_part(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
-}
-
 Outcome is_readable_file(int fd, const std::string& path, struct stat& info) {
     if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);
     if (S_ISDIR(info.st_mode)) return Failure::of_system(path, EISDIR);
@@ -198,52 +193,76 @@ Outcome is_readable_file(int fd, const std::string& path, struct stat& info) {
     return done();
 }
 
-/// What the link NAME in `home` points to, if it may be followed.
-Result<Descriptor> open_linked(int home, const std::string& name, const std::string& path) {
-    const Descriptor link(::openat(home, name.c_str(), JUST_LOOK));
+/// A file by the directory that it is in, as far as its path has been followed.
+struct Place {
+    Descriptor home;
+    struct stat home_info;
+    std::string name;
+};
+
+/// Goes from `start` to the directory that the path's last component is in.
+Result<Place> place_of(int start, const std::string& path, const std::string& shown) {
+    const std::size_t slash = path.rfind('/');
+    Place place = {Descriptor(), {}, slash == std::string::npos ? path : path.substr(slash + 1)};
+    Way way(start, slash == std::string::npos ? "." : path.substr(0, slash + 1));
+    if (const Outcome gone = way.go(); !gone) {
+        Failure failure = gone.failure();
+        failure.subject = shown;
+        return failure;
+    }
+    place.home = std::move(way.end());
+    if (::fstat(place.home.get(), &place.home_info) != 0) return Failure::of_system(shown, errno);
+    if (place.name.empty()) return Failure::of_system(shown, EISDIR);
+    return place;
+}
+
+/// Where the link at `place` leads, and whether a link there may be followed too.
+struct Target {
+    std::string path;
+    bool is_trusted;
+};
+
+Result<Target> target_of(const Place& place, const std::string& shown) {
+    const Descriptor link(::openat(place.home.get(), place.name.c_str(), JUST_LOOK));
     struct stat info = {};
-    struct stat home_info = {};
-    if (!link.is_open() || ::fstat(link.get(), &info) != 0 || ::fstat(home, &home_info) != 0)
-        return Failure::of_system(path, errno);
-    if (is_trusted_link(info, home_info)) return Descriptor(::openat(home, name.c_str(), READ_NOW));
     char target[PATH_MAX];
+    if (!link.is_open() || ::fstat(link.get(), &info) != 0) return Failure::of_system(shown, errno);
     const ssize_t length = ::readlinkat(link.get(), "", target, sizeof target);
-    if (length < 0) return Failure::of_system(path, errno);
-    const std::string near(target, static_cast<std::size_t>(length));
-    Descriptor file(near.find('/') == std::string::npos ? ::openat(home, near.c_str(), READ_NOW | O_NOFOLLOW)
-                                                        : -1);
-    if (!file.is_open()) return Failure{path, Reason::NOT_OURS};
-    return file;
+    if (length < 0) return Failure::of_system(shown, errno);
+    std::string path(target, static_cast<std::size_t>(length));
+    const bool is_trusted = is_trusted_link(info, place.home_info);
+    if (!is_trusted && path.find('/') != std::string::npos) return Failure{shown, Reason::NOT_OURS};
+    return Target{std::move(path), is_trusted};
 }
 
 }  // namespace
 
-Result<Descriptor> open_to_read(const std::string& path) {
-    const std::string dir = directory_part(path);
-    const std::string name = path.substr(dir == "." ? 0 : dir.size());
-    const Descriptor home(::open(dir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
-    if (!home.is_open() || name.empty()) return Failure::of_system(path, home.is_open() ? EISDIR : errno);
-    Descriptor file(::openat(home.get(), name.c_str(), READ_NOW | O_NOFOLLOW));
-    if (!file.is_open() && errno == ELOOP) {
-        Result<Descriptor> linked = open_linked(home.get(), name, path);
-        if (!linked) return linked;
-        file = std::move(*linked);
+Result<ReadableFile> open_to_read(const std::string& path) {
+    Result<Place> place = place_of(AT_FDCWD, path, path);
+    bool may_be_link = true;
+    for (int links = 0; place && links <= MOST_LINKS; ++links) {
+        Descriptor file(::openat(place->home.get(), place->name.c_str(), READ_NOW | O_NOFOLLOW));
+        struct stat info = {};
+        if (file.is_open()) {
+            if (Outcome usual = is_readable_file(file.get(), path, info); !usual) return usual.failure();
+            return ReadableFile{std::move(file), place->home_info};
+        }
+        if (errno != ELOOP) return Failure::of_system(path, errno);
+        if (!may_be_link) return Failure{path, Reason::NOT_OURS};
+        const Result<Target> target = target_of(*place, path);
+        if (!target) return target.failure();
+        may_be_link = target->is_trusted;
+        place = place_of(place->home.get(), target->path, path);
     }
-    if (!file.is_open()) return Failure::of_system(path, errno);
-    struct stat info = {};
-    if (Outcome usual = is_readable_file(file.get(), path, info); !usual) return usual.failure();
-    return file;
+    return place ? Failure::of_system(path, ELOOP) : place.failure();
 }
 
-Outcome may_be_given_to_all(int fd, const std::string& path) {
+Outcome may_be_given_to_all(const ReadableFile& file, const std::string& path) {
     struct stat info = {};
-    struct stat home = {};
-    if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);
+    if (::fstat(file.fd.get(), &info) != 0) return Failure::of_system(path, errno);
     if ((info.st_mode & S_IROTH) != 0) return done();
-    const bool is_single = S_ISREG(info.st_mode) && info.st_nlink == 1;
-    const bool is_the_homes =
-        runs_as_superuser() && ::stat(directory_part(path).c_str(), &home) == 0 && home.st_uid == info.st_uid;
-    if (is_single && (info.st_uid == ::geteuid() || is_the_homes)) return done();
+    const bool is_the_homes = runs_as_superuser() && file.home.st_uid == info.st_uid;
+    if (info.st_nlink == 1 && (info.st_uid == ::geteuid() || is_the_homes)) return done();
     return Failure{path, Reason::NOT_EVERYBODYS};
 }
 

@@ -76,15 +76,20 @@ class Directory {
     struct stat info_;
 };
 
-/// Opens the regular file at `path` for reading, without waiting for the other end of a pipe. Where a link of
-/// somebody else is in its place (see `is_trusted_link`), the file must be in the same directory; otherwise
-/// the owner of the directory could let this user read any file. Fails also for what is no regular file, and
-/// for one of more than `Directory::FILE_LIMIT` bytes.
-Result<Descriptor> open_to_read(const std::string& path);
-/// Whether a copy that everybody may read may be made of the open file: everybody may read it, or it is this
+/// A file that was opened for reading, and the directory that it is in.
+struct ReadableFile {
+    Descriptor fd;
+    struct stat home;
+};
+/// Opens the regular file at `path` for reading, without waiting for the other end of a pipe. A link, on the
+/// way or in its place, is followed only if `is_trusted_link`; in its place also one that leads to a file in
+/// the same directory. Otherwise the owner of the directory could let this user read any file. Fails also for
+/// what is no regular file, and for one of more than `Directory::FILE_LIMIT` bytes.
+Result<ReadableFile> open_to_read(const std::string& path);
+/// Whether a copy that everybody may read may be made of the file: everybody may read it, or it is this
 /// user's and has no second name. The superuser may also take such a file of the owner of its directory.
 /// `path` is for the message.
-Outcome may_be_given_to_all(int fd, const std::string& path);
+Outcome may_be_given_to_all(const ReadableFile& file, const std::string& path);
 
 /// Reads from an open regular file to its end; `path` is for the message. Fails for everything that is no
 /// regular file, and for one of more than `Directory::FILE_LIMIT` bytes.

@@ -48,7 +48,7 @@ int GW_FILE::open(const char* mode) {
 
 std::FILE* GW_FILE::opened(const char* mode) {
     gw::Result<gw::Descriptor> file =
-        std::strcmp(mode, "r") == 0 ? gw::open_to_read(get_path()) : open_to_write(get_path(), mode);
+        std::strcmp(mode, "r") == 0 ? open_for_reading() : open_to_write(get_path(), mode);
     if (!file) {
         note(file.failure());
         return nullptr;
@@ -62,6 +62,13 @@ std::FILE* GW_FILE::opened(const char* mode) {
     return stream;
 }
 
+gw::Result<gw::Descriptor> GW_FILE::open_for_reading() {
+    gw::Result<gw::ReadableFile> file = gw::open_to_read(get_path());
+    if (!file) return file.failure();
+    copying = gw::may_be_given_to_all(*file, get_path());
+    return std::move(file->fd);
+}
+
 void GW_FILE::note(const gw::Failure& failure) {
     if (failed) failed = failure;
 }
@@ -72,10 +79,6 @@ void GW_FILE::note_error() {
 
 gw::Outcome GW_FILE::outcome() const {
     return failed;
-}
-
-gw::Outcome GW_FILE::may_be_copied() const {
-    return fp ? gw::may_be_given_to_all(::fileno(fp.get()), get_path()) : failed;
 }
 
 int GW_FILE::close() {

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 
+#include "core/directory.h"
 #include "core/failure.h"
 #include "core/gw_file_spec.h"
 
@@ -29,8 +30,9 @@ class GW_FILE : public GW_FILE_SPEC {
     [[nodiscard]] long get_pos() const;
     int file_flush();
 
-    /// Whether a copy of the open file may be made that everybody may read: see `gw::may_be_given_to_all`.
-    [[nodiscard]] gw::Outcome may_be_copied() const;
+    /// Whether a copy of the file, which is open for reading, may be made that everybody may read: see
+    /// `gw::may_be_given_to_all`.
+    [[nodiscard]] const gw::Outcome& may_be_copied() const { return copying; }
 
     /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
     int read(char* buf, int n);
@@ -58,7 +60,9 @@ class GW_FILE : public GW_FILE_SPEC {
     void note(const gw::Failure& failure);
     void note_error();
     std::FILE* opened(const char* mode);
+    gw::Result<gw::Descriptor> open_for_reading();
 
     std::unique_ptr<std::FILE, Closer> fp;
     gw::Outcome failed;
+    gw::Outcome copying;
 };

@@ -104,8 +104,8 @@ Error put_new_file(const std::string& path, std::string_view bytes, const struct
 }  // namespace
 
 Result<std::string> read_file(const std::string& path) {
-    const Result<Descriptor> file = open_to_read(path);
-    return file ? read_open_file(file->get(), path) : file.failure();
+    const Result<ReadableFile> file = open_to_read(path);
+    return file ? read_open_file(file->fd.get(), path) : file.failure();
 }
 
 Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode) {

@@ -9,13 +9,14 @@ namespace gw {
 
 namespace {
 
-constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
+// The X server goes through it. Nobody else can open it, and hold its lock.
+constexpr mode_t STAGING_MODE = 0711;
 
 }  // namespace
 
 Outcome prepare_staging(const std::string& staging, const std::string& link_name,
                         const std::string& link_target) {
-    Outcome step = hold_scratch_dir(staging, ANYBODY_BEFORE_UMASK);
+    Outcome step = hold_scratch_dir(staging, STAGING_MODE);
     if (step) step = link_in_scratch_dir(staging, link_name, link_target);
     if (!step) return step.with(Sequel::NOT_USED);
     GW_FONTDIR_FILE index(staging.c_str(), FILE_TYPE_REGULAR);

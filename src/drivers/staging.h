@@ -11,7 +11,7 @@
 
 namespace gw {
 
-/// Prepares the directory `staging`: makes it (mode 0777 before the umask) unless this process has made it
+/// Prepares the directory `staging`: makes it (mode 0711) unless this process has made it
 /// already, makes the link `link_name` in it point to `link_target`, and writes an index without entries. A
 /// failure when another process has made something of this name.
 Outcome prepare_staging(const std::string& staging, const std::string& link_name,

@@ -2,6 +2,9 @@
 //
 // The only operation of a directory that runs a command. It is not in the same file as the others because the
 // core knows nothing of the host.
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <string>
 
 #include "core/directory.h"
@@ -13,20 +16,38 @@
 namespace {
 
 // Kept: the old resource file is removed even when no new one can be made.
-void remove_old_files(const std::string& dir) {
-    const gw::Result<gw::Directory> opened = gw::Directory::open(dir);
-    if (!opened) return;
+void remove_old_files(const gw::Directory& dir) {
     for (const std::string& name : {std::string(gw::UPR_FILE_NAME), std::string(gw::UPR_FILE_NAME) + '~'})
-        (void)gw::file_calls().unlink(opened->fd(), name.c_str(), 0);
+        (void)gw::file_calls().unlink(dir.fd(), name.c_str(), 0);
 }
+
+/// The directory as commands find it, whatever is at its path by then.
+class InheritedDirectory {
+  public:
+    explicit InheritedDirectory(const gw::Directory& dir)
+        : fd_(::fcntl(dir.fd(), F_DUPFD, STDERR_FILENO + 1)) {}
+    [[nodiscard]] std::string path() const { return "/proc/self/fd/" + std::to_string(fd_.get()); }
+
+  private:
+    gw::Descriptor fd_;
+};
 
 }  // namespace
 
 int GW_DIR::make_upr_file(int rescan_all, const char* work_dir) const {
-    const std::string dir = work_dir != nullptr ? work_dir : get_path();
-    remove_old_files(dir);
-    const char* command =
-        rescan_all != 0 ? "cd %s && makepsres -q -o %s %s" : "cd %s && makepsres -nr -q -o %s %s";
-    gw::tell_unless_done(gw::run_command(command, {dir, gw::UPR_FILE_NAME, get_path()}, gw::LONG_WORK));
+    const gw::Result<gw::Directory> dir = gw::Directory::open(work_dir != nullptr ? work_dir : get_path());
+    if (!dir) {
+        gw::tell(dir.failure());
+        return 1;
+    }
+    remove_old_files(*dir);
+    const InheritedDirectory place(*dir);
+    const gw::Outcome made = gw::run_command(
+        rescan_all != 0 ? "cd %s && makepsres -q -o %s %s" : "cd %s && makepsres -nr -q -o %s %s",
+        {place.path(), gw::UPR_FILE_NAME, get_path()}, gw::LONG_WORK);
+    if (made) return 1;
+    gw::Failure failure = made.failure();
+    failure.subject = dir->path_of(gw::UPR_FILE_NAME);
+    gw::tell(failure);
     return 1;
 }

@@ -57,11 +57,17 @@ bool has_comma(const GW_STRING& element) {
 }
 
 /// Appends to `elements` what another process has added to the file since this one last read it.
-void add_newcomers(GW_LIST<GW_STRING>& elements, const std::vector<std::string>& now,
-                   const std::vector<std::string>& known) {
+void take_over_changes(GW_LIST<GW_STRING>& elements, const std::vector<std::string>& now,
+                       const std::vector<std::string>& known) {
+    const auto has = [](const std::vector<std::string>& texts, const std::string& text) {
+        return std::find(texts.begin(), texts.end(), text) != texts.end();
+    };
+    for (int position = elements.get_count(); position > 0; --position) {
+        const std::string text = elements.get_elem_at_pos(position)->get_str();
+        if (has(known, text) && !has(now, text)) (void)gw::list_delete(elements, position);
+    }
     for (const std::string& text : now) {
-        if (std::find(known.begin(), known.end(), text) == known.end())
-            elements.append(new GW_STRING(text.c_str()));
+        if (!has(known, text)) elements.append(new GW_STRING(text.c_str()));
     }
 }
 
@@ -362,7 +368,7 @@ gw::Outcome GWFontPath::replace(TYPE t, const List& elements, bool stores_empty)
     const Texts known = known_texts(t);
     gw::Result<Turn> turn = take_turn(t);
     if (!turn) return turn.failure();
-    if (turn->moved_on) add_newcomers(copies, texts_of(t), known);
+    if (turn->moved_on) take_over_changes(copies, texts_of(t), known);
     gw::Outcome set = end_turn(t, finish(set_by_type(t, copies, stores_empty)));
     if (set) {
         // Not what the list holds: the quirks of setting a path leave it behind.

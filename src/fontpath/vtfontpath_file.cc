@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "fontpath/vtfontpath_file.h"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include <optional>
 #include <string_view>
 
+#include "core/file_calls.h"
 #include "core/replace_file.h"
 #include "core/rights.h"
 #include "fontpath/font_path_files.h"
@@ -65,7 +67,7 @@ std::string expanded(const std::string& path, const std::string& lines, Outcome&
     if (!outcome)
         outcome =
             Failure{path, outcome.failure().reason, outcome.failure().error, {}, outcome.failure().detail};
-    const Result<std::string> text = read_file(output.path());
+    const Result<std::string> text = output.read();
     if (!text && outcome) outcome = text.failure();
     return text ? *text : "";
 }
@@ -107,7 +109,12 @@ Outcome back_up(const std::string& path) {
     if (::stat(path.c_str(), &info) != 0) return done();
     const Result<std::string> old = read_file(path);
     if (!old) return old.failure();
-    return replace_file(path + ".bak", *old, info.st_mode & PERMISSION_BITS);
+    const mode_t mode = info.st_mode & PERMISSION_BITS;
+    const std::string backup = path + ".bak";
+    // A file with other names is not written through: it may be anybody's.
+    if (::lstat(backup.c_str(), &info) == 0 && (!S_ISREG(info.st_mode) || info.st_nlink != 1))
+        (void)file_calls().unlink(AT_FDCWD, backup.c_str(), 0);
+    return replace_file(backup, *old, mode);
 }
 
 }  // namespace

@@ -73,13 +73,21 @@ bool bits_allow_writing(const struct stat& info) {
     return gw::is_writeable_by(info.st_uid, info.st_mode, effective_uid);
 }
 
-/// Whether `path` can be opened with these flags. With `remove_after` the file is then removed.
-bool can_open(const std::string& path, int flags, bool remove_after) {
-    const gw::Descriptor file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    struct stat info = {};
-    if (!file.is_open() || ::fstat(file.get(), &info) != 0) return false;
-    if (remove_after && S_ISREG(info.st_mode)) ::unlink(path.c_str());
-    return true;
+bool can_open(const std::string& path, int flags) {
+    const gw::Descriptor file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC));
+    return file.is_open();
+}
+
+/// Whether an empty file can be made at `path`; it is removed again. One that an earlier run has left is
+/// removed first; anything else of that name is left alone, and then nothing can be made.
+bool can_make(const std::string& path) {
+    struct stat left = {};
+    if (::lstat(path.c_str(), &left) == 0 && S_ISREG(left.st_mode) && left.st_size == 0 && left.st_nlink == 1)
+        ::unlink(path.c_str());
+    const gw::Descriptor file(
+        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
+    if (file.is_open()) ::unlink(path.c_str());
+    return file.is_open();
 }
 
 /// Remembers the directory in which a scratch file was last made. A listing asks about the same directory for
@@ -110,7 +118,7 @@ class LastWritableDirectory {
 bool takes_scratch_file(const std::string& dir, const struct stat& info) {
     static LastWritableDirectory last;
     if (last.is(dir, info)) return true;
-    if (!can_open(dir + "/.glyphwd_dummy", O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, true)) return false;
+    if (!can_make(dir + "/.glyphwd_dummy")) return false;
     last.set(dir);
     return true;
 }
@@ -418,7 +426,7 @@ void GWFont::update_read_only() {
     if (!bits_allow_writing(info)) return;
     for (const GW_FILE_SPEC* spec : *file_list) {
         if (::stat(spec->get_path(), &info) == 0 && bits_allow_writing(info) &&
-            can_open(spec->get_path(), O_RDWR, false)) {
+            can_open(spec->get_path(), O_RDWR)) {
             continue;
         }
         read_only = true;

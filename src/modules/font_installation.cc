@@ -4,9 +4,20 @@
 #include <utility>
 
 #include "modules/index_access.h"
+#include "platform/package_owner.h"
 #include "store/font_action.h"
 
 namespace gw {
+
+namespace {
+
+/// The package of a file that is there; "" when it is in none.
+std::string package_of(const std::string& path) {
+    const PackageOwners owners = ask_package_owners({path});
+    return owners.empty() ? "" : owners.begin()->second;
+}
+
+}  // namespace
 
 FontInstallation::FontInstallation(GWFont& the_font, GW_FPE& element, DirectoryChange& the_change)
     : font(the_font), fpe(element), change(the_change) {}
@@ -18,6 +29,9 @@ void FontInstallation::make_afm_dir() {
 Outcome FontInstallation::accept(DirectoryChange::StagedFile copy) {
     if (change.changes_a_file(copy) && is_file_of_another(copy.name().c_str(), font, change))
         return Failure{copy.path(), Reason::FILE_OF_ANOTHER_FONT};
+    if (const std::string package = change.changes_a_file(copy) ? package_of(copy.path()) : "";
+        !package.empty())
+        return Failure{.subject = copy.path(), .reason = Reason::IN_A_PACKAGE, .detail = package};
     copies.push_back(std::move(copy));
     return done();
 }
@@ -44,6 +58,7 @@ Outcome install_in_change(GWFont& font, GW_FPE& fpe,
         return copied ? installation.finish() : copied;
     });
     if (outcome || is_begun || outcome.failure().reason != Reason::SYSTEM) return outcome;
+    if (outcome.failure().subject.find(OWN_DIRECTORY_NAME) == std::string::npos) return outcome;
     // The user knows nothing of the directory that a change needs.
     return Failure::of_system(fpe.get_path() + std::string(first_file(font)->get_name()),
                               outcome.failure().error);

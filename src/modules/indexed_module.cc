@@ -24,6 +24,8 @@ namespace {
 constexpr int TABLE_TOKENS = 4;
 constexpr int TABLE_CHARS = 32;
 constexpr mode_t SCRATCH_MODE = 0744;
+// Nobody else can open it, and hold its lock. mkfontdir is ours.
+constexpr mode_t PRIVATE_MODE = 0700;
 
 }  // namespace
 
@@ -121,7 +123,7 @@ void IndexedModule::append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_F
 }
 
 bool IndexedModule::make_scratch_index(const std::string& scratch, const GW_FSPEC_LIST& files) {
-    if (!tell_unless_done(hold_scratch_dir(scratch, SCRATCH_MODE).with(Sequel::NOT_USED))) return false;
+    if (!tell_unless_done(hold_scratch_dir(scratch, PRIVATE_MODE).with(Sequel::NOT_USED))) return false;
     // The message names the operation instead of the file.
     for (const GW_FILE_SPEC* spec : files) {
         const Outcome linked = link_in_scratch_dir(scratch, spec->get_name(), spec->get_path());

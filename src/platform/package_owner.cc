@@ -9,7 +9,6 @@
 #include <optional>
 #include <utility>
 
-#include "core/replace_file.h"
 #include "core/rights.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
@@ -31,12 +30,15 @@ std::vector<std::string_view> lines_of(std::string_view text) {
     return lines;
 }
 
-/// The file that the path leads to, if it can be one of a package.
+/// The path with the links in its directory followed, if it can be one of a package.
 std::optional<std::string> packaged_path(const std::string& path) {
     struct stat info = {};
-    if (::stat(path.c_str(), &info) != 0 || !is_superuser(info.st_uid)) return std::nullopt;
+    if (::lstat(path.c_str(), &info) != 0 || !is_superuser(info.st_uid)) return std::nullopt;
+    // The last component is not followed: it is the link itself that would be deleted or replaced.
     std::error_code gone;
-    std::string real = std::filesystem::canonical(path, gone).string();
+    const std::filesystem::path home =
+        std::filesystem::canonical(std::filesystem::path(path).parent_path(), gone);
+    std::string real = (home / std::filesystem::path(path).filename()).string();
     // A path with a line feed would look like two answers.
     if (gone || real.find('\n') != std::string::npos) return std::nullopt;
     return real;
@@ -49,7 +51,7 @@ std::optional<std::string> answer_of(const std::string& command) {
     const int status =
         run_shell_text("LC_ALL=C " + command + " > " + output.path() + " 2> /dev/null", LONG_WORK);
     if (WIFEXITED(status) && WEXITSTATUS(status) == NOT_INSTALLED) return std::nullopt;
-    const Result<std::string> answer = read_file(output.path());
+    const Result<std::string> answer = output.read();
     return answer ? *answer : "";
 }
 

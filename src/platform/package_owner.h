@@ -14,7 +14,8 @@ namespace gw {
 /// By path, as it was asked for; a file of no package, or of an unknown one, has none.
 using PackageOwners = std::map<std::string, std::string>;
 
-/// Asks the package manager about all files in one call, by the path to which the links in each path lead.
+/// Asks the package manager about all files in one call, by the path to which the links on the way to each
+/// lead.
 /// A file that does not belong to the superuser is in no package, and is not asked about. A shared file has
 /// several names of packages, separated by ", ". Takes a third of a second.
 PackageOwners ask_package_owners(const std::vector<std::string>& paths);

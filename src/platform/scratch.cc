@@ -299,6 +299,12 @@ UnnamedScratchFile::~UnnamedScratchFile() {
     if (fd_ >= 0) ::close(fd_);
 }
 
+Result<std::string> UnnamedScratchFile::read() const {
+    if (fd_ < 0 || ::lseek(fd_, 0, SEEK_SET) != 0)
+        return Failure::of_system("memory", fd_ < 0 ? ENOMEM : errno);
+    return read_open_file(fd_, "memory");
+}
+
 std::string UnnamedScratchFile::path() const {
     return fd_ < 0 ? std::string() : "/proc/self/fd/" + std::to_string(fd_);
 }

@@ -55,6 +55,8 @@ class UnnamedScratchFile {
     /// The path by which this process, and commands that it runs, can open the file; empty when the system
     /// had no memory or no file descriptor for it.
     [[nodiscard]] std::string path() const;
+    /// The bytes of the file.
+    [[nodiscard]] Result<std::string> read() const;
 
   private:
     int fd_;

@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <initializer_list>
 
 namespace gw {
 
@@ -41,6 +42,7 @@ void listen_to(int signal) {
 void end_on_signals(XtAppContext context, void (*end)()) {
     if (::pipe2(pipe_ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
     end_program = end;
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): Xt has the mask for a pointer
     XtAppAddInput(context, pipe_ends[0], reinterpret_cast<XtPointer>(XtInputReadMask), on_input, nullptr);
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) listen_to(signal);
 }

@@ -107,6 +107,33 @@ TEST_F(Reading, InADirectoryOfSomebodyElseNoLinkIsTrusted) {
         << "she could put her own in its place";
 }
 
+// The metrics of a font were read from any directory to which its owner had made a link of that name.
+TEST_F(Reading, ALinkOnTheWayIsNotFollowedEither) {
+    dir.write("secret/a.afm", "text");
+    dir.make_dir("theirs");
+    fs::create_symlink("../secret", dir.file("theirs/afm"));
+    EXPECT_EQ(why_not_read(dir.file("theirs/afm/a.afm")), "read: text") << "it is this user's own";
+    if (::geteuid() != 0) GTEST_SKIP() << "makes files of two users";
+    give_to_alice("theirs/afm");
+    EXPECT_EQ(why_not_read(dir.file("theirs/afm/a.afm")), "this is a link or belongs to someone else");
+    give_to_alice("theirs");
+    EXPECT_EQ(why_not_read(dir.file("theirs/afm/a.afm")), "this is a link or belongs to someone else");
+}
+
+TEST_F(Reading, AChainOfLinksIsFollowedLinkByLink) {
+    if (::geteuid() != 0) GTEST_SKIP() << "makes files of two users";
+    dir.write("secret", "text");
+    dir.make_dir("theirs");
+    fs::create_symlink("../secret", dir.file("theirs/second"));
+    fs::create_symlink("theirs/second", dir.file("first"));
+    EXPECT_EQ(why_not_read(dir.file("first")), "read: text");
+    give_to_alice("theirs/second");
+    EXPECT_EQ(why_not_read(dir.file("first")), "this is a link or belongs to someone else");
+    fs::create_symlink("round", dir.file("round"));
+    EXPECT_EQ(why_not_read(dir.file("round")), "Too many levels of symbolic links");
+    fs::remove(dir.file("round"));
+}
+
 class Copying : public Reading {
   protected:
     /// What copying the file says.

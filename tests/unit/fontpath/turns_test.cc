@@ -49,6 +49,23 @@ TEST_F(UsersTurn, WhatAnotherRunHasAddedStays) {
     EXPECT_EQ(file(), "/b/\n/one/\n/other/\n\n/p/\n") << "/a/ was taken out, /other/ was not known";
 }
 
+TEST_F(UsersTurn, WhatAnotherRunHasTakenOutDoesNotComeBack) {
+    const auto one = main_store();
+    const auto other = main_store();
+    EXPECT_EQ(other->delete_pos(GWFontPath::USER_APPEND_FP, 1), 1);
+    EXPECT_TRUE(replace(*one, {"/new/", "/a/", "/b/"}));
+    EXPECT_EQ(file(), "/new/\n/b/\n\n/p/\n");
+}
+
+// Somebody could have put a link there where many may write.
+TEST_F(UsersTurn, TheBackupIsNotWrittenThroughALink) {
+    home.write("precious", "text");
+    std::filesystem::create_symlink("precious", home.file(".VTfontpath.bak"));
+    EXPECT_EQ(add(*main_store(), "/new/"), 1);
+    EXPECT_EQ(home.read("precious"), "text");
+    EXPECT_EQ(home.read(".VTfontpath.bak"), "/a/\n/b/\n\n/p/\n");
+}
+
 TEST_F(UsersTurn, APositionMeansTheElementThatTheUserSaw) {
     const auto one = main_store();
     const auto other = main_store();

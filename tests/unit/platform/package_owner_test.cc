@@ -47,10 +47,13 @@ TEST(PackageOwner, AnswersOfRpmAreReadInTheirOrder) {
 TEST(PackageOwner, TheOwnersOfFilesAreAsked) {
     const TempDir dir;
     const std::string own = dir.write("own.pcf", "x");
-    const std::string link = dir.file("link to it");
-    std::filesystem::create_symlink("/usr/share/doc/libc6", link);
-    const PackageOwners owners = gw::ask_package_owners(
-        {"/usr/share/doc/libc6", link, own, "/usr/share/doc/lib*", "/nonexistent", "/a\nb"});
+    std::filesystem::create_symlink("/usr/share/doc", dir.file("link"));
+    const std::string link = dir.file("link/libc6");
+    // Only the link would be deleted.
+    std::filesystem::create_symlink("/usr/share/doc/libc6", dir.file("direct"));
+    const PackageOwners owners =
+        gw::ask_package_owners({"/usr/share/doc/libc6", link, dir.file("direct"), own, "/usr/share/doc/lib*",
+                                "/nonexistent", "/a\nb"});
     ASSERT_EQ(owners.count("/usr/share/doc/libc6"), 1U);
     EXPECT_TRUE(owners.at("/usr/share/doc/libc6").starts_with("libc6"));
     EXPECT_EQ(owners.at(link), owners.at("/usr/share/doc/libc6"));
