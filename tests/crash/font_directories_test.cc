@@ -188,7 +188,7 @@ class Crash : public testing::TestWithParam<Operation> {
 
 TEST_P(Crash, KilledAtAnyCallItIsTheOldStateOrTheNew) {
     int as_before = 0;
-    for (int at = 1; at <= calls; ++at) {
+    for (int at = 1; at <= calls; at += gw::test::CALL_STEP) {
         World world;
         const bool killed = gw::test::killed_at(at, [&] { (void)GetParam().run(world); });
         ASSERT_TRUE(killed || at >= calls - UNSTEADY_CALLS) << at << " of " << calls;
@@ -203,7 +203,7 @@ TEST_P(Crash, KilledAtAnyCallItIsTheOldStateOrTheNew) {
 }
 
 TEST_P(Crash, KilledWhileItIsTakenBackItIsStillTheOldState) {
-    for (int at = calls / 2; at <= calls; at += 3) {
+    for (int at = calls / 2; at <= calls; at += 3 * gw::test::CALL_STEP) {
         for (int again = 1; again <= 12; again += 2) {
             World world;
             const std::string dir = world.dir.file(GetParam().where);
@@ -221,7 +221,7 @@ TEST_P(Crash, WhatFailsLeavesTheOldStateAndSaysSo) {
     for (const FileFaults::Fault fault :
          {FileFaults::Fault::FAIL_ONCE, FileFaults::Fault::FAIL_FROM_THEN_ON}) {
         for (const int error : {ENOSPC, EDQUOT, EIO, EROFS, EACCES}) {
-            for (int at = 1; at <= calls; ++at) {
+            for (int at = 1; at <= calls; at += gw::test::CALL_STEP) {
                 World world;
                 gw::Outcome outcome;
                 {

@@ -124,7 +124,7 @@ TEST_P(Indexes, KilledAtAnyCallItIsTheOldStateOrTheNew) {
 }
 
 TEST_P(Indexes, KilledWhileItIsTakenBackItIsTheOldStateOrTheNew) {
-    for (int at = 5; at < MOST_CALLS; at += 2) {
+    for (int at = 5; at < MOST_CALLS; at += 2 * gw::test::CALL_STEP) {
         bool killed = false;
         for (int again = 1; again < 14; ++again) {
             const TempDir dir;

@@ -114,7 +114,7 @@ TEST_P(TwoWays, KilledAtAnyCallBothAreOldOrBothAreNew) {
 
 TEST_P(TwoWays, KilledAgainWhileItIsSettledBothAreOldOrBothAreNew) {
     int commits = 0;
-    for (int at = 30;; ++at) {
+    for (int at = 30;; at += gw::test::CALL_STEP) {
         bool killed = false;
         for (int again = 1; again < 8; ++again) {
             const Pair pair;
@@ -135,7 +135,7 @@ TEST_P(TwoWays, WhatFailsIsWhatIsSaid) {
     for (const FileFaults::Fault fault :
          {FileFaults::Fault::FAIL_ONCE, FileFaults::Fault::FAIL_FROM_THEN_ON}) {
         for (const int error : {ENOSPC, EIO, EROFS}) {
-            for (int at = 1, calls = 1; at <= calls; ++at) {
+            for (int at = 1, calls = 1; at <= calls; at += gw::test::CALL_STEP) {
                 const Pair pair;
                 gw::Outcome outcome;
                 {

@@ -14,6 +14,19 @@
 
 namespace gw::test {
 
+/// Every call is tried, except that the sanitizers' build, which takes five times as long, tries every third.
+#if defined(__SANITIZE_ADDRESS__)
+inline constexpr int CALL_STEP = 3;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+inline constexpr int CALL_STEP = 3;
+#else
+inline constexpr int CALL_STEP = 1;
+#endif
+#else
+inline constexpr int CALL_STEP = 1;
+#endif
+
 /// As long as this exists, the calls of the table are counted, and one of them goes wrong.
 class FileFaults {
   public:
