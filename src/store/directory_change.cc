@@ -10,10 +10,10 @@
 #include <utility>
 
 #include "core/file_calls.h"
-#include "core/replace_file.h"
 #include "core/rights.h"
 #include "fontfiles/index_text.h"
 #include "platform/host_paths.h"
+#include "store/index_file.h"
 #include "store/joint_change.h"
 #include "store/leftovers.h"
 #include "store/take_back.h"
@@ -86,9 +86,7 @@ Result<std::string> DirectoryChange::look_at_index() {
     // A file in its place would have another owner.
     const bool is_anothers = !runs_as_superuser() && index_info_.st_uid != ::geteuid();
     overwrites_index_ = is_link || index_info_.st_nlink != 1 || is_anothers;
-    content_info_ = index_info_;
-    if (is_link) (void)::fstatat(dir_.fd(), INDEX.c_str(), &content_info_, 0);
-    return read_index(dir_, index_info_);
+    return read_index(dir_, content_info_);
 }
 
 Outcome DirectoryChange::load_index() {
@@ -130,6 +128,9 @@ Outcome DirectoryChange::note(const std::vector<journal::Record>& records) {
     }
     const off_t end = ::lseek(journal_.get(), 0, SEEK_END);
     for (const journal::Record& record : records) lines += line_of(record);
+    // Nobody would take back what a longer one says.
+    if (end + static_cast<off_t>(lines.size()) > journal::MOST_BYTES)
+        return Failure::of_system(dir_.path(), EFBIG);
     int error = write_all(journal_.get(), lines);
     if (error == 0 && file_calls().sync(journal_.get()) != 0) error = errno;
     if (error != 0) {
@@ -338,7 +339,10 @@ Outcome DirectoryChange::note_index(const journal::Record& record) {
     const Result<journal::Register> lines = prepare_register();
     if (!lines) return lines.failure();
     std::vector<journal::Record> records;
-    for (const auto& [line, number] : lines_) records.emplace_back(journal::Line{number, line});
+    for (const auto& [line, number] : lines_) {
+        if (number > journal::MOST_LINES) return Failure::of_system(dir_.path_of(INDEX), EOVERFLOW);
+        records.emplace_back(journal::Line{number, line});
+    }
     records.push_back(record);
     records.emplace_back(*lines);
     return note(records);
@@ -348,8 +352,10 @@ Outcome DirectoryChange::note_index(const journal::Record& record) {
 Outcome DirectoryChange::copy_old_index() {
     Result<Descriptor> fd = own_->create(own_->set_aside(), INDEX);
     if (!fd) return fd.failure();
+    if (overwrites_index_) own_->lend_to_group(fd->get());
     FileWriter copy(std::move(*fd), dir_.path_of(INDEX));
-    copy.set_owner({content_info_.st_uid, content_info_.st_gid});
+    // Behind a link it may be anybody's, whom the next one to read the copy would not trust.
+    if (!S_ISLNK(index_info_.st_mode)) copy.set_owner({content_info_.st_uid, content_info_.st_gid});
     copy.set_mode(content_info_.st_mode & PERMISSIONS);
     copy.write(before_);
     return copy.finish();
@@ -367,6 +373,7 @@ Outcome DirectoryChange::prepare_overwriting() {
     if (Outcome copied = copy_old_index(); !copied) return copied;
     Result<Descriptor> fd = own_->create(own_->made(), INDEX);
     if (!fd) return fd.failure();
+    own_->lend_to_group(fd->get());
     FileWriter file(std::move(*fd), dir_.path_of(INDEX));
     file.write(text_);
     if (Outcome finished = file.finish(); !finished) return finished;
@@ -505,6 +512,7 @@ Outcome DirectoryChange::depend_on(const DirectoryChange& leader, const std::str
 }
 
 Outcome DirectoryChange::lead(const std::vector<DirectoryChange*>& others, const std::string& token) {
+    if (others.size() > MOST_JOINED) return Failure::of_system(dir_.path(), E2BIG);
     std::vector<journal::Record> records;
     for (const DirectoryChange* other : others) {
         if (const auto path = joint_path(other->dir_)) records.emplace_back(journal::And{*path});

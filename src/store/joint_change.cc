@@ -10,6 +10,8 @@
 #include <cerrno>
 #include <filesystem>
 #include <random>
+#include <set>
+#include <utility>
 
 #include "core/file_calls.h"
 #include "store/directory_change.h"
@@ -51,9 +53,27 @@ bool is_done_with(const std::string& token, const std::string& path) {
     const Result<Directory> own =
         other ? other->below(OwnDirectory::NAME) : Result<Directory>(other.failure());
     if (!own) return is_absence(own.failure());
+    struct stat info = {};
+    if (own->look_at(OwnDirectory::JOURNAL, info) && info.st_size > journal::MOST_BYTES) return false;
     const Result<std::string> text = own->read(OwnDirectory::JOURNAL);
     if (!text) return is_absence(text.failure());
     return text->find("\nwith " + token + ' ') == std::string::npos;
+}
+
+/// The other directories of a joint change. None when that cannot be read, or is more than what is left to be
+/// read in one go.
+std::optional<std::set<std::string>> directories_in(const Directory& own, const std::string& name,
+                                                    off_t& bytes_left) {
+    struct stat info = {};
+    if (!own.look_at(name, info) || !S_ISREG(info.st_mode) || info.st_size > bytes_left) return std::nullopt;
+    bytes_left -= info.st_size;
+    const Result<std::string> text = own.read(name);
+    const auto records = text ? journal::parse(*text, own.path_of(name))
+                              : Result<std::vector<journal::Record>>(text.failure());
+    if (!records) return std::nullopt;
+    std::set<std::string> paths;
+    for (const journal::And& other : records_of<journal::And>(*records)) paths.insert(other.path);
+    return paths;
 }
 
 }  // namespace
@@ -94,18 +114,23 @@ std::vector<std::string> final_names(const Directory& own) {
 }
 
 void finish_joint_changes(const OwnDirectory& own) {
+    // Directories that lead each other would be gone through in every order.
+    static bool is_finishing = false;
+    if (std::exchange(is_finishing, true)) return;
+    off_t bytes_left = journal::MOST_BYTES;
+    std::size_t directories_left = MOST_JOINED;
     for (const std::string& name : final_names(own.dir())) {
-        const Result<std::string> text = own.dir().read(name);
-        const auto records = text ? journal::parse(*text, own.dir().path_of(name))
-                                  : Result<std::vector<journal::Record>>(text.failure());
-        if (!records) continue;
+        const std::optional<std::set<std::string>> others = directories_in(own.dir(), name, bytes_left);
+        if (!others || others->size() > directories_left) continue;
+        directories_left -= others->size();
         bool is_needed = false;
-        for (const journal::And& other : records_of<journal::And>(*records)) {
-            (void)settle(other.path);
-            is_needed = is_needed || !is_done_with(name.substr(std::string_view(FINAL).size()), other.path);
+        for (const std::string& other : *others) {
+            (void)settle(other);
+            is_needed = is_needed || !is_done_with(name.substr(std::string_view(FINAL).size()), other);
         }
         if (!is_needed) (void)file_calls().unlink(own.dir().fd(), name.c_str(), 0);
     }
+    is_finishing = false;
 }
 
 }  // namespace gw

@@ -6,6 +6,7 @@
 // gets this name when all is done; it goes when the journals of the others have gone.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -16,6 +17,9 @@
 #include "store/own_directory.h"
 
 namespace gw {
+
+/// No more directories change together.
+inline constexpr std::size_t MOST_JOINED = 1000;
 
 /// A name for a joint change that no other one has.
 [[nodiscard]] std::string new_joint_token();
@@ -31,7 +35,8 @@ Result<bool> is_final(const Directory& fonts, const std::vector<journal::Record>
 /// The files of joint changes that this directory has led.
 [[nodiscard]] std::vector<std::string> final_names(const Directory& own);
 /// Finishes in the other directories what this one has led, and removes those files of it that nobody needs
-/// any more.
+/// any more. Those directories' own joint changes wait for their own turn. What names too many directories
+/// was not written by us and is left alone.
 void finish_joint_changes(const OwnDirectory& own);
 
 }  // namespace gw

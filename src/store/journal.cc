@@ -103,6 +103,7 @@ std::string line_of(const Record& record) {
 
 Result<std::vector<Record>> parse(std::string_view text, const std::string& subject) {
     std::vector<Record> records;
+    if (text.size() > static_cast<std::size_t>(MOST_BYTES)) return Failure{subject, Reason::NOT_A_JOURNAL};
     if (text.size() < HEADING.size() && (HEADING.starts_with(text) || FIRST_HEADING.starts_with(text)))
         return records;
     const bool is_old = text.starts_with(FIRST_HEADING);

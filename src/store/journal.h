@@ -20,6 +20,8 @@
 // subdirectory "afm". A last line without its newline was not written to its end, so nothing of it was done.
 #pragma once
 
+#include <sys/types.h>
+
 #include <string>
 #include <string_view>
 #include <variant>
@@ -76,7 +78,9 @@ using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite, Register,
 inline constexpr std::string_view HEADING = "glyphward-journal 2\n";
 inline constexpr std::string_view FIRST_HEADING = "glyphward-journal 1\n";
 /// No index has the same line so often: a larger number was not written by us.
-inline constexpr int MOST_LINES = 100000;
+inline constexpr int MOST_LINES = 1000;
+/// No change of ours has a longer journal.
+inline constexpr off_t MOST_BYTES = 8L * 1024 * 1024;
 /// The subdirectory for metrics, the only one that a name may be in.
 inline constexpr std::string_view METRICS = "afm";
 

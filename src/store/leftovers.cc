@@ -9,17 +9,19 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <set>
 #include <string_view>
 #include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "core/file_writer.h"
+#include "core/rights.h"
 #include "core/text.h"
 #include "fontfiles/index_text.h"
 #include "store/directory_change.h"
 #include "store/journal.h"
-#include "store/own_directory.h"
 
 namespace gw {
 
@@ -32,6 +34,9 @@ constexpr std::array<std::pair<Kind, std::string_view>, 3> SUFFIXES = {
 constexpr std::string_view FONT_SUFFIXES[] = {".pcf", ".pcf.gz", ".pcf.Z", ".pfa", ".pfb"};
 constexpr std::string_view METRICS_SUFFIX = ".afm";
 constexpr mode_t PERMISSIONS = 0777;
+// What is more waits for the next time.
+constexpr std::size_t MOST_IN_ONE_GO = 200;
+constexpr off_t MOST_BYTES_IN_ONE_GO = 256L * 1024 * 1024;
 
 LineOfFontFile& line_of_font_file() {
     static LineOfFontFile function = nullptr;
@@ -65,6 +70,18 @@ std::optional<Leftover> parsed(const std::string& hidden, const std::string& par
     return std::nullopt;
 }
 
+/// Whether a run of ours, under the name of somebody who may do everything here, can have left it. A second
+/// name it has only beside its first one.
+bool can_be_left(const struct stat& info, const std::string& name, const Directory& dir,
+                 const Directory& fonts) {
+    const bool is_known =
+        info.st_uid == fonts.info().st_uid || is_superuser(info.st_uid) || info.st_uid == ::geteuid();
+    if (!S_ISREG(info.st_mode) || !is_known) return false;
+    struct stat first = {};
+    return info.st_nlink == 1 || (info.st_nlink == 2 && dir.look_at(name, first) &&
+                                  first.st_ino == info.st_ino && first.st_dev == info.st_dev);
+}
+
 /// Appends what was left in one directory; `parent` is its place in the font directory.
 void append_leftovers(std::vector<Leftover>& leftovers, const Directory& dir, const Directory& fonts,
                       const std::string& parent) {
@@ -77,8 +94,8 @@ void append_leftovers(std::vector<Leftover>& leftovers, const Directory& dir, co
     while (const dirent* entry = ::readdir(entries)) {
         const std::optional<Leftover> leftover = parsed(entry->d_name, parent);
         struct stat info = {};
-        if (leftover && dir.look_at(entry->d_name, info) && S_ISREG(info.st_mode) &&
-            is_trusted(info, fonts.info()))
+        if (leftover && dir.look_at(entry->d_name, info) &&
+            can_be_left(info, leftover->name.substr(parent.size()), dir, fonts))
             leftovers.push_back(*leftover);
     }
     ::closedir(entries);
@@ -101,23 +118,52 @@ bool is_listed(const DirectoryChange& change, const std::string& file_name) {
     return !change.font_names(file_name).empty();
 }
 
-/// Whether another file, which is there, has the font name of this line. The server takes small and capital
-/// letters for the same.
-bool has_successor(const DirectoryChange& change, const std::string& line) {
-    std::string file_name;
-    std::string font_name;
-    split_index_line(line, file_name, font_name);
-    const std::vector<IndexEntry> entries = index_entries(change.index());
-    return std::any_of(entries.begin(), entries.end(), [&](const IndexEntry& entry) {
-        return lower_case(entry.font_name) == lower_case(font_name) && entry.file_name != file_name &&
-               change.will_have(entry.file_name);
-    });
-}
+/// The files that have each font name. The server takes small and capital letters for the same.
+class Successors {
+  public:
+    explicit Successors(const DirectoryChange& change) : change_(change) {}
+
+    /// Whether another file, which is there, has the font name of this line.
+    bool has(const std::string& line) {
+        know_index();
+        std::string file_name;
+        std::string font_name;
+        split_index_line(line, file_name, font_name);
+        const auto found = files_.find(lower_case(font_name));
+        if (found == files_.end()) return false;
+        return std::any_of(found->second.begin(), found->second.end(), [&](const std::string& file) {
+            return file != file_name && change_.will_have(file);
+        });
+    }
+    /// A file is there now, with all of its lines.
+    void add(const std::string& file_name) {
+        if (!knows_index_) return;
+        for (const std::string& font : change_.font_names(file_name))
+            files_[lower_case(font)].insert(file_name);
+    }
+
+  private:
+    // Each file is looked at once, however many lines and leftovers there are.
+    void know_index() {
+        if (std::exchange(knows_index_, true)) return;
+        for (const IndexEntry& entry : index_entries(change_.index())) {
+            if (change_.will_have(entry.file_name))
+                files_[lower_case(entry.font_name)].insert(entry.file_name);
+        }
+    }
+
+    const DirectoryChange& change_;
+    std::unordered_map<std::string, std::set<std::string>> files_;
+    bool knows_index_ = false;
+};
 
 /// One directory's leftovers, step by step.
 class Clearing {
   public:
-    explicit Clearing(DirectoryChange& change) : change_(change) {}
+    explicit Clearing(DirectoryChange& change) : change_(change), successors_(change) {}
+
+    /// Whether no more can be brought back this time.
+    [[nodiscard]] bool is_full() const { return is_full_; }
 
     Outcome clear(const Leftover& leftover) {
         struct stat info = {};
@@ -152,8 +198,9 @@ class Clearing {
 
     Outcome bring_back_line(const Leftover& leftover) {
         const std::optional<std::string> line = line_of(leftover);
-        if (!line || has_successor(change_, *line)) return take_away(leftover);
+        if (!line || successors_.has(*line)) return take_away(leftover);
         change_.enter(*line);
+        successors_.add(leftover.name);
         change_.take_out(leftover.hidden, true);
         note(leftover, Reason::LISTED_AGAIN);
         return done();
@@ -161,14 +208,15 @@ class Clearing {
 
     Outcome bring_back(const Leftover& leftover) {
         const DirectoryChange::Mark before = change_.mark();
-        if (Outcome copied = copy_back(leftover); !copied) return copied;
+        if (Outcome copied = copy_back(leftover); !copied || is_full_) return copied;
         const bool wants_line = is_font(leftover.name) && !is_listed(change_, leftover.name);
         const std::optional<std::string> line = wants_line ? line_of(leftover) : std::nullopt;
-        if (line && leftover.kind == Kind::KEPT && has_successor(change_, *line)) {
+        if (line && leftover.kind == Kind::KEPT && successors_.has(*line)) {
             change_.take_back_to(before);
             return take_away(leftover);
         }
         if (line) change_.enter(*line);
+        successors_.add(leftover.name);
         change_.take_out(leftover.hidden, false);
         note(leftover, wants_line && !line ? Reason::BROUGHT_BACK_UNLISTED : Reason::BROUGHT_BACK);
         return done();
@@ -179,6 +227,10 @@ class Clearing {
         struct stat info = {};
         const Result<std::string> bytes = read(leftover.hidden, info);
         if (!bytes) return bytes.failure();
+        const auto size = static_cast<off_t>(bytes->size());
+        is_full_ = size > bytes_left_;
+        if (is_full_) return done();
+        bytes_left_ -= size;
         Result<DirectoryChange::StagedFile> file = change_.stage(leftover.name);
         if (!file) return file.failure();
         file->set_owner({info.st_uid, info.st_gid});
@@ -193,6 +245,7 @@ class Clearing {
         const Descriptor file(
             ::openat(change_.dir().fd(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
         if (!file.is_open() || ::fstat(file.get(), &info) != 0) return Failure::of_system(path, errno);
+        if (info.st_nlink != 1) return Failure{path, Reason::NOT_OURS};
         return read_open_file(file.get(), path);
     }
 
@@ -207,7 +260,10 @@ class Clearing {
     }
 
     DirectoryChange& change_;
+    Successors successors_;
     std::vector<Failure> news_;
+    off_t bytes_left_ = MOST_BYTES_IN_ONE_GO;
+    bool is_full_ = false;
 };
 
 }  // namespace
@@ -217,14 +273,16 @@ bool has_leftovers(const Directory& fonts) {
 }
 
 bool clear_leftovers(DirectoryChange& change) {
-    const std::vector<Leftover> leftovers = leftovers_in(change.dir());
+    std::vector<Leftover> leftovers = leftovers_in(change.dir());
     if (leftovers.empty()) return false;
+    leftovers.resize(std::min(leftovers.size(), MOST_IN_ONE_GO));
     Clearing clearing(change);
     for (const Leftover& leftover : leftovers) {
         const DirectoryChange::Mark before = change.mark();
         const Outcome cleared = clearing.clear(leftover);
         if (!cleared) change.take_back_to(before);
         tell_unless_done(cleared);
+        if (clearing.is_full()) break;
     }
     if (tell_unless_done(change.commit())) {
         for (const Failure& news : clearing.news()) tell(news);

@@ -19,11 +19,12 @@ namespace gw {
 class DirectoryChange;
 
 /// Whether there is anything of that kind that belongs to the directory's owner, to the superuser or to this
-/// user. Files of anybody else are left alone.
+/// user. Files of anybody else are left alone, and files with more names than a run of ours gave them.
 [[nodiscard]] bool has_leftovers(const Directory& fonts);
 
 /// Brings back or takes away what was left, as a change of its own: the change, in which nothing is done so
-/// far, is made final. What cannot be done is told and stays as it is. Returns whether there was anything.
+/// far, is made final. What cannot be done is told and stays as it is. Much of it is done in several goes,
+/// one for each change. Returns whether there was anything.
 bool clear_leftovers(DirectoryChange& change);
 
 /// Finds out what the font in a file is called; returns its index line (newline included), if that can be

@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <unordered_set>
 #include <utility>
 
 #include "core/file_calls.h"
@@ -32,8 +33,9 @@ int& patience() {
     return milliseconds;
 }
 
-bool is_shared(const Directory& fonts) {
-    return (fonts.info().st_mode & S_IWGRP) != 0;
+/// Whether the members of a group may write the fonts, and not everybody.
+bool is_a_groups(const struct stat& fonts) {
+    return (fonts.st_mode & (S_IWGRP | S_IWOTH)) == S_IWGRP;
 }
 
 }  // namespace
@@ -41,8 +43,8 @@ bool is_shared(const Directory& fonts) {
 // In a directory that everybody may write, the group of a file says nothing: the set-group-ID bit gives it to
 // the files of all.
 bool is_trusted(const struct stat& info, const struct stat& fonts) {
-    const bool is_the_groups = (fonts.st_mode & (S_IWGRP | S_IWOTH)) == S_IWGRP &&
-                               info.st_gid == fonts.st_gid && (info.st_mode & S_IWOTH) == 0;
+    const bool is_the_groups =
+        is_a_groups(fonts) && info.st_gid == fonts.st_gid && (info.st_mode & S_IWOTH) == 0;
     return is_the_groups || info.st_uid == fonts.st_uid || is_superuser(info.st_uid) ||
            info.st_uid == ::geteuid();
 }
@@ -52,9 +54,17 @@ namespace {
 /// Gives what we have made in `like` its owner and, where that group may write, its group. Only the superuser
 /// can do the first, and the second only a member.
 void give_away(int fd, const struct stat& like) {
-    const bool shared = (like.st_mode & S_IWGRP) != 0;
+    const bool shared = is_a_groups(like);
     (void)file_calls().set_owner(fd, runs_as_superuser() ? like.st_uid : static_cast<uid_t>(-1),
                                  shared || runs_as_superuser() ? like.st_gid : static_cast<gid_t>(-1));
+}
+
+/// The same; the group gets these permissions if it is that of the directory. False when that fails.
+bool give_away(int fd, const struct stat& like, mode_t groups) {
+    give_away(fd, like);
+    struct stat made = {};
+    if (!is_a_groups(like) || ::fstat(fd, &made) != 0 || made.st_gid != like.st_gid) return true;
+    return file_calls().set_mode(fd, groups) == 0;
 }
 
 /// The failure to use what is called NAME in `parent`. Where everybody may write, another user may have been
@@ -89,9 +99,7 @@ Result<Directory> made_below(const Directory& parent, const char* name, const Di
         return Failure::of_system(parent.path_of(name), errno);
     Result<Directory> dir = opened_below(parent, name, fonts);
     if (!dir || !dir->names().empty()) return dir;
-    give_away(dir->fd(), fonts.info());
-    if (is_shared(fonts) && file_calls().set_mode(dir->fd(), GROUPS) != 0)
-        return Failure::of_system(dir->path(), errno);
+    if (!give_away(dir->fd(), fonts.info(), GROUPS)) return Failure::of_system(dir->path(), errno);
     return dir;
 }
 
@@ -105,8 +113,7 @@ Outcome make_lock(const Directory& dir, const Directory& fonts) {
     const Descriptor fd(
         file_calls().open(dir.fd(), LOCK, O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, LOCK_MODE));
     if (!fd.is_open()) return Failure::of_system(dir.path_of(LOCK), errno);
-    give_away(fd.get(), fonts.info());
-    if (is_shared(fonts)) (void)file_calls().set_mode(fd.get(), GROUPS_LOCK_MODE);
+    (void)give_away(fd.get(), fonts.info(), GROUPS_LOCK_MODE);
     return done();
 }
 
@@ -233,30 +240,58 @@ Result<Descriptor> OwnDirectory::create(const Directory& where, const std::strin
                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
     if (!fd.is_open()) return Failure::of_system(where.path_of(name), errno);
     // The journal is for whoever has the next look.
-    if (&where == &dir_) {
-        give_away(fd.get(), owner_);
-        if ((owner_.st_mode & S_IWGRP) != 0) (void)file_calls().set_mode(fd.get(), GROUPS_LOCK_MODE);
-    }
+    if (&where == &dir_) (void)give_away(fd.get(), owner_, GROUPS_LOCK_MODE);
     return fd;
+}
+
+void OwnDirectory::lend_to_group(int fd) const {
+    if (!runs_as_superuser()) give_away(fd, owner_);
+}
+
+/// A name for a directory that is in the way, if there is one left.
+std::optional<std::string> OwnDirectory::free_name() const {
+    if (!knows_free_names_) {
+        knows_free_names_ = true;
+        const std::vector<std::string> taken = dir_.names();
+        const std::unordered_set<std::string> names(taken.begin(), taken.end());
+        for (int number = MOST_LEFT - 1; number >= 0; --number) {
+            std::string left = "left-" + std::to_string(number);
+            if (!names.contains(left)) free_names_.push_back(std::move(left));
+        }
+    }
+    if (free_names_.empty()) return std::nullopt;
+    std::string name = std::move(free_names_.back());
+    free_names_.pop_back();
+    return name;
 }
 
 /// Removes what has the name. A directory is not ours; it gets another name.
 void OwnDirectory::make_way(const Directory& where, const std::string& name) const {
     if (file_calls().unlink(where.fd(), name.c_str(), 0) == 0 || errno == ENOENT) return;
-    for (int number = 0; number < MOST_LEFT; ++number) {
-        const std::string left = "left-" + std::to_string(number);
-        if (dir_.has(left)) continue;
-        (void)file_calls().rename(where.fd(), name.c_str(), dir_.fd(), left.c_str());
-        return;
-    }
+    if (const std::optional<std::string> left = free_name())
+        (void)file_calls().rename(where.fd(), name.c_str(), dir_.fd(), left->c_str());
+}
+
+// The name is looked at once more: the second name of an open file may just have been removed.
+Result<std::string> OwnDirectory::read(const Directory& where, const std::string& name) const {
+    const std::string path = where.path_of(name);
+    const auto is_ours = [this](const struct stat& info) {
+        return S_ISREG(info.st_mode) && info.st_nlink == 1 && is_trusted(info, owner_);
+    };
+    struct stat named = {};
+    if (!where.look_at(name, named)) return Failure::of_system(path, errno);
+    if (!is_ours(named)) return Failure{path, Reason::NOT_OURS};
+    const Descriptor file(::openat(where.fd(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    struct stat opened = {};
+    if (!file.is_open() || ::fstat(file.get(), &opened) != 0 || !where.look_at(name, named))
+        return Failure::of_system(path, errno);
+    const bool is_same = opened.st_ino == named.st_ino && opened.st_dev == named.st_dev;
+    if (!is_same || !is_ours(opened) || !is_ours(named)) return Failure{path, Reason::NOT_OURS};
+    return read_open_file(file.get(), path);
 }
 
 Result<std::string> OwnDirectory::read(const char* name) const {
-    struct stat info = {};
-    if (!dir_.look_at(name, info)) return Failure::of_system(dir_.path_of(name), errno);
-    if (!S_ISREG(info.st_mode) || info.st_nlink != 1 || !is_trusted(info, owner_))
-        return Failure{dir_.path_of(name), Reason::NOT_OURS};
-    return dir_.read(name);
+    return read(dir_, name);
 }
 
 Outcome OwnDirectory::remove_journal() const {

@@ -7,7 +7,9 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "core/directory.h"
 #include "core/failure.h"
@@ -38,13 +40,18 @@ class OwnDirectory {
     [[nodiscard]] Result<Descriptor> create(const Directory& where, const std::string& name) const;
     /// The bytes of a file of ours; fails for one that cannot be relied on.
     [[nodiscard]] Result<std::string> read(const char* name) const;
+    /// The same for one in `made` or in `set_aside`.
+    [[nodiscard]] Result<std::string> read(const Directory& where, const std::string& name) const;
+    /// Gives an open file to the group that may write the fonts, so that its members trust it.
+    void lend_to_group(int fd) const;
     /// Removes the journal: the change is final, or taken back.
     [[nodiscard]] Outcome remove_journal() const;
     /// Removes what is in `made` and in `set_aside`. Directories that somebody has put there get the names
-    /// "left-0", "left-1" and so on in this directory.
+    /// "left-0" to "left-999" in this directory; what are more stay.
     void clear() const;
 
   private:
+    [[nodiscard]] std::optional<std::string> free_name() const;
     void make_way(const Directory& where, const std::string& name) const;
     OwnDirectory(const struct stat& owner, Directory dir, Directory made, Directory set_aside,
                  Descriptor lock);
@@ -54,6 +61,8 @@ class OwnDirectory {
     Directory made_;
     Directory set_aside_;
     Descriptor lock_;
+    mutable bool knows_free_names_ = false;
+    mutable std::vector<std::string> free_names_;  // the first one is at the end
 };
 
 /// Whether what was found in a font directory under our name can be relied on: it belongs to the directory's

@@ -3,18 +3,15 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
 #include "core/file_calls.h"
-#include "core/file_writer.h"
-#include "core/replace_file.h"
-#include "core/rights.h"
 #include "fontfiles/index_text.h"
 #include "platform/host_paths.h"
+#include "store/index_file.h"
 #include "store/joint_change.h"
 
 namespace gw {
@@ -38,6 +35,17 @@ bool is_between(std::string_view now, std::string_view old, std::string_view mad
         if (now[i] != at(old, i) && now[i] != at(made, i)) return false;
     }
     return true;
+}
+
+/// Whether a file can have the text with that many of each line.
+bool can_have_occurrences(std::string_view text, const LineNumbers& wanted) {
+    constexpr std::size_t ROOM_FOR_COUNT = 16;
+    std::size_t size = text.size() + ROOM_FOR_COUNT;
+    for (const auto& [line, number] : occurrences(text, wanted)) {
+        const int missing = wanted.find(line)->second - number;
+        if (missing > 0) size += static_cast<std::size_t>(missing) * line.size();
+    }
+    return size <= static_cast<std::size_t>(Directory::FILE_LIMIT);
 }
 
 class TakingBack {
@@ -142,18 +150,24 @@ class TakingBack {
             if (errno != ENOENT) return Failure::of_system(fonts_.path_of(INDEX), errno);
             return own_.set_aside().has(INDEX) ? bring_back_index() : done();
         }
-        const Result<std::string> now = read_index(fonts_, info);
+        struct stat content = {};
+        const Result<std::string> now = read_index(fonts_, content);
         if (!now) return now.failure();
-        const Result<std::string> old = own_.set_aside().read(INDEX);
-        const Result<std::string> made = own_.made().read(INDEX);
+        const Result<std::string> old = own_.read(own_.set_aside(), INDEX);
+        const Result<std::string> made = own_.read(own_.made(), INDEX);
+        for (const Result<std::string>* text : {&old, &made}) {
+            if (!*text && text->failure().reason == Reason::NOT_OURS) return text->failure();
+        }
         if (!old || !made || !is_between(*now, *old, *made)) return lines_in(info);
         return *now == *old ? done() : overwrite_index(fonts_, info, *old);
     }
 
     /// The index is another program's, or was overwritten: only our lines are set right.
     [[nodiscard]] Outcome lines_in(const struct stat& info) const {
-        const Result<std::string> bytes = read_index(fonts_, info);
+        struct stat content = {};
+        const Result<std::string> bytes = read_index(fonts_, content);
         if (!bytes) return bytes.failure();
+        if (!can_have_occurrences(*bytes, lines_)) return Failure::of_system(fonts_.path_of(INDEX), EFBIG);
         const std::string text = with_occurrences(*bytes, lines_);
         return text == *bytes ? done() : overwrite_index(fonts_, info, text);
     }
@@ -185,42 +199,6 @@ int PlaceBelow::rename_to(const Directory& to, const std::string& new_name) cons
     return file_calls().rename(dir().fd(), name_.c_str(), to.fd(), new_name.c_str()) == 0 ? 0 : errno;
 }
 
-Result<std::string> read_index(const Directory& fonts, const struct stat& looked_at) {
-    if (!S_ISLNK(looked_at.st_mode)) return fonts.read(INDEX);
-    if (!is_trusted_link(looked_at, fonts.info())) return Failure{fonts.path_of(INDEX), Reason::NOT_OURS};
-    return read_file(fonts.path_of(INDEX));
-}
-
-Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text) {
-    const std::string path = fonts.path_of(INDEX);
-    // Nobody else can exchange a link that is trusted.
-    if (S_ISLNK(looked_at.st_mode)) {
-        return is_trusted_link(looked_at, fonts.info()) ? replace_file(path, text)
-                                                        : Outcome(Failure{path, Reason::NOT_OURS});
-    }
-    const FileCalls& calls = file_calls();
-    const Descriptor file(
-        calls.open(fonts.fd(), INDEX.c_str(), O_WRONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC, 0));
-    struct stat now = {};
-    if (!file.is_open() || ::fstat(file.get(), &now) != 0) return Failure::of_system(path, errno);
-    if (now.st_dev != looked_at.st_dev || now.st_ino != looked_at.st_ino || !S_ISREG(now.st_mode))
-        return Failure::of_system(path, EAGAIN);
-    const auto size = static_cast<off_t>(text.size());
-    // Growing the file first finds out whether the disk is full, before the old content is overwritten.
-    if (size > now.st_size) {
-        if (const int error = calls.allocate(file.get(), 0, size); error != 0) {
-            (void)calls.truncate(file.get(), now.st_size);
-            return Failure::of_system(path, error);
-        }
-    }
-    if (const int error = write_all(file.get(), text); error != 0) return Failure::of_system(path, error);
-    if (calls.truncate(file.get(), size) != 0 || calls.sync(file.get()) != 0)
-        return Failure::of_system(path, errno);
-    const timespec times[2] = {now.st_atim, {std::max(::time(nullptr), now.st_mtim.tv_sec + 1), 0}};
-    (void)calls.set_times(file.get(), times);
-    return done();
-}
-
 // A failure does not keep the rest from being taken back.
 Outcome take_back(const Directory& fonts, const OwnDirectory& own,
                   const std::vector<journal::Record>& records) {
@@ -244,6 +222,8 @@ Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     }
     // Killed before its first record: nothing was begun.
     if (info.st_size == 0 && S_ISREG(info.st_mode)) return own.remove_journal();
+    if (info.st_size > journal::MOST_BYTES)
+        return Failure{own.dir().path_of(OwnDirectory::JOURNAL), Reason::NOT_A_JOURNAL};
     const Result<std::string> text = own.read(OwnDirectory::JOURNAL);
     if (!text) return text.failure();
     const auto records = journal::parse(*text, own.dir().path_of(OwnDirectory::JOURNAL));

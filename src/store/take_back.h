@@ -31,13 +31,6 @@ class PlaceBelow {
     std::string name_;
 };
 
-/// The text of the index that `looked_at` describes. A link that is not trusted is refused.
-Result<std::string> read_index(const Directory& fonts, const struct stat& looked_at);
-
-/// Overwrites an index that cannot be replaced: it is a link, has other names, or belongs to somebody else.
-/// Fails when it is not the file any more that `looked_at` describes.
-Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text);
-
 /// Takes back the records, the last one first. After a failure it can be tried again.
 Outcome take_back(const Directory& fonts, const OwnDirectory& own,
                   const std::vector<journal::Record>& records);

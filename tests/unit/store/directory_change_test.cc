@@ -10,7 +10,9 @@
 #include <filesystem>
 #include <string>
 
+#include "core/file_calls.h"
 #include "store/font_action.h"
+#include "store/journal.h"
 #include "support/file_faults.h"
 #include "support/heard_failures.h"
 #include "support/temp_dir.h"
@@ -197,6 +199,7 @@ class OthersDirectory : public Change {
 
 TEST_F(OthersDirectory, AnIndexThatBecomesALinkIsNotFollowed) {
     std::filesystem::create_hard_link(dir.file("fonts.dir"), dir.file("second"));
+    ASSERT_EQ(::chown(dir.file("fonts.dir").c_str(), USER, USER), 0);
     const auto change = begin();
     change->enter("c.pcf -c\n");
     exchange_index_for_a_link();
@@ -237,6 +240,115 @@ TEST_F(OthersDirectory, ALinkOfTheSuperusersLeadsNowhere) {
     EXPECT_EQ(target.read("passwd"), "root\n");
     std::filesystem::remove(dir.file(".glyphward/journal"));
     EXPECT_FALSE(DirectoryChange::begin(dir.path())) << "not read either";
+}
+
+TEST_F(OthersDirectory, AnIndexThatIsASecondNameOfAnothersFileIsRefused) {
+    std::filesystem::remove(dir.file("fonts.dir"));
+    std::filesystem::create_hard_link(target.file("passwd"), dir.file("fonts.dir"));
+    const auto change = DirectoryChange::begin(dir.path());
+    ASSERT_FALSE(change);
+    EXPECT_EQ(change.failure().reason, Reason::NOT_OURS);
+    plant_journal("line 1 evil\nindex 0 1\n");
+    EXPECT_FALSE(gw::settle(dir.path()));
+    EXPECT_EQ(target.read("passwd"), "root\n");
+}
+
+TEST_F(OthersDirectory, ALinkThereThatALinkOfOursLeadsToIsNotFollowed) {
+    const TempDir ours;
+    exchange_index_for_a_link();
+    std::filesystem::create_symlink(dir.file("fonts.dir"), ours.file("fonts.dir"));
+    const auto change = DirectoryChange::begin(ours.path());
+    ASSERT_FALSE(change);
+    EXPECT_EQ(change.failure().reason, Reason::NOT_OURS);
+    // The link may come while the change is going on.
+    std::filesystem::remove(dir.file("fonts.dir"));
+    dir.write("fonts.dir", INDEX);
+    auto begun = DirectoryChange::begin(ours.path());
+    ASSERT_TRUE(begun);
+    (*begun)->enter("c.pcf -c\n");
+    exchange_index_for_a_link();
+    EXPECT_FALSE((*begun)->commit());
+    EXPECT_EQ(target.read("passwd"), "root\n");
+}
+
+TEST_F(OthersDirectory, AnOldIndexThatIsALinkToASecretIsNotBroughtBack) {
+    { const auto change = begin(); }
+    ASSERT_EQ(::chmod(target.file("passwd").c_str(), 0600), 0);
+    for (const char* forged : {"old", "new"}) {
+        const std::string other = forged == std::string("old") ? "new" : "old";
+        dir.write(".glyphward/" + other + "/fonts.dir", INDEX);
+        std::filesystem::create_hard_link(target.file("passwd"),
+                                          dir.file(".glyphward/" + std::string(forged) + "/fonts.dir"));
+        plant_journal("overwrite\n");
+        EXPECT_FALSE(gw::settle(dir.path())) << forged;
+        EXPECT_EQ(dir.read("fonts.dir"), INDEX) << forged;
+        std::filesystem::remove(dir.file(".glyphward/journal"));
+        { const auto change = begin(); }
+    }
+    EXPECT_EQ(target.read("passwd"), "root\n");
+}
+
+// Anybody can give any file a second name there.
+TEST_F(Change, WhereEverybodyMayWriteTrustsNoIndexWithASecondName) {
+    ASSERT_EQ(::link(dir.file("fonts.dir").c_str(), dir.file("second").c_str()), 0);
+    ASSERT_EQ(::chmod(dir.c_str(), 01777), 0);
+    const auto change = DirectoryChange::begin(dir.path());
+    ASSERT_FALSE(change);
+    EXPECT_EQ(change.failure().reason, Reason::NOT_OURS);
+}
+
+TEST_F(Change, FollowsAnIndexThroughAllItsOwnLinks) {
+    dir.write("elsewhere/real", INDEX);
+    std::filesystem::remove(dir.file("fonts.dir"));
+    std::filesystem::create_symlink("elsewhere/second", dir.file("fonts.dir"));
+    std::filesystem::create_symlink("../third", dir.file("elsewhere/second"));
+    std::filesystem::create_symlink(dir.file("elsewhere/real"), dir.file("third"));
+    auto change = begin();
+    change->enter("c.pcf -c\n");
+    EXPECT_TRUE(change->commit());
+    EXPECT_TRUE(std::filesystem::is_symlink(dir.file("fonts.dir")));
+    EXPECT_EQ(dir.read("elsewhere/real"), "3\na.pcf -a\nb.pcf -b\nc.pcf -c\n");
+    change.reset();
+    std::filesystem::remove(dir.file("third"));
+    std::filesystem::create_symlink("fonts.dir", dir.file("third"));
+    const auto endless = DirectoryChange::begin(dir.path());
+    ASSERT_FALSE(endless);
+    EXPECT_EQ(endless.failure().error, ELOOP);
+    // What removes the directory cannot get along with it.
+    std::filesystem::remove(dir.file("third"));
+}
+
+TEST_F(Change, WhoseJournalWouldMakeAnEndlessIndexIsNotTakenBack) {
+    dir.write(".glyphward/journal",
+              "glyphward-journal 1\nline 1000 x.pcf " + std::string(100000, 'x') + "\nindex 1 1\n");
+    EXPECT_FALSE(gw::settle(dir.path()));
+    EXPECT_EQ(dir.read("fonts.dir"), INDEX);
+    dir.write(".glyphward/journal", "glyphward-journal 1\nline 2 x.pcf -x\nindex 1 1\n");
+    EXPECT_TRUE(gw::settle(dir.path()));
+    EXPECT_EQ(dir.read("fonts.dir"), "4\na.pcf -a\nb.pcf -b\nx.pcf -x\nx.pcf -x\n");
+}
+
+TEST_F(Change, WhoseJournalIsTooLongIsNoneOfOurs) {
+    dir.write(".glyphward/journal",
+              "glyphward-journal 1\n" + std::string(gw::journal::MOST_BYTES, 'x') + '\n');
+    const gw::Outcome settled = gw::settle(dir.path());
+    ASSERT_FALSE(settled);
+    EXPECT_EQ(settled.failure().reason, Reason::NOT_A_JOURNAL);
+}
+
+// What a journal cannot say could not be taken back.
+TEST_F(Change, OfALineThatTheIndexHasTooOftenIsRefused) {
+    std::string index = "1001\n";
+    for (int i = 0; i < 1001; ++i) index += "a.pcf -a\n";
+    dir.write("fonts.dir", index);
+    const auto change = begin();
+    change->strike_out("a.pcf", 1);
+    EXPECT_TRUE(change->take_out("a.pcf", false));
+    const gw::Outcome committed = change->commit();
+    ASSERT_FALSE(committed);
+    EXPECT_EQ(committed.failure().error, EOVERFLOW);
+    EXPECT_EQ(dir.read("fonts.dir"), index);
+    EXPECT_TRUE(dir.exists("a.pcf"));
 }
 
 // One font goes, and a file of another that fails gets its name for a moment.
@@ -359,6 +471,38 @@ TEST_F(Change, IsOpenToTheGroupWhereTheDirectoryIs) {
         struct stat info = {};
         ASSERT_EQ(::stat(dir.file(name).c_str(), &info), 0);
         EXPECT_EQ(info.st_mode & 0777, 0770U) << name;
+    }
+}
+
+TEST_F(Change, IsOpenToNoGroupWhereEverybodyMayWrite) {
+    ASSERT_EQ(::chmod(dir.c_str(), 01777), 0);
+    const auto change = begin();
+    put(*change, "c.pcf", "C");
+    for (const char* name : {"", "/lock", "/new", "/old", "/journal"}) {
+        struct stat info = {};
+        ASSERT_EQ(::stat(dir.file(std::string(".glyphward") + name).c_str(), &info), 0) << name;
+        EXPECT_EQ(info.st_mode & 0077, 0U) << name;
+    }
+}
+
+int refuse_owner(int /*fd*/, uid_t /*owner*/, gid_t /*group*/) {
+    errno = EPERM;
+    return -1;
+}
+
+TEST_F(Change, IsNotOpenToAnotherGroupThanThatOfTheDirectory) {
+    if (::geteuid() != 0) GTEST_SKIP() << "only the superuser can give the directory a group of others";
+    ASSERT_EQ(::chown(dir.c_str(), 0, 2000), 0);
+    ASSERT_EQ(::chmod(dir.c_str(), 0775), 0);
+    gw::FileCalls calls = gw::system_file_calls();
+    calls.set_owner = refuse_owner;
+    gw::use_file_calls(calls);
+    { const auto change = begin(); }
+    gw::use_file_calls(gw::system_file_calls());
+    for (const char* name : {"", "/lock", "/new", "/old"}) {
+        struct stat info = {};
+        ASSERT_EQ(::stat(dir.file(std::string(".glyphward") + name).c_str(), &info), 0) << name;
+        EXPECT_EQ(info.st_mode & 0077, 0U) << name;
     }
 }
 

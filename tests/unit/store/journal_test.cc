@@ -81,7 +81,7 @@ TEST(Journal, OfAnythingElseIsRefused) {
                              "put -1 a",
                              "out 99999999999999999999 a",
                              "out 4294967296 a",
-                             "line 100001 a b",
+                             "line 1001 a b",
                              "line 2147483647 a b",
                              "out 1 a/b",
                              "dir ..",

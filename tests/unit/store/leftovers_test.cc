@@ -192,6 +192,44 @@ TEST_F(Leftovers, WhatIsNoOrdinaryFileOfOursIsLeftAlone) {
     EXPECT_TRUE(fs::is_symlink(dir.file(".a.pcf.gwkept")));
 }
 
+TEST_F(Leftovers, WhatHasManyNamesWasNotLeftByOneRun) {
+    dir.write(".a0.pcf.gwold", "A");
+    for (int i = 1; i < 20; ++i)
+        fs::create_hard_link(dir.file(".a0.pcf.gwold"), dir.file(".a" + std::to_string(i) + ".pcf.gwold"));
+    dir.write("elsewhere", "of somebody");
+    fs::create_hard_link(dir.file("elsewhere"), dir.file(".c.pcf.gwkept"));
+    EXPECT_TRUE(settled().empty());
+    for (const char* name : {"a0.pcf", "a1.pcf", "c.pcf"}) EXPECT_FALSE(dir.exists(name)) << name;
+    EXPECT_TRUE(dir.exists(".a19.pcf.gwold"));
+}
+
+TEST_F(Leftovers, ManyAreDoneInSeveralGoes) {
+    std::string index = "250\n";
+    for (int i = 0; i < 250; ++i) {
+        const std::string name = "f" + std::to_string(i) + ".pcf";
+        dir.write('.' + name + ".gwkept", "F");
+        index += name + " -its-own\n";
+    }
+    dir.write("fonts.dir", index);
+    EXPECT_EQ(settled().size(), 200U);
+    EXPECT_EQ(settled().size(), 50U);
+    EXPECT_TRUE(settled().empty());
+    for (const char* name : {"f0.pcf", "f99.pcf", "f249.pcf"}) EXPECT_EQ(dir.read(name), "F") << name;
+    EXPECT_EQ(dir.read("fonts.dir"), index);
+}
+
+TEST_F(Leftovers, AFontThatHasJustComeBackIsASuccessor) {
+    gw::know_lines_by([](const std::string&, const std::string& name) {
+        return std::optional<std::string>(name + " -Same\n");
+    });
+    dir.write(".a.pcf.gwkept", "A");
+    dir.write(".c.pcf.gwkept", "C");
+    EXPECT_EQ(settled().size(), 2U);
+    EXPECT_EQ(dir.read("a.pcf"), "A");
+    EXPECT_FALSE(dir.exists("c.pcf"));
+    EXPECT_EQ(dir.read("fonts.dir"), "2\nb.pcf -b\na.pcf -Same\n");
+}
+
 TEST_F(Leftovers, WhoMayNotWriteIsToldThatSomethingIsUnfinished) {
     if (::geteuid() == 0) GTEST_SKIP() << "every directory is open to the superuser";
     dir.write(".a.pcf.gwkept", "A");

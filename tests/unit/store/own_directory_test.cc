@@ -68,6 +68,23 @@ TEST_F(OwnDirectory, WithSomebodysDirectoriesInItIsInNobodysWay) {
     EXPECT_TRUE(std::filesystem::is_empty(dir.file(".glyphward/new")));
 }
 
+TEST_F(OwnDirectory, GivesOnlySoManyDirectoriesAnotherName) {
+    { ASSERT_TRUE(DirectoryChange::begin(dir.path())); }
+    for (int i = 0; i < 1100; ++i) dir.make_dir(".glyphward/new/theirs" + std::to_string(i));
+    dir.make_dir(".glyphward/left-7/before");
+    EXPECT_TRUE(delete_a());
+    const auto entries = [&](const char* name) {
+        const std::filesystem::directory_iterator all(dir.file(name));
+        return std::distance(begin(all), end(all));
+    };
+    EXPECT_EQ(entries(".glyphward/new"), 101);
+    EXPECT_TRUE(dir.exists(".glyphward/left-0"));
+    EXPECT_TRUE(dir.exists(".glyphward/left-999"));
+    EXPECT_TRUE(dir.exists(".glyphward/left-7/before"));
+    EXPECT_FALSE(dir.exists(".glyphward/left-1000"));
+    EXPECT_EQ(dir.read("fonts.dir"), "1\nb.pcf -b\n");
+}
+
 // There is no room for a directory of ours, but what goes makes room.
 TEST_F(OwnDirectory, IsNotNeededForDeletingOnAFullDisk) {
     int at = 1;
