@@ -360,6 +360,24 @@ TEST_F(Drivers, WithFixedNamesTheSecondRunListsNothingAndSaysWhy) {
     EXPECT_EQ(count(), "1");
 }
 
+TEST_F(Drivers, ASourceBehindALinkOfSomebodyElseIsRefusedWithASentence) {
+    if (::geteuid() != 0) GTEST_SKIP() << "makes a link of another user";
+    use_path("/x/");
+    home.write("fonts/t.pfa", HEADER);
+    std::filesystem::create_directory_symlink(home.file("fonts"), home.file("link"));
+    const auto count = [&] {
+        GWHRNList list(0);
+        GWDirDriver(home.file("link").c_str()).get_hrn_list(list);
+        return list.get_count();
+    };
+    EXPECT_EQ(count(), 1) << "it is the superuser's own";
+    ASSERT_EQ(::lchown(home.file("link").c_str(), 1000, 1000), 0);
+    const gw::test::HeardFailures heard;
+    EXPECT_EQ(count(), 0);
+    EXPECT_EQ(heard.text(),
+              home.file("link") + ": this is a link or belongs to someone else; it is not used\n");
+}
+
 TEST_F(Drivers, AMediumThatIsNotMountedGivesNothing) {
     use_path("/x/");
     for (const int kind : {0, 1}) {
