@@ -56,7 +56,8 @@ bool has_comma(const GW_STRING& element) {
     return std::strchr(element.get_str(), ',') != nullptr;
 }
 
-/// Appends to `elements` what another process has added to the file since this one last read it.
+/// Does to `elements`, which are to replace the file, what another process has done to it since this one last
+/// read it: takes out what is not in it any more, and appends what has come.
 void take_over_changes(GW_LIST<GW_STRING>& elements, const std::vector<std::string>& now,
                        const std::vector<std::string>& known) {
     const auto has = [](const std::vector<std::string>& texts, const std::string& text) {

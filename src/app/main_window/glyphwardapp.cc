@@ -178,6 +178,7 @@ Widget create_work_area(Widget main_window) {
 }  // namespace
 
 void exit_btn_cb(Widget, XtPointer, XtPointer) {
+    gw::keep_what_is_done();
     gw::stop_source_preview();
     gw::close_catalogue();
     std::exit(0);

@@ -20,32 +20,31 @@ namespace gw {
 
 namespace {
 
-/// The user's action that is going on. A program that ends in the middle keeps the fonts that are done.
-struct CurrentAction {
-    std::optional<FontAction> action;
-    ~CurrentAction() {
-        if (action) action->commit();
-    }
-};
-
-CurrentAction& current() {
-    static CurrentAction action;
+/// The user's action that is going on.
+std::optional<FontAction>& current() {
+    static std::optional<FontAction> action;
     return action;
 }
 
 }  // namespace
 
 void begin_font_action() {
-    current().action.reset();
-    current().action.emplace();
+    current().reset();
+    current().emplace();
+}
+
+void keep_what_is_done() {
+    if (!current()) return;
+    for (const FontAction::Failed& failed : current()->commit()) tell(failed.why);
+    current().reset();
 }
 
 int commit_font_action(FontReport& report, Sequel sequel) {
-    if (!current().action) return 0;
+    if (!current()) return 0;
     int names = 0;
-    for (const FontAction::Failed& failed : current().action->commit())
+    for (const FontAction::Failed& failed : current()->commit())
         names += report.fail_all_in(failed.dir, failed.why.with(sequel));
-    current().action.reset();
+    current().reset();
     if (names > 0) fill_program_lists();
     return names;
 }

@@ -32,6 +32,10 @@ void begin_font_action();
 /// with this consequence, and the lists of fonts are read again. Returns how many names these fonts have.
 int commit_font_action(FontReport& report, Sequel sequel);
 
+/// For a program that ends in the middle of an action: makes the fonts that are done final, and tells what
+/// fails.
+void keep_what_is_done();
+
 /// Emitted by `forbid_other_work` and `permit_other_work`: whether work may be started from now on.
 Signal<bool>& work_permissions();
 
