@@ -28,6 +28,8 @@ Builds and runs the tests; missing packages are installed first. The last line i
   --seed N           shuffles the tests of unit and widget suites by N, 1 to 99999, and chooses what soak suites do
                      (default: a number that is drawn and printed)
   --seconds N        how long each fuzz target and each soak suite goes on (default: 5 and 60)
+  --every-call       the tests that kill the running program do it at every call that changes the disk (default: at
+                     every seventh); some suites then take longer than they may, so name a single test
   --no-shuffle       runs them in the order of the source files
   --all              clang-tidy looks at all sources (default: at those that have changed; see scripts/tidy --help)
   --jobs N           runs N suites at the same time (default: one more than there are processors)
@@ -52,6 +54,7 @@ while [ $# -gt 0 ]; do
         --user) users+=("${2:?--user wants root or user}"); shift ;;
         --seed) seed=${2:?--seed wants a number}; shift ;;
         --seconds) GLYPHWARD_SECONDS=${2:?--seconds wants a number}; export GLYPHWARD_SECONDS; shift ;;
+        --every-call) export GLYPHWARD_EVERY_CALL=1 ;;
         --no-shuffle) seed= ;;
         --all) export GLYPHWARD_TIDY=--all ;;
         --jobs) jobs=${2:?--jobs wants a number}; shift ;;
@@ -64,8 +67,6 @@ while [ $# -gt 0 ]; do
     shift
 done
 everything=
-# What takes too long for every run is done by those who ask for it by name.
-[ ${#names[@]} -eq 0 ] || export GLYPHWARD_EVERY_CALL=1
 [ $((${#asked_lanes[@]} + ${#names[@]})) -gt 0 ] || { everything=1; asked_lanes=("${lanes[@]}"); }
 # build_of WORD: the build that the suites of a lane or with such a name are in.
 build_of() {
@@ -195,11 +196,13 @@ fi
 # Tests that were left out because of who started this.
 left_out=0
 if has package "${kinds[@]}" && [ "$(id -u)" -ne 0 ]; then
-    left_out=$(build/release/tests/package_install --gtest_list_tests | grep -c '^ ')
+    left_out=$(for suite in install everyone; do
+        "build/release/tests/package_$suite" --gtest_list_tests
+    done | grep -c '^ ')
     say "Skipped: $left_out tests of the package. They need a throw-away machine, which only the superuser can make."
 elif has package "${kinds[@]}"; then
-    rm -f build/release/*.deb
-    step 'Packaging' 'The log says what is missing.' cmake --build --preset release --target package
+    rm -f build/release/*.deb build/release/*.rpm
+    step 'Packaging' 'The log says what is missing.' cmake --build --preset release --target package package_rpm
 fi
 
 runs=$(ctest --test-dir build -N -R "$pattern" | sed -n 's/^Total Tests: //p')

@@ -25,7 +25,7 @@ using Texts = std::vector<Entry>;
 inline Texts defaults() {
     return {
 #define MSG(set, number, name, text) {set, number, text},
-#include "app/kit/messages.def"
+#include "texts/messages.def"
 #undef MSG
     };
 }
@@ -88,6 +88,15 @@ inline std::vector<std::string_view> places_of(std::string_view text) {
     return places;
 }
 
+/// The places for details ("{1}") of a text, sorted.
+inline std::vector<std::string_view> details_of(std::string_view text) {
+    std::vector<std::string_view> details;
+    for (std::size_t at = text.find('{'); at != std::string_view::npos; at = text.find('{', at + 1))
+        details.push_back(text.substr(at, 3));
+    std::sort(details.begin(), details.end());
+    return details;
+}
+
 /// The blanks and newlines that it begins with.
 inline std::string_view beginning_of(std::string_view text) {
     return text.substr(0, std::min(text.find_first_not_of(" \n"), text.size()));
@@ -102,6 +111,7 @@ inline std::string_view end_of(std::string_view text) {
 /// What a translation lacks compared with the original text; empty when nothing is missing.
 inline std::string complaint(std::string_view text, std::string_view translation) {
     if (places_of(text) != places_of(translation)) return "has other places for numbers and names";
+    if (details_of(text) != details_of(translation)) return "has other places for details";
     if (beginning_of(text) != beginning_of(translation)) return "begins with other blanks or newlines";
     if (end_of(text) != end_of(translation)) return "ends with other blanks or newlines";
     return translation.empty() ? "is empty" : "";

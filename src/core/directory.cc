@@ -158,9 +158,9 @@ bool Directory::has(const std::string& name) const {
     return look_at(name, info);
 }
 
-std::vector<std::string> Directory::names() const {
+std::vector<std::string> names_in(int dir) {
     std::vector<std::string> names;
-    const int copy = ::openat(fd_.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    const int copy = ::openat(dir, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
     if (entries == nullptr) {
         if (copy >= 0) ::close(copy);
@@ -174,8 +174,13 @@ std::vector<std::string> Directory::names() const {
     return names;
 }
 
+std::vector<std::string> Directory::names() const {
+    return names_in(fd_.get());
+}
+
 Result<std::string> Directory::read(const std::string& name) const {
-    const Descriptor file(::openat(fd_.get(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC));
+    const Descriptor file(
+        ::openat(fd_.get(), name.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_NOFOLLOW | O_CLOEXEC));
     if (!file.is_open() && errno == ELOOP) return Failure{path_of(name), Reason::NOT_OURS};
     if (!file.is_open()) return Failure::of_system(path_of(name), errno);
     return read_open_file(file.get(), path_of(name));
@@ -183,7 +188,7 @@ Result<std::string> Directory::read(const std::string& name) const {
 
 namespace {
 
-constexpr int READ_NOW = O_RDONLY | O_NONBLOCK | O_CLOEXEC;
+constexpr int READ_NOW = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
 
 Outcome is_readable_file(int fd, const std::string& path, struct stat& info) {
     if (::fstat(fd, &info) != 0) return Failure::of_system(path, errno);

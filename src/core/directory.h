@@ -37,9 +37,13 @@ class Descriptor {
 /// The name of our own directory in a font directory; nothing that looks for fonts enters it.
 inline constexpr const char* OWN_DIRECTORY_NAME = ".glyphward";
 
-/// Whether a link in the directory `home` may be followed: it belongs to the superuser or to the user of this
-/// process, and nobody else can put another one in its place.
+/// Whether a link in the directory `home` may be followed: link and directory belong to the superuser or to
+/// the user of this process, and not everybody can put another link in its place. The members of a group that
+/// may write there can; whoever gives them that right trusts them.
 [[nodiscard]] bool is_trusted_link(const struct stat& link, const struct stat& home);
+
+/// The names in the open directory, in no order; none when it cannot be read.
+[[nodiscard]] std::vector<std::string> names_in(int dir);
 
 class Directory {
   public:

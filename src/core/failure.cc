@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "core/failure.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 #include "core/text.h"
 
@@ -34,12 +36,34 @@ const char* text_of(Sequel sequel) {
     return "";
 }
 
+struct Named {
+    Reason reason;
+    const char* name;
+};
+constexpr Named REASONS[] = {
+    {Reason::SYSTEM, "SYSTEM"},
+#define REASON(name, text) {Reason::name, #name},
+#include "core/failures.def"
+};
+
 FailureListener& listener() {
     static FailureListener current = nullptr;
     return current;
 }
 
 }  // namespace
+
+const char* name_of(Reason reason) {
+    const auto* const found = std::find_if(std::begin(REASONS), std::end(REASONS),
+                                           [&](const Named& each) { return each.reason == reason; });
+    return found->name;  // all of them are there
+}
+
+std::optional<Reason> reason_called(std::string_view name) {
+    const auto* const found = std::find_if(std::begin(REASONS), std::end(REASONS),
+                                           [&](const Named& each) { return each.name == name; });
+    return found != std::end(REASONS) ? std::optional<Reason>(found->reason) : std::nullopt;
+}
 
 Failure Failure::of_system(std::string subject, int error) {
     // A failed call without `errno` must not look like a success.
@@ -61,6 +85,10 @@ std::string Failure::with_detail(std::string text) const {
 
 bool Failure::is_lack_of_room() const {
     return reason == Reason::SYSTEM && (error == ENOSPC || error == EDQUOT);
+}
+
+bool Failure::is_absence() const {
+    return reason == Reason::SYSTEM && (error == ENOENT || error == ENOTDIR);
 }
 
 std::string Failure::reason_text() const {

@@ -8,6 +8,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <variant>
 
@@ -18,6 +19,11 @@ enum class Reason {
 #define REASON(name, text) name,
 #include "core/failures.def"
 };
+
+/// The name of the reason, as it stands above and in core/failures.def, for programs.
+[[nodiscard]] const char* name_of(Reason reason);
+/// The other way round; nothing for what is no name.
+[[nodiscard]] std::optional<Reason> reason_called(std::string_view name);
 
 enum class Sequel {
     NONE,
@@ -39,6 +45,8 @@ struct Failure {
 
     /// Whether the disk, or the user's share of it, is full.
     [[nodiscard]] bool is_lack_of_room() const;
+    /// Whether what was looked for, or a directory on the way to it, is not there.
+    [[nodiscard]] bool is_absence() const;
     /// The reason, in English; a reason of the system is in the language of the locale.
     [[nodiscard]] std::string reason_text() const;
     /// `text` with the detail in the place of "%s".

@@ -5,7 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdio>
+#include <string>
 
 namespace gw {
 
@@ -19,8 +21,16 @@ int link_file(int old_dir, const char* old_name, int new_dir, const char* new_na
     return ::linkat(old_dir, old_name, new_dir, new_name, 0);
 }
 
+/// `fchmod` needs a descriptor that reads or writes, which the owner of a file without permissions cannot
+/// get.
+int set_mode(int fd, mode_t mode) {
+    const int changed = ::fchmod(fd, mode);
+    if (changed == 0 || errno != EBADF) return changed;
+    return ::chmod(("/proc/self/fd/" + std::to_string(fd)).c_str(), mode);
+}
+
 constexpr FileCalls SYSTEM = {open_file,   ::mkdirat,         ::renameat, link_file, ::unlinkat, ::write,
-                              ::ftruncate, ::posix_fallocate, ::fsync,    ::fchmod,  ::fchown,   ::futimens};
+                              ::ftruncate, ::posix_fallocate, ::fsync,    set_mode,  ::fchown,   ::futimens};
 
 const FileCalls*& current() {
     static const FileCalls* calls = &SYSTEM;

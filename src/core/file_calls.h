@@ -12,7 +12,8 @@
 namespace gw {
 
 /// Named and used like the system's calls with a directory's descriptor in front. Each returns -1 and sets
-/// `errno` on failure, but for `allocate`, which returns the error number or 0.
+/// `errno` on failure, but for `allocate`, which returns the error number or 0. `set_mode` also takes a
+/// descriptor that was opened with `O_PATH`.
 struct FileCalls {
     int (*open)(int dir, const char* name, int flags, mode_t mode);
     int (*make_dir)(int dir, const char* name, mode_t mode);

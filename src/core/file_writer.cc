@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "core/file_writer.h"
 
+#include <unistd.h>
+
 #include <cerrno>
 
 #include "core/file_calls.h"
@@ -18,11 +20,28 @@ Outcome FileWriter::outcome() const {
 
 bool FileWriter::write(std::string_view bytes) {
     if (error_ != 0) return false;
-    const int error = write_all(fd_.get(), bytes);
+    const off_t start = make_room_ ? ::lseek(fd_.get(), 0, SEEK_CUR) : -1;
+    int error = write_all(fd_.get(), bytes);
+    while (start >= 0 && Failure::of_system(path_, error).is_lack_of_room() && make_room_()) {
+        error = ::lseek(fd_.get(), start, SEEK_SET) == start ? write_all(fd_.get(), bytes) : errno;
+    }
     return error == 0 || fail(error);
 }
 
+bool FileWriter::gather(std::string_view bytes) {
+    constexpr std::size_t WRITTEN_TOGETHER = 65536;
+    gathered_ += bytes;
+    return gathered_.size() < WRITTEN_TOGETHER ? error_ == 0 : write_gathered();
+}
+
+bool FileWriter::write_gathered() {
+    const bool is_written = write(gathered_);
+    gathered_.clear();
+    return is_written;
+}
+
 Outcome FileWriter::finish() {
+    if (!gathered_.empty()) write_gathered();
     if (error_ != 0) return outcome();
     struct stat made = {};
     if (::fstat(fd_.get(), &made) != 0) fail(errno);

@@ -5,6 +5,7 @@
 
 #include <sys/stat.h>
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,10 @@ class FileWriter {
 
     /// Appends bytes; false when that failed.
     bool write(std::string_view bytes);
+    /// The same for what comes in small pieces: they are written many at once, the last ones by `finish`.
+    bool gather(std::string_view bytes);
+    /// Where the disk is full, this is asked to make room; it returns whether it has made some.
+    void set_room_maker(std::function<bool()> make_room) { make_room_ = std::move(make_room); }
     /// The file shall have this owner, if the system allows it.
     void set_owner(Owner owner) { owner_ = owner; }
     /// The file shall have these permissions instead of 0644.
@@ -35,8 +40,7 @@ class FileWriter {
     /// The file's time shall be later than that of the file with this information, by whole seconds, because
     /// the X server compares those to decide whether it rereads an index.
     void be_later_than(const struct stat& info) { earlier_ = info; }
-    /// Writes the file to the disk and gives it the permissions 0644. A failure when the file is not
-    /// complete.
+    /// Writes the file to the disk and gives it its permissions. A failure when the file is not complete.
     Outcome finish();
 
     /// The first failure, or a success when there was none so far.
@@ -52,8 +56,11 @@ class FileWriter {
     void close();
 
   private:
+    bool write_gathered();
     Descriptor fd_;
+    std::string gathered_;
     std::string path_;
+    std::function<bool()> make_room_;
     std::optional<Owner> owner_;
     std::optional<struct stat> earlier_;
     mode_t mode_ = 0644;

@@ -2,6 +2,7 @@
 #include "core/gw_buf_file.h"
 
 #include "core/gw_dir.h"
+#include "core/long_work.h"
 #include "core/new_file.h"
 
 int GW_BUF_FILE::copy(GW_DIR* target) {
@@ -19,7 +20,8 @@ gw::Outcome GW_BUF_FILE::copy_into(gw::FileWriter& copy) {
     }
     bool going_well = true;
     while (const int got = going_well ? read(buffer.data(), static_cast<int>(buffer.size())) : 0)
-        going_well = copy.write({buffer.data(), static_cast<std::size_t>(got)});
+        going_well = !gw::is_given_up() && copy.gather({buffer.data(), static_cast<std::size_t>(got)});
     close();
+    if (gw::is_given_up()) return gw::Failure{get_path(), gw::Reason::GIVEN_UP};
     return outcome() ? copy.finish() : outcome();
 }

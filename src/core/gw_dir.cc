@@ -2,7 +2,9 @@
 #include "core/gw_dir.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstring>
 #include <memory>
@@ -10,6 +12,7 @@
 #include <utility>
 
 #include "core/directory.h"
+#include "core/font_policy.h"
 #include "core/gw_file.h"
 #include "core/gw_reg_exp.h"
 #include "core/gw_token_string.h"
@@ -24,6 +27,17 @@ struct DirCloser {
 using OpenDir = std::unique_ptr<DIR, DirCloser>;
 
 using DirIdentity = std::pair<dev_t, ino_t>;
+
+/// What the directory says of an entry's type; "undetermined" where only `stat` can say it.
+int type_of(const dirent& entry) {
+    if (entry.d_type == DT_REG) return gw::FILE_TYPE_REGULAR;
+    return entry.d_type == DT_DIR ? gw::FILE_TYPE_DIRECTORY : gw::FILE_TYPE_UNDETERMINED;
+}
+
+/// Whether files in the open directory can be looked at.
+bool is_searchable(DIR* dir) {
+    return ::faccessat(::dirfd(dir), ".", X_OK, AT_EACCESS) == 0;
+}
 
 /// Whether this is the first time that the directory at `path` is seen.
 bool first_visit(std::set<DirIdentity>& seen, const char* path) {
@@ -45,6 +59,10 @@ int GW_DIR::equal(const GW_DIR* other) const {
 }
 
 int GW_DIR::file_name_check(const char* name, const GW_TOKEN_TABLE* table, int& ext_type) {
+    if (gw::font_policy().takes_any_file_name()) {
+        ext_type = table->get_id_of_end(name);
+        return ext_type != table->get_default_id() ? 1 : 0;
+    }
     static constexpr const char* DELIMITERS = ".\n";
     ext_type = table->get_default_id();
     GW_TOKEN_STRING parts(name);
@@ -68,18 +86,23 @@ int GW_DIR::get_matching_file_spec_list(GW_LIST<GW_FILE_SPEC>* out, GW_REG_EXP* 
                                         const GW_TOKEN_TABLE* table) const {
     const OpenDir dir(::opendir(get_path()));
     if (!dir) return 0;
+    const bool has_types = is_searchable(dir.get());
     while (const dirent* entry = ::readdir(dir.get())) {
         const char* name = entry->d_name;
         if (std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0) continue;
-        if (std::strcmp(name, gw::OWN_DIRECTORY_NAME) == 0) continue;
+        if (std::strcmp(name, gw::OWN_DIRECTORY_NAME) == 0 || !has_chosen(name)) continue;
         if (re != nullptr && re->string_match(name) == 0) continue;
 
-        auto spec =
-            std::make_unique<GW_FILE_SPEC>(name, get_path(), gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
-        spec->set_file_type(spec->get_file_type_from_stat());
-        if (spec->get_file_type() != gw::FILE_TYPE_DIRECTORY) {
-            int ext_type = gw::EXT_UNKNOWN;
-            if (table == nullptr || file_name_check(name, table, ext_type) == 0) continue;
+        const int type = has_types ? type_of(*entry) : gw::FILE_TYPE_UNDETERMINED;
+        int ext_type = gw::EXT_UNKNOWN;
+        const bool is_wanted = table != nullptr && file_name_check(name, table, ext_type) != 0;
+        if (type == gw::FILE_TYPE_REGULAR && !is_wanted) continue;
+        auto spec = std::make_unique<GW_FILE_SPEC>(name, get_path(), type, gw::EXT_UNKNOWN);
+        if (type == gw::FILE_TYPE_UNDETERMINED) spec->set_file_type(spec->get_file_type_from_stat());
+        if (spec->get_file_type() == gw::FILE_TYPE_DIRECTORY) {
+            if (chosen) continue;
+        } else {
+            if (!is_wanted) continue;
             spec->set_ext_type(ext_type);
         }
         out->append(spec.release());

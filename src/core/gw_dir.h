@@ -3,7 +3,11 @@
 // One directory, and the lists of its files.
 #pragma once
 
+#include <optional>
+#include <set>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "core/gw_file_spec.h"
 #include "core/gw_list.h"
@@ -23,13 +27,19 @@ class GW_DIR {
     /// The directory, ending in "/"; owned by this object.
     [[nodiscard]] const char* get_path() const { return path.get_str(); }
 
+    /// From now on only the files with these names are listed, and no subdirectories.
+    void choose(std::set<std::string, std::less<>> names) { chosen = std::move(names); }
+    /// Whether an entry of this name is listed.
+    [[nodiscard]] bool has_chosen(std::string_view name) const { return !chosen || chosen->contains(name); }
+
     virtual void print(const char* prefix, GW_FILE* file) const;
     /// 1 when both path texts are equal.
     int equal(const GW_DIR* other) const;
 
     /// Whether `name` has an extension that `table` knows: 1 or 0. `ext_type` becomes its id, or the table's
     /// default id. The extension is everything after the first dot. Kept: the extension of a font file begins
-    /// at its first dot. So "Foo.Bold.pfa" and "a.b.c.d" are refused.
+    /// at its first dot. So "Foo.Bold.pfa" and "a.b.c.d" are refused, unless the font policy knows extensions
+    /// at the end.
     static int file_name_check(const char* name, const GW_TOKEN_TABLE* table, int& ext_type);
 
     /// Appends the subdirectories and, with a `table`, the files whose names it accepts, in the order of
@@ -52,4 +62,7 @@ class GW_DIR {
 
   protected:
     GW_STRING path;
+
+  private:
+    std::optional<std::set<std::string, std::less<>>> chosen;
 };

@@ -22,7 +22,7 @@ int writing_flags(const char* mode) {
 /// Only a regular file is written: a pipe would wait for a reader, a device would do anything.
 gw::Result<gw::Descriptor> open_to_write(const std::string& path, const char* mode) {
     gw::Descriptor file(
-        ::open(path.c_str(), writing_flags(mode) | O_NONBLOCK | O_CLOEXEC, ANYBODY_BEFORE_UMASK));
+        ::open(path.c_str(), writing_flags(mode) | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, ANYBODY_BEFORE_UMASK));
     struct stat info = {};
     if (!file.is_open() || ::fstat(file.get(), &info) != 0) return gw::Failure::of_system(path, errno);
     if (!S_ISREG(info.st_mode)) return gw::Failure{path, gw::Reason::NOT_A_FILE};

@@ -21,9 +21,11 @@ bool contains(const GW_LIST<GW_INT>* codes, int code) {
 }  // namespace
 
 GW_FILE_SPEC::GW_FILE_SPEC(const char* file_name, const char* file_dir, int type, int ext)
-    : file_type(type), ext_type(ext), name(""), dir(""), path("") {
-    init(file_name, file_dir, type, ext);
-}
+    : file_type(type),
+      ext_type(ext),
+      name(file_name),
+      dir(gw::with_trailing_slash(file_dir).c_str()),
+      path((std::string(dir.get_str()) + file_name).c_str()) {}
 
 GW_FILE_SPEC::GW_FILE_SPEC(const GW_FILE_SPEC* other)
     : GW_FILE_SPEC(other->get_name(), other->get_dir(), other->file_type, gw::EXT_UNKNOWN) {}

@@ -28,6 +28,13 @@ enum ExtType {
     EXT_PCF_Z = 6,
     EXT_UNKNOWN = 7,
     EXT_PCF_GZ = 8,
+    EXT_TTF = 9,
+    EXT_TTC = 10,
+    EXT_OTF = 11,
+    EXT_OTC = 12,
+    EXT_BDF = 13,
+    EXT_BDF_Z = 14,
+    EXT_BDF_GZ = 15,
 };
 
 }  // namespace gw

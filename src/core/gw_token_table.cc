@@ -16,10 +16,20 @@ int GW_TOKEN_TABLE::add_token(int id, const char* text) {
     return static_cast<int>(entries.size());
 }
 
-int GW_TOKEN_TABLE::get_id(const char* text) const {
+int GW_TOKEN_TABLE::get_id(std::string_view text) const {
     const auto found = std::find_if(entries.begin(), entries.end(),
                                     [text](const Entry& entry) { return entry.text == text; });
     return found != entries.end() ? found->id : default_id;
+}
+
+int GW_TOKEN_TABLE::get_id_of_end(std::string_view text) const {
+    const std::string name = gw::lower_case(text);
+    const Entry* longest = nullptr;
+    for (const Entry& entry : entries) {
+        if (name.size() <= entry.text.size() || !name.ends_with(gw::lower_case(entry.text))) continue;
+        if (longest == nullptr || entry.text.size() > longest->text.size()) longest = &entry;
+    }
+    return longest != nullptr ? longest->id : default_id;
 }
 
 const GW_TOKEN_TABLE::Entry* GW_TOKEN_TABLE::find(int id) const {

@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "core/gw_base.h"
@@ -19,7 +20,10 @@ class GW_TOKEN_TABLE : public GW_BASE {
     int add_token(int id, const char* text);
 
     /// The id of the first token that equals `text` (case-sensitive, whole token), or the default id.
-    [[nodiscard]] int get_id(const char* text) const;
+    [[nodiscard]] int get_id(std::string_view text) const;
+    /// The id of the longest token that is the end of `text`, in upper or lower case, with something in front
+    /// of it; or the default id.
+    [[nodiscard]] int get_id_of_end(std::string_view text) const;
     /// The length of the first token with that id; 0 if there is none.
     [[nodiscard]] int get_len(int id) const;
     /// Copies the first token with that id, terminated and cut to `capacity - 1` bytes, into `dst`; returns

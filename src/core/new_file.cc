@@ -87,13 +87,6 @@ NewFile::~NewFile() {
     }
 }
 
-bool NewFile::changes_a_file() const {
-    if (!replaces) return false;
-    const Result<std::string> old = read_file(path());
-    const Result<std::string> made = read_file(temporary);
-    return !old || !made || *old != *made;
-}
-
 Outcome NewFile::put_in_place() {
     if (outcome() && state != State::BEGUN) fail(EINVAL);
     if (!outcome()) return outcome();

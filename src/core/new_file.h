@@ -38,9 +38,6 @@ class NewFile : public FileWriter {
     /// Makes the new file final. Without this the destructor restores the old state.
     void keep();
 
-    /// Whether the finished file, which is not in place yet, will replace a file with other content.
-    [[nodiscard]] bool changes_a_file() const;
-
   private:
     enum class State { BEGUN, IN_PLACE, OVER };
 

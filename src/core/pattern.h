@@ -7,6 +7,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace gw {
 
@@ -28,7 +29,10 @@ class Pattern {
     [[nodiscard]] std::optional<Match> find(const char* s) const;
 
   private:
+    [[nodiscard]] std::optional<Match> find_at_end(std::string_view s) const;
+
     struct Compiled;
+    std::string end_;  // of a pattern that is one end of a name, without the "$"; else empty
     std::unique_ptr<Compiled> compiled_;
 };
 

@@ -10,9 +10,11 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include "core/directory.h"
 #include "core/file_calls.h"
+#include "core/file_writer.h"
 #include "core/new_file.h"
 
 namespace gw {
@@ -59,17 +61,19 @@ Error write_temporary(const std::string& temporary, std::string_view bytes, cons
     if (old != nullptr) {
         if (const Error error = keep_owner(file.get(), *old); error != 0) return error;
     }
-    if (calls.set_mode(file.get(), mode) != 0) return errno;
-    if (const Error error = write_all(file.get(), bytes); error != 0) return error;
-    if (old != nullptr) move_time_on(file.get(), *old);
-    if (calls.sync(file.get()) != 0) return errno;
-    return file.close() ? 0 : errno;
+    FileWriter writer(std::move(file), temporary);
+    writer.set_mode(mode);
+    if (old != nullptr) writer.be_later_than(*old);
+    writer.write(bytes);
+    const Outcome written = writer.finish();
+    return written ? 0 : written.failure().error;
 }
 
 Error write_in_place(const std::string& path, std::string_view bytes, const struct stat& old,
                      std::optional<mode_t> mode) {
     const FileCalls& calls = file_calls();
-    const Descriptor file(calls.open(AT_FDCWD, path.c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC, 0));
+    const Descriptor file(
+        calls.open(AT_FDCWD, path.c_str(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0));
     if (!file.is_open()) return errno;
     // Growing the file first finds out whether the disk is full, before the old content is overwritten.
     const auto size = static_cast<off_t>(bytes.size());

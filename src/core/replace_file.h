@@ -22,8 +22,8 @@ Result<std::string> read_file(const std::string& path);
 /// Gives the file at `path` the content `bytes`, creating it when it is missing (mode 0644 unless `mode` is
 /// given). An existing file keeps its owner, and its permission bits unless `mode` is given. Its modification
 /// time grows by at least one whole second, because the X server compares whole seconds to decide whether it
-/// rereads an index. After a failure the old content is in place, unless the
-/// file could only be overwritten and the disk failed in the middle of that.
+/// rereads an index. After a failure the old content is in place, unless the file could only be overwritten
+/// and the disk failed in the middle of that.
 Outcome replace_file(const std::string& path, std::string_view bytes, std::optional<mode_t> mode = {});
 
 }  // namespace gw

@@ -46,10 +46,53 @@ std::string capitalized(std::string_view text) {
     return result;
 }
 
+std::string capitalized_words(std::string_view text) {
+    std::string result(text);
+    bool begins = true;
+    for (char& c : result) {
+        if (begins) c = ascii_upper(c);
+        begins = c == ' ';
+    }
+    return result;
+}
+
 std::string lower_case(std::string_view text) {
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), ascii_lower);
     return result;
+}
+
+std::string font_extension(std::string_view name) {
+    std::size_t dot = name.rfind('.');
+    if (dot == std::string_view::npos) return "";
+    const std::string last = lower_case(name.substr(dot));
+    const bool is_compressed = last == ".gz" || last == ".z";
+    const std::size_t inner = is_compressed && dot > 0 ? name.rfind('.', dot - 1) : std::string_view::npos;
+    if (inner != std::string_view::npos) dot = inner;
+    std::string extension = lower_case(name.substr(dot));
+    if (extension.ends_with(".z")) extension.back() = 'Z';
+    return extension;
+}
+
+std::vector<std::string_view> lines_of(std::string_view text) {
+    std::vector<std::string_view> lines;
+    while (!text.empty()) {
+        const std::size_t length = std::min(text.find('\n'), text.size());
+        lines.push_back(text.substr(0, length));
+        text.remove_prefix(std::min(length + 1, text.size()));
+    }
+    return lines;
+}
+
+std::string filled(std::string text, const std::vector<std::string>& words) {
+    std::size_t from = 0;
+    for (const std::string& word : words) {
+        const std::size_t place = text.find("%s", from);
+        if (place == std::string::npos) break;
+        text.replace(place, 2, word);
+        from = place + word.size();
+    }
+    return text;
 }
 
 std::string escaped(std::string_view text) {

@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace gw {
 
@@ -32,8 +33,21 @@ std::size_t copy_text(char (&dst)[N], std::string_view src) {
 /// `text` with its first byte in upper case (ASCII letters only: XLFD fields are Latin-1 or ASCII).
 [[nodiscard]] std::string capitalized(std::string_view text);
 
+/// `text` with the first letter of each word in upper case.
+[[nodiscard]] std::string capitalized_words(std::string_view text);
+
 /// `text` with its ASCII letters in lower case; equal results mean equal for `strcasecmp` in the C locale.
 [[nodiscard]] std::string lower_case(std::string_view text);
+
+/// The extension of a font file with its dot, as the X server knows it: in lower case, but for the "Z" of a
+/// compressed file (".ttf", ".pcf.gz", ".pcf.Z"). "" for a name without a dot.
+[[nodiscard]] std::string font_extension(std::string_view file_name);
+
+/// The lines of `text`, parts of it, without their newlines; a last line without one counts.
+[[nodiscard]] std::vector<std::string_view> lines_of(std::string_view text);
+
+/// `text` with the words in the places of its "%s", in order. It is no format: nothing else is a place.
+[[nodiscard]] std::string filled(std::string text, const std::vector<std::string>& words);
 
 /// `text` with its control characters as "\x0A", so that a name neither breaks a line nor imitates one.
 [[nodiscard]] std::string escaped(std::string_view text);

@@ -1,10 +1,24 @@
 // SPDX-License-Identifier: MIT
 #include "drivers/gw_alias_driver.h"
 
+#include "core/font_policy.h"
 #include "drivers/engine_globals.h"
 #include "fontfiles/gw_alias_file.h"
 #include "fontpath/gw_font_path.h"
 #include "fontpath/path_element.h"
+#include "model/distinctions.h"
+
+namespace {
+
+/// Back to front, so that equal names keep their order.
+void sort_again(GW_SORTED_LIST<GWAlias>& list) {
+    const std::vector<GWAlias*> aliases(list.begin(), list.end());
+    gw::tell_apart(aliases);
+    list.clear();
+    for (auto alias = aliases.rbegin(); alias != aliases.rend(); ++alias) list.insert(*alias);
+}
+
+}  // namespace
 
 void GWAliasDriver::get_alias_list(GW_SORTED_LIST<GWAlias>& out) {
     unsigned count = 0;
@@ -20,4 +34,5 @@ void GWAliasDriver::get_alias_list(GW_SORTED_LIST<GWAlias>& out) {
                                    font_names.get_elem_at_pos(i)->get_str(), dir.c_str()));
         }
     }
+    if (gw::font_policy().tells_names_apart()) sort_again(out);
 }

@@ -1,10 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "drivers/gw_driver_base.h"
 
+#include <algorithm>
 #include <cstring>
 
+#include "core/font_policy.h"
 #include "drivers/engine_globals.h"
+#include "fontpath/catalogue.h"
 #include "fontpath/gw_font_path.h"
+#include "fontpath/path_element.h"
 #include "platform/scratch.h"
 
 namespace {
@@ -20,6 +24,37 @@ int position_in(GWFontPath::TYPE t, const char* dir) {
     return 0;
 }
 
+/// Whether a catalogue of the font path for `t` has this directory.
+bool is_in_catalogue(GWFontPath::TYPE t, const std::string& dir) {
+    unsigned count = 0;
+    const GW_LIST<GW_STRING>& elements = *the_font_path->get_fpe_list(t, count);
+    return gw::font_policy().knows_catalogues() &&
+           std::any_of(elements.begin(), elements.end(), [&](const GW_STRING* element) {
+               return gw::is_catalogue(element->get_str()) && gw::stands_for(element->get_str(), dir);
+           });
+}
+
+/// Whether the font path for `t` has this directory, by whatever path.
+bool has_directory(GWFontPath::TYPE t, const std::string& dir) {
+    const gw::ElementIdentity wanted = gw::identity_of_element(dir);
+    unsigned count = 0;
+    const GW_LIST<GW_STRING>& elements = *the_font_path->get_fpe_list(t, count);
+    return std::any_of(elements.begin(), elements.end(),
+                       [&](const GW_STRING* element) {
+                           return gw::identity_of_element(element->get_str()) == wanted;
+                       }) ||
+           is_in_catalogue(t, dir);
+}
+
+void insert_at_end(std::vector<gw::Failure>& failures, GWFontPath::TYPE t, const std::string& dir,
+                   gw::Sequel without) {
+    const gw::Outcome added = the_font_path->insert(t, GW_STRING(dir.c_str()), -1);
+    if (added) return;
+    // That the session's path was not touched at all says more.
+    const bool is_told = added.failure().sequel != gw::Sequel::NONE;
+    failures.push_back(is_told ? added.failure() : added.failure().with(without, dir));
+}
+
 }  // namespace
 
 int GWDriverBase::set_font_path(const char* dir) {
@@ -33,19 +68,26 @@ int GWDriverBase::set_font_path(const char* dir) {
 }
 
 std::vector<gw::Failure> GWDriverBase::put_on_font_path(const std::string& dir) {
-    const GW_STRING element(dir.c_str());
     std::vector<gw::Failure> failures;
-    const auto add_to = [&](GWFontPath::TYPE t, gw::Sequel without) {
-        const gw::Outcome added = the_font_path->insert(t, element, -1);
-        if (added) return;
-        // That the session's path was not touched at all says more.
-        const bool is_told = added.failure().sequel != gw::Sequel::NONE;
-        failures.push_back(is_told ? added.failure() : added.failure().with(without, dir));
+    const auto lacks = [&](GWFontPath::TYPE t) {
+        return position_in(t, dir.c_str()) == 0 && !is_in_catalogue(t, dir);
     };
-    if (position_in(GWFontPath::ALL_FP, dir.c_str()) == 0)
-        add_to(GWFontPath::USER_APPEND_FP, gw::Sequel::NOT_LISTED_NEXT_TIME);
-    if (position_in(GWFontPath::SESSION_FP, dir.c_str()) == 0)
-        add_to(GWFontPath::SESSION_FP, gw::Sequel::UNKNOWN_TO_PROGRAMS);
+    if (lacks(GWFontPath::ALL_FP))
+        insert_at_end(failures, GWFontPath::USER_APPEND_FP, dir, gw::Sequel::NOT_LISTED_NEXT_TIME);
+    if (lacks(GWFontPath::SESSION_FP))
+        insert_at_end(failures, GWFontPath::SESSION_FP, dir, gw::Sequel::UNKNOWN_TO_PROGRAMS);
+    return failures;
+}
+
+std::vector<gw::Failure> GWDriverBase::put_on_everyones_font_path(const std::string& dir) {
+    std::vector<gw::Failure> failures;
+    unsigned hosts = 0;
+    the_font_path->get_fpe_list(GWFontPath::HOST_FP, hosts);
+    const GWFontPath::TYPE in_force = hosts > 0 ? GWFontPath::HOST_FP : GWFontPath::INSTALLATION_FP;
+    if (!has_directory(GWFontPath::ALL_FP, dir))
+        insert_at_end(failures, in_force, dir, gw::Sequel::NOT_LISTED_NEXT_TIME);
+    if (!has_directory(GWFontPath::SESSION_FP, dir))
+        insert_at_end(failures, GWFontPath::SESSION_FP, dir, gw::Sequel::UNKNOWN_TO_PROGRAMS);
     return failures;
 }
 

@@ -26,6 +26,9 @@ class GWDriverBase {
     virtual int set_font_path(const char* dir);
     /// The same, and what of it could not be done.
     std::vector<gw::Failure> put_on_font_path(const std::string& dir);
+    /// The same for everybody: on the font path of the database that is in force, unless an element of the
+    /// configured font path is this directory already, and on the session's.
+    std::vector<gw::Failure> put_on_everyones_font_path(const std::string& dir);
     /// Puts the preview directory on the session font path. When it is there already, only asks the server to
     /// read it again. A directory that is a link or belongs to someone else is not used.
     virtual void start_preview();

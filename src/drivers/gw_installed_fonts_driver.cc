@@ -22,4 +22,5 @@ void GWInstalledFontsDriver::get_hrn_list(GWHRNList& out) {
         the_fsm_list.make_installed_font_list(fonts, &fpe);
         for (GWFont* font : fonts) out.add_font(font);
     }
+    out.tell_apart();
 }

@@ -3,6 +3,10 @@
 
 #include <sys/types.h>
 
+#include <optional>
+
+#include "core/font_policy.h"
+#include "modules/source_fonts.h"
 #include "platform/scratch.h"
 
 namespace gw {
@@ -27,15 +31,30 @@ Outcome prepare_staging(const std::string& staging, const std::string& link_name
 
 void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int recursive,
                  const std::string& staging) {
-    GW_DIR dir(source);
+    std::deque<GW_DIR> sources;
+    sources.emplace_back(source);
+    stage_fonts(out, modules, sources, recursive, staging);
+}
+
+void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, std::deque<GW_DIR>& sources, int recursive,
+                 const std::string& staging) {
     GW_LIST<GWFont> fonts;
-    modules.make_font_list(fonts, &dir, recursive);
+    {
+        std::optional<NamedTogether> all;
+        if (sources.size() > 1) all.emplace();
+        for (GW_DIR& source : sources) modules.make_font_list(fonts, &source, recursive);
+    }
     GWStagingFpe fpe(staging.c_str());
     GW_FONTDIR_FILE::Batch lines(fpe.get_fontdir_file());
     for (GWFont* font : fonts) {
+        if (font->get_obstacle() && !font_policy().marks_what_is_unfit()) {
+            const Ref<GWFont> dropped(font);
+            continue;
+        }
         modules.make_font_visible(font, &fpe);
         out.add_font(font);
     }
+    out.tell_apart();
     tell_unless_done(lines.write().with(Sequel::NO_SAMPLES));
 }
 

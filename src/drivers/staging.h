@@ -4,6 +4,7 @@
 // through which it finds the fonts.
 #pragma once
 
+#include <deque>
 #include <string>
 
 #include "model/gw_hrn_list.h"
@@ -17,7 +18,10 @@ namespace gw {
 Outcome prepare_staging(const std::string& staging, const std::string& link_name,
                         const std::string& link_target);
 
-/// Adds every font that the modules find in `source` to the index of `staging` and to `out`, which owns it.
+/// Adds every font that the modules find in `sources` to the index of `staging` and to `out`, which owns it.
+void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, std::deque<GW_DIR>& sources, int recursive,
+                 const std::string& staging);
+/// The same for one source.
 void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int recursive,
                  const std::string& staging);
 

@@ -38,47 +38,75 @@ int GW_FONTDIR_FILE::get_font_count() {
     return first != nullptr ? gw::index_count(first) : 0;
 }
 
-bool GW_FONTDIR_FILE::get_entries(std::vector<Entry>& out) {
-    if (open("r") == 0) return false;
-    char line[LINE_BUFFER];
-    get_line(line, sizeof line);
-    while (get_line(line, sizeof line) != nullptr) {
-        Entry entry;
-        split_line(line, entry.file_name, entry.font_name);
-        out.push_back(std::move(entry));
+GW_FONTDIR_FILE::Contents::Contents(gw::Result<std::string> bytes)
+    : is_there(bytes),
+      text(is_there ? std::move(*bytes) : std::string()),
+      entries(gw::index_entry_views(text)) {
+    // Readers take a line for a text that ends at its first NUL.
+    if (text.find('\0') == std::string::npos) return;
+    for (gw::IndexEntryView& entry : entries) {
+        entry.font_name = entry.file_name.find('\0') == std::string_view::npos
+                              ? entry.font_name.substr(0, entry.font_name.find('\0'))
+                              : std::string_view();
+        entry.file_name = entry.file_name.substr(0, entry.file_name.find('\0'));
     }
-    close();
-    return true;
+}
+
+std::shared_ptr<const GW_FONTDIR_FILE::Contents> GW_FONTDIR_FILE::contents() {
+    return as_it_was_read ? as_it_was_read : std::make_shared<const Contents>(gw::read_file(get_path()));
+}
+
+GW_FONTDIR_FILE::Reading::Reading(GW_FONTDIR_FILE& the_index)
+    : index(the_index), before(the_index.as_it_was_read) {
+    index.as_it_was_read = index.contents();
+}
+
+GW_FONTDIR_FILE::Reading::~Reading() {
+    index.as_it_was_read = before;
+}
+
+bool GW_FONTDIR_FILE::get_entries(std::vector<Entry>& out) {
+    const auto index = contents();
+    for (const gw::IndexEntryView& entry : index->entries)
+        out.push_back({std::string(entry.file_name), std::string(entry.font_name)});
+    return index->is_there;
 }
 
 int GW_FONTDIR_FILE::get_inst_font_file_names(GW_STRING_LIST& out) {
-    std::vector<Entry> entries;
-    if (!get_entries(entries)) return 0;
-    for (const Entry& entry : entries) out.append(new GW_STRING(entry.file_name.c_str()));
-    return 1;
+    const auto index = contents();
+    for (const gw::IndexEntryView& entry : index->entries)
+        out.append(new GW_STRING(std::string(entry.file_name).c_str()));
+    return index->is_there ? 1 : 0;
 }
 
 int GW_FONTDIR_FILE::get_inst_font_names(GW_STRING_LIST& out) {
-    std::vector<Entry> entries;
-    if (!get_entries(entries)) return 0;
-    for (const Entry& entry : entries) out.append(new GW_STRING(entry.font_name.c_str()));
-    return 1;
+    const auto index = contents();
+    for (const gw::IndexEntryView& entry : index->entries)
+        out.append(new GW_STRING(std::string(entry.font_name).c_str()));
+    return index->is_there ? 1 : 0;
 }
 
+namespace {
+
+using Field = std::string_view gw::IndexEntryView::*;
+
+/// The field `wanted` of the first entry whose field `given` is `text`; null when there is none.
+std::unique_ptr<GW_STRING> find_entry(const GW_FONTDIR_FILE::Contents& index, Field given, const char* text,
+                                      Field wanted) {
+    const auto found = std::find_if(index.entries.begin(), index.entries.end(),
+                                    [&](const gw::IndexEntryView& entry) { return entry.*given == text; });
+    return found != index.entries.end() ? std::make_unique<GW_STRING>(std::string((*found).*wanted).c_str())
+                                        : nullptr;
+}
+
+}  // namespace
+
 std::unique_ptr<GW_STRING> GW_FONTDIR_FILE::get_font_name(const char* file_name) {
-    std::vector<Entry> entries;
-    get_entries(entries);
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [file_name](const Entry& entry) { return entry.file_name == file_name; });
-    return found != entries.end() ? std::make_unique<GW_STRING>(found->font_name.c_str()) : nullptr;
+    return find_entry(*contents(), &gw::IndexEntryView::file_name, file_name, &gw::IndexEntryView::font_name);
 }
 
 std::unique_ptr<GW_STRING> GW_FONTDIR_FILE::get_file_name(const char* font_name) {
-    std::vector<Entry> entries;
-    get_entries(entries);
-    const auto found = std::find_if(entries.begin(), entries.end(),
-                                    [font_name](const Entry& entry) { return entry.font_name == font_name; });
-    return found != entries.end() ? std::make_unique<GW_STRING>(found->file_name.c_str()) : nullptr;
+    return find_entry(*contents(), &gw::IndexEntryView::font_name, font_name, &gw::IndexEntryView::file_name);
 }
 
 void GW_FONTDIR_FILE::split_line(const char* line, std::string& file_name, std::string& font_name) {

@@ -25,6 +25,32 @@ class GW_FONTDIR_FILE : public GW_FILE {
 
     GW_FONTDIR_FILE(const char* dir, int file_type);
 
+    /// The index as it was when it was read, in one piece.
+    struct Contents {
+        explicit Contents(gw::Result<std::string> bytes);
+        Contents(const Contents&) = delete;
+        Contents& operator=(const Contents&) = delete;
+
+        bool is_there;
+        std::string text;
+        /// Every entry in file order; parts of the text.
+        std::vector<gw::IndexEntryView> entries;
+    };
+    [[nodiscard]] std::shared_ptr<const Contents> contents();
+
+    /// While a reading exists, `contents` and what stands on it answer from one look at the file.
+    class Reading {
+      public:
+        explicit Reading(GW_FONTDIR_FILE& index);
+        ~Reading();
+        Reading(const Reading&) = delete;
+        Reading& operator=(const Reading&) = delete;
+
+      private:
+        GW_FONTDIR_FILE& index;
+        std::shared_ptr<const Contents> before;
+    };
+
     /// While a batch exists, the lines that are appended to `index` (through that same object) are collected,
     /// and nobody else sees them. They are then written together, in order, so that a thousand lines cost one
     /// rewrite of the file.
@@ -95,5 +121,6 @@ class GW_FONTDIR_FILE : public GW_FILE {
     };
     gw::Outcome append(const Lines& lines);
 
-    std::optional<Lines> gathered;  // while there is a batch
+    std::optional<Lines> gathered;                   // while there is a batch
+    std::shared_ptr<const Contents> as_it_was_read;  // while there is a reading
 };

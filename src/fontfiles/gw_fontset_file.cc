@@ -145,15 +145,25 @@ std::string GW_FONTSET_FILE::edited(const std::string& bytes, const Edit& change
     return without_fontset(bytes, change.removed);
 }
 
+/// Makes the changes to what another process has written meanwhile. What it has written and cannot be read
+/// must not be lost.
+gw::Outcome GW_FONTSET_FILE::follow_the_file() {
+    const gw::Result<std::string> now = gw::read_file(get_path());
+    if (!now) return now.failure().is_absence() ? gw::done() : gw::Outcome(now.failure());
+    if (*now == on_disk) return gw::done();
+    std::string bytes = *now;
+    for (const Edit& change : edits) bytes = edited(bytes, change);
+    work.set_bytes(bytes);
+    return gw::done();
+}
+
 gw::Outcome GW_FONTSET_FILE::put_in_place() {
     if (!reading) return reading.with(gw::Sequel::FONTSETS_STAY);
     // Kept: fontsets are always written under one file name.
     const std::string target = std::string(get_dir()) + work.get_name();
-    if (const gw::Result<std::string> now = gw::read_file(target);
-        now && target == get_path() && *now != on_disk) {
-        std::string bytes = *now;
-        for (const Edit& change : edits) bytes = edited(bytes, change);
-        work.set_bytes(bytes);
+    if (target == get_path()) {
+        if (gw::Outcome followed = follow_the_file(); !followed)
+            return followed.with(gw::Sequel::FONTSETS_STAY);
     }
     gw::Outcome written = gw::replace_file(target, work.get_bytes());
     if (!written) return written.with(gw::Sequel::FONTSETS_STAY);

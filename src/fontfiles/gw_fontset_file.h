@@ -41,7 +41,7 @@ class GW_FONTSET_FILE : public GW_FILE {
     /// or 0 when the list has none.
     int delete_fontset(const GWFontSet* fontset);
     /// Replaces "Vantor.fs" in this file's directory by the working copy, atomically; owner and mode stay.
-    /// Fails, and leaves the old file, when it cannot be written, or when it existed but could not be read.
+    /// Fails, and leaves the old file, when it cannot be written, or when it exists but cannot be read.
     /// When another process has changed the file since it was read, the changes are made to what that has
     /// left; the caller has taken the turn to write it (`gw::take_turn_at`).
     gw::Outcome put_in_place();
@@ -56,6 +56,7 @@ class GW_FONTSET_FILE : public GW_FILE {
     };
 
     void read_fontsets(std::string_view bytes);
+    gw::Outcome follow_the_file();
     void edit(Edit change);
     [[nodiscard]] static std::string edited(const std::string& bytes, const Edit& change);
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -99,8 +100,9 @@ std::unique_ptr<GW_STRING> GW_FOUNDRY_FILE::get_foundry_name(const char* symbol)
 
 bool GW_FOUNDRY_FILE::get_foundry_symbol_from_line(std::string& symbol_out, const char* line) const {
     const std::string_view text(line);
-    for (const GW_STRING* stored : rows) {
-        const Row row(stored);
+    // The table is the same in every object, and thousands of fonts ask it.
+    static const std::vector<Row> known(rows.begin(), rows.end());
+    for (const Row& row : known) {
         // Kept: a foundry is recognised inside a longer word.
         if (text.find(row.display_name) == std::string_view::npos) continue;
         symbol_out = row.symbol;

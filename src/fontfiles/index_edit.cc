@@ -125,6 +125,11 @@ void IndexEdit::forget_files_of(std::size_t line) {
         places_[file_in(text.substr(start, PIECE))].pop_back();
 }
 
+bool IndexEdit::enters_behind(std::size_t edits) const {
+    const auto first = edits_.begin() + static_cast<std::ptrdiff_t>(std::min(edits, edits_.size()));
+    return std::any_of(first, edits_.end(), [](const Edit& edit) { return edit.enters; });
+}
+
 void IndexEdit::take_back_to(std::size_t edits) {
     while (edits_.size() > edits) {
         const Edit& edit = edits_.back();

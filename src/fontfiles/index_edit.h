@@ -36,6 +36,8 @@ class IndexEdit {
 
     /// How many edits there were.
     [[nodiscard]] std::size_t edits() const { return edits_.size(); }
+    /// Whether any but the first `edits` of them enters a line.
+    [[nodiscard]] bool enters_behind(std::size_t edits) const;
     /// Takes back all but the first `edits`.
     void take_back_to(std::size_t edits);
     /// For every line that was entered or removed (newline included) how many more or fewer there are now.

@@ -2,6 +2,7 @@
 #include "fontfiles/index_text.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cstdlib>
 #include <limits>
 #include <utility>
@@ -63,6 +64,27 @@ bool remove_last(std::string& text, std::string_view line) {
 
 }  // namespace
 
+IndexedFile indexed_file(std::string_view field) {
+    const std::size_t colon = field.rfind(':');
+    if (!field.starts_with(':') || colon == 0) return {0, field, {}};
+    // Other options may stand beside the number ("fn=1", "ai=0.2").
+    std::string_view options = field.substr(1, colon - 1);
+    IndexedFile file{0, field.substr(colon + 1), field.substr(0, colon + 1)};
+    while (!options.empty()) {
+        std::string_view option = options.substr(0, options.find(':'));
+        options.remove_prefix(std::min(option.size() + 1, options.size()));
+        if (option.starts_with("fn=")) option.remove_prefix(3);
+        int number = 0;
+        const auto [end, error] = std::from_chars(option.data(), option.data() + option.size(), number);
+        if (error == std::errc() && end == option.data() + option.size()) file.face = number;
+    }
+    return file;
+}
+
+std::string index_field(const std::string& name, int face) {
+    return face == 0 ? name : ':' + std::to_string(face) + ':' + name;
+}
+
 bool begins_with_an_entry(std::string_view text) {
     return is_entry(first_line(text));
 }
@@ -77,17 +99,23 @@ std::size_t index_line_end(std::string_view text, std::size_t start) {
     return newline == std::string_view::npos ? text.size() : newline + 1;
 }
 
-std::vector<IndexEntry> index_entries(std::string_view text) {
+std::vector<IndexEntryView> index_entry_views(std::string_view text) {
     constexpr std::size_t PIECE = INDEX_LINE_BUFFER - 1;
-    std::vector<IndexEntry> entries;
+    std::vector<IndexEntryView> entries;
     bool is_first = true;
     while (!text.empty()) {
         const std::string_view piece = text.substr(0, std::min(index_line_end(text, 0), PIECE));
         text.remove_prefix(piece.size());
         if (std::exchange(is_first, false)) continue;
-        IndexEntry& entry = entries.emplace_back();
-        split_index_line(piece, entry.file_name, entry.font_name);
+        entries.push_back(split_index_line(piece));
     }
+    return entries;
+}
+
+std::vector<IndexEntry> index_entries(std::string_view text) {
+    std::vector<IndexEntry> entries;
+    for (const IndexEntryView& entry : index_entry_views(text))
+        entries.push_back({std::string(entry.file_name), std::string(entry.font_name)});
     return entries;
 }
 
@@ -144,6 +172,18 @@ LineNumbers occurrences(std::string_view text, const LineNumbers& lines) {
     return numbers;
 }
 
+LineNumbers index_differences(std::string_view before, std::string_view after) {
+    LineNumbers differences;
+    const auto count = [&](std::string_view text, int step) {
+        for (std::size_t start = first_entry(text); start < text.size(); start = index_line_end(text, start))
+            differences[std::string(without_newline(line_at(text, start))) + '\n'] += step;
+    };
+    count(before, -1);
+    count(after, 1);
+    std::erase_if(differences, [](const auto& line) { return line.second == 0; });
+    return differences;
+}
+
 std::string with_occurrences(std::string_view text, const LineNumbers& wanted) {
     LineNumbers missing = occurrences(text, wanted);
     bool is_right = true;
@@ -176,13 +216,19 @@ std::string with_occurrences(std::string_view text, const LineNumbers& wanted) {
     return entered > 0 ? with_entries(kept, more, entered) : kept;
 }
 
-void split_index_line(std::string_view line, std::string& file_name, std::string& font_name) {
+IndexEntryView split_index_line(std::string_view line) {
     std::string_view rest = line.substr(0, line.find('\n'));
     // Blanks in front of the file name are skipped.
     rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
     const std::size_t blank = rest.find(' ');
-    file_name = rest.substr(0, blank);
-    font_name = blank == std::string_view::npos ? std::string_view() : rest.substr(blank + 1);
+    return {rest.substr(0, blank),
+            blank == std::string_view::npos ? std::string_view() : rest.substr(blank + 1)};
+}
+
+void split_index_line(std::string_view line, std::string& file_name, std::string& font_name) {
+    const IndexEntryView entry = split_index_line(line);
+    file_name = entry.file_name;
+    font_name = entry.font_name;
 }
 
 }  // namespace gw

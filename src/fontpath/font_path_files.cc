@@ -3,6 +3,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <memory>
 
 #include "core/gw_token_string.h"
@@ -145,13 +146,20 @@ std::optional<std::string> vtfontpath_text(const ElementList& append_list, const
     return text;
 }
 
-void read_config_font_path(const std::string& path, ElementList& list, const char* fallback) {
-    if (open_config(path) == OPENED) {
+Outcome read_config_font_path(const std::string& path, ElementList& list, const char* fallback) {
+    const int opened = open_config(path);
+    if (opened == OPENED) {
         const std::unique_ptr<char, AttributeFree> value(
             config_db_get_attribute(FONT_PATH_CLASS, FONT_PATH_INSTANCE, FONT_PATH_ATTRIBUTE));
         if (const char* text = value ? value.get() : fallback; text != nullptr) split_fpe_string(list, text);
     }
     config_db_close(nullptr);
+    if (opened == OPENED || opened == NEW_OR_EMPTY) return done();
+    const Result<std::string> bytes = read_file(path);
+    // Something that is no file has no font path that could be lost, and cannot be written anyway.
+    const bool is_lost =
+        !bytes && bytes.failure().reason == Reason::SYSTEM && bytes.failure().error != EISDIR;
+    return is_lost ? Outcome(bytes.failure()) : done();
 }
 
 Outcome write_to_vtconfig(const std::string& path, const char* value) {

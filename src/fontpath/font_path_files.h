@@ -45,8 +45,9 @@ std::optional<std::string> create_fpe_string(const ElementList& list);
                                                          const ElementList& prepend_list);
 
 /// Appends the font path of the database at `path`. When the database can be opened but has no font path,
-/// appends the elements of `fallback`, unless that is null.
-void read_config_font_path(const std::string& path, ElementList& list, const char* fallback);
+/// appends the elements of `fallback`, unless that is null. A failure when there is a file that the system
+/// does not let this process read.
+Outcome read_config_font_path(const std::string& path, ElementList& list, const char* fallback);
 /// Writes the font path attribute. With a null value only finds out whether the database can be written.
 /// Kept: asking whether a database can be written writes it.
 Outcome write_to_vtconfig(const std::string& path, const char* value);

@@ -72,14 +72,16 @@ void take_over_changes(GW_LIST<GW_STRING>& elements, const std::vector<std::stri
     }
 }
 
-/// 1 or 0. A refusal is only returned; a failure is also passed to the listener.
+/// 1 or 0. What the caller can know without asking is only returned; everything else is also passed to the
+/// listener.
 int number_of(const gw::Outcome& outcome) {
     if (outcome) return 1;
-    const gw::Reason reason = outcome.failure().reason;
-    if (reason == gw::Reason::SYSTEM || reason == gw::Reason::NOT_OURS)
-        gw::tell(outcome.failure().sequel == gw::Sequel::NONE
-                     ? outcome.failure().with(gw::Sequel::FONT_PATH_STAYS)
-                     : outcome.failure());
+    const gw::Failure& failure = outcome.failure();
+    const bool is_expected = failure.reason == gw::Reason::NOT_ALLOWED ||
+                             failure.reason == gw::Reason::NO_SUCH_ELEMENT ||
+                             failure.reason == gw::Reason::REFUSED_BY_SERVER;
+    if (!is_expected)
+        gw::tell(failure.sequel == gw::Sequel::NONE ? failure.with(gw::Sequel::FONT_PATH_STAYS) : failure);
     return 0;
 }
 
@@ -112,7 +114,8 @@ void GWFontPath::read_config(TYPE t) {
     const std::string path = store_of(t);
     store(t).stamp = gw::stamp_of(path);
     gw::delete_elements(list(t));
-    gw::read_config_font_path(path, list(t), t == INSTALLATION_FP ? gw::DEFAULT_FONT_PATH : nullptr);
+    store(t).read =
+        gw::read_config_font_path(path, list(t), t == INSTALLATION_FP ? gw::DEFAULT_FONT_PATH : nullptr);
     known_texts(t) = texts_of(t);
 }
 
@@ -410,6 +413,47 @@ GWFontPath::Change GWFontPath::set_user(TYPE t, const List& elements) {
     return {written};
 }
 
+gw::Outcome GWFontPath::replace_users(const List& prepended, const List& appended) {
+    if (refuses(USER_APPEND_FP)) return gw::Failure{store_of(USER_APPEND_FP), gw::Reason::NOT_ALLOWED};
+    List front;
+    List end;
+    const gw::ElementsOwner front_owner(front);
+    const gw::ElementsOwner end_owner(end);
+    gw::list_replace(front, prepended);
+    gw::list_replace(end, appended);
+    for (const List* elements : {&front, &end}) {
+        for (const GW_STRING* element : *elements) {
+            if (has_comma(*element)) return gw::Failure{element->get_str(), gw::Reason::COMMA_IN_NAME};
+        }
+        if (!gw::fits_vtfontpath(*elements))
+            return gw::Failure{store_of(USER_APPEND_FP), gw::Reason::NAME_UNFIT_FOR_PATH};
+    }
+    const Texts known_front = known_texts(USER_PREPEND_FP);
+    const Texts known_end = known_texts(USER_APPEND_FP);
+    gw::Result<Turn> turn = take_turn(USER_APPEND_FP);
+    if (!turn) return turn.failure();
+    if (turn->moved_on) {
+        take_over_changes(front, texts_of(USER_PREPEND_FP), known_front);
+        take_over_changes(end, texts_of(USER_APPEND_FP), known_end);
+    }
+    if (_user_vtfontpath_writeable() == 0)
+        return gw::Failure{store_of(USER_APPEND_FP), gw::Reason::NOT_ALLOWED};
+    gw::Outcome written = write_user_file(end, front);
+    if (written) {
+        gw::list_replace(list(USER_PREPEND_FP), front);
+        gw::list_replace(list(USER_APPEND_FP), end);
+        known_texts(USER_PREPEND_FP) = texts_of(USER_PREPEND_FP);
+        _set_all_fpe_list();
+    }
+    return end_turn(USER_APPEND_FP, written);
+}
+
+bool GWFontPath::is_out_of_date() {
+    const auto has_changed = [this](TYPE t) { return gw::stamp_of(store_of(t)) != store(t).stamp; };
+    if (has_changed(INSTALLATION_FP)) return true;
+    return is_main_installation() && (has_changed(HOST_FP) || (user_file && has_changed(USER_APPEND_FP)));
+}
+
 gw::Outcome GWFontPath::remove(TYPE t, int pos) {
     if (pos < 1 && pos != -1) return gw::Failure{store_of(t), gw::Reason::NO_SUCH_ELEMENT};
     if (refuses(t)) return gw::Failure{store_of(t), gw::Reason::NOT_ALLOWED};
@@ -497,6 +541,8 @@ int GWFontPath::is_writeable(TYPE t) {
 int GWFontPath::_installation_vtconfig_writeable() {
     if (!gw::writable_by_uid(installation_config, effective_uid)) return 0;
     const gw::Result<Turn> turn = take_turn(INSTALLATION_FP);
+    // Another process is at it now, but not when the user is.
+    if (!turn && turn.failure().reason == gw::Reason::IN_USE) return 1;
     return turn && end_turn(INSTALLATION_FP, gw::write_to_vtconfig(installation_config, nullptr)) ? 1 : 0;
 }
 

@@ -46,6 +46,9 @@ class GWFontPath {
     /// is read from the server first. The list belongs to this object and changes with it.
     GW_LIST<GW_STRING>* get_fpe_list(TYPE t, unsigned int& count);
 
+    /// Why the file of `t` could not be read; its list is not what the file says then.
+    [[nodiscard]] const gw::Outcome& was_read(TYPE t) { return store(t).read; }
+
     /// Inserts a copy of `element` after position `pos` (0 at the beginning, -1 at the end) and writes the
     /// change. A change that is refused or cannot be written leaves everything as it was, but see
     /// docs/COMPATIBILITY.md.
@@ -53,6 +56,10 @@ class GWFontPath {
     /// Replaces the whole font path of `t` by copies and writes it. An empty path of a database is written
     /// only if `stores_empty`.
     gw::Outcome replace(TYPE t, const GW_LIST<GW_STRING>& elements, bool stores_empty = false);
+    /// Replaces both font paths of the user by copies, in one write of their file.
+    gw::Outcome replace_users(const GW_LIST<GW_STRING>& prepended, const GW_LIST<GW_STRING>& appended);
+    /// Whether a file of this font path has changed since this object read or wrote it.
+    [[nodiscard]] bool is_out_of_date();
     /// Removes the element at `pos` (1-based, -1 the last) and writes the change.
     gw::Outcome remove(TYPE t, int pos);
 

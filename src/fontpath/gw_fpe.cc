@@ -5,7 +5,25 @@
 
 #include <string_view>
 
+#include "core/font_policy.h"
+#include "core/replace_file.h"
+#include "core/text.h"
+#include "fontfiles/scalable_index.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
+
+namespace {
+
+constexpr mode_t EVERYBODY_READS = 0644;
+
+/// Whether the server finds a file of this name, which is relative to the index.
+bool can_stand_in_an_index(std::string_view name) {
+    const std::string extension = gw::font_extension(name);
+    return name.find_first_of(" \t\n") == std::string_view::npos && !name.starts_with(':') &&
+           (name.ends_with(extension) || gw::has_outlines(name));
+}
+
+}  // namespace
 
 GW_FPE::GW_FPE(const char* dir) : GW_DIR(dir), element(dir), fontdir_file(dir, gw::FILE_TYPE_REGULAR) {
     const GW_FILE_SPEC probe(gw::ALIAS_FILE_NAME, dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
@@ -53,5 +71,19 @@ std::string GWStagingFpe::index_name(const GW_FILE_SPEC& spec) const {
     } else if (file.starts_with('/')) {
         file.remove_prefix(1);
     }
+    if (gw::font_policy().takes_any_file_name() && !can_stand_in_an_index(file)) {
+        const std::string stand_in = make_stand_in(spec);
+        if (!stand_in.empty()) return stand_in;
+    }
     return std::string(file);
+}
+
+// The server follows a link to an outline, but not to a bitmap font.
+std::string GWStagingFpe::make_stand_in(const GW_FILE_SPEC& spec) const {
+    const std::string file(spec.get_path());
+    std::string name = "stand-in-" + std::to_string(++stand_ins) + gw::font_extension(spec.get_name());
+    if (gw::has_outlines(name)) return gw::link_in_scratch_dir(get_path(), name, file) ? name : std::string();
+    const gw::Result<std::string> bytes = gw::read_file(file);
+    if (!bytes) return "";
+    return gw::replace_file(get_path() + name, *bytes, EVERYBODY_READS) ? name : std::string();
 }

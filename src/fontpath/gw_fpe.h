@@ -51,6 +51,12 @@ class GWStagingFpe : public GW_FPE {
     using GW_FPE::GW_FPE;
 
     /// The file's path relative to the staging directory when it lies below it ("link/9x15.pcf"), otherwise
-    /// its absolute path without the leading "/" ("cdrom/cdrom0/sub/9x15.pcf").
+    /// its absolute path without the leading "/" ("cdrom/cdrom0/sub/9x15.pcf"). If the font policy takes any
+    /// file name, a file with one that an index cannot have gets a stand-in in the staging directory.
     [[nodiscard]] std::string index_name(const GW_FILE_SPEC& spec) const override;
+
+  private:
+    [[nodiscard]] std::string make_stand_in(const GW_FILE_SPEC& spec) const;
+
+    mutable unsigned stand_ins = 0;
 };

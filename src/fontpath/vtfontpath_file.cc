@@ -12,6 +12,7 @@
 #include "core/file_calls.h"
 #include "core/replace_file.h"
 #include "core/rights.h"
+#include "core/text.h"
 #include "fontpath/font_path_files.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
@@ -21,35 +22,26 @@ namespace gw {
 namespace {
 
 // Kept: lines of a font path file are run by the shell. So they may contain variables ("$HOME/fonts").
-constexpr const char* EXPAND_LINES = "while read input\ndo\neval echo $input\ndone < %s > %s";
+// The ":" is for a command in the last line: its failure is not one of reading the file.
+constexpr const char* EXPAND_LINES = "while read input\ndo\neval echo $input\n:\ndone < %s > %s";
 constexpr mode_t USER_FILE_MODE = 0644;
 constexpr mode_t PERMISSION_BITS = 0777;
 constexpr std::string_view BLANKS = " \t";
-
-std::vector<std::string> lines_of(std::string_view text) {
-    std::vector<std::string> lines;
-    while (!text.empty()) {
-        const std::size_t length = std::min(text.find('\n'), text.size());
-        lines.emplace_back(text.substr(0, length));
-        text.remove_prefix(std::min(length + 1, text.size()));
-    }
-    return lines;
-}
 
 // The first blank line ends the append section. Kept: later groups of a font path file come first.
 void take_sections(std::string_view text, VtFontPath& elements) {
     bool in_append_section = true;
     std::size_t position = 0;
-    for (const std::string& line : lines_of(text)) {
+    for (const std::string_view line : lines_of(text)) {
         const std::size_t start = line.find_first_not_of(BLANKS);
-        if (start == std::string::npos) {
+        if (start == std::string_view::npos) {
             in_append_section = false;
             position = 0;
         } else if (in_append_section) {
-            elements.append.push_back(line.substr(start));
+            elements.append.emplace_back(line.substr(start));
         } else {
             const auto place = elements.prepend.begin() + static_cast<std::ptrdiff_t>(position++);
-            elements.prepend.insert(place, line.substr(start));
+            elements.prepend.emplace(place, line.substr(start));
         }
     }
 }
@@ -77,9 +69,8 @@ std::string expanded(const std::string& path, const std::string& lines, Outcome&
 std::string without_shell_lines(const std::string& path, std::string_view text, Outcome& outcome) {
     std::string plain;
     text = text.substr(0, text.rfind('\n') + 1);
-    for (const std::string& line : lines_of(text)) {
-        const std::string_view words =
-            std::string_view(line).substr(std::min(line.find_first_not_of(BLANKS), line.size()));
+    for (const std::string_view line : lines_of(text)) {
+        const std::string_view words = line.substr(std::min(line.find_first_not_of(BLANKS), line.size()));
         if (words.empty() ||
             (vtfontpath_line(words) == words && words.find_first_of("$~") == std::string_view::npos)) {
             plain.append(words).append("\n");

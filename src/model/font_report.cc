@@ -7,21 +7,18 @@
 
 namespace gw {
 
-namespace {
-
-/// The name up to the bracket that closes its type.
-std::string without_mark(const std::string& name) {
+// Up to the bracket that closes the type.
+std::string name_without_mark(const std::string& name) {
     const std::size_t type = name.find('[');
     const std::size_t end = type == std::string::npos ? type : name.find(']', type);
     return end == std::string::npos ? name : name.substr(0, end + 1);
 }
 
-}  // namespace
-
 bool FontReport::note(GWFont& font, const Outcome& outcome, const std::string& dir) {
-    const std::string name = without_mark(font.get_hrn_name());
+    const std::string name = name_without_mark(font.get_hrn_name());
     if (outcome) {
-        successes.push_back({name, with_trailing_slash(dir)});
+        successes.push_back({name, with_trailing_slash(dir), font.get_xlfd_name()});
+        for (const Failure& remark : font.take_remarks()) remarks_.push_back({name, remark});
     } else {
         entries.push_back({name, outcome.failure()});
     }
@@ -46,8 +43,18 @@ int FontReport::fail_all_in(const std::string& dir, const Failure& why) {
 
 void FontReport::clear() {
     entries.clear();
+    remarks_.clear();
     successes.clear();
     taken = 0;
+}
+
+std::vector<std::string> FontReport::done_names() const {
+    std::vector<std::string> names;
+    std::set<std::string> seen;
+    for (const Done& success : successes) {
+        if (seen.insert(success.font).second) names.push_back(success.font);
+    }
+    return names;
 }
 
 std::vector<FontReport::Entry> FontReport::take_new() {
@@ -58,6 +65,7 @@ std::vector<FontReport::Entry> FontReport::take_new() {
 
 void FontReport::append(const FontReport& other) {
     entries.insert(entries.end(), other.entries.begin(), other.entries.end());
+    remarks_.insert(remarks_.end(), other.remarks_.begin(), other.remarks_.end());
     successes.insert(successes.end(), other.successes.begin(), other.successes.end());
 }
 

@@ -20,6 +20,13 @@ class FontReport {
         Failure why;
     };
 
+    /// A font that was installed or deleted.
+    struct Done {
+        std::string font;  ///< its name, as in `Entry`
+        std::string dir;   ///< the directory that was changed, ending in "/"
+        std::string xlfd;
+    };
+
     /// Records the outcome for `font`; returns whether it is a success. `dir` is the directory that was
     /// changed.
     bool note(GWFont& font, const Outcome& outcome, const std::string& dir);
@@ -36,18 +43,23 @@ class FontReport {
     void tell() const;
 
     [[nodiscard]] const std::vector<Entry>& failed() const { return entries; }
+    [[nodiscard]] const std::vector<Done>& done() const { return successes; }
+    /// What the user should know of fonts that were installed.
+    [[nodiscard]] const std::vector<Entry>& remarks() const { return remarks_; }
+    /// The human-readable names of the fonts that were installed or deleted, each once.
+    [[nodiscard]] std::vector<std::string> done_names() const;
     /// The entries that have come since this was last asked for.
     std::vector<Entry> take_new();
 
   private:
-    struct Done {
-        std::string font;
-        std::string dir;
-    };
     std::vector<Entry> entries;
+    std::vector<Entry> remarks_;
     std::vector<Done> successes;
     std::size_t taken = 0;  // how many of them `take_new` has given
 };
+
+/// A font's name as lists show it, without a mark such as "[Read Only]" behind its type.
+[[nodiscard]] std::string name_without_mark(const std::string& name);
 
 /// Whether fonts have always been left out for this reason without a word on standard error.
 [[nodiscard]] bool was_always_silent(Reason reason);

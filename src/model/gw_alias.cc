@@ -4,7 +4,9 @@
 #include <strings.h>
 
 #include <array>
+#include <string_view>
 
+#include "core/font_policy.h"
 #include "core/text.h"
 #include "model/gw_font.h"
 #include "model/gw_xlfd_name.h"
@@ -21,6 +23,16 @@ GWAlias::GWAlias(const char* alias_name, const char* font_name, const char* dir)
     font_hrn_name_ = is_xlfd_name(font_name) != 0 ? _construct_hrn(font_name, 0) : font_name_;
 }
 
+void GWAlias::set_distinction(const std::string& text) {
+    static constexpr std::string_view TAG = " [Alias]";
+    std::string words = hrn_name_.substr(0, hrn_name_.rfind(TAG));
+    if (!distinction_.empty()) words.resize(words.size() - distinction_.size() - 3);
+    distinction_ = text;
+    if (!text.empty()) words += " (" + text + ')';
+    hrn_name_ = words + std::string(TAG);
+    set_read_only_str(hrn_name_);
+}
+
 int GWAlias::compare(const GWAlias* other) const {
     return ::strcasecmp(get_hrn_name(), other->get_hrn_name());
 }
@@ -32,8 +44,9 @@ std::string GWAlias::_construct_hrn(const char* xlfd, int is_alias) {
         field = extract_next_field(source);
         source = nullptr;
     }
-    std::string text = gw::capitalized(fields[GWFont::TYPEFACE_NAME]);
-    text += ' ' + gw::capitalized(fields[GWFont::WEIGHT_NAME]);
+    const auto in_capitals = gw::font_policy().tells_names_apart() ? gw::capitalized_words : gw::capitalized;
+    std::string text = in_capitals(fields[GWFont::TYPEFACE_NAME]);
+    text += ' ' + in_capitals(fields[GWFont::WEIGHT_NAME]);
     text += gw::add_style_word(fields[GWFont::ADD_STYLE_NAME]);
     text += gw::slant_word(fields[GWFont::SLANT]);
     if (is_alias != 0) text += " [Alias]";

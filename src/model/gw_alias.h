@@ -19,6 +19,10 @@ class GWAlias : public GW_BASE {
     [[nodiscard]] const char* get_hrn_name() const { return hrn_name_.c_str(); }
     [[nodiscard]] const char* get_font_hrn_name() const { return font_hrn_name_.c_str(); }
 
+    /// Adds `text` in parentheses to the displayed name; "" takes it away.
+    void set_distinction(const std::string& text);
+    [[nodiscard]] const std::string& get_distinction() const { return distinction_; }
+
     using GW_BASE::compare;
     /// `strcasecmp` of the displayed names.
     int compare(const GWAlias* other) const;
@@ -32,4 +36,5 @@ class GWAlias : public GW_BASE {
     std::string dir_;
     std::string hrn_name_;
     std::string font_hrn_name_;
+    std::string distinction_;
 };

@@ -1,10 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "model/gw_conflict.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <vector>
 
+#include "core/long_work.h"
 #include "model/gw_alias.h"
+#include "model/packaged_fonts.h"
 #include "modules/gw_fsm_list.h"
 #include "store/font_action.h"
 
@@ -65,7 +68,13 @@ void GWConflict::set_conflict(INFO info, GWFont* font, unsigned group, unsigned 
         default:
             return;
     }
-    if (type == INSTALL && font != nullptr) conflicting_fonts[{group, index}] = gw::Ref<GWFont>(font);
+    if (type == INSTALL && font != nullptr)
+        conflicting_fonts[{group, index}] = {{other_element, gw::Ref<GWFont>(font)}};
+}
+
+void GWConflict::add_conflicting_font(GWHRNElement* in_element, GWFont* font, unsigned group,
+                                      unsigned index) {
+    conflicting_fonts[{group, index}].push_back({gw::Ref<GWHRNElement>(in_element), gw::Ref<GWFont>(font)});
 }
 
 int GWConflict::is_conflict(INFO info) const {
@@ -85,53 +94,102 @@ int GWConflict::is_conflict(INFO info) const {
     }
 }
 
-void GWConflict::set_package(const std::string& names) {
-    package = true;
-    packages.insert(names);
+void GWConflict::add_packages(const std::set<std::string>& names) {
+    package = package || !names.empty();
+    packages.insert(names.begin(), names.end());
 }
 
 std::string GWConflict::get_packages() const {
-    std::string names;
-    for (const std::string& one : packages) names += (names.empty() ? "" : ", ") + one;
-    return names;
+    return gw::enumeration(packages);
 }
 
 std::vector<GWFont*> GWConflict::get_conflicting_fonts() const {
     std::vector<GWFont*> fonts;
-    for (const auto& [place, font] : conflicting_fonts) fonts.push_back(font.get());
+    for (const auto& [place, in_the_way] : conflicting_fonts) {
+        for (const InTheWay& one : in_the_way) fonts.push_back(one.font.get());
+    }
     return fonts;
 }
 
+GWConflict::Compared GWConflict::get_compared_fonts() const {
+    GWFont* own = element ? element->get_representative() : nullptr;
+    if (type != INSTALL) return {own, nullptr};
+    for (const auto& [place, in_the_way] : conflicting_fonts) {
+        if (in_the_way.empty() || !element || place.first >= element->get_slots().size()) continue;
+        const auto& fonts = element->get_slots()[place.first].fonts;
+        if (place.second < fonts.size()) return {in_the_way.front().font.get(), fonts[place.second].get()};
+    }
+    return {nullptr, own};
+}
+
+std::vector<std::string> GWConflict::get_conflict_files() const {
+    std::vector<std::string> paths;
+    for (const GWFont* font : get_conflicting_fonts()) {
+        const GW_FSPEC_LIST* files = font->get_font_file_list();
+        if (files == nullptr || files->is_empty()) continue;
+        const std::string path((*files->begin())->get_path());
+        if (std::find(paths.begin(), paths.end(), path) == paths.end()) paths.push_back(path);
+    }
+    return paths;
+}
+
 std::string GWConflict::get_conflict_dir_name() const {
-    if (conflicting_fonts.empty()) return "";
-    const char* dir = conflicting_fonts.begin()->second->get_dir_name();
+    const std::vector<GWFont*> fonts = get_conflicting_fonts();
+    if (fonts.empty()) return "";
+    const char* dir = fonts.front()->get_dir_name();
     return dir != nullptr ? dir : "";
 }
 
-// Both are one change: the old font stays when the new one cannot be installed.
-gw::Outcome GWConflict::replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const {
+// All of it is one change: the old fonts stay when the new one cannot be installed.
+gw::Outcome GWConflict::replace_on_disk(GWFont& font, const std::vector<InTheWay>& old,
+                                        GW_FSM_LIST& modules) const {
     return gw::as_one_change([&] {
-        gw::Outcome removed = old.remove(modules);
-        return removed ? font.install(*dir_name, modules) : removed;
+        for (const InTheWay& one : old) {
+            if (gw::Outcome removed = one.font->remove(modules); !removed) return removed;
+        }
+        return font.install(*dir_name, modules);
     });
 }
 
-// When the source is itself on the font path, the new font and the old one may be the same files. Then the
+/// The fonts that were replaced leave their entries, and an entry without fonts leaves the list.
+void GWConflict::forget_replaced(const std::vector<InTheWay>& old) {
+    for (const InTheWay& one : old) {
+        one.element->del_font(one.font.get());
+        const bool is_empty = one.element->get_representative() == nullptr;
+        if (is_empty && one.element.get() != other_element.get() && hrn_list != nullptr)
+            hrn_list->delete_hrn_elem(one.element.get());
+    }
+}
+
+// When the source is itself on the font path, the new font and an old one may be the same files. Then the
 // old font must not be deleted before its files are copied.
-gw::Outcome GWConflict::install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old,
+gw::Outcome GWConflict::install_one(const gw::Ref<GWFont>& font, const std::vector<InTheWay>& old,
                                     GW_FSM_LIST& modules) {
     if (!modules.can_install(*font)) return font->install(*dir_name, modules);  // what is installed stays
-    const bool moves = old && have_a_file_in_common(*font, *old);
-    if (moves && is_in_directory(*old, *dir_name)) return gw::done();
+    const auto moves = std::find_if(
+        old.begin(), old.end(), [&](const InTheWay& one) { return have_a_file_in_common(*font, *one.font); });
+    if (moves != old.end() && is_in_directory(*moves->font, *dir_name)) return gw::done();
     gw::Outcome installed =
-        old && !moves ? replace_on_disk(*font, *old, modules) : font->install(*dir_name, modules);
+        moves == old.end() ? replace_on_disk(*font, old, modules) : font->install(*dir_name, modules);
     if (!installed) return installed;
     // The font is installed, although its old copy could not be deleted.
-    if (moves) gw::tell_unless_done(old->remove(modules));
-    if (old) other_element->del_font(old.get());
-    const gw::Ref<GWFont> copy = new GWFont(*font, dir_name->c_str());
-    other_element->add_font(copy.get(), 1);
+    if (moves != old.end()) {
+        for (const InTheWay& one : old) gw::tell_unless_done(one.font->remove(modules));
+    }
+    forget_replaced(old);
+    list_installed(new GWFont(*font, dir_name->c_str()));
     return installed;
+}
+
+/// An entry that still has fonts of another face stays theirs, and the new font gets one of its own.
+void GWConflict::list_installed(const gw::Ref<GWFont>& font) {
+    const GWFont* other = other_element->get_representative();
+    const bool is_of_another_face = other != nullptr && other->compare_hrn(font.get()) == 0;
+    if (is_of_another_face && hrn_list != nullptr) {
+        hrn_list->add_font(font.get());
+    } else {
+        other_element->add_font(font.get(), 1);
+    }
 }
 
 void GWConflict::install_force(GW_FSM_LIST& modules, gw::FontReport& report) {
@@ -139,10 +197,14 @@ void GWConflict::install_force(GW_FSM_LIST& modules, gw::FontReport& report) {
     const auto& slots = element->get_slots();
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
-            gw::Ref<GWFont> old;
+            if (gw::is_given_up()) return;
+            std::vector<InTheWay> old;
             if (auto cell = conflicting_fonts.extract({group, index})) old = std::move(cell.mapped());
             const gw::Ref<GWFont>& font = slots[group].fonts[index];
-            report.note(*font, install_one(font, old, modules), *dir_name);
+            const gw::Outcome installed = install_one(font, old, modules);
+            // What the user gives up has not failed.
+            if (!installed && gw::is_given_up()) return;
+            report.note(*font, installed, *dir_name);
         }
     }
 }
@@ -155,7 +217,9 @@ void GWConflict::delete_force(GW_FSM_LIST& modules, gw::FontReport& report) {
     }
     bool all_deleted = true;
     for (const gw::Ref<GWFont>& font : fonts) {
-        if (report.note(*font, font->remove(modules))) {
+        const gw::Outcome removed = font->remove(modules);
+        if (!removed && gw::is_given_up()) return;
+        if (report.note(*font, removed)) {
             element->del_font(font.get());
         } else {
             all_deleted = false;

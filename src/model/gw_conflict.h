@@ -31,18 +31,35 @@ class GWConflict : public GW_BASE {
                GWHRNList* list);
 
     /// Sets the flag of `info` and, for an installation, notes `font` as the installed font that the new one
-    /// at (group, index) would replace. Values outside 11..15 change nothing.
+    /// at (group, index) would replace, instead of one that was noted before. Values outside 11..15 change
+    /// nothing.
     void set_conflict(INFO info, GWFont* font, unsigned group, unsigned index);
+    /// Notes that the new font would replace this one too, which belongs to `element`.
+    void add_conflicting_font(GWHRNElement* element, GWFont* font, unsigned group, unsigned index);
     /// The flag of `info`; 0 for any other value.
     [[nodiscard]] int is_conflict(INFO info) const;
-    /// Notes that files of this package, or of these packages ("a, b"), would be deleted or replaced.
-    void set_package(const std::string& packages);
+    /// Notes that files of these packages would be deleted or replaced.
+    void add_packages(const std::set<std::string>& names);
     /// The packages, separated by ", "; "" when there is none.
     [[nodiscard]] std::string get_packages() const;
     /// The installed fonts that would be replaced; none for a deletion.
     [[nodiscard]] std::vector<GWFont*> get_conflicting_fonts() const;
     /// The directory of the first installed font in the way; "" when there is none.
     std::string get_conflict_dir_name() const;
+    /// The paths of the files of all fonts in the way, each once.
+    [[nodiscard]] std::vector<std::string> get_conflict_files() const;
+
+    /// Whether the user has a choice: not with read-only fonts and aliases.
+    [[nodiscard]] bool can_be_decided() const { return !refuses_force(); }
+    /// An installed font beside the one that would take its place. Either may be null: nothing takes the
+    /// place of a font that is to be deleted, and an alias is no font. Both are valid as long as the
+    /// conflict, until it is carried out.
+    struct Compared {
+        GWFont* installed = nullptr;
+        GWFont* offered = nullptr;
+    };
+    /// The first such pair.
+    [[nodiscard]] Compared get_compared_fonts() const;
 
     /// Installs in spite of the conflict and replaces the old fonts. Does nothing for a read-only or alias
     /// conflict. When a font cannot be installed, the old font stays.
@@ -66,8 +83,16 @@ class GWConflict : public GW_BASE {
 
   private:
     [[nodiscard]] bool refuses_force() const { return read_only || is_alias; }
-    gw::Outcome replace_on_disk(GWFont& font, GWFont& old, GW_FSM_LIST& modules) const;
-    gw::Outcome install_one(const gw::Ref<GWFont>& font, const gw::Ref<GWFont>& old, GW_FSM_LIST& modules);
+    /// An installed font that a new one would replace, with the entry that it is in.
+    struct InTheWay {
+        gw::Ref<GWHRNElement> element;
+        gw::Ref<GWFont> font;
+    };
+    gw::Outcome replace_on_disk(GWFont& font, const std::vector<InTheWay>& old, GW_FSM_LIST& modules) const;
+    gw::Outcome install_one(const gw::Ref<GWFont>& font, const std::vector<InTheWay>& old,
+                            GW_FSM_LIST& modules);
+    void forget_replaced(const std::vector<InTheWay>& old);
+    void list_installed(const gw::Ref<GWFont>& font);
 
     TYPE type;
     std::string name;
@@ -81,7 +106,7 @@ class GWConflict : public GW_BASE {
     gw::Ref<GWHRNElement> element;
     gw::Ref<GWHRNElement> other_element;
     // The installed fonts of the same name, by group and index of the new font in the element's font table.
-    std::map<std::pair<unsigned, unsigned>, gw::Ref<GWFont>> conflicting_fonts;
+    std::map<std::pair<unsigned, unsigned>, std::vector<InTheWay>> conflicting_fonts;
     GWHRNList* hrn_list;
     GWAlias* alias;
 };

@@ -1,14 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "model/gw_font.h"
 
-#include <fcntl.h>
 #include <strings.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cctype>
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <iterator>
@@ -16,12 +12,11 @@
 #include <string_view>
 #include <utility>
 
-#include "core/directory.h"
 #include "core/font_policy.h"
-#include "core/rights.h"
 #include "core/text.h"
 #include "fontfiles/gw_fontdir_file.h"
 #include "fontpath/gw_fpe.h"
+#include "model/font_place.h"
 #include "model/gw_xlfd_name.h"
 #include "model/hrn_words.h"
 #include "modules/gw_fsm_list.h"
@@ -64,63 +59,11 @@ constexpr std::array<std::size_t, 9> HRN_FIELDS = {
     GWFont::SLANT,   GWFont::SETWIDTH_NAME,    GWFont::ADD_STYLE_NAME,
     GWFont::SPACING, GWFont::CHARSET_REGISTRY, GWFont::CHARSET_ENCODING};
 
-// Read once, because the user never changes while the program runs.
-const uid_t effective_uid = ::geteuid();
-
-constexpr unsigned BLOCKS_PER_KILOBYTE = 2;
-
-bool bits_allow_writing(const struct stat& info) {
-    return gw::is_writeable_by(info.st_uid, info.st_mode, effective_uid);
-}
-
-bool can_open(const std::string& path, int flags) {
-    const gw::Descriptor file(::open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC));
-    return file.is_open();
-}
-
-/// Whether an empty file can be made at `path`; it is removed again. One that an earlier run has left is
-/// removed first; anything else of that name is left alone, and then nothing can be made.
-bool can_make(const std::string& path) {
-    struct stat left = {};
-    if (::lstat(path.c_str(), &left) == 0 && S_ISREG(left.st_mode) && left.st_size == 0 && left.st_nlink == 1)
-        ::unlink(path.c_str());
-    const gw::Descriptor file(
-        ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (file.is_open()) ::unlink(path.c_str());
-    return file.is_open();
-}
-
-/// Remembers the directory in which a scratch file was last made. A listing asks about the same directory for
-/// every font, and making and removing a file takes longer than everything else. The answer is used again
-/// while the directory is unchanged, but only for a second, because a file system can become read-only or
-/// full without a change of the directory.
-class LastWritableDirectory {
-  public:
-    [[nodiscard]] bool is(const std::string& dir, const struct stat& info) const {
-        return dir == dir_ && info.st_dev == seen_.st_dev && info.st_ino == seen_.st_ino &&
-               info.st_mode == seen_.st_mode && info.st_uid == seen_.st_uid &&
-               info.st_ctim.tv_sec == seen_.st_ctim.tv_sec && info.st_ctim.tv_nsec == seen_.st_ctim.tv_nsec &&
-               Clock::now() - when_ < std::chrono::seconds(1);
-    }
-    void set(const std::string& dir) {
-        dir_ = ::stat(dir.c_str(), &seen_) == 0 ? dir : std::string();
-        when_ = Clock::now();
-    }
-
-  private:
-    using Clock = std::chrono::steady_clock;
-    std::string dir_;
-    struct stat seen_ = {};
-    Clock::time_point when_;
-};
-
-/// Whether a scratch file can be made in `dir`; `info` is the result of `stat` for it.
-bool takes_scratch_file(const std::string& dir, const struct stat& info) {
-    static LastWritableDirectory last;
-    if (last.is(dir, info)) return true;
-    if (!can_make(dir + "/.glyphwd_dummy")) return false;
-    last.set(dir);
-    return true;
+/// How well the locales of the world can draw with a font of this name: the lower the better.
+int rank(std::string_view xlfd) {
+    const std::string name = gw::lower_case(xlfd);
+    if (name.ends_with("-iso8859-1")) return 0;
+    return name.ends_with("-iso10646-1") ? 1 : 2;
 }
 
 enum Naming { XLFD_NAME, POSTSCRIPT_NAME };
@@ -166,16 +109,17 @@ GWFont::GWFont(GW_FONT_TYPE type) : font_type(type) {}
 
 GWFont::GWFont(GWFont& other, const char* dir)
     : RefCounted(),
-      font_type(other.font_type),
-      disk_space(other.get_disk_space()),
+      font_type(other.conversion ? other.conversion->type : other.font_type),
+      disk_space(other.conversion ? 0 : other.get_disk_space()),
       xlfd_name(other.get_xlfd_name()),
+      index_names(other.index_names),
       ps_name(other.ps_name),
       fields(other.fields) {
     if (other.file_list) {
         file_list = std::make_unique<GW_FSPEC_LIST>();
         for (const GW_FILE_SPEC* spec : *other.file_list) {
-            file_list->append(
-                new GW_FILE_SPEC(spec->get_name(), dir, spec->get_file_type(), spec->get_ext_type()));
+            file_list->append(new GW_FILE_SPEC(other.name_in_copy(*spec).c_str(), dir, spec->get_file_type(),
+                                               spec->get_ext_type()));
         }
     }
     set_dir_name(dir);
@@ -222,12 +166,14 @@ const char* GWFont::get_field(FIELD f) const {
 
 void GWFont::set_xlfd_name(const char* name) {
     const std::string given = name;  // `name` may point to this record's own text
-    xlfd_name = gw::truncated(given, NAME_LIMIT);
+    xlfd_name.assign(given, 0, NAME_LIMIT);
     if (is_xlfd_name(given.c_str()) == 0) return;
-    const char* source = given.c_str();
-    for (int f = FOUNDRY; f < FIELD_COUNT; ++f) {
-        set_field(static_cast<FIELD>(f), extract_next_field(source));
-        source = nullptr;
+    std::string_view rest(given);
+    rest.remove_prefix(rest.find('-') + 1);
+    for (std::string& field : fields) {
+        const std::size_t dash = std::min(rest.find('-'), rest.size());
+        field = rest.substr(0, std::min(dash, FIELD_LIMIT));
+        rest.remove_prefix(std::min(dash + 1, rest.size()));
     }
 }
 
@@ -235,6 +181,57 @@ std::string GWFont::composed_xlfd_name() const {
     std::string name;
     for (const std::string& field : fields) name += '-' + field;
     return name;
+}
+
+void GWFont::set_index_names(std::vector<gw::IndexName> names) {
+    index_names = std::move(names);
+    name_hashes.clear();
+    const auto best = std::min_element(
+        index_names.begin(), index_names.end(), [](const gw::IndexName& a, const gw::IndexName& b) {
+            return std::pair(a.face, rank(a.xlfd)) < std::pair(b.face, rank(b.xlfd));
+        });
+    if (best != index_names.end()) set_xlfd_name(best->xlfd.c_str());
+}
+
+std::vector<gw::IndexName> GWFont::get_all_names() {
+    return index_names.empty() ? std::vector<gw::IndexName>{{0, get_xlfd_name()}} : index_names;
+}
+
+const std::vector<std::size_t>& GWFont::hashes() {
+    if (!name_hashes.empty()) return name_hashes;
+    const auto add = [&](std::string_view name) {
+        name_hashes.push_back(std::hash<std::string>()(gw::lower_case(name)));
+    };
+    for (const gw::IndexName& name : index_names) add(name.xlfd);
+    if (index_names.empty()) add(get_xlfd_name());
+    std::sort(name_hashes.begin(), name_hashes.end());
+    return name_hashes;
+}
+
+// An installation compares a font with every other one, so most comparisons must end at the hashes.
+bool GWFont::shares_a_name(GWFont& other) {
+    std::vector<std::size_t> common;
+    std::set_intersection(hashes().begin(), hashes().end(), other.hashes().begin(), other.hashes().end(),
+                          std::back_inserter(common));
+    if (common.empty()) return false;
+    const std::vector<gw::IndexName> theirs = other.get_all_names();
+    const std::vector<gw::IndexName> mine = get_all_names();
+    return std::any_of(mine.begin(), mine.end(), [&](const gw::IndexName& name) {
+        return std::any_of(theirs.begin(), theirs.end(), [&](const gw::IndexName& their) {
+            return ::strcasecmp(name.xlfd.c_str(), their.xlfd.c_str()) == 0;
+        });
+    });
+}
+
+std::string GWFont::name_in_copy(const GW_FILE_SPEC& file) const {
+    std::string name = file.get_name();
+    if (!gw::font_policy().takes_any_file_name()) return name;
+    // Readers of an index end the file's name at any blank, also at those that are control characters.
+    std::replace_if(
+        name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) <= ' '; }, '_');
+    if (name.front() == ':') name.front() = '_';  // options would begin here
+    const std::string extension = gw::font_extension(name);
+    return name.substr(0, name.size() - extension.size()) + (conversion ? conversion->extension : extension);
 }
 
 const char* GWFont::get_xlfd_name() {
@@ -279,6 +276,14 @@ void GWFont::set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list) {
     update_read_only();
 }
 
+void GWFont::set_files_in(gw::FontPlace& place, std::unique_ptr<GW_FSPEC_LIST> list) {
+    if (file_list) gw::delete_elements(*file_list);
+    file_list = std::move(list);
+    dir_name = place.seen().path();
+    if (!read_only) read_only = place.is_read_only(*file_list);
+    disk_space = place.known_kilobytes(*file_list);
+}
+
 GW_FSPEC_LIST* GWFont::get_font_file_list() const {
     return file_list.get();
 }
@@ -296,16 +301,21 @@ struct GWFont::NamePieces {
 };
 
 GWFont::NamePieces GWFont::name_pieces() const {
-    return {gw::capitalized(fields[TYPEFACE_NAME]), ' ' + gw::capitalized(fields[WEIGHT_NAME]),
-            gw::add_style_word(fields[ADD_STYLE_NAME]), gw::slant_word(fields[SLANT])};
+    const auto in_capitals = gw::font_policy().tells_names_apart() ? gw::capitalized_words : gw::capitalized;
+    return {family_in_font.empty() ? in_capitals(fields[TYPEFACE_NAME]) : family_in_font,
+            ' ' + in_capitals(fields[WEIGHT_NAME]), gw::add_style_word(fields[ADD_STYLE_NAME]),
+            gw::slant_word(fields[SLANT])};
 }
 
 std::string GWFont::get_hrn_name() {
     if (!preset_hrn_name.empty()) return preset_hrn_name;
-    const std::string tag = std::string(" [") + type_tag(font_type) + ']';
+    const std::string tag =
+        (distinction.empty() ? "" : " (" + distinction + ')') + " [" + type_tag(font_type) + ']';
     std::string name;
     if (is_postscript_named()) {
         name = gw::capitalized(ps_name) + tag;
+    } else if (is_nameless()) {
+        name = (*file_list->begin())->get_name() + tag;
     } else if (is_xlfd_name(get_xlfd_name()) == 0) {
         // Kept: a name that is no XLFD name has two blanks before its type.
         name = xlfd_name + ' ' + tag;
@@ -313,8 +323,14 @@ std::string GWFont::get_hrn_name() {
         const NamePieces pieces = name_pieces();
         name = pieces.family + pieces.weight + pieces.add_style + pieces.slant + listed_charset() + tag;
     }
-    if (read_only) set_read_only_str(name);
+    if (!mark.empty()) gw::append_at_column(name, mark);
+    if (read_only && mark.empty()) set_read_only_str(name);
     return name;
+}
+
+/// A font of a source of which nothing is known but its file.
+bool GWFont::is_nameless() const {
+    return obstacle && fields[TYPEFACE_NAME].empty() && file_list && !file_list->is_empty();
 }
 
 // Kept: names of bitmap fonts have no charset.
@@ -358,7 +374,9 @@ int GWFont::compare_hrn(const GWFont* other) const {
 // A field never contains a dash, so dashes can separate the fields. `tolower` uses the locale, as
 // `strcasecmp` does.
 std::string GWFont::hrn_key() const {
+    constexpr std::size_t USUAL_LENGTH = 80;
     std::string key = std::to_string(font_type);
+    key.reserve(USUAL_LENGTH);
     for (const std::size_t f : HRN_FIELDS) {
         key += '-';
         for (const char c : fields[f]) key += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
@@ -398,11 +416,7 @@ int GWFont::delete_font(GW_FSM_LIST& modules) {
 
 unsigned GWFont::get_disk_space() {
     if (!file_list || disk_space != 0) return file_list ? disk_space : 0;
-    for (const GW_FILE_SPEC* spec : *file_list) {
-        struct stat info = {};
-        if (::stat(spec->get_path(), &info) == 0)
-            disk_space += static_cast<unsigned>(info.st_blocks) / BLOCKS_PER_KILOBYTE;
-    }
+    disk_space = gw::kilobytes_of(*file_list);
     return disk_space;
 }
 
@@ -417,21 +431,7 @@ void GWFont::update_read_only() {
             set_dir_name(first->get_dir());
         return;
     }
-    struct stat info = {};
-    if (::stat(dir_name->c_str(), &info) != 0 || !takes_scratch_file(*dir_name, info)) {
-        read_only = true;
-        return;
-    }
-    // Kept: a directory that takes a scratch file is writable whatever its bits say.
-    if (!bits_allow_writing(info)) return;
-    for (const GW_FILE_SPEC* spec : *file_list) {
-        if (::stat(spec->get_path(), &info) == 0 && bits_allow_writing(info) &&
-            can_open(spec->get_path(), O_RDWR)) {
-            continue;
-        }
-        read_only = true;
-        return;
-    }
+    read_only = gw::FontPlace(*dir_name).is_read_only(*file_list);
 }
 
 int GW_SORT_KEY<GWFont>::compare(GWFont& a, GWFont& b) {

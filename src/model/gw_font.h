@@ -10,14 +10,22 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
 
 #include "core/failure.h"
 #include "core/gw_base.h"
 #include "core/gw_fspec_list.h"
 #include "core/gw_list.h"
 #include "core/ref.h"
+#include "model/index_name.h"
 
 class GW_FSM_LIST;
+
+namespace gw {
+class FontPlace;
+}
 
 /// Heap storage of n bytes, and its release.
 void* gw_alloc(unsigned n);
@@ -76,6 +84,18 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// `dst`, which holds `len` characters and a terminating NUL. When it does not fit, a message is written
     /// to standard output and `dst` stays as it was.
     void construct_xlfd_name(const char* ignored, char* dst, unsigned len);
+    /// Gives the font all the names that an index has for its file, or will have. Its XLFD name is from now
+    /// on the one that most locales can draw with: of the first font in the file, in ISO 8859-1 if there is
+    /// one.
+    void set_index_names(std::vector<gw::IndexName> names);
+    /// Those names; none for a font that has only its XLFD name.
+    [[nodiscard]] const std::vector<gw::IndexName>& get_index_names() const {
+        return index_names;
+    }
+    /// The same, or else the XLFD name alone.
+    std::vector<gw::IndexName> get_all_names();
+    /// Whether one of this font's names, ignoring case, is one of the other's, whatever their types.
+    bool shares_a_name(GWFont& other);
     void set_ps_name(const char* name);
     const char* get_ps_name() const;
 
@@ -84,8 +104,63 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     const char* get_dir_name() const;
     /// Takes ownership of `list` and of the specifications in it.
     void set_font_file_list(std::unique_ptr<GW_FSPEC_LIST> list);
+    /// The same and `set_dir_name`, for a listing: `place` is the directory of the files.
+    void set_files_in(gw::FontPlace& place, std::unique_ptr<GW_FSPEC_LIST> list);
     /// The files, owned by this record; may be null.
     [[nodiscard]] GW_FSPEC_LIST* get_font_file_list() const;
+
+    /// What becomes of an outline that no X server opens: its copy is made as a font of another type.
+    struct Conversion {
+        GW_FONT_TYPE type;      ///< of the copy
+        const char* extension;  ///< of the copy's file, for example ".ttf"
+    };
+    void set_conversion(const Conversion& how) {
+        conversion = how;
+    }
+    [[nodiscard]] const std::optional<Conversion>& get_conversion() const {
+        return conversion;
+    }
+    /// The name of the file in a copy of the font. If the font policy says so, a blank in it is "_" and the
+    /// extension is in lower case; a file that is converted has its new extension.
+    [[nodiscard]] std::string name_in_copy(const GW_FILE_SPEC& file) const;
+
+    /// Why the font cannot be installed, whatever the destination; none if it can, as far as is known.
+    void set_obstacle(const gw::Failure& why) {
+        obstacle = why;
+    }
+    [[nodiscard]] const std::optional<gw::Failure>& get_obstacle() const {
+        return obstacle;
+    }
+    /// A word in brackets behind the name in lists, where "[Read Only]" is for others ("[Damaged]").
+    void set_mark(std::string_view text) {
+        mark = text;
+    }
+    /// Whether somebody has looked into the font's file.
+    [[nodiscard]] bool is_checked() const {
+        return checked;
+    }
+    void set_checked() {
+        checked = true;
+    }
+    /// Something that the user should know of an installation that is a success.
+    void remark(const gw::Failure& what) {
+        remarks.push_back(what);
+    }
+    std::vector<gw::Failure> take_remarks() {
+        return std::exchange(remarks, {});
+    }
+
+    /// The family as the font itself writes it ("DejaVu Sans Mono"), for the name in lists.
+    void set_family_in_font(std::string_view family) {
+        family_in_font = family;
+    }
+    /// What tells the font from others whose name in lists is the same ("Adobe", "cour.pfa").
+    void set_distinction(std::string_view text) {
+        distinction = text;
+    }
+    [[nodiscard]] const std::string& get_distinction() const {
+        return distinction;
+    }
 
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
     void set_preset_hrn_name(const char* name);
@@ -115,7 +190,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// Returns 0.
     int delete_font(GW_FSM_LIST& modules);
 
-    /// Kilobytes that the files occupy; measured once. Missing files count 0.
+    /// Kilobytes that the files occupy; measured once, when a listing has not seen it. Missing files count 0.
     unsigned get_disk_space();
     /// Kept: a font that was read-only once stays so.
     [[nodiscard]] bool is_read_only() const;
@@ -126,6 +201,8 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     std::string listed_charset();
     [[nodiscard]] std::string composed_xlfd_name() const;
     void update_read_only();
+    [[nodiscard]] bool is_nameless() const;
+    const std::vector<std::size_t>& hashes();
 
     std::unique_ptr<GW_FSPEC_LIST> file_list;
     std::optional<std::string> dir_name;
@@ -135,6 +212,16 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     std::string preset_hrn_name;
     std::string charset_hrn_name;
     std::string xlfd_name;
+    std::vector<gw::IndexName> index_names;
+    std::vector<std::size_t>
+        name_hashes;  // of all names in lower case, ascending; empty until they are needed
+    std::optional<Conversion> conversion;
+    std::optional<gw::Failure> obstacle;
+    std::vector<gw::Failure> remarks;
+    std::string family_in_font;
+    std::string distinction;
+    std::string mark;
+    bool checked = false;
     std::string ps_name;
     std::array<std::string, FIELD_COUNT> fields;
 };

@@ -6,9 +6,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <memory>
+#include <set>
+#include <string>
 #include <string_view>
 
+#include "core/font_policy.h"
+#include "core/long_work.h"
 #include "core/text.h"
+#include "model/distinctions.h"
 #include "model/gw_alias.h"
 #include "model/gw_conflict.h"
 #include "model/gw_xlfd_name.h"
@@ -58,7 +63,7 @@ GWHRNElement::~GWHRNElement() = default;
 void GWHRNElement::_initialize_hrn_element(GWFont* font) {
     const gw::Ref<GWFont> shared(font);
     if (!name.empty()) ++renamings;
-    disk_space = font->get_disk_space();
+    disk_space.reset();
     PointSize slot;
     if (is_xlfd_name(font->get_xlfd_name()) != 0) {
         slot.point_size = size_text(*font);
@@ -97,7 +102,7 @@ int GWHRNElement::add_font(GWFont* font, int force) {
     }
     slot->resolutions.push_back(resolution_text(*font));
     slot->fonts.emplace_back(font);
-    disk_space += font->get_disk_space();
+    if (disk_space) *disk_space += font->get_disk_space();
     if (read_only == 0) read_only = font->is_read_only() ? 1 : 0;
     return 1;
 }
@@ -106,7 +111,7 @@ int GWHRNElement::del_font(GWFont* font) {
     for (PointSize& slot : slots) {
         for (std::size_t i = 0; i < slot.fonts.size(); ++i) {
             if (slot.fonts[i].get() != font) continue;
-            disk_space -= std::min(disk_space, font->get_disk_space());
+            if (disk_space) *disk_space -= std::min(*disk_space, font->get_disk_space());
             slot.resolutions.erase(slot.resolutions.begin() + static_cast<std::ptrdiff_t>(i));
             slot.fonts.erase(slot.fonts.begin() + static_cast<std::ptrdiff_t>(i));
             return 1;
@@ -152,6 +157,32 @@ GWFont* GWHRNElement::get_font(const char* point_size, const char* resolution) c
     return representative;
 }
 
+unsigned GWHRNElement::get_disk_space() const {
+    if (disk_space) return *disk_space;
+    disk_space = 0;
+    for (const PointSize& slot : slots) {
+        for (const gw::Ref<GWFont>& font : slot.fonts) *disk_space += font->get_disk_space();
+    }
+    return *disk_space;
+}
+
+void GWHRNElement::set_distinction(const std::string& text) {
+    for (const PointSize& slot : slots) {
+        for (const gw::Ref<GWFont>& font : slot.fonts) font->set_distinction(text);
+    }
+    compose_name();
+}
+
+void GWHRNElement::compose_name() {
+    if (GWFont* font = get_representative(); font != nullptr) name = font->get_hrn_name();
+    ++renamings;
+}
+
+std::string GWHRNElement::get_distinction() const {
+    const GWFont* font = get_representative();
+    return font != nullptr ? font->get_distinction() : "";
+}
+
 int GWHRNElement::compare(const GWHRNElement* other) const {
     return ::strcasecmp(get_name(), other->get_name());
 }
@@ -183,28 +214,79 @@ int GWHRNElement::_hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWCon
     return 1;
 }
 
-int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
-                                GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts,
-                                gw::FontReport& report) {
-    const GWFont* representative = get_representative();
-    if (representative == nullptr) return DONE;  // nothing to do
-    const GWFont::GW_FONT_TYPE type = representative->get_type();
+bool GWHRNElement::has_conflict_of_type(GWHRNList& installed, GW_LIST<GWConflict>& conflicts,
+                                        const char* dir) {
+    const GWFont::GW_FONT_TYPE type = get_representative()->get_type();
     for (GWHRNElement* elem : installed) {
         const GWFont* other = elem->get_representative();
         if (other == nullptr || other->get_type() != type) continue;
-        if (_hrn_elem_conflict(elem, conflicts, dir) != 0) return CONFLICT;
+        if (_hrn_elem_conflict(elem, conflicts, dir) != 0) return true;
     }
-    if (!representative->is_postscript_named() && is_named_like(aliases, report)) return CONFLICT;
+    return false;
+}
+
+/// Whether any name of a font belongs to another file, of any type. One conflict has all fonts in the way.
+bool GWHRNElement::has_conflict_of_names(GWHRNList& installed, GW_LIST<GWConflict>& conflicts,
+                                         const char* dir) {
+    std::unique_ptr<GWConflict> conflict;
+    const auto note = [&](GWHRNElement* elem, GWFont* in_the_way, unsigned group, unsigned index) {
+        if (!conflict)
+            conflict =
+                std::make_unique<GWConflict>(GWConflict::INSTALL, this, nullptr, elem, dir, &installed);
+        const bool is_read_only = in_the_way->is_read_only();
+        conflict->set_conflict(is_read_only ? GWConflict::READ_ONLY : GWConflict::SAME_NAME, nullptr, group,
+                               index);
+        if (is_system_font(*in_the_way))
+            conflict->set_conflict(GWConflict::SYSTEM_FONT, nullptr, group, index);
+        conflict->add_conflicting_font(elem, in_the_way, group, index);
+    };
+    for (unsigned group = 0; group < slots.size(); ++group) {
+        for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
+            GWFont& font = *slots[group].fonts[index];
+            for (GWHRNElement* elem : installed) {
+                for (const PointSize& slot : elem->slots) {
+                    for (const gw::Ref<GWFont>& other : slot.fonts) {
+                        if (font.shares_a_name(*other)) note(elem, other.get(), group, index);
+                    }
+                }
+            }
+        }
+    }
+    if (!conflict) return false;
+    conflicts.append(conflict.release());
+    return true;
+}
+
+bool GWHRNElement::is_stopped(GWHRNList& installed, const GW_SORTED_LIST<GWAlias>& aliases,
+                              GW_LIST<GWConflict>& conflicts, const char* dir, gw::FontReport& report) {
+    const GWFont* representative = get_representative();
+    if (representative == nullptr) return false;
+    // Kept: a font has a conflict only with fonts of its own type.
+    const bool is_in_conflict = gw::font_policy().enters_all_names()
+                                    ? has_conflict_of_names(installed, conflicts, dir)
+                                    : has_conflict_of_type(installed, conflicts, dir);
+    return is_in_conflict || (!representative->is_postscript_named() && is_named_like(aliases, report));
+}
+
+int GWHRNElement::install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
+                                GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts,
+                                gw::FontReport& report) {
+    if (get_representative() == nullptr) return DONE;  // nothing to do
+    if (is_stopped(installed, aliases, conflicts, dir, report)) return CONFLICT;
     // Kept: of each size only as many fonts are installed as there are sizes.
     int result = FAILED;
     for (const PointSize& slot : slots) {
         for (std::size_t j = 0; j < slot.fonts.size(); ++j) {
             GWFont& font = *slot.fonts[j];
+            if (gw::is_given_up()) return result;
             if (j >= slots.size()) {
                 report.note(font, gw::Failure{font.get_xlfd_name(), gw::Reason::TOO_MANY_OF_ONE_SIZE});
                 continue;
             }
-            if (!report.note(font, font.install(dir, modules), dir)) continue;
+            const gw::Outcome outcome = font.install(dir, modules);
+            // What the user gives up has not failed.
+            if (!outcome && gw::is_given_up()) return result;
+            if (!report.note(font, outcome, dir)) continue;
             installed.add_font(new GWFont(font, dir));
             result = DONE;
         }
@@ -225,8 +307,11 @@ bool GWHRNElement::is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::Fon
     for (const PointSize& slot : slots) {
         for (const gw::Ref<GWFont>& font : slot.fonts) {
             // Kept: a font whose name is an alias is not installed and has no conflict.
+            const std::vector<gw::IndexName> names = font->get_all_names();
             const bool taken = std::any_of(aliases.begin(), aliases.end(), [&](const GWAlias* alias) {
-                return ::strcasecmp(font->get_xlfd_name(), alias->get_alias_name()) == 0;
+                return std::any_of(names.begin(), names.end(), [&](const gw::IndexName& own) {
+                    return ::strcasecmp(own.xlfd.c_str(), alias->get_alias_name()) == 0;
+                });
             });
             if (!taken) continue;
             report.note(*font, gw::Failure{font->get_xlfd_name(), gw::Reason::NAME_OF_AN_ALIAS});
@@ -236,14 +321,25 @@ bool GWHRNElement::is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::Fon
     return false;
 }
 
-int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list,
-                               gw::FontReport& report) {
+/// The packages of a font that could be deleted. Empty, with a note in the report, when the package manager
+/// does not answer: then nothing is deleted.
+std::optional<std::set<std::string>> GWHRNElement::packages_of(GWFont& font, gw::FontReport& report) {
+    if (font.is_read_only()) return std::set<std::string>();
+    const gw::Result<std::set<std::string>> packages = gw::packages_of(font);
+    if (packages) return *packages;
+    report.note(font, packages.failure().with(gw::Sequel::FONT_STAYS));
+    return std::nullopt;
+}
+
+int GWHRNElement::ask_before_deletion(GW_LIST<GWConflict>& conflicts, GWHRNList& list,
+                                      gw::FontReport& report) {
     std::unique_ptr<GWConflict> conflict;
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {
             GWFont* font = slots[group].fonts[index].get();
-            const std::string packages = font->is_read_only() ? "" : gw::packages_of(*font);
-            if (!font->is_read_only() && !is_system_font(*font) && packages.empty()) continue;
+            const std::optional<std::set<std::string>> packages = packages_of(*font, report);
+            if (!packages) return FAILED;
+            if (!font->is_read_only() && !is_system_font(*font) && packages->empty()) continue;
             if (!conflict) {
                 conflict =
                     std::make_unique<GWConflict>(GWConflict::DELETE, this, nullptr, nullptr, nullptr, &list);
@@ -253,18 +349,24 @@ int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& confli
             } else if (is_system_font(*font)) {
                 conflict->set_conflict(GWConflict::SYSTEM_FONT, font, group, index);
             }
-            if (!packages.empty()) conflict->set_package(packages);
+            conflict->add_packages(*packages);
         }
     }
-    if (conflict) {
-        conflicts.append(conflict.release());
-        return CONFLICT;
-    }
+    if (!conflict) return DONE;
+    conflicts.append(conflict.release());
+    return CONFLICT;
+}
+
+int GWHRNElement::delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list,
+                               gw::FontReport& report) {
+    if (const int asked = ask_before_deletion(conflicts, list, report); asked != DONE) return asked;
     std::vector<gw::Ref<GWFont>> fonts;
     for (const PointSize& slot : slots) fonts.insert(fonts.end(), slot.fonts.begin(), slot.fonts.end());
     bool all_deleted = true;
     for (const gw::Ref<GWFont>& font : fonts) {
-        if (report.note(*font, font->remove(modules))) {
+        const gw::Outcome removed = font->remove(modules);
+        if (!removed && gw::is_given_up()) return FAILED;
+        if (report.note(*font, removed)) {
             del_font(font.get());
         } else {
             all_deleted = false;
@@ -352,6 +454,16 @@ std::vector<std::string> GWHRNList::get_res_for_pt_size(unsigned pos, const char
 
 void GWHRNList::merge(const GWHRNList& other) {
     for (const GWHRNElement* elem : other) insert(new GWHRNElement(*elem));
+}
+
+void GWHRNList::tell_apart() {
+    if (!gw::font_policy().tells_names_apart()) return;
+    const std::vector<GWHRNElement*> elements(begin(), end());
+    gw::tell_apart(elements);
+    // Back to front, so that equal names keep their order.
+    GW_SORTED_LIST<GWHRNElement>::clear();
+    for (auto elem = elements.rbegin(); elem != elements.rend(); ++elem)
+        GW_SORTED_LIST<GWHRNElement>::insert(*elem);
 }
 
 void GWHRNList::delete_hrn_elem(GWHRNElement* elem) {

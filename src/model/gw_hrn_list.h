@@ -8,6 +8,8 @@
 // conflicts.
 #pragma once
 
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -72,11 +74,19 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     // passed to the listener.
 
     /// DONE, or CONFLICT when a conflict stopped it and nothing was written. FAILED when the modules
-    /// installed none of the fonts.
+    /// installed none of the fonts. Where the work is given up, the font in work is taken back and those
+    /// behind it stay in the source; neither is a failure.
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, gw::FontReport& report);
     int install_fonts(const char* dir, GWHRNList& installed, GW_SORTED_LIST<GWAlias>& aliases,
                       GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts);
+    /// Finds out what would stop `install_fonts` before anything is written: a conflict, which is recorded,
+    /// or an alias of the same name, which is noted in the report. Writes nothing.
+    bool is_stopped(GWHRNList& installed, const GW_SORTED_LIST<GWAlias>& aliases,
+                    GW_LIST<GWConflict>& conflicts, const char* dir, gw::FontReport& report);
+    /// Finds out what would stop `delete_fonts` before anything is deleted: CONFLICT, which is recorded,
+    /// FAILED, which is noted in the report, or DONE when nothing would.
+    int ask_before_deletion(GW_LIST<GWConflict>& conflicts, GWHRNList& list, gw::FontReport& report);
     /// DONE, and the element is without sizes, or CONFLICT when a conflict stopped it and nothing was
     /// deleted. FAILED when a font could not be deleted: the element keeps that font.
     int delete_fonts(GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts, GWHRNList& list,
@@ -86,26 +96,35 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     /// 0. The conflict belongs to `conflicts`' owner.
     int _hrn_elem_conflict(GWHRNElement* installed_elem, GW_LIST<GWConflict>& conflicts, const char* dir);
 
+    /// Adds `text` to the names of the fonts; "" takes it away. The element's name follows.
+    void set_distinction(const std::string& text);
+    [[nodiscard]] std::string get_distinction() const;
+    /// Composes the name again, because the mark of a font has changed.
+    void compose_name();
+
     using GW_BASE::compare;
     /// `strcasecmp` of the names.
     int compare(const GWHRNElement* other) const;
 
     [[nodiscard]] const char* get_name() const { return name.c_str(); }
     [[nodiscard]] int is_read_only() const { return read_only; }
-    /// Kilobytes, the sum over the fonts.
-    [[nodiscard]] unsigned get_disk_space() const { return disk_space; }
+    /// Kilobytes, the sum over the fonts; measured when it is asked for.
+    [[nodiscard]] unsigned get_disk_space() const;
     [[nodiscard]] const std::vector<PointSize>& get_slots() const { return slots; }
 
     /// Incremented whenever the name of any element may have changed.
     [[nodiscard]] static unsigned long get_renamings() { return renamings; }
 
   private:
+    bool has_conflict_of_type(GWHRNList& installed, GW_LIST<GWConflict>& conflicts, const char* dir);
+    bool has_conflict_of_names(GWHRNList& installed, GW_LIST<GWConflict>& conflicts, const char* dir);
+    static std::optional<std::set<std::string>> packages_of(GWFont& font, gw::FontReport& report);
     [[nodiscard]] bool is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::FontReport& report) const;
 
     static unsigned long renamings;
 
     int read_only = 0;
-    unsigned disk_space = 0;
+    mutable std::optional<unsigned> disk_space;  // none until somebody asks
     std::vector<PointSize> slots;
     std::string name;
 };
@@ -141,6 +160,9 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     unsigned get_disk_space(unsigned pos) const;
     std::vector<std::string> get_point_sizes(unsigned pos, unsigned& count) const;
     std::vector<std::string> get_res_for_pt_size(unsigned pos, const char* point_size, unsigned& count) const;
+    /// Gives entries that read the same something that tells them apart: the charset, the foundry, or the
+    /// file. The order follows. Does nothing unless the font policy says so.
+    void tell_apart();
     /// Takes a copy of each element of `other`, in its order; `other` stays as it is and the fonts are
     /// shared.
     void merge(const GWHRNList& other);

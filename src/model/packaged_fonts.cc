@@ -2,6 +2,7 @@
 #include "model/packaged_fonts.h"
 
 #include <set>
+#include <string>
 #include <vector>
 
 #include "platform/package_owner.h"
@@ -17,11 +18,17 @@ void append_files(std::vector<std::string>& paths, const GWFont& font) {
 
 }  // namespace
 
-std::string packages_of(const GWFont& font) {
+Result<std::set<std::string>> packages_of(const GWFont& font) {
     std::vector<std::string> paths;
     append_files(paths, font);
+    const Result<PackageOwners> owners = package_owners(paths);
+    if (!owners) return owners.failure();
     std::set<std::string> names;
-    for (const auto& [path, owner] : package_owners(paths)) names.insert(owner);
+    for (const auto& [path, owner] : *owners) names.insert(owner);
+    return names;
+}
+
+std::string enumeration(const std::set<std::string>& names) {
     std::string all;
     for (const std::string& name : names) all += (all.empty() ? "" : ", ") + name;
     return all;
@@ -33,7 +40,7 @@ void ask_packages_of(const std::vector<const GWFont*>& fonts) {
     (void)package_owners(paths);
 }
 
-void mark_packages(GW_LIST<GWConflict>& conflicts) {
+Outcome mark_packages(GW_LIST<GWConflict>& conflicts) {
     std::vector<const GWFont*> fonts;
     for (const GWConflict* conflict : conflicts) {
         for (const GWFont* font : conflict->get_conflicting_fonts()) fonts.push_back(font);
@@ -41,9 +48,12 @@ void mark_packages(GW_LIST<GWConflict>& conflicts) {
     ask_packages_of(fonts);
     for (GWConflict* conflict : conflicts) {
         for (const GWFont* font : conflict->get_conflicting_fonts()) {
-            if (const std::string names = packages_of(*font); !names.empty()) conflict->set_package(names);
+            const Result<std::set<std::string>> names = packages_of(*font);
+            if (!names) return names.failure();
+            conflict->add_packages(*names);
         }
     }
+    return done();
 }
 
 }  // namespace gw

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "modules/index_access.h"
+#include "modules/source_fonts.h"
 #include "platform/package_owner.h"
 #include "store/font_action.h"
 
@@ -11,10 +12,12 @@ namespace gw {
 
 namespace {
 
-/// The package of a file that is there; "" when it is in none.
-std::string package_of(const std::string& path) {
-    const PackageOwners owners = ask_package_owners({path});
-    return owners.empty() ? "" : owners.begin()->second;
+/// Whether a file that is there may be replaced: it is in no package.
+Outcome may_be_replaced(const std::string& path) {
+    const Result<PackageOwners> owners = ask_package_owners({path});
+    if (!owners) return owners.failure();
+    if (owners->empty()) return done();
+    return Failure{.subject = path, .reason = Reason::IN_A_PACKAGE, .detail = owners->begin()->second};
 }
 
 }  // namespace
@@ -27,28 +30,38 @@ void FontInstallation::make_afm_dir() {
 }
 
 Outcome FontInstallation::accept(DirectoryChange::StagedFile copy) {
-    if (change.changes_a_file(copy) && is_file_of_another(copy.name().c_str(), font, change))
-        return Failure{copy.path(), Reason::FILE_OF_ANOTHER_FONT};
-    if (const std::string package = change.changes_a_file(copy) ? package_of(copy.path()) : "";
-        !package.empty())
-        return Failure{.subject = copy.path(), .reason = Reason::IN_A_PACKAGE, .detail = package};
+    if (change.changes_a_file(copy)) {
+        if (is_file_of_another(copy.name().c_str(), font, change))
+            return Failure{copy.path(), Reason::FILE_OF_ANOTHER_FONT};
+        if (Outcome allowed = may_be_replaced(copy.path()); !allowed) return allowed;
+    }
     copies.push_back(std::move(copy));
     return done();
 }
 
 Outcome FontInstallation::finish() {
-    const Result<std::string> line = index_line(font, first_file(font)->get_name());
-    if (!line) return line.failure();
+    const GW_FILE_SPEC& first = *first_file(font);
+    const std::string name = font.name_in_copy(first);
+    const Result<IndexLines> found = index_lines(font, name);
+    if (!found) return found.failure();
     for (const DirectoryChange::StagedFile& copy : copies) {
         if (Outcome put = change.put(copy); !put) return put;
     }
-    change.enter(*line);
+    for (const std::string& line : found->lines) change.enter(line);
+    // That a font was converted says so already.
+    if (name != first.get_name() && !font.get_conversion())
+        font.remark({.subject = first.get_path(), .reason = Reason::RENAMED_IN_COPY, .detail = name});
+    if (found->left_out > 0)
+        font.remark({.subject = first.get_path(),
+                     .reason = Reason::NAMES_LEFT_OUT,
+                     .detail = std::to_string(found->left_out)});
     return done();
 }
 
 Outcome install_in_change(GWFont& font, GW_FPE& fpe,
                           const std::function<Outcome(FontInstallation&, const DirectoryChange&)>& steps) {
     if (Outcome possible = can_be_indexed(font); !possible) return possible;
+    if (Outcome sound = check_source_font(font); !sound) return sound;
     bool is_begun = false;
     Outcome outcome = in_change(fpe.get_path(), [&](DirectoryChange& change) {
         is_begun = true;
@@ -58,8 +71,8 @@ Outcome install_in_change(GWFont& font, GW_FPE& fpe,
         return copied ? installation.finish() : copied;
     });
     if (outcome || is_begun || outcome.failure().reason != Reason::SYSTEM) return outcome;
-    if (outcome.failure().subject.find(OWN_DIRECTORY_NAME) == std::string::npos) return outcome;
-    // The user knows nothing of the directory that a change needs.
+    if (outcome.failure().subject != fpe.get_path()) return outcome;
+    // Each font that is left out has a message of its own.
     return Failure::of_system(fpe.get_path() + std::string(first_file(font)->get_name()),
                               outcome.failure().error);
 }

@@ -30,7 +30,10 @@ class FontInstallation {
     /// the index lists for another font.
     template <class File>
     Outcome copy_files();
-    /// Enters the font in the index, and gives the copies their names.
+    /// Copies `source` under that name with `copy_into` of a `File`.
+    template <class File>
+    Outcome copy_from(const GW_FILE_SPEC& source, const std::string& name);
+    /// Enters the font in the index with all its names, and gives the copies their names.
     Outcome finish();
 
   private:
@@ -52,7 +55,8 @@ Outcome install_in_change(GWFont& font, GW_FPE& fpe,
 template <class File>
 Outcome FontInstallation::copy_files() {
     for (const GW_FILE_SPEC* spec : *font.get_font_file_list()) {
-        if (spec->is_in_directory(fpe.get_element())) continue;
+        const bool keeps_its_name = font.name_in_copy(*spec) == spec->get_name();
+        if (keeps_its_name && spec->is_in_directory(fpe.get_element())) continue;
         if (Outcome copied = copy_file<File>(*spec); !copied) return copied;
     }
     return done();
@@ -60,12 +64,16 @@ Outcome FontInstallation::copy_files() {
 
 template <class File>
 Outcome FontInstallation::copy_file(const GW_FILE_SPEC& spec) {
-    const std::string name(spec.get_name());
+    return copy_from<File>(spec, font.name_in_copy(spec));
+}
+
+template <class File>
+Outcome FontInstallation::copy_from(const GW_FILE_SPEC& source, const std::string& name) {
     // That the directory is missing is not why: it could not be made.
     if (!metrics_dir && name.find('/') != std::string::npos) return metrics_dir;
     Result<DirectoryChange::StagedFile> copy = change.stage(name);
     if (!copy) return copy.failure();
-    if (Outcome copied = File(&spec).copy_into(*copy); !copied) return copied;
+    if (Outcome copied = File(&source).copy_into(*copy); !copied) return copied;
     return accept(std::move(*copy));
 }
 

@@ -12,7 +12,8 @@ namespace gw {
 #define UNUSED_FONT_TYPE(name, number, word, naming, form)
 #include "model/font_types.def"
 
-/// Appends these modules in the order of the table, which is the order of listings. From now on the lines of
+/// Appends these modules in the order of the table, which is the order of listings; those of today's formats
+/// only if the font policy takes these. From now on the lines of
 /// fonts that are brought back are known (see store/leftovers.h).
 void append_font_modules(GW_FSM_LIST& list);
 

@@ -3,42 +3,16 @@
 // The file is looked at through a link in a new directory, in which it is the only font.
 #include "modules/font_naming.h"
 
-#include <stdlib.h>  // mkdtemp
-
 #include <filesystem>
 #include <system_error>
 
 #include "core/gw_dir.h"
 #include "modules/font_modules.h"
 #include "modules/index_access.h"
-#include "platform/host_paths.h"
+#include "platform/scratch.h"
 #include "platform/shell_command.h"
 
 namespace gw {
-
-namespace {
-
-/// A directory of our own, with nothing in it, for a short time.
-class ShortLivedDirectory {
-  public:
-    // Of a run that is killed meanwhile, the next start removes it.
-    ShortLivedDirectory() : path_(SCRATCH_PRIVATE) {
-        if (::mkdtemp(path_.data()) == nullptr) path_.clear();
-    }
-    ~ShortLivedDirectory() {
-        std::error_code failed;
-        if (!path_.empty()) std::filesystem::remove_all(path_, failed);
-    }
-    ShortLivedDirectory(const ShortLivedDirectory&) = delete;
-    ShortLivedDirectory& operator=(const ShortLivedDirectory&) = delete;
-
-    [[nodiscard]] const std::string& path() const { return path_; }
-
-  private:
-    std::string path_;
-};
-
-}  // namespace
 
 std::optional<std::string> line_of_font_file(const std::string& dir, const std::string& name) {
     const ShortLivedDirectory alone;
@@ -48,7 +22,7 @@ std::optional<std::string> line_of_font_file(const std::string& dir, const std::
                                     std::filesystem::path(alone.path()) / name, failed);
     if (failed) return std::nullopt;
     // It names bitmap fonts; the names of outlines are in their headers.
-    run_shell("mkfontdir %s", {alone.path()});
+    tell_unless_done(run_command("mkfontdir %s", {alone.path()}, MOMENTS));
     GW_FSM_LIST modules;
     append_font_modules(modules);
     GW_DIR fonts(alone.path().c_str());

@@ -26,6 +26,7 @@ void GW_FSM_LIST::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursiv
 }
 
 void GW_FSM_LIST::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
+    const GW_FONTDIR_FILE::Reading once(fpe->get_fontdir_file());
     for (GW_FSM_BASE* fsm : *this) fsm->make_installed_font_list(out, fpe);
 }
 

@@ -12,4 +12,7 @@ GW_FSM_BASE& gw::bitmap_module() {
 GW_PCF_FSM::GW_PCF_FSM()
     : IndexedModule(GWFont::BITMAP_FONT, {{gw::EXT_PCF, ".pcf"}, {gw::EXT_PCF_Z, ".pcf.Z"}},
                     {".pcf$", ".pcf.Z$"}, gw::SCRATCH_PCF_DIR,
-                    GzippedForm{{gw::EXT_PCF_GZ, ".pcf.gz"}, ".pcf.gz$"}) {}
+                    {{gw::EXT_PCF_GZ, ".pcf.gz"},
+                     {gw::EXT_BDF, ".bdf"},
+                     {gw::EXT_BDF_Z, ".bdf.Z"},
+                     {gw::EXT_BDF_GZ, ".bdf.gz"}}) {}

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
-// The module for PCF bitmap fonts (".pcf", ".pcf.Z"; ".pcf.gz" if the font policy says so).
+// The module for bitmap fonts: PCF (".pcf", ".pcf.Z") and, if the font policy takes today's formats, PCF
+// compressed with gzip (".pcf.gz") and BDF (".bdf", ".bdf.Z", ".bdf.gz").
 #pragma once
 
 #include "modules/indexed_module.h"

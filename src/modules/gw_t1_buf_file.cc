@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "core/gw_dir.h"
+#include "core/long_work.h"
 #include "core/new_file.h"
 
 int GW_T1_BUF_FILE::copy(GW_DIR* dest) {
@@ -24,11 +25,12 @@ gw::Outcome GW_T1_BUF_FILE::copy_into(gw::FileWriter& copy) {
     const char* end = block.data() + got;
     const char* text = std::find(static_cast<const char*>(block.data()), end, '%');
     // The byte after the block is written too; readers of installed fonts take it for white space.
-    bool going_well = copy.write({text, static_cast<std::size_t>(end - text) + 1});
-    while (going_well && (got = read(block.data(), BLOCK_SIZE)) > 0) {
+    bool going_well = copy.gather({text, static_cast<std::size_t>(end - text) + 1});
+    while (going_well && !gw::is_given_up() && (got = read(block.data(), BLOCK_SIZE)) > 0) {
         std::replace(block.data(), block.data() + got, '\r', '\n');
-        going_well = copy.write({block.data(), static_cast<std::size_t>(got)});
+        going_well = copy.gather({block.data(), static_cast<std::size_t>(got)});
     }
     close();
+    if (gw::is_given_up()) return gw::Failure{get_path(), gw::Reason::GIVEN_UP};
     return outcome() ? copy.finish() : outcome();
 }

@@ -6,7 +6,10 @@
 
 #include <array>
 #include <string>
+#include <string_view>
 
+#include "core/directory.h"
+#include "core/failure.h"
 #include "core/gw_file.h"
 #include "core/gw_token_table.h"
 #include "fontfiles/gw_foundry_file.h"
@@ -29,6 +32,8 @@ class GW_T1_FONT_FILE : public GW_FILE {
     static constexpr int BUFFER_SIZE = 1024;
     /// With fewer unread bytes than this the buffer is filled up. A header line is expected to be shorter.
     static constexpr int LINE_RESERVE = 341;
+    /// The file is read in blocks of this size. Most headers fit into one.
+    static constexpr std::size_t BLOCK_SIZE = 4096;
 
     GW_T1_FONT_FILE(const char* name, const char* dir, int file_type);
     explicit GW_T1_FONT_FILE(const GW_FILE_SPEC* spec);
@@ -40,21 +45,29 @@ class GW_T1_FONT_FILE : public GW_FILE {
 
     /// Reads the header and fills `font`; a file that cannot be opened leaves it untouched. Returns 1.
     int set_font_info(GWFont* font);
+    /// The same with a file that was opened for reading, if it was.
+    void set_font_info(GWFont& font, gw::Result<gw::Descriptor> file);
     /// Sets the fields that are the same for every outline font.
     static void set_default_font_info(GWFont* font);
 
   private:
     void init();
     void read_buf();
+    std::size_t take(char* out, std::size_t wanted);
+    bool read_block();
     void skip_till_first_percent();
-    bool get_line_from_buf(std::string& line);
-    bool get_ascii_line(std::string& line);
-    void process_font_file_field(GWFont* font, const char* text) const;
-    static void set_encoding(GWFont* font, const std::string& encoding);
+    bool get_line_from_buf(std::string_view& line);
+    bool get_ascii_line(std::string_view& line);
+    void process_font_file_field(GWFont* font, std::string_view text) const;
+    static void set_encoding(GWFont* font, std::string_view encoding);
 
     std::array<char, BUFFER_SIZE + 1> buffer{};
     int filled = 0;
     int unread = 0;  // index of the next unread byte
+    gw::Descriptor file_;
+    std::array<char, BLOCK_SIZE> block{};
+    std::string_view block_left;
+    bool is_at_end = false;
     int skip_comment = 0;
     const GW_TOKEN_TABLE* keys = nullptr;
     const GW_FOUNDRY_FILE* foundries = nullptr;

@@ -2,18 +2,24 @@
 #include "modules/gw_t1_fsm.h"
 
 #include <algorithm>
+#include <cctype>
 #include <string_view>
+#include <unordered_map>
 #include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "core/font_policy.h"
 #include "core/gw_buf_file.h"
+#include "core/seen_directory.h"
+#include "core/text.h"
+#include "model/font_place.h"
 #include "modules/font_installation.h"
 #include "modules/font_modules.h"
 #include "modules/gw_t1_buf_file.h"
 #include "modules/gw_t1_font_file.h"
 #include "modules/index_access.h"
+#include "modules/source_fonts.h"
 
 namespace {
 
@@ -22,13 +28,59 @@ constexpr int FILE_NAME_CHARS = 32;
 constexpr int HEADER_KEYS = 10;
 constexpr int HEADER_KEY_CHARS = 256;
 
-const GW_FILE_SPEC* append_if_exists(GW_FSPEC_LIST& out, const std::string& name, const char* dir,
-                                     int file_type, int ext_type) {
-    auto spec = std::make_unique<GW_FILE_SPEC>(name.c_str(), dir, file_type, ext_type);
-    if (spec->exist() == 0) return nullptr;
+/// The length of the file's extension with its dot, if it is one of a Type 1 font; else 0.
+std::size_t extension_length(std::string_view name) {
+    const std::string end = gw::lower_case(name.substr(name.size() - std::min<std::size_t>(name.size(), 4)));
+    return name.size() > end.size() && (end == ".pfa" || end == ".pfb" || end == ".afm") ? end.size() : 0;
+}
+
+/// The part of the file's name that all files of its font have in common.
+std::string prefix_of(std::string_view name) {
+    const std::size_t extension = gw::font_policy().takes_any_file_name() ? extension_length(name) : 0;
+    if (extension > 0) return std::string(name.substr(0, name.size() - extension));
+    return std::string(name.substr(0, name.find('.')));
+}
+
+const GW_FILE_SPEC* append_spec(GW_FSPEC_LIST& out, const std::string& name, const gw::SeenDirectory& dir,
+                                int file_type, int ext_type) {
+    auto spec = std::make_unique<GW_FILE_SPEC>(name.c_str(), dir.path().c_str(), file_type, ext_type);
     const GW_FILE_SPEC* appended = spec.get();
     out.append(spec.release());
     return appended;
+}
+
+/// Appends PREFIX.pfb, PREFIX.pfa and PREFIX.afm, each if `dir` has it. Returns the outline file, or null.
+const GW_FILE_SPEC* append_outline_and_metrics(GW_FSPEC_LIST& out, gw::SeenDirectory& dir,
+                                               const std::string& prefix) {
+    const auto append = [&](const char* extension, int ext_type) -> const GW_FILE_SPEC* {
+        std::string name = prefix + extension;
+        if (dir.has(name)) return append_spec(out, name, dir, gw::FILE_TYPE_REGULAR, ext_type);
+        if (!gw::font_policy().takes_any_file_name()) return nullptr;
+        std::transform(name.end() - 4, name.end(), name.end() - 4, ::toupper);
+        return dir.has(name) ? append_spec(out, name, dir, gw::FILE_TYPE_REGULAR, ext_type) : nullptr;
+    };
+    const GW_FILE_SPEC* pfb = append(".pfb", gw::EXT_PFB);
+    const GW_FILE_SPEC* pfa = append(".pfa", gw::EXT_PFA);
+    append(".afm", gw::EXT_AFM);
+    return pfa != nullptr ? pfa : pfb;
+}
+
+/// Appends "afm/PREFIX" or else "afm/PREFIX.afm" if it exists.
+void append_metrics_below(GW_FSPEC_LIST& out, gw::SeenDirectory& dir, const std::string& prefix) {
+    // Kept: metrics may have no extension in their subdirectory.
+    for (const std::string& name : {prefix, prefix + ".afm"}) {
+        if (!dir.below("afm").has(name)) continue;
+        append_spec(out, "afm/" + name, dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
+        return;
+    }
+}
+
+/// Appends all files of the font of the file NAME. Returns the outline file, or null.
+const GW_FILE_SPEC* append_files_of_font(GW_FSPEC_LIST& out, gw::SeenDirectory& dir, std::string_view name) {
+    const std::string prefix = prefix_of(name);
+    const GW_FILE_SPEC* outline = append_outline_and_metrics(out, dir, prefix);
+    if (dir.has("afm")) append_metrics_below(out, dir, prefix);
+    return outline;
 }
 
 /// Moves the first specification of each file name to `out`, and deletes the others.
@@ -71,14 +123,17 @@ class UnclaimedFiles {
 gw::Outcome prefix_is_free(GWFont& font, GW_FPE& fpe, const gw::DirectoryChange& change) {
     const GW_FILE_SPEC& first = *gw::first_file(font);
     if (first.is_in_directory(fpe.get_element())) return gw::done();
-    const std::string prefix = GW_T1_FSM::get_matching_file_spec_prefix(&first);
+    const GW_FILE_SPEC copy(font.name_in_copy(first).c_str(), fpe.get_element(), gw::FILE_TYPE_REGULAR,
+                            gw::EXT_UNKNOWN);
+    const std::string prefix = GW_T1_FSM::get_matching_file_spec_prefix(&copy);
     for (const char* extension : {".pfb", ".pfa"}) {
         const GW_FILE_SPEC outline((prefix + extension).c_str(), fpe.get_element(), gw::FILE_TYPE_REGULAR,
                                    gw::EXT_UNKNOWN);
         // A file of the font itself is compared when it is copied: it may be the same.
         const GW_FSPEC_LIST& files = *font.get_font_file_list();
-        const bool own = std::any_of(files.begin(), files.end(),
-                                     [&](const GW_FILE_SPEC* spec) { return spec->equal(&outline) != 0; });
+        const bool own = std::any_of(files.begin(), files.end(), [&](const GW_FILE_SPEC* spec) {
+            return font.name_in_copy(*spec) == outline.get_name();
+        });
         if (own || !change.will_have(outline.get_name())) continue;
         if (!gw::is_file_of_another(outline.get_name(), font, change)) continue;
         return gw::Failure{outline.get_path(), gw::Reason::FILE_OF_ANOTHER_FONT};
@@ -92,6 +147,15 @@ gw::Outcome copy_outlines_and_metrics(gw::FontInstallation& installation, GWFont
     installation.make_afm_dir();
     return gw::font_policy().copies_outlines_exactly() ? installation.copy_files<GW_BUF_FILE>()
                                                        : installation.copy_files<GW_T1_BUF_FILE>();
+}
+
+using NamesByFile = std::unordered_map<std::string, std::vector<gw::IndexName>>;
+
+NamesByFile all_names_by_file(GW_FPE& fpe) {
+    NamesByFile names;
+    for (gw::ListedFile& file : gw::listed_files(fpe, [](std::string_view) { return true; }))
+        names.emplace(std::move(file.name), std::move(file.names));
+    return names;
 }
 
 }  // namespace
@@ -149,23 +213,32 @@ void GW_T1_FSM::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive)
     found.separate_by_file_type(files, gw::FILE_TYPE_REGULAR);
     GW_FSPEC_LIST working;
     for (GW_FILE_SPEC* spec : files) working.append(spec);
-    build_font_list(out, working);
+    GW_LIST<GWFont> fonts;
+    build_font_list(fonts, working);
+    for (GWFont* font : fonts) out.append(font);
+    if (gw::font_policy().enters_all_names()) gw::name_source_fonts({fonts.begin(), fonts.end()});
 }
 
 void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
+    const GW_FONTDIR_FILE::Reading once(fpe->get_fontdir_file());
     GW_FSPEC_LIST files;
     const gw::ElementsOwner owner(files);
     list_installed_font_file_names(files, fpe);
+    if (files.is_empty()) return;
     const auto names = gw::font_names_by_file(*fpe);
+    auto all_names = gw::font_policy().enters_all_names() ? all_names_by_file(*fpe) : NamesByFile();
+    gw::FontPlaces places;
     for (const GW_FILE_SPEC* spec : files) {
+        gw::FontPlace& place = places.at(spec->get_dir());
         auto font_files = std::make_unique<GW_FSPEC_LIST>();
-        get_aux_fspec_list(font_files.get(), spec);
+        append_files_of_font(*font_files, place.seen(), spec->get_name());
         auto font = std::make_unique<GWFont>(GWFont::TYPE1_FONT);
-        font->set_dir_name(spec->get_dir());
-        font->set_font_file_list(std::move(font_files));
+        font->set_files_in(place, std::move(font_files));
         if (const auto name = names.find(spec->get_name()); name != names.end()) {
             font->set_xlfd_name(name->second.c_str());
         }
+        if (const auto all = all_names.find(spec->get_name()); all != all_names.end())
+            font->set_index_names(std::move(all->second));
         out.append(font.release());
     }
 }
@@ -198,62 +271,52 @@ gw::Outcome GW_T1_FSM::can_install(GWFont& font) const {
 }
 
 std::string GW_T1_FSM::get_matching_file_spec_prefix(const GW_FILE_SPEC* spec) {
-    const std::string_view name(spec->get_name());
-    return std::string(name.substr(0, name.find('.')));
+    return prefix_of(spec->get_name());
 }
 
 const GW_FILE_SPEC* GW_T1_FSM::get_dir_aux_file_spec_list(GW_FSPEC_LIST& out, const GW_DIR* dir,
                                                           const char* prefix) {
-    const std::string stem(prefix);
-    const char* path = dir->get_path();
-    const GW_FILE_SPEC* pfb = append_if_exists(out, stem + ".pfb", path, gw::FILE_TYPE_REGULAR, gw::EXT_PFB);
-    const GW_FILE_SPEC* pfa = append_if_exists(out, stem + ".pfa", path, gw::FILE_TYPE_REGULAR, gw::EXT_PFA);
-    append_if_exists(out, stem + ".afm", path, gw::FILE_TYPE_REGULAR, gw::EXT_AFM);
-    return pfa != nullptr ? pfa : pfb;
+    gw::SeenDirectory seen(dir->get_path());
+    return append_outline_and_metrics(out, seen, prefix);
 }
 
 int GW_T1_FSM::get_afm_aux_file_spec_list(GW_FSPEC_LIST& out, const char* dir, const char* prefix) {
-    // Kept: metrics may have no extension in their subdirectory.
-    const std::string metrics = std::string("afm/") + prefix;
-    if (append_if_exists(out, metrics, dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN) == nullptr) {
-        append_if_exists(out, metrics + ".afm", dir, gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
-    }
+    gw::SeenDirectory seen(gw::with_trailing_slash(dir));
+    append_metrics_below(out, seen, prefix);
     return 1;
 }
 
 const GW_FILE_SPEC* GW_T1_FSM::get_aux_fspec_list(GW_FSPEC_LIST* out, const GW_FILE_SPEC* spec) {
-    const std::string prefix = get_matching_file_spec_prefix(spec);
-    const GW_DIR dir(spec->get_dir());
-    const GW_FILE_SPEC* outline = get_dir_aux_file_spec_list(*out, &dir, prefix.c_str());
-    const GW_FILE_SPEC metrics_dir("afm", spec->get_dir(), gw::FILE_TYPE_UNDETERMINED, gw::EXT_UNKNOWN);
-    if (metrics_dir.exist() != 0) get_afm_aux_file_spec_list(*out, spec->get_dir(), prefix.c_str());
-    return outline;
+    gw::SeenDirectory seen(spec->get_dir());
+    return append_files_of_font(*out, seen, spec->get_name());
 }
 
-std::unique_ptr<GWFont> GW_T1_FSM::make_font(const GW_FILE_SPEC* outline,
+std::unique_ptr<GWFont> GW_T1_FSM::make_font(gw::FontPlace& place, const GW_FILE_SPEC* outline,
                                              std::unique_ptr<GW_FSPEC_LIST> files) {
     auto font = std::make_unique<GWFont>(GWFont::TYPE1_FONT);
-    font->set_dir_name(outline->get_dir());
-    font->set_font_file_list(std::move(files));
     GW_T1_FONT_FILE reader(outline);
     reader.set_skip_comment_flag(1);
     reader.set_token_table(&header_keys);
     reader.set_foundry_file(&foundries);
-    reader.set_font_info(font.get());
+    // The header first: what the open file tells of itself need not be asked again.
+    reader.set_font_info(*font, place.seen().open_to_read(outline->get_name()));
+    font->set_files_in(place, std::move(files));
     return font;
 }
 
 void GW_T1_FSM::build_font_list(GW_LIST<GWFont>& out, GW_FSPEC_LIST& files) {
     UnclaimedFiles unclaimed(files);
+    gw::FontPlaces places;
     bool shrinking = true;
     while (shrinking) {
         const GW_FILE_SPEC* file = unclaimed.first();
         if (file == nullptr) break;
+        gw::FontPlace& place = places.at(file->get_dir());
         auto font_files = std::make_unique<GW_FSPEC_LIST>();
-        const GW_FILE_SPEC* outline = get_aux_fspec_list(font_files.get(), file);
+        const GW_FILE_SPEC* outline = append_files_of_font(*font_files, place.seen(), file->get_name());
         shrinking = unclaimed.claim(*font_files);
         if (outline != nullptr) {
-            out.append(make_font(outline, std::move(font_files)).release());
+            out.append(make_font(place, outline, std::move(font_files)).release());
         } else {
             gw::delete_elements(*font_files);
         }

@@ -46,7 +46,8 @@ class GW_T1_FSM : public gw::AnsweringModule {
     static const GW_FILE_SPEC* get_aux_fspec_list(GW_FSPEC_LIST* out, const GW_FILE_SPEC* spec);
 
     /// A new font that owns `files`, with its fields read from `outline`; the caller owns the font.
-    std::unique_ptr<GWFont> make_font(const GW_FILE_SPEC* outline, std::unique_ptr<GW_FSPEC_LIST> files);
+    std::unique_ptr<GWFont> make_font(gw::FontPlace& place, const GW_FILE_SPEC* outline,
+                                      std::unique_ptr<GW_FSPEC_LIST> files);
     /// Appends one font for each prefix among `files`, and removes the files of these fonts from `files` (the
     /// specifications still belong to their owner). Kept: a file that is not one of its own font ends the
     /// listing.

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
+#include <set>
 #include <utility>
 #include <vector>
 
@@ -23,6 +24,12 @@
 namespace gw {
 
 namespace {
+
+/// Bitmap fonts have the names that their makers wrote, whatever is in them.
+bool is_one_line(std::string_view font_name) {
+    return std::none_of(font_name.begin(), font_name.end(),
+                        [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7f'; });
+}
 
 bool can_be_read_back(const std::string& file_name, const std::string& line) {
     return file_name.find_first_of(" \n") == std::string::npos && line.find('\n') == line.size() - 1 &&
@@ -64,11 +71,26 @@ bool is_latin1(std::string_view font_name) {
     return font_name.ends_with("-iso8859-1");
 }
 
+/// How the index lists the file with options, as it does the fonts of a collection behind the first one.
+std::vector<std::string> fields_with_options(const std::string& file_name, const GWFont& font) {
+    std::set<std::string> fields;
+    for (const IndexName& name : font.get_index_names()) {
+        if (!name.options.empty()) fields.insert(name.options + file_name);
+        if (name.face != 0) fields.insert(index_field(file_name, name.face));
+    }
+    return {fields.begin(), fields.end()};
+}
+
 /// Removes the lines of the font's file from the index: all of them or one. Returns their number.
 Result<int> strike_out(DirectoryChange& change, const std::string& file_name, const GWFont& font) {
     // Kept: deleting an outline removes one line of several.
-    const bool all = font.get_type() == GWFont::TYPE1_FONT && font_policy().lists_an_outline_once();
-    const int struck = change.strike_out(file_name, all ? std::numeric_limits<int>::max() : 1);
+    const bool all = !font.is_bitmap() && font_policy().lists_an_outline_once();
+    const int most = all ? std::numeric_limits<int>::max() : 1;
+    int struck = change.strike_out(file_name, most);
+    if (all) {
+        for (const std::string& field : fields_with_options(file_name, font))
+            struck += change.strike_out(field, most);
+    }
     if (struck > 0) return struck;
     // Readers take a line that is too long for two, and may find the file's name in the second.
     if (change.font_names(file_name).empty()) return 0;
@@ -118,23 +140,45 @@ Result<std::string> index_line(GWFont& font, const std::string& file_name) {
     return Failure{file_name, Reason::NAME_UNFIT_FOR_INDEX};
 }
 
+Result<IndexLines> index_lines(GWFont& font, const std::string& file_name) {
+    IndexLines found;
+    for (const IndexName& name : font.get_all_names()) {
+        std::string line = index_field(file_name, name.face) + ' ' + name.xlfd + '\n';
+        if (is_one_line(name.xlfd) && can_be_read_back(file_name, line)) {
+            found.lines.push_back(std::move(line));
+        } else {
+            ++found.left_out;
+        }
+    }
+    if (found.lines.empty()) return Failure{file_name, Reason::NAME_UNFIT_FOR_INDEX};
+    return found;
+}
+
 Outcome can_be_indexed(GWFont& font) {
     const GW_FILE_SPEC* first = first_file(font);
     if (first == nullptr) return Failure{font.get_hrn_name(), Reason::NO_FILE};
-    const Result<std::string> line = index_line(font, first->get_name());
-    return line ? done() : Outcome(line.failure());
+    if (font.get_obstacle()) return *font.get_obstacle();
+    const Result<IndexLines> lines = index_lines(font, font.name_in_copy(*first));
+    return lines ? done() : Outcome(lines.failure());
 }
 
 bool is_file_of_another(const char* file_name, GWFont& font, const DirectoryChange& change) {
-    const std::vector<std::string> names = change.font_names(file_name);
-    return !names.empty() && std::none_of(names.begin(), names.end(), [&](const std::string& name) {
-        return ::strcasecmp(name.c_str(), font.get_xlfd_name()) == 0;
+    const std::vector<std::string> listed = change.font_names(file_name);
+    const std::vector<IndexName> own = font.get_all_names();
+    return !listed.empty() && std::none_of(listed.begin(), listed.end(), [&](const std::string& name) {
+        return std::any_of(own.begin(), own.end(), [&](const IndexName& mine) {
+            return ::strcasecmp(name.c_str(), mine.xlfd.c_str()) == 0;
+        });
     });
 }
 
 Outcome enter_in_index(GWFont& font, GW_FPE& fpe, const std::string& file_name) {
-    const Result<std::string> line = index_line(font, file_name);
-    return line ? fpe.get_fontdir_file().enter(line->c_str()) : Outcome(line.failure());
+    const Result<IndexLines> found = index_lines(font, file_name);
+    if (!found) return found.failure();
+    for (const std::string& line : found->lines) {
+        if (Outcome entered = fpe.get_fontdir_file().enter(line.c_str()); !entered) return entered;
+    }
+    return done();
 }
 
 const GW_FILE_SPEC* first_file(const GWFont& font) {
@@ -171,28 +215,42 @@ Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& 
 }
 
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {
-    GW_STRING_LIST names;
-    const ElementsOwner names_owner(names);
-    fpe.get_fontdir_file().get_inst_font_file_names(names);
-
-    GW_STRING_LIST matching;
-    const ElementsOwner matching_owner(matching);
+    const auto index = fpe.get_fontdir_file().contents();
+    std::string name;
     for (const char* pattern : patterns) {
-        GW_REG_EXP suffix(pattern);
-        names.match(matching, &suffix);
+        GW_REG_EXP end(pattern);
+        for (const IndexEntryView& entry : index->entries) {
+            name = entry.file_name;
+            if (end.string_match(name.c_str()) != 0)
+                out.append(
+                    new GW_FILE_SPEC(name.c_str(), fpe.get_element(), FILE_TYPE_UNDETERMINED, EXT_UNKNOWN));
+        }
     }
-    matching.make_file_spec_list(out, fpe.get_element());
+}
+
+std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::string_view)>& takes) {
+    const auto index = fpe.get_fontdir_file().contents();
+    std::vector<ListedFile> files;
+    std::unordered_map<std::string, std::size_t> places;
+    for (const IndexEntryView& entry : index->entries) {
+        const IndexedFile file = indexed_file(entry.file_name);
+        if (!takes(file.name)) continue;
+        const auto [place, is_new] = places.try_emplace(std::string(file.name), files.size());
+        if (is_new) files.push_back({place->first, {}});
+        files[place->second].names.push_back(
+            {file.face, std::string(entry.font_name), std::string(file.options)});
+    }
+    return files;
 }
 
 std::unordered_map<std::string, std::string> font_names_by_file(GW_FPE& fpe) {
-    std::vector<GW_FONTDIR_FILE::Entry> entries;
-    fpe.get_fontdir_file().get_entries(entries);
+    const auto index = fpe.get_fontdir_file().contents();
     std::unordered_map<std::string, std::string> names;
-    for (GW_FONTDIR_FILE::Entry& entry : entries) {
-        const auto [known, is_first] = names.try_emplace(std::move(entry.file_name), entry.font_name);
+    for (const IndexEntryView& entry : index->entries) {
+        const auto [known, is_first] = names.try_emplace(std::string(entry.file_name), entry.font_name);
         const bool fits_better =
             font_policy().lists_an_outline_once() && is_latin1(entry.font_name) && !is_latin1(known->second);
-        if (!is_first && fits_better) known->second = std::move(entry.font_name);
+        if (!is_first && fits_better) known->second = entry.font_name;
     }
     return names;
 }

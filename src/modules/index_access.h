@@ -7,7 +7,9 @@
 #include <functional>
 #include <initializer_list>
 #include <string>
+#include <string_view>
 #include <unordered_map>
+#include <vector>
 
 #include "core/failure.h"
 #include "core/gw_string_list.h"
@@ -22,7 +24,16 @@ namespace gw {
 /// the font before anything is written.
 Result<std::string> index_line(GWFont& font, const std::string& file_name);
 
-/// Whether the font has a file and `index_line` would give a line.
+/// The lines of a font that has several names.
+struct IndexLines {
+    std::vector<std::string> lines;
+    std::size_t left_out = 0;  ///< names whose line a reader could not read back
+};
+/// A line for each name of the font; the lines that a reader could not read back are left out. Fails when
+/// none is left.
+Result<IndexLines> index_lines(GWFont& font, const std::string& file_name);
+
+/// Whether the font has a file and no obstacle, and `index_lines` would give a line.
 Outcome can_be_indexed(GWFont& font);
 
 /// Whether the directory's index, as it will be, lists that file, but never with the name of this font. A
@@ -43,6 +54,13 @@ Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& 
 /// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
 /// grouped by pattern, and in index order within a group.
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns);
+
+/// The files of the element's index for which `takes` is true, each once, in index order, with all its names.
+struct ListedFile {
+    std::string name;
+    std::vector<IndexName> names;
+};
+std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::string_view)>& takes);
 
 /// The font name of each file in the element's index: that of the file's first entry. Where an outline is
 /// listed once, its entry for ISO 8859-1 is preferred, because every locale can draw it.

@@ -7,11 +7,12 @@
 
 #include <initializer_list>
 #include <memory>
-#include <optional>
 #include <utility>
+#include <vector>
 
 #include "core/gw_reg_exp.h"
 #include "core/gw_token_table.h"
+#include "model/font_place.h"
 #include "modules/gw_fsm_base.h"
 
 namespace gw {
@@ -44,15 +45,10 @@ class IndexedModule : public AnsweringModule {
     static int mkdir_and_slink(const char* tmp_dir, const GW_FSPEC_LIST* files);
 
   protected:
-    /// A kind of file that the module accepts only if the font policy takes gzipped bitmaps.
-    struct GzippedForm {
-        Extension extension;
-        const char* suffix;
-    };
-
+    /// `todays_extensions` are accepted only if the font policy takes today's formats.
     IndexedModule(int type, std::initializer_list<Extension> extensions,
                   std::pair<const char*, const char*> suffixes, const char* scratch_dir,
-                  const std::optional<GzippedForm>& gzipped = std::nullopt);
+                  std::initializer_list<Extension> todays_extensions = {});
 
     /// Whether an index entry with this file name is a font of this module.
     [[nodiscard]] virtual bool takes(const char* file_name);
@@ -60,18 +56,21 @@ class IndexedModule : public AnsweringModule {
     [[nodiscard]] virtual std::string visible_name(const GW_FILE_SPEC& spec, const GW_FPE& fpe) const;
 
   private:
+    [[nodiscard]] std::unique_ptr<GWFont> make_font_of(FontPlace& place, const char* file_name) const;
     void append_indexed_fonts(GW_LIST<GWFont>& out, GW_DIR& dir, GW_FONTDIR_FILE& index,
                               const GW_FSPEC_LIST* files);
+    void append_named_fonts(GW_LIST<GWFont>& out, const GW_DIR& dir, GW_FSPEC_LIST& files,
+                            GW_FONTDIR_FILE& index);
     static bool make_scratch_index(const std::string& scratch, const GW_FSPEC_LIST& files);
-    [[nodiscard]] bool takes_gzipped() const;
+    [[nodiscard]] bool takes_todays_forms() const;
 
     GW_TOKEN_TABLE file_names;
-    GW_TOKEN_TABLE file_names_with_gzipped;
+    GW_TOKEN_TABLE all_file_names;  // with today's
+    std::vector<Extension> todays_extensions;
     std::pair<const char*, const char*> suffixes;
     GW_REG_EXP first_suffix;
     GW_REG_EXP second_suffix;
     const char* scratch_dir;
-    std::optional<GzippedForm> gzipped_form;
 };
 
 }  // namespace gw

@@ -8,17 +8,15 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <cstdint>
 #include <utility>
 
 #include "core/directory.h"
+#include "platform/child_process.h"
 #include "platform/host_paths.h"
 
 namespace gw {
@@ -30,8 +28,6 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds SHORTEST_PAUSE(10);  // after which a child seems to hang
 constexpr milliseconds LONGEST_PAUSE(100);
-constexpr milliseconds LAST_MOMENT(100);  // for all children to end after they were killed
-constexpr milliseconds BETWEEN_LOOKS(1);
 
 // --- in the child: only what a process may do between fork and exec ----------
 
@@ -82,30 +78,6 @@ struct Question {
 
 // --- in the parent -----------------------------------------------------------
 
-/// Children that could not be killed at once.
-std::vector<pid_t>& left_behind() {
-    static std::vector<pid_t> children;
-    return children;
-}
-
-/// Collects a child that has ended, or ends before `end`; false when it does not.
-bool is_collected(pid_t child, Clock::time_point end) {
-    const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
-    for (;;) {
-        const pid_t got = ::waitpid(child, nullptr, WNOHANG);
-        if (got == child || (got < 0 && errno == ECHILD)) return true;
-        const auto left = std::chrono::ceil<milliseconds>(end - Clock::now());
-        if (left.count() <= 0) return false;
-        // Without a descriptor of the process this only waits a little.
-        pollfd ends = {process.get(), POLLIN, 0};
-        (void)::poll(&ends, 1, static_cast<int>((process.is_open() ? left : BETWEEN_LOOKS).count()));
-    }
-}
-
-void collect_left_behind() {
-    std::erase_if(left_behind(), [](pid_t child) { return is_collected(child, Clock::now()); });
-}
-
 /// How long a child may be silent before it seems to hang. If all directories but one hang, that one is still
 /// asked within half of the limit, unless they are very many.
 milliseconds pause_for(std::size_t directories, milliseconds limit) {
@@ -131,9 +103,7 @@ class Look {
     ~Look() {
         for (const pid_t child : children_) ::kill(child, SIGKILL);
         const Clock::time_point end = Clock::now() + LAST_MOMENT;
-        for (const pid_t child : children_) {
-            if (!is_collected(child, end)) left_behind().push_back(child);
-        }
+        for (const pid_t child : children_) (void)end_of_killed_child(child, end);
     }
 
     std::vector<std::string> silent() {
@@ -210,7 +180,7 @@ class Look {
 }  // namespace
 
 std::vector<std::string> silent_directories(const std::vector<std::string>& directories, milliseconds limit) {
-    collect_left_behind();
+    collect_killed_children();
     if (directories.empty()) return {};
     return Look(directories, limit).silent();
 }

@@ -2,14 +2,15 @@
 #include "platform/package_owner.h"
 
 #include <sys/stat.h>
-#include <sys/wait.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <utility>
 
 #include "core/rights.h"
+#include "core/text.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
 
@@ -19,16 +20,7 @@ namespace {
 
 constexpr std::size_t LONGEST_COMMAND = 100000;  // bytes; the system allows 128 kB for one argument
 constexpr int NOT_INSTALLED = 127;
-
-std::vector<std::string_view> lines_of(std::string_view text) {
-    std::vector<std::string_view> lines;
-    while (!text.empty()) {
-        const std::size_t length = std::min(text.find('\n'), text.size());
-        lines.push_back(text.substr(0, length));
-        text.remove_prefix(std::min(length + 1, text.size()));
-    }
-    return lines;
-}
+constexpr int FIRST_SIGNAL = 128;  // a command that was ended by a signal has a higher number
 
 /// The path with the links in its directory followed, if it can be one of a package.
 std::optional<std::string> packaged_path(const std::string& path) {
@@ -44,15 +36,32 @@ std::optional<std::string> packaged_path(const std::string& path) {
     return real;
 }
 
-/// What the command writes; nothing when it is not installed. Its status only says that a file is unknown.
-std::optional<std::string> answer_of(const std::string& command) {
+struct Answer {
+    int status = 0;  ///< as a shell has it
+    std::string text;
+    /// Whether the command was ended from outside, before it could say everything.
+    [[nodiscard]] bool is_cut_off() const { return status > FIRST_SIGNAL; }
+};
+
+/// What the tool says about the files that these arguments name.
+Result<Answer> answer_of(const std::string& tool, const std::string& arguments) {
     const UnnamedScratchFile output;
-    if (output.path().empty()) return "";
-    const int status =
-        run_shell_text("LC_ALL=C " + command + " > " + output.path() + " 2> /dev/null", LONG_WORK);
-    if (WIFEXITED(status) && WEXITSTATUS(status) == NOT_INSTALLED) return std::nullopt;
-    const Result<std::string> answer = output.read();
-    return answer ? *answer : "";
+    if (output.path().empty()) return Failure::of_system(tool, ENOMEM);
+    const Result<int> status =
+        run_shell_text("LC_ALL=C " + tool + arguments + " > " + output.path() + " 2> /dev/null", MOMENTS);
+    Failure failure{.subject = tool};
+    if (!status) {
+        failure.reason = status.failure().reason;
+        failure.error = status.failure().error;
+        return failure;
+    }
+    Result<std::string> text = output.read();
+    if (!text) return text.failure();
+    return Answer{*status, std::move(*text)};
+}
+
+Failure failure_of(const std::string& tool, const Answer& answer) {
+    return {.subject = tool, .reason = Reason::COMMAND_FAILED, .detail = std::to_string(answer.status)};
 }
 
 /// Calls `ask(arguments, paths)` for as many of the paths at a time as fit into a command, until it returns
@@ -74,40 +83,78 @@ void in_commands(const std::vector<std::string>& paths, Quote quote, Ask ask) {
     if (!some.empty()) ask(arguments, some);
 }
 
-/// False when there is no dpkg.
-bool ask_dpkg(const std::vector<std::string>& paths, PackageOwners& owners) {
+/// What was found out so far: whether the tool is there, or why it does not answer.
+struct Asked {
     bool is_there = true;
+    Outcome outcome = {};
+    PackageOwners owners = {};
+
+    bool fails(const Failure& failure) {
+        outcome = failure;
+        return false;
+    }
+};
+
+Asked ask_dpkg(const std::vector<std::string>& paths) {
+    Asked asked;
     in_commands(paths, dpkg_pattern, [&](const std::string& arguments, const std::vector<std::string>&) {
-        const std::optional<std::string> answer = answer_of("dpkg-query -S --" + arguments);
-        is_there = answer.has_value();
-        if (is_there) owners.merge(parse_dpkg_answer(*answer));
-        return is_there;
+        static const std::string tool = "dpkg-query -S";
+        const Result<Answer> answer = answer_of(tool, " --" + arguments);
+        if (!answer) return asked.fails(answer.failure());
+        // Its other numbers say that a file is in no package, or that there are no packages.
+        if (answer->is_cut_off()) return asked.fails(failure_of(tool, *answer));
+        asked.is_there = answer->status != NOT_INSTALLED;
+        if (asked.is_there) asked.owners.merge(parse_dpkg_answer(answer->text));
+        return asked.is_there;
     });
-    return is_there;
+    return asked;
 }
 
-void ask_rpm(const std::vector<std::string>& paths, PackageOwners& owners) {
-    const auto as_it_is = [](const std::string& path) { return path; };
-    in_commands(paths, as_it_is, [&](const std::string& arguments, const std::vector<std::string>& some) {
-        static const std::string command = "rpm -qf --qf '%{NAME}\\n' --";
-        const std::optional<std::string> answer = answer_of(command + arguments);
-        if (!answer) return false;
-        PackageOwners found = parse_rpm_answer(*answer, some);
-        // Files of several packages make more lines than there are files.
-        if (found.empty() && some.size() > 1) {
-            for (const std::string& path : some) {
-                const std::optional<std::string> alone = answer_of(command + ' ' + shell_quoted(path));
-                if (alone) found.merge(parse_rpm_answer(*alone, {path}));
-            }
-        }
-        owners.merge(found);
+/// The answer of rpm. Its number counts the files that are in no package, and it says so of each.
+Result<Answer> answer_of_rpm(const std::string& arguments) {
+    static const std::string tool = "rpm -qf";
+    Result<Answer> answer = answer_of(tool, " --qf '%{NAME}\\n' --" + arguments);
+    if (answer && answer->text.empty() && answer->is_cut_off()) return failure_of(tool, *answer);
+    return answer;
+}
+
+using Paths = std::vector<std::string>;
+
+/// Asks rpm about these paths, and false when there is nothing more to ask. Files of several packages make
+/// more lines than there are files: then each half is asked by itself.
+bool ask_rpm_about(const Paths& some, Asked& asked) {
+    std::string arguments;
+    for (const std::string& path : some) arguments += ' ' + shell_quoted(path);
+    const Result<Answer> answer = answer_of_rpm(arguments);
+    if (!answer) return asked.fails(answer.failure());
+    asked.is_there = answer->status != NOT_INSTALLED || !answer->text.empty();
+    if (!asked.is_there) return false;
+    if (some.size() == 1 || lines_of(answer->text).size() == some.size()) {
+        asked.owners.merge(parse_rpm_answer(answer->text, some));
         return true;
-    });
+    }
+    const auto middle = some.begin() + static_cast<std::ptrdiff_t>(some.size() / 2);
+    return ask_rpm_about(Paths(some.begin(), middle), asked) &&
+           ask_rpm_about(Paths(middle, some.end()), asked);
 }
 
-PackageOwners& known() {
-    static PackageOwners owners;
-    return owners;
+Asked ask_rpm(const Paths& paths) {
+    Asked asked;
+    const auto as_it_is = [](const std::string& path) { return path; };
+    in_commands(paths, as_it_is,
+                [&](const std::string&, const Paths& some) { return ask_rpm_about(some, asked); });
+    return asked;
+}
+
+/// What is known in one action.
+struct Memory {
+    PackageOwners owners;  // "" for a file of no package
+    Outcome outcome;
+};
+
+Memory& memory() {
+    static Memory known;
+    return known;
 }
 
 }  // namespace
@@ -149,7 +196,7 @@ PackageOwners parse_rpm_answer(std::string_view answer, const std::vector<std::s
     return owners;
 }
 
-PackageOwners ask_package_owners(const std::vector<std::string>& paths) {
+Result<PackageOwners> ask_package_owners(const std::vector<std::string>& paths) {
     std::multimap<std::string, std::string> asked;  // by the real path
     std::vector<std::string> real_paths;
     for (const std::string& path : paths) {
@@ -158,31 +205,57 @@ PackageOwners ask_package_owners(const std::vector<std::string>& paths) {
         if (!asked.contains(*real)) real_paths.push_back(*real);
         asked.emplace(std::move(*real), path);
     }
-    PackageOwners by_real_path;
-    if (!real_paths.empty() && !ask_dpkg(real_paths, by_real_path)) ask_rpm(real_paths, by_real_path);
+    Asked answer = ask_dpkg(real_paths);
+    if (!answer.is_there) answer = ask_rpm(real_paths);
+    if (!answer.outcome) return answer.outcome.failure();
     PackageOwners owners;
-    for (const auto& [real, owner] : by_real_path) {
+    for (const auto& [real, owner] : answer.owners) {
         const auto [first, last] = asked.equal_range(real);
         for (auto path = first; path != last; ++path) owners.emplace(path->second, owner);
     }
     return owners;
 }
 
-PackageOwners package_owners(const std::vector<std::string>& paths) {
+Result<PackageOwners> package_owners(const std::vector<std::string>& paths) {
+    Memory& known = memory();
     std::vector<std::string> unknown;
     for (const std::string& path : paths) {
-        if (known().emplace(path, "").second) unknown.push_back(path);
+        if (!known.owners.contains(path)) unknown.push_back(path);
     }
-    for (auto& [path, owner] : ask_package_owners(unknown)) known()[path] = owner;
+    if (!unknown.empty()) {
+        if (!known.outcome) return known.outcome.failure();
+        const Result<PackageOwners> found = ask_package_owners(unknown);
+        if (!found) {
+            known.outcome = found.failure();
+            return found.failure();
+        }
+        for (const std::string& path : unknown)
+            known.owners[path] = found->contains(path) ? found->at(path) : "";
+    }
     PackageOwners owners;
     for (const std::string& path : paths) {
-        if (const std::string& owner = known()[path]; !owner.empty()) owners.emplace(path, owner);
+        if (const std::string& owner = known.owners[path]; !owner.empty()) owners.emplace(path, owner);
     }
     return owners;
 }
 
 void forget_package_owners() {
-    known().clear();
+    memory() = {};
+}
+
+std::set<std::string> installed_packages(const std::vector<std::string>& packages) {
+    if (packages.empty()) return {};  // else all are listed
+    static constexpr std::string_view INSTALLED = " installed";
+    static const std::string tool = "dpkg-query -W";
+    std::string arguments = " -f '${Package} ${db:Status-Status}\\n' --";
+    for (const std::string& package : packages) arguments += ' ' + shell_quoted(package);
+    std::set<std::string> installed;
+    const Result<Answer> answer = answer_of(tool, arguments);
+    if (!answer) return installed;
+    for (const std::string_view line : lines_of(answer->text)) {
+        if (line.ends_with(INSTALLED)) installed.emplace(line.substr(0, line.find(' ')));
+    }
+    return installed;
 }
 
 }  // namespace gw

@@ -5,9 +5,12 @@
 #pragma once
 
 #include <map>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "core/failure.h"
 
 namespace gw {
 
@@ -15,15 +18,19 @@ namespace gw {
 using PackageOwners = std::map<std::string, std::string>;
 
 /// Asks the package manager about all files in one call, by the path to which the links on the way to each
-/// lead.
-/// A file that does not belong to the superuser is in no package, and is not asked about. A shared file has
-/// several names of packages, separated by ", ". Takes a third of a second.
-PackageOwners ask_package_owners(const std::vector<std::string>& paths);
+/// lead. A file that does not belong to the superuser is in no package, and is not asked about. A shared file
+/// has several names of packages, separated by ", ". Takes a third of a second. Fails when the package
+/// manager does not answer: then the files may be in packages.
+Result<PackageOwners> ask_package_owners(const std::vector<std::string>& paths);
 
 /// The same from memory, for the files of one action: `ask_package_owners` about those that were not asked
-/// about since the last `forget_package_owners`.
-PackageOwners package_owners(const std::vector<std::string>& paths);
+/// about since the last `forget_package_owners`. After a failure nothing is asked until then.
+Result<PackageOwners> package_owners(const std::vector<std::string>& paths);
 void forget_package_owners();
+
+/// Those of the packages that are installed here, as `dpkg-query -W` says in one call; none where there is no
+/// dpkg, or where it does not answer.
+[[nodiscard]] std::set<std::string> installed_packages(const std::vector<std::string>& packages);
 
 /// The pattern of `dpkg-query -S` that means exactly this path.
 [[nodiscard]] std::string dpkg_pattern(std::string_view path);

@@ -4,7 +4,6 @@
 // killed.
 #include "platform/scratch.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/mman.h>
@@ -31,23 +30,6 @@ constexpr std::string_view PRIVATE_PREFIX = "glyphward-";
 constexpr mode_t PRIVATE_MODE = 0711;  // the X server reads below it
 constexpr time_t OLD_ENOUGH = 60;      // seconds; a younger directory may not have been locked yet
 constexpr int LEVELS_BELOW_PRIVATE = 1;
-
-struct DirCloser {
-    void operator()(DIR* dir) const { ::closedir(dir); }
-};
-using OpenDir = std::unique_ptr<DIR, DirCloser>;
-
-std::vector<std::string> names_in(int dir) {
-    std::vector<std::string> names;
-    const int copy = ::openat(dir, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    const OpenDir open(copy < 0 ? nullptr : ::fdopendir(copy));
-    if (!open) return names;
-    while (const dirent* entry = ::readdir(open.get())) {
-        const std::string_view name = entry->d_name;
-        if (name != "." && name != "..") names.emplace_back(name);
-    }
-    return names;
-}
 
 /// Removes what is in the directory; in directories in it too, down to `levels`.
 void clear(int dir, int levels) {
@@ -187,7 +169,10 @@ class Space {
         std::string path = SCRATCH_PRIVATE;
         if (::mkdtemp(path.data()) == nullptr) return;
         Descriptor fd;
-        if (lock_dir(path, fd) != Lock::TAKEN || ::fchmod(fd.get(), PRIVATE_MODE) != 0) return;
+        if (lock_dir(path, fd) != Lock::TAKEN || ::fchmod(fd.get(), PRIVATE_MODE) != 0) {
+            ::rmdir(path.c_str());  // only an empty directory goes
+            return;
+        }
         private_ = std::make_unique<HeldDir>(path, std::move(fd));
     }
 
@@ -218,6 +203,20 @@ bool is_old_dir_of_ours(const std::string& path) {
     struct stat info = {};
     return ::lstat(path.c_str(), &info) == 0 && S_ISDIR(info.st_mode) && info.st_uid == ::geteuid() &&
            info.st_mtim.tv_sec + OLD_ENOUGH < ::time(nullptr);
+}
+
+void remove_left_scratch_in(const char* root, std::vector<std::string>& removed) {
+    const Descriptor dir(::open(root, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!dir.is_open()) return;
+    for (const std::string& name : names_in(dir.get())) {
+        const std::string path = std::string(root) + '/' + name;
+        Descriptor left;
+        if (!is_private_name(name) || !is_old_dir_of_ours(path) || lock_dir(path, left) != Lock::TAKEN)
+            continue;
+        const HeldDir left_dir(path, std::move(left));
+        left_dir.remove(LEVELS_BELOW_PRIVATE);
+        if (!left_dir.is_there()) removed.push_back(path + '/');
+    }
 }
 
 }  // namespace
@@ -265,17 +264,7 @@ void remove_scratch() {
 
 std::vector<std::string> remove_left_scratch() {
     std::vector<std::string> removed;
-    const Descriptor root(::open(SCRATCH_ROOT, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!root.is_open()) return removed;
-    for (const std::string& name : names_in(root.get())) {
-        const std::string path = std::string(SCRATCH_ROOT) + '/' + name;
-        Descriptor left;
-        if (!is_private_name(name) || !is_old_dir_of_ours(path) || lock_dir(path, left) != Lock::TAKEN)
-            continue;
-        const HeldDir dir(path, std::move(left));
-        dir.remove(LEVELS_BELOW_PRIVATE);
-        if (!dir.is_there()) removed.push_back(path + '/');
-    }
+    for (const char* root : {SCRATCH_ROOT, SCRATCH_MEMORY_ROOT}) remove_left_scratch_in(root, removed);
     return removed;
 }
 
@@ -303,6 +292,25 @@ Result<std::string> UnnamedScratchFile::read() const {
     if (fd_ < 0 || ::lseek(fd_, 0, SEEK_SET) != 0)
         return Failure::of_system("memory", fd_ < 0 ? ENOMEM : errno);
     return read_open_file(fd_, "memory");
+}
+
+ShortLivedDirectory::ShortLivedDirectory(Medium medium) {
+    if (medium != Medium::MEMORY || !make(SCRATCH_IN_MEMORY)) make(SCRATCH_PRIVATE);
+}
+
+bool ShortLivedDirectory::make(const char* pattern) {
+    path_ = pattern;
+    if (::mkdtemp(path_.data()) == nullptr) {
+        path_.clear();
+        return false;
+    }
+    // The lock tells other runs that it is in use, however long the work takes.
+    lock_dir(path_, lock_);
+    return true;
+}
+
+ShortLivedDirectory::~ShortLivedDirectory() {
+    if (lock_.is_open()) HeldDir(path_, std::move(lock_)).remove(LEVELS_BELOW_PRIVATE);
 }
 
 std::string UnnamedScratchFile::path() const {

@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "core/directory.h"
 #include "core/failure.h"
 
 namespace gw {
@@ -60,6 +61,30 @@ class UnnamedScratchFile {
 
   private:
     int fd_;
+};
+
+/// A new directory that only this user can enter, for a short time: it goes, with all files in it and in the
+/// directories in it, at the end of the object. Of a run that is killed meanwhile, the next start removes it.
+class ShortLivedDirectory {
+  public:
+    /// What it is made on; for many small entries that no program of the user's will see, in memory, if the
+    /// system has a place for that.
+    enum class Medium { DISK, MEMORY };
+
+    explicit ShortLivedDirectory(Medium medium = Medium::DISK);
+    ~ShortLivedDirectory();
+    ShortLivedDirectory(const ShortLivedDirectory&) = delete;
+    ShortLivedDirectory& operator=(const ShortLivedDirectory&) = delete;
+
+    /// Without a slash at its end; empty when no directory could be made (see `errno` after the
+    /// construction).
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+  private:
+    bool make(const char* pattern);
+
+    std::string path_;
+    Descriptor lock_;
 };
 
 }  // namespace gw

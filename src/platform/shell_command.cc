@@ -2,9 +2,7 @@
 #include "platform/shell_command.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <spawn.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,10 +10,11 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
-#include <thread>
+#include <optional>
 
-#include "core/directory.h"
+#include "core/long_work.h"
 #include "core/text.h"
+#include "platform/child_process.h"
 
 namespace gw {
 
@@ -45,7 +44,6 @@ bool names_dir(std::string_view path, std::string_view dir) {
 using Clock = std::chrono::steady_clock;
 
 constexpr int FIRST_SIGNAL = 128;  // a shell's own number for a command that was ended by a signal
-constexpr std::chrono::milliseconds BETWEEN_LOOKS(5);
 
 std::chrono::milliseconds patience = LONG_WORK;
 
@@ -79,34 +77,15 @@ int start_shell(const std::string& text, pid_t& child) {
     return error;
 }
 
-/// Waits until the process has ended or may have: where the system cannot wait for a process with a time
-/// limit, this only sleeps a little.
-void wait_a_while(const Descriptor& process, std::chrono::milliseconds longest) {
-    if (!process.is_open()) return std::this_thread::sleep_for(std::min(longest, BETWEEN_LOOKS));
-    pollfd end = {process.get(), POLLIN, 0};
-    (void)::poll(&end, 1, static_cast<int>(longest.count()));
-}
-
+/// A command that cannot be killed at once is left behind.
 Ended wait_for(pid_t child, std::chrono::milliseconds limit) {
-    const Descriptor process(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
-    const Clock::time_point end = Clock::now() + limit;
-    Ended ended;
-    for (;;) {
-        const pid_t got = ::waitpid(child, &ended.status, ended.was_killed ? 0 : WNOHANG);
-        if (got == child) return ended;
-        if (got < 0 && errno != EINTR) return {-1, ended.was_killed};
-        if (ended.was_killed) continue;
-        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
-        if (left.count() > 0) {
-            wait_a_while(process, left);
-        } else {
-            ::kill(-child, SIGKILL);
-            ended.was_killed = true;
-        }
-    }
+    if (const std::optional<int> status = end_of_child(child, Clock::now() + limit)) return {*status, false};
+    ::kill(-child, SIGKILL);
+    return {end_of_killed_child(child, Clock::now() + LAST_MOMENT).value_or(SIGKILL), true};
 }
 
 Ended run_text(const std::string& text, std::chrono::milliseconds limit) {
+    collect_killed_children();
     pid_t child = 0;
     if (const int error = start_shell(text, child); error != 0) {
         errno = error;
@@ -156,20 +135,21 @@ int run_shell(std::string_view format, std::initializer_list<std::string_view> a
     return run_text(shell_text(format, arguments), limit).status;
 }
 
-int run_shell_text(const std::string& text, std::chrono::milliseconds limit) {
-    return run_text(text, limit).status;
+Result<int> run_shell_text(const std::string& text, std::chrono::milliseconds limit) {
+    const Ended ended = run_text(text, limit);
+    if (ended.status == -1) return Failure::of_system(text, errno);
+    if (ended.was_killed)
+        return Failure{.subject = text, .reason = is_given_up() ? Reason::GIVEN_UP : Reason::NO_ANSWER};
+    return WIFEXITED(ended.status) ? WEXITSTATUS(ended.status) : FIRST_SIGNAL + WTERMSIG(ended.status);
 }
 
 Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
                     std::chrono::milliseconds limit) {
     const std::string text = shell_text(format, arguments);
-    const Ended ended = run_text(text, limit);
-    if (ended.status == -1) return Failure::of_system(text, errno);
-    if (ended.was_killed) return Failure{.subject = text, .reason = Reason::NO_ANSWER};
-    if (ended.status == 0) return done();
-    const int number =
-        WIFEXITED(ended.status) ? WEXITSTATUS(ended.status) : FIRST_SIGNAL + WTERMSIG(ended.status);
-    return Failure{.subject = text, .reason = Reason::COMMAND_FAILED, .detail = std::to_string(number)};
+    const Result<int> number = run_shell_text(text, limit);
+    if (!number) return number.failure();
+    if (*number == 0) return done();
+    return Failure{.subject = text, .reason = Reason::COMMAND_FAILED, .detail = std::to_string(*number)};
 }
 
 void set_command_patience(std::chrono::milliseconds longest) {

@@ -33,16 +33,16 @@ inline constexpr std::chrono::seconds LONG_WORK(120);
 
 /// Runs `shell_text(format, arguments)` through the shell, with nothing on standard input. Returns -1 when no
 /// shell could be started (see `errno`), else the wait status of the command. A command that does not end
-/// within `limit` is killed with all that it has started.
+/// within `limit` is killed with all that it has started; nobody waits for one that is slow to die.
 int run_shell(std::string_view format, std::initializer_list<std::string_view> arguments = {},
               std::chrono::milliseconds limit = MOMENTS);
 
-/// The same for a text that is a whole command already, with its arguments quoted.
-int run_shell_text(const std::string& text, std::chrono::milliseconds limit);
+/// The same for a text that is a whole command already, with its arguments quoted. Returns the number with
+/// which it ended, as a shell has it; fails, with the command as its subject, when no shell could be started,
+/// and when the command had to be killed (`Reason::NO_ANSWER`).
+Result<int> run_shell_text(const std::string& text, std::chrono::milliseconds limit);
 
-/// The same. Fails, with the command as its subject, when no shell could be started, when the command had to
-/// be killed
-/// (`Reason::NO_ANSWER`), and when its status is not 0 (`Reason::COMMAND_FAILED`).
+/// The same with a failure instead of the number, which is another one than 0 (`Reason::COMMAND_FAILED`).
 Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
                     std::chrono::milliseconds limit);
 

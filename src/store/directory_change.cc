@@ -10,13 +10,18 @@
 #include <utility>
 
 #include "core/file_calls.h"
+#include "core/font_policy.h"
+#include "core/long_work.h"
 #include "core/rights.h"
 #include "fontfiles/index_text.h"
+#include "fontfiles/scalable_index.h"
 #include "platform/host_paths.h"
 #include "store/index_file.h"
 #include "store/joint_change.h"
 #include "store/leftovers.h"
 #include "store/take_back.h"
+#include "store/trash_bin.h"
+#include "store/trash_policy.h"
 
 namespace gw {
 
@@ -24,28 +29,27 @@ namespace {
 
 constexpr mode_t ANYBODY_BEFORE_UMASK = 0777;
 constexpr int MOST_ATTEMPTS = 5;
-constexpr mode_t PERMISSIONS = 07777;
 
 const std::string INDEX(FONT_INDEX_NAME);
+const std::string SCALABLE(SCALABLE_INDEX_NAME);
 
 /// Whether a change has left anything behind that did not come to its end.
-bool has_left_overs(const Directory& own) {
+bool has_unfinished_change(const Directory& own) {
     std::error_code unreadable;
     return own.has(OwnDirectory::JOURNAL) || !final_names(own).empty() ||
            !std::filesystem::is_empty(own.path_of("new"), unreadable) ||
            !std::filesystem::is_empty(own.path_of("old"), unreadable);
 }
 
-/// Whether the file is still the one that was looked at.
-bool is_unchanged(const struct stat& a, const struct stat& b) {
-    return a.st_ino == b.st_ino && a.st_size == b.st_size && a.st_mtim.tv_sec == b.st_mtim.tv_sec &&
-           a.st_mtim.tv_nsec == b.st_mtim.tv_nsec;
-}
-
 }  // namespace
 
 DirectoryChange::DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own)
-    : dir_(std::move(dir)), own_(std::move(own)) {}
+    : dir_(std::move(dir)), own_(std::move(own)), keeps_(keeps_what_is_taken_out()) {}
+
+Failure DirectoryChange::about(std::string path, Failure failure) {
+    failure.subject = std::move(path);
+    return failure;
+}
 
 DirectoryChange::~DirectoryChange() {
     abandon();
@@ -63,6 +67,7 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, b
     if (own) {
         if (Outcome recovered = recover(dir, **own); !recovered) return recovered.failure();
         finish_joint_changes(**own);
+        if (const auto bin = TrashBin::find(dir, (*own)->dir())) bin->sweep();
         change.reset(new DirectoryChange(std::move(dir), std::move(*own)));
     } else {
         // Where there never was a change, nobody else can be in the middle of one.
@@ -78,37 +83,6 @@ Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, b
     return change;
 }
 
-Result<std::string> DirectoryChange::look_at_index() {
-    has_index_ = dir_.look_at(INDEX, index_info_);
-    if (!has_index_ && errno == ENOENT) return std::string();
-    if (!has_index_) return Failure::of_system(dir_.path_of(INDEX), errno);
-    const bool is_link = S_ISLNK(index_info_.st_mode);
-    // A file in its place would have another owner.
-    const bool is_anothers = !runs_as_superuser() && index_info_.st_uid != ::geteuid();
-    overwrites_index_ = is_link || index_info_.st_nlink != 1 || is_anothers;
-    return read_index(dir_, content_info_);
-}
-
-Outcome DirectoryChange::load_index() {
-    Result<std::string> bytes = look_at_index();
-    if (!bytes) return bytes.failure();
-    edit_ = std::make_unique<IndexEdit>(std::move(*bytes));
-    return done();
-}
-
-/// Without a register, or with one that cannot be relied on, a new one begins.
-void DirectoryChange::load_our_lines() {
-    if (!own_) return;
-    if (const Result<std::string> text = own_->read(OwnDirectory::LINES); text)
-        our_lines_ = LineRegister::parse(*text);
-}
-
-/// Puts back what other programs have dropped of our lines.
-void DirectoryChange::put_lost_lines_back() {
-    if (own_ && has_index_) our_lines_.put_back(*edit_, dir_);
-    beginning_ = mark();
-}
-
 /// What stands in the journal behind this is not done. If it cannot be cut off, the change can only be taken
 /// back.
 Outcome DirectoryChange::cut_journal(off_t size) {
@@ -118,15 +92,20 @@ Outcome DirectoryChange::cut_journal(off_t size) {
 }
 
 Outcome DirectoryChange::note(const std::vector<journal::Record>& records) {
+    return with_room([&] { return note_once(records); });
+}
+
+Outcome DirectoryChange::note_once(const std::vector<journal::Record>& records) {
     if (broken_) return *broken_;
-    std::string lines;
     if (!journal_.is_open()) {
-        Result<Descriptor> file = own_->create(own_->dir(), OwnDirectory::JOURNAL);
-        if (!file) return Failure::of_system(dir_.path(), file.failure().error);
+        Result<Descriptor> file = own_->create(own_->dir(), OwnDirectory::JOURNAL, dir_.path());
+        if (!file) return file.failure();
         journal_ = std::move(*file);
-        lines = journal::HEADING;
     }
     const off_t end = ::lseek(journal_.get(), 0, SEEK_END);
+    if (end < 0) return Failure::of_system(dir_.path(), errno);
+    // It is also empty when all that it said was taken back.
+    std::string lines(end == 0 ? journal::HEADING : std::string_view());
     for (const journal::Record& record : records) lines += line_of(record);
     // Nobody would take back what a longer one says.
     if (end + static_cast<off_t>(lines.size()) > journal::MOST_BYTES)
@@ -144,34 +123,19 @@ Outcome DirectoryChange::note(const std::vector<journal::Record>& records) {
     return done();
 }
 
-/// An index that may not be written is not replaced either.
-Outcome DirectoryChange::may_write_index() const {
-    if (!has_index_ || ::faccessat(dir_.fd(), INDEX.c_str(), W_OK, AT_EACCESS) == 0) return done();
-    // Another program has removed it meanwhile; the new one takes its place.
-    if (errno == ENOENT) return done();
-    return Failure::of_system(dir_.path_of(INDEX), errno);
-}
-
-Outcome DirectoryChange::make_index() {
-    if (has_index_) return may_write_index();
-    if (!own_) return *broken_;
-    Result<Descriptor> fd = own_->create(own_->made(), INDEX);
-    if (!fd) return Failure::of_system(dir_.path_of(INDEX), fd.failure().error);
-    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
-    file.write("0\n");
-    if (Outcome finished = file.finish(); !finished) return finished;
-    if (file_calls().rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) != 0)
-        return Failure::of_system(dir_.path_of(INDEX), errno);
-    return load_index();
+/// Whether nothing comes, but for lines that were put back.
+bool DirectoryChange::only_deletes() const {
+    return records_.empty() && !whole_ && !edit_->enters_behind(beginning_.edits);
 }
 
 Outcome DirectoryChange::make_metrics_dir() {
     const std::string name(journal::METRICS);
     if (dir_.has(name)) return done();
     if (Outcome noted = note({journal::MadeDir{name}}); !noted) return noted;
-    if (file_calls().make_dir(dir_.fd(), name.c_str(), ANYBODY_BEFORE_UMASK) != 0)
-        return Failure::of_system(dir_.path_of(name), errno);
-    return done();
+    return with_room([&] {
+        const bool is_made = file_calls().make_dir(dir_.fd(), name.c_str(), ANYBODY_BEFORE_UMASK) == 0;
+        return is_made ? done() : Outcome(Failure::of_system(dir_.path_of(name), errno));
+    });
 }
 
 Outcome DirectoryChange::may_be_replaced(const std::string& name) const {
@@ -187,13 +151,16 @@ Outcome DirectoryChange::may_be_replaced(const std::string& name) const {
 
 Result<DirectoryChange::StagedFile> DirectoryChange::stage(const std::string& name) {
     const std::string path = dir_.path_of(name);
-    if (!own_) return *broken_;
+    if (!own_) return about(path, *broken_);
     if (!journal::can_name(name)) return Failure{path, Reason::NAME_UNFIT_FOR_INDEX};
     if (Outcome allowed = may_be_replaced(name); !allowed) return allowed.failure();
+    staged_.insert(next_number_);
     const std::string number = std::to_string(next_number_++);
-    Result<Descriptor> fd = own_->create(own_->made(), number);
-    if (!fd) return Failure::of_system(path, fd.failure().error);
+    Result<Descriptor> fd = with_room([&] { return own_->create(own_->made(), number, path); });
+    if (!fd) return fd.failure();
+    if (name == SCALABLE) own_->lend_to_group(fd->get());
     StagedFile file(std::move(*fd), path, name, number);
+    file.set_room_maker([this] { return give_way(); });
     struct stat old = {};
     const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
     if (place && place->dir().look_at(place->name(), old)) file.set_owner({old.st_uid, old.st_gid});
@@ -209,25 +176,42 @@ bool DirectoryChange::changes_a_file(const StagedFile& file) const {
 }
 
 Outcome DirectoryChange::put(const StagedFile& file) {
-    const Result<PlaceBelow> place = PlaceBelow::of(dir_, file.name());
+    return put_if(file, [] { return true; });
+}
+
+/// Fails with EAGAIN when `still` says, at the last moment, that the file is not to be replaced.
+Outcome DirectoryChange::put_if(const StagedFile& file, const std::function<bool()>& still) {
+    const journal::Put record = {FileIdentity::of(file.info()), file.name()};
+    Outcome moved = move_in(own_->made(), file.number_, file.name(), record, still);
+    if (moved) staged_.erase(static_cast<unsigned>(std::stoul(file.number_)));
+    return moved;
+}
+
+/// A file comes from one of our directories, under this name. There is no moment without a file of the name,
+/// if there was one.
+Outcome DirectoryChange::move_in(const Directory& from, const std::string& from_name, const std::string& name,
+                                 const journal::Record& record, const std::function<bool()>& still) {
+    const std::string path = dir_.path_of(name);
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
     if (!place) return place.failure();
     const bool replaces = place->dir().has(place->name());
     std::vector<journal::Record> records;
     const unsigned number = next_number_++;
-    if (replaces) records.emplace_back(journal::Out{number, file.name()});
-    records.emplace_back(journal::Put{FileIdentity::of(file.info()), file.name()});
+    if (replaces) records.emplace_back(journal::Out{number, name});
+    records.push_back(record);
     if (Outcome noted = note(records); !noted) return noted;
+    if (!still()) return Failure::of_system(path, EAGAIN);
     const std::string aside = std::to_string(number);
     const FileCalls& calls = file_calls();
     const int old_place = place->dir().fd();
     if (replaces &&
         calls.link(old_place, place->name().c_str(), own_->set_aside().fd(), aside.c_str()) != 0 &&
         calls.rename(old_place, place->name().c_str(), own_->set_aside().fd(), aside.c_str()) != 0) {
-        return Failure::of_system(file.path(), errno);
+        return Failure::of_system(path, errno);
     }
-    if (calls.rename(own_->made().fd(), file.number_.c_str(), old_place, place->name().c_str()) != 0)
-        return Failure::of_system(file.path(), errno);
-    for (auto [found, end] = places_of_leaving_.equal_range(file.name()); found != end; ++found) {
+    if (calls.rename(from.fd(), from_name.c_str(), old_place, place->name().c_str()) != 0)
+        return Failure::of_system(path, errno);
+    for (auto [found, end] = places_of_leaving_.equal_range(name); found != end; ++found) {
         if (std::exchange(leaving_[found->second].stays, true)) continue;
         staying_.push_back(found->second);
     }
@@ -267,7 +251,8 @@ std::vector<std::string> DirectoryChange::font_names(const std::string& file_nam
 }
 
 DirectoryChange::Mark DirectoryChange::mark() const {
-    return {records_.size(), edit_->edits(), leaving_.size(), staying_.size(), afterwards_.size()};
+    return {records_.size(), next_number_,       edit_->edits(),        leaving_.size(),
+            staying_.size(), afterwards_.size(), scalable_lines_.size()};
 }
 
 void DirectoryChange::take_back_all() {
@@ -283,10 +268,19 @@ void DirectoryChange::forget_leaving(std::size_t leaving, std::size_t staying) {
     }
 }
 
+/// Files that were begun and have no name go at once: where the disk is full, the next font needs their room.
+void DirectoryChange::drop_staged(unsigned first) {
+    for (auto number = staged_.lower_bound(first); number != staged_.end(); number = staged_.erase(number)) {
+        if (own_) (void)file_calls().unlink(own_->made().fd(), std::to_string(*number).c_str(), 0);
+    }
+}
+
 void DirectoryChange::take_back_to(const Mark& mark) {
     edit_->take_back_to(mark.edits);
     forget_leaving(mark.leaving, mark.staying);
     afterwards_.resize(mark.afterwards);
+    scalable_lines_.resize(mark.scalable_lines);
+    drop_staged(mark.next_number);
     if (records_.size() <= mark.records) return;
     const auto first = records_.begin() + static_cast<std::ptrdiff_t>(mark.records);
     // What cannot be taken back stays in the journal, for the next time.
@@ -299,148 +293,18 @@ void DirectoryChange::take_back_to(const Mark& mark) {
     offsets_.resize(mark.records);
 }
 
-/// Makes the register of our lines as it is to be.
-Result<journal::Register> DirectoryChange::prepare_register() {
-    our_lines_.follow(lines_, differences_, dir_);
-    Result<Descriptor> fd = own_->create(own_->made(), OwnDirectory::LINES);
-    if (!fd) return fd.failure();
-    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
-    file.set_owner({runs_as_superuser() ? dir_.info().st_uid : ::geteuid(), dir_.info().st_gid});
-    file.write(our_lines_.text());
-    if (Outcome finished = file.finish(); !finished) return finished.failure();
-    return journal::Register{FileIdentity::of(file.info()), own_->dir().has(OwnDirectory::LINES)};
+Outcome DirectoryChange::set_aside(const std::string& name, unsigned number) const {
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
+    if (!place) return about(dir_.path_of(name), place.failure());
+    const int error = place->rename_to(own_->set_aside(), std::to_string(number));
+    return error == 0 ? done() : Outcome(Failure::of_system(dir_.path_of(name), error));
 }
 
-/// The old register is kept for taking it back, and the new one takes its place.
-Outcome DirectoryChange::put_register_in_place() {
-    constexpr const char* LINES = OwnDirectory::LINES;
-    const FileCalls& calls = file_calls();
-    const int own = own_->dir().fd();
-    if (calls.rename(own, LINES, own_->set_aside().fd(), LINES) != 0 && errno != ENOENT)
-        return Failure::of_system(dir_.path_of(INDEX), errno);
-    if (calls.rename(own_->made().fd(), LINES, own, LINES) != 0)
-        return Failure::of_system(dir_.path_of(INDEX), errno);
-    return done();
-}
-
-Outcome DirectoryChange::prepare_index() {
-    Result<Descriptor> fd = own_->create(own_->made(), INDEX);
-    if (!fd) return fd.failure();
-    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
-    if (has_index_) file.set_owner({index_info_.st_uid, index_info_.st_gid});
-    if (has_index_ && text_.size() <= before_.size()) file.set_mode(index_info_.st_mode & PERMISSIONS);
-    file.write(text_);
-    if (has_index_) file.be_later_than(index_info_);
-    if (Outcome finished = file.finish(); !finished) return finished;
-    return note_index(journal::Index{FileIdentity::of(file.info()), has_index_});
-}
-
-Outcome DirectoryChange::note_index(const journal::Record& record) {
-    const Result<journal::Register> lines = prepare_register();
-    if (!lines) return lines.failure();
-    std::vector<journal::Record> records;
-    for (const auto& [line, number] : lines_) {
-        if (number > journal::MOST_LINES) return Failure::of_system(dir_.path_of(INDEX), EOVERFLOW);
-        records.emplace_back(journal::Line{number, line});
-    }
-    records.push_back(record);
-    records.emplace_back(*lines);
-    return note(records);
-}
-
-/// Makes a file with the index as it was, for taking it back.
-Outcome DirectoryChange::copy_old_index() {
-    Result<Descriptor> fd = own_->create(own_->set_aside(), INDEX);
-    if (!fd) return fd.failure();
-    if (overwrites_index_) own_->lend_to_group(fd->get());
-    FileWriter copy(std::move(*fd), dir_.path_of(INDEX));
-    // Behind a link it may be anybody's, whom the next one to read the copy would not trust.
-    if (!S_ISLNK(index_info_.st_mode)) copy.set_owner({content_info_.st_uid, content_info_.st_gid});
-    copy.set_mode(content_info_.st_mode & PERMISSIONS);
-    copy.write(before_);
-    return copy.finish();
-}
-
-// A file system without hard links gets a copy.
-Outcome DirectoryChange::set_index_aside() {
-    if (!has_index_) return done();
-    const FileCalls& calls = file_calls();
-    if (calls.link(dir_.fd(), INDEX.c_str(), own_->set_aside().fd(), INDEX.c_str()) == 0) return done();
-    return errno == ENOENT ? done() : copy_old_index();
-}
-
-Outcome DirectoryChange::prepare_overwriting() {
-    if (Outcome copied = copy_old_index(); !copied) return copied;
-    Result<Descriptor> fd = own_->create(own_->made(), INDEX);
-    if (!fd) return fd.failure();
-    own_->lend_to_group(fd->get());
-    FileWriter file(std::move(*fd), dir_.path_of(INDEX));
-    file.write(text_);
-    if (Outcome finished = file.finish(); !finished) return finished;
-    return note_index(journal::Overwrite{});
-}
-
-/// Whether the index is still as it was read.
-bool DirectoryChange::index_is_unchanged() const {
-    struct stat now = {};
-    if (dir_.look_at(INDEX, now) != has_index_) return false;
-    if (!has_index_) return true;
-    if (!is_unchanged(now, index_info_)) return false;
-    return !S_ISLNK(now.st_mode) ||
-           (::fstatat(dir_.fd(), INDEX.c_str(), &now, 0) == 0 && is_unchanged(now, content_info_));
-}
-
-Outcome DirectoryChange::put_index_in_place() {
-    if (overwrites_index_) return overwrite_index(dir_, index_info_, text_);
-    if (file_calls().rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) == 0) return done();
-    return Failure::of_system(dir_.path_of(INDEX), errno);
-}
-
-// The index is looked at again just before the new one takes its place, because programs that know nothing of
-// the lock write it too.
-Outcome DirectoryChange::write_index() {
-    if (lines_.empty()) return done();
-    for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
-        if (Outcome allowed = may_write_index(); !allowed) return allowed;
-        const std::size_t before = records_.size();
-        // An index that is a link, or has other names, stays what it is.
-        Outcome prepared = overwrites_index_ ? prepare_overwriting() : prepare_index();
-        if (prepared && !overwrites_index_) prepared = set_index_aside();
-        if (!prepared) return prepared;
-        if (index_is_unchanged()) {
-            Outcome written = put_index_in_place();
-            return written ? put_register_in_place() : written;
-        }
-        if (Outcome merged = merge_index(before); !merged) return merged;
-    }
-    return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
-}
-
-Outcome DirectoryChange::merge_index(std::size_t records) {
-    (void)file_calls().unlink(own_->set_aside().fd(), INDEX.c_str(), 0);
-    if (Outcome cut = cut_journal(offsets_[records]); !cut) return cut;
-    records_.resize(records);
-    offsets_.resize(records);
-    return edit_again();
-}
-
-void DirectoryChange::collect_edits() {
-    before_ = edit_->before();
-    text_ = edit_->text();
-    differences_ = edit_->differences();
-    lines_ = occurrences(before_, differences_);
-}
-
-/// Makes the same edits to the index that another program has written meanwhile.
-Outcome DirectoryChange::edit_again() {
-    Result<std::string> bytes = look_at_index();
-    if (!bytes) return bytes.failure();
-    before_ = std::move(*bytes);
-    lines_ = occurrences(before_, differences_);
-    LineNumbers wanted = lines_;
-    for (auto& [line, number] : wanted) number = std::max(0, number + differences_[line]);
-    text_ = with_occurrences(before_, wanted);
-    return done();
+Outcome DirectoryChange::remove(const std::string& name) const {
+    const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
+    if (!place) return about(dir_.path_of(name), place.failure());
+    if (file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0) return done();
+    return Failure::of_system(dir_.path_of(name), errno);
 }
 
 Outcome DirectoryChange::move_out() {
@@ -454,12 +318,11 @@ Outcome DirectoryChange::move_out() {
     if (records.empty()) return done();
     if (Outcome noted = note(records); !noted) return noted;
     for (const auto& [leaving, number] : going) {
-        const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving->name);
-        const int error = place ? place->rename_to(own_->set_aside(), std::to_string(number)) : ENOENT;
-        if (error == 0 || error == ENOENT || error == ENOTDIR) continue;
-        const Failure failure = Failure::of_system(dir_.path_of(leaving->name), error);
-        if (!leaving->may_stay) return failure;
-        tell(failure.with(Sequel::FILE_REMAINS));
+        breathe();
+        Outcome gone = set_aside(leaving->name, number);
+        if (gone || gone.failure().is_absence()) continue;
+        if (!leaving->may_stay) return gone;
+        tell(gone.failure().with(Sequel::FILE_REMAINS));
     }
     return done();
 }
@@ -470,21 +333,24 @@ Outcome DirectoryChange::forget_journal() {
         own_->clear();
         return done();
     }
-    if (Outcome gone = own_->remove_journal(); !gone) return gone;
-    records_.clear();
-    offsets_.clear();
-    journal_ = Descriptor();
-    own_->clear();
+    if (Outcome gone = own_->remove_journal(); !gone) return about(dir_.path(), gone.failure());
+    end_journal();
     return done();
 }
 
-Outcome DirectoryChange::commit_index() {
-    collect_edits();
-    return broken_ ? Outcome(*broken_) : write_index();
+/// What follows when there is no journal any more.
+void DirectoryChange::end_journal() {
+    records_.clear();
+    offsets_.clear();
+    journal_ = Descriptor();
+    TrashBin::keep_what_was_set_aside(dir_, *own_);
+    own_->clear();
 }
 
 Outcome DirectoryChange::commit_files() {
-    return move_out();
+    Outcome moved = move_out();
+    if (moved) prepare_trash();
+    return moved;
 }
 
 Outcome DirectoryChange::commit_end() {
@@ -494,16 +360,25 @@ Outcome DirectoryChange::commit_end() {
     return forgotten;
 }
 
+/// Removes the journal of what was taken back.
+void DirectoryChange::drop_journal() {
+    if (!records_.empty()) return;
+    const Outcome forgotten = own_ ? own_->forget_trash() : done();
+    kept_entry_.clear();
+    came_.clear();
+    tell_unless_done(forgotten ? forget_journal() : forgotten);
+}
+
 void DirectoryChange::abandon() {
     take_back_all();
-    if (records_.empty()) tell_unless_done(forget_journal());
+    drop_journal();
 }
 
 void DirectoryChange::undo_on_disk() {
     Mark all = mark();
     all.records = 0;
     take_back_to(all);
-    if (records_.empty()) tell_unless_done(forget_journal());
+    drop_journal();
 }
 
 Outcome DirectoryChange::depend_on(const DirectoryChange& leader, const std::string& token) {
@@ -530,10 +405,13 @@ bool DirectoryChange::end_as_final() {
     (void)file_calls().sync(dir_.fd());
     const bool is_gone = static_cast<bool>(own_->remove_journal());
     // What cannot be removed says itself that the change is final.
-    records_.clear();
-    offsets_.clear();
-    journal_ = Descriptor();
-    if (is_gone) own_->clear();
+    if (is_gone) {
+        end_journal();
+    } else {
+        records_.clear();
+        offsets_.clear();
+        journal_ = Descriptor();
+    }
     finish();
     return is_gone;
 }
@@ -544,12 +422,21 @@ void DirectoryChange::end_leading(const std::string& token) const {
 
 bool DirectoryChange::brings_files() const {
     return std::any_of(records_.begin(), records_.end(), [](const journal::Record& record) {
-        return std::holds_alternative<journal::Put>(record);
+        const auto* put = std::get_if<journal::Put>(&record);
+        return (put != nullptr && put->name != SCALABLE) || std::holds_alternative<journal::Back>(record);
     });
+}
+
+/// The next change puts them back.
+Outcome DirectoryChange::leave_lost_lines_out() {
+    const std::size_t put_back =
+        std::erase_if(differences_, [](const auto& line) { return line.second > 0; });
+    return put_back > 0 ? edit_again() : done();
 }
 
 // On a full disk there is no room for a journal or for a second index, but what only deletes makes room.
 Outcome DirectoryChange::commit_for_good() {
+    if (Outcome left_out = leave_lost_lines_out(); !left_out) return left_out;
     for (int attempt = 1; has_index_ && !lines_.empty() && !index_is_unchanged(); ++attempt) {
         if (attempt == MOST_ATTEMPTS) return Failure::of_system(dir_.path_of(INDEX), EAGAIN);
         if (Outcome edited = edit_again(); !edited) return edited;
@@ -557,18 +444,18 @@ Outcome DirectoryChange::commit_for_good() {
     if (has_index_ && !lines_.empty()) {
         if (Outcome written = overwrite_index(dir_, index_info_, text_); !written) return written;
     }
+    shorten_scalable_index();
     for (const Leaving& leaving : leaving_) {
-        const Result<PlaceBelow> place = PlaceBelow::of(dir_, leaving.name);
-        if (leaving.stays || !place ||
-            file_calls().unlink(place->dir().fd(), place->name().c_str(), 0) == 0 || errno == ENOENT)
-            continue;
-        tell(Failure::of_system(dir_.path_of(leaving.name), errno).with(Sequel::FILE_REMAINS));
+        if (leaving.stays) continue;
+        const Outcome gone = remove(leaving.name);
+        if (!gone && !gone.failure().is_absence()) tell(gone.failure().with(Sequel::FILE_REMAINS));
     }
     return done();
 }
 
 /// What follows a change that is final.
 void DirectoryChange::finish() {
+    if (const auto bin = entries_in_use_.empty() ? std::nullopt : trash()) bin->sweep();
     leaving_.clear();
     places_of_leaving_.clear();
     staying_.clear();
@@ -577,13 +464,14 @@ void DirectoryChange::finish() {
 }
 
 Outcome DirectoryChange::commit() {
-    const bool only_deletes = records_.empty() && edit_->text().size() <= edit_->before().size();
+    const bool was_only_deleting = only_deletes();
     Outcome outcome = commit_index();
     if (outcome) outcome = commit_files();
     if (outcome) outcome = commit_end();
     if (outcome) return outcome;
     undo_on_disk();
-    if (records_.empty() && only_deletes && outcome.failure().is_lack_of_room()) outcome = commit_for_good();
+    if (records_.empty() && was_only_deleting && outcome.failure().is_lack_of_room())
+        outcome = commit_for_good();
     if (outcome) {
         finish();
     } else {
@@ -596,7 +484,7 @@ Outcome settle(const std::string& path) {
     Result<Directory> dir = Directory::open(path);
     const Result<Directory> own = dir ? dir->below(OwnDirectory::NAME) : Result<Directory>(dir.failure());
     // Who may not look into our directory cannot know more.
-    if ((!own || !has_left_overs(*own)) && (!dir || !has_leftovers(*dir))) return done();
+    if ((!own || !has_unfinished_change(*own)) && (!dir || !has_leftovers(*dir))) return done();
     const Result<std::unique_ptr<DirectoryChange>> change = DirectoryChange::begin(std::move(*dir), false);
     if (change || change.failure().reason == Reason::IN_USE) return done();
     return change.failure().reason == Reason::SYSTEM ? Outcome(Failure{path, Reason::UNFINISHED})

@@ -5,12 +5,14 @@
 // back what was begun.
 //
 // New files are made in our own directory (see own_directory.h) and get their names font by font. What goes,
-// and the index, follow when the change is committed: first the index, in one write, then the files.
+// and the index, follow when the change is committed: first the index, in one write, then the files. What
+// went can be kept in the trash (see trash.h).
 #pragma once
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -24,6 +26,8 @@
 #include "store/journal.h"
 #include "store/line_register.h"
 #include "store/own_directory.h"
+#include "store/trash_bin.h"
+#include "store/trash_manifest.h"
 
 namespace gw {
 
@@ -68,6 +72,33 @@ class DirectoryChange {
     /// the change succeeds although the file cannot be removed, and the listener for failures is told. False
     /// for a name that a journal cannot have; nothing is done then.
     bool take_out(const std::string& name, bool may_stay);
+    /// Something comes back from this entry of the trash: it does not give way, and goes when nothing is
+    /// left.
+    void use_entry(const std::string& name) { entries_in_use_.push_back(name); }
+    /// A file of an entry gets its name back; a file of that name is taken out.
+    Outcome bring_back(const Directory& entry, const std::string& entry_name, const trash::KeptFile& file);
+    /// "fonts.scale" shall have this line (newline included), wherever it follows the index.
+    void enter_scalable(const std::string& line) { scalable_lines_.push_back(line); }
+    /// Whether what is taken out goes to the trash; see trash_policy.h.
+    void keep_in_trash(bool keeps) { keeps_ = keeps; }
+    [[nodiscard]] bool keeps_in_trash() const { return keeps_; }
+    /// The user's action that this change belongs to.
+    void set_action(const std::string& token) { action_ = token; }
+    /// The entry of the trash that the committed change has made; "" for none.
+    [[nodiscard]] const std::string& kept_entry() const { return kept_entry_; }
+    /// A file that the change has brought.
+    struct Came {
+        FileIdentity stamp;
+        std::string name;
+    };
+    /// The files that the committed change has brought, where what goes is kept in the trash; not the
+    /// indexes.
+    [[nodiscard]] const std::vector<Came>& came() const { return came_; }
+    /// The trash of the directory, which this must outlive; nothing where there is none.
+    [[nodiscard]] std::optional<TrashBin> trash() const;
+    /// Whether the trash could make room by giving something up.
+    bool give_way();
+
     /// Runs when the change is final; of several steps with the same key only the first.
     void afterwards(const std::string& key, std::function<void()> step);
 
@@ -82,16 +113,30 @@ class DirectoryChange {
     void enter(const std::string& line);
     /// Removes the entries of the file, at most the first `most`; returns their number.
     int strike_out(const std::string& file_name, int most);
+    /// The texts of "fonts.dir" and "fonts.scale"; none for a file that is not there.
+    struct Indexes {
+        std::optional<std::string> fonts_dir;
+        std::optional<std::string> fonts_scale;
+        bool operator==(const Indexes&) const = default;
+    };
+    /// Both as they are on the disk.
+    [[nodiscard]] Result<Indexes> indexes() const;
+    /// When the change is committed, the indexes get these texts, and what was entered or struck out does not
+    /// matter; modes stay. The commit fails with EAGAIN when another program writes "fonts.dir" meanwhile.
+    /// "fonts.scale" is left alone where the program keeps none (see `FontPolicy::keeps_scalable_index`).
+    void replace_indexes(Indexes texts);
     /// Whether the directory will have a file of this name.
     [[nodiscard]] bool will_have(const std::string& name) const;
 
     /// What a font's part of the change can be taken back to: how much there was of everything.
     struct Mark {
         std::size_t records = 0;
+        unsigned next_number = 0;
         std::size_t edits = 0;
         std::size_t leaving = 0;
         std::size_t staying = 0;
         std::size_t afterwards = 0;
+        std::size_t scalable_lines = 0;
     };
     [[nodiscard]] Mark mark() const;
     void take_back_to(const Mark& mark);
@@ -114,9 +159,9 @@ class DirectoryChange {
     bool end_as_final();
     /// Removes the sign that the changes which depended on this one are final.
     void end_leading(const std::string& token) const;
-    /// Takes all of it back after a failure.
+    /// Takes back what is not committed, on the disk and of the edits that are planned.
     void abandon();
-    /// The same, but it can be committed again.
+    /// Takes back what is on the disk only, so that it can be committed again.
     void undo_on_disk();
     /// Whether files come with this change.
     [[nodiscard]] bool brings_files() const;
@@ -135,14 +180,38 @@ class DirectoryChange {
     };
 
     DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own);
+    /// The same failure, of a file that the user knows.
+    static Failure about(std::string path, Failure failure);
     Result<std::string> look_at_index();
     Outcome load_index();
     void collect_edits();
+    [[nodiscard]] bool only_deletes() const;
     [[nodiscard]] Outcome may_write_index() const;
     [[nodiscard]] Outcome may_be_replaced(const std::string& name) const;
     Outcome note(const std::vector<journal::Record>& records);
+    Outcome note_once(const std::vector<journal::Record>& records);
+    /// Tries the work again as long as there is no room for it and the trash gives way.
+    template <class Work>
+    auto with_room(const Work& work) -> decltype(work()) {
+        auto result = work();
+        while (!result && result.failure().is_lack_of_room() && give_way()) result = work();
+        return result;
+    }
+    Outcome move_in(const Directory& from, const std::string& from_name, const std::string& name,
+                    const journal::Record& record, const std::function<bool()>& still);
+    [[nodiscard]] trash::Manifest manifest() const;
+    Outcome write_manifest(const trash::Manifest& manifest);
+    void prepare_trash();
+    void drop_staged(unsigned first);
     void forget_leaving(std::size_t leaving, std::size_t staying);
     Outcome write_index();
+    Outcome put_if(const StagedFile& file, const std::function<bool()>& still);
+    [[nodiscard]] Result<std::optional<std::string>> next_scalable_index() const;
+    Result<StagedFile> stage_scalable_index(const struct stat* old, const std::string& text);
+    [[nodiscard]] Outcome may_take_place_of_scalable_index() const;
+    Outcome keep_scalable_index();
+    Outcome write_indexes();
+    void shorten_scalable_index() const;
     Outcome note_index(const journal::Record& record);
     void load_our_lines();
     void put_lost_lines_back();
@@ -156,17 +225,23 @@ class DirectoryChange {
     Outcome put_index_in_place();
     Outcome merge_index(std::size_t records);
     Outcome edit_again();
+    [[nodiscard]] Outcome set_aside(const std::string& name, unsigned number) const;
+    [[nodiscard]] Outcome remove(const std::string& name) const;
     Outcome move_out();
+    Outcome leave_lost_lines_out();
     Outcome commit_for_good();
     Outcome cut_journal(off_t size);
     void finish();
     Outcome forget_journal();
+    void end_journal();
+    void drop_journal();
 
     Directory dir_;
     std::unique_ptr<OwnDirectory> own_;  // null where there was no room for one: then files can only go
     Descriptor journal_;
     std::vector<journal::Record> records_;
     std::vector<off_t> offsets_;  // of the records in the journal
+    std::set<unsigned> staged_;   // the numbers of files that were begun and have no name
     std::vector<Leaving> leaving_;
     std::unordered_multimap<std::string, std::size_t> places_of_leaving_;
     std::vector<std::size_t> staying_;  // in the order in which they were found to stay
@@ -176,6 +251,7 @@ class DirectoryChange {
     std::unique_ptr<IndexEdit> edit_ = std::make_unique<IndexEdit>();
     // The index when it is written: as it was and as it will be, what becomes of each changed line, and how
     // many of each there were.
+    std::optional<Indexes> whole_;
     std::string before_;
     std::string text_;
     LineNumbers differences_;
@@ -185,6 +261,14 @@ class DirectoryChange {
     bool has_index_ = false;
     bool overwrites_index_ = false;  // it is a link, has other names, or belongs to another user
     unsigned next_number_ = 0;
+    // For the trash, and from it.
+    bool keeps_;
+    std::string action_;
+    std::string kept_entry_;
+    std::vector<Came> came_;
+    std::vector<std::string> entries_in_use_;
+    std::vector<std::string> scalable_lines_;
+    LineNumbers lost_scalable_lines_;
     std::optional<Failure> broken_;  // why nothing can be added: the journal says more than was done
 };
 

@@ -17,7 +17,7 @@ FontAction*& current_action() {
 
 }  // namespace
 
-FontAction::FontAction() : outer_(std::exchange(current_action(), this)) {}
+FontAction::FontAction() : outer_(std::exchange(current_action(), this)), token_(new_joint_token()) {}
 
 FontAction::~FontAction() {
     current_action() = outer_;
@@ -33,6 +33,7 @@ Result<std::unique_ptr<DirectoryChange>> FontAction::begin(Directory dir) {
     const std::pair<dev_t, ino_t> identity(dir.info().st_dev, dir.info().st_ino);
     if (const auto known = in_use_.find(identity); known != in_use_.end()) return known->second;
     Result<std::unique_ptr<DirectoryChange>> begun = DirectoryChange::begin(std::move(dir));
+    if (begun) (*begun)->set_action(token_);
     if (!begun && begun.failure().reason == Reason::IN_USE) in_use_.emplace(identity, begun.failure());
     return begun;
 }
@@ -83,7 +84,10 @@ Outcome FontAction::make_final() {
         if (Outcome ended = begun.front()->commit_end(); !ended) return ended;
     }
     // The others have nothing to do but what follows.
-    for (const auto& change : open_) tell_unless_done(change->commit_end());
+    for (const auto& change : open_) {
+        tell_unless_done(change->commit_end());
+        note_kept(*change);
+    }
     return done();
 }
 
@@ -93,8 +97,14 @@ std::vector<FontAction::Failed> FontAction::commit_each() {
     for (const auto& change : std::exchange(open_, {})) {
         if (const Outcome committed = change->commit(); !committed)
             failed.push_back({change->dir().path(), committed.failure()});
+        note_kept(*change);
     }
     return failed;
+}
+
+void FontAction::note_kept(const DirectoryChange& change) {
+    if (!change.kept_entry().empty()) kept_.push_back({change.dir().path(), change.kept_entry()});
+    if (!change.came().empty()) came_.push_back({change.dir().path(), change.came()});
 }
 
 Outcome in_change(const std::string& path, const std::function<Outcome(DirectoryChange&)>& step) {

@@ -35,6 +35,21 @@ class FontAction {
     /// are as they were before.
     std::vector<Failed> commit();
 
+    /// What the entries of the trash have in common that this action has made.
+    [[nodiscard]] const std::string& token() const { return token_; }
+    /// An entry of the trash that the commit has made: see trash.h.
+    struct Kept {
+        std::string dir;  ///< ends in "/"
+        std::string entry;
+    };
+    [[nodiscard]] const std::vector<Kept>& kept() const { return kept_; }
+    /// The files that the commit has brought into a directory.
+    struct Came {
+        std::string dir;  ///< ends in "/"
+        std::vector<DirectoryChange::Came> files;
+    };
+    [[nodiscard]] const std::vector<Came>& came() const { return came_; }
+
   private:
     friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
     friend Outcome as_one_change(const std::function<Outcome()>& steps);
@@ -42,8 +57,12 @@ class FontAction {
     Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
     Outcome make_final();
     std::vector<Failed> commit_each();
+    void note_kept(const DirectoryChange& change);
 
     FontAction* outer_;
+    std::string token_;
+    std::vector<Kept> kept_;
+    std::vector<Came> came_;
     std::vector<std::unique_ptr<DirectoryChange>> open_;
     // Directories that another process is changing: the action waits for each of them once.
     std::map<std::pair<dev_t, ino_t>, Failure> in_use_;

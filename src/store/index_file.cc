@@ -12,7 +12,6 @@
 
 #include "core/file_calls.h"
 #include "core/rights.h"
-#include "platform/host_paths.h"
 
 namespace gw {
 
@@ -22,18 +21,26 @@ constexpr int MOST_LINKS = 40;
 constexpr int MOST_ATTEMPTS = 5;
 constexpr int JUST_OPEN = O_NONBLOCK | O_NOFOLLOW | O_CLOEXEC;
 
-const std::string INDEX(FONT_INDEX_NAME);
-
 bool is_same_file(const struct stat& a, const struct stat& b) {
     return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
 }
 
+/// The text, and what covers the rest of a longer one until that is cut off. Readers pass over blank lines,
+/// but not over the end of a line that has lost its beginning.
+std::string over(off_t old_size, std::string_view text) {
+    std::string whole(text);
+    if (old_size <= Directory::FILE_LIMIT)
+        whole.resize(std::max(text.size(), static_cast<std::size_t>(old_size)), '\n');
+    return whole;
+}
+
 }  // namespace
 
-IndexFile::IndexFile(const Directory& fonts) : fonts_(&fonts), name_(INDEX), path_(fonts.path_of(INDEX)) {}
+IndexFile::IndexFile(const Directory& fonts, const char* name)
+    : fonts_(&fonts), name_(name), path_(fonts.path_of(name)) {}
 
-Result<IndexFile> IndexFile::find(const Directory& fonts) {
-    IndexFile file(fonts);
+Result<IndexFile> IndexFile::find(const Directory& fonts, const char* name) {
+    IndexFile file(fonts, name);
     for (; file.links_ <= MOST_LINKS; ++file.links_) {
         const Descriptor found(
             ::openat(file.home().fd(), file.name_.c_str(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
@@ -100,20 +107,21 @@ Result<Descriptor> IndexFile::open_to_write() const {
 // Programs that know nothing of our lock may replace it at any moment.
 Result<std::string> read_index(const Directory& fonts, struct stat& info) {
     for (int attempt = 1;; ++attempt) {
-        const Result<IndexFile> index = IndexFile::find(fonts);
+        const Result<IndexFile> index = IndexFile::find(fonts, FONT_INDEX_NAME);
         if (!index) return index.failure();
         const Result<Descriptor> file = index->open_to_read();
         if (file) {
             info = index->info();
-            return read_open_file(file->get(), fonts.path_of(INDEX));
+            return read_open_file(file->get(), fonts.path_of(FONT_INDEX_NAME));
         }
         if (file.failure().error != EAGAIN || attempt == MOST_ATTEMPTS) return file.failure();
     }
 }
 
-Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text) {
-    const std::string path = fonts.path_of(INDEX);
-    const Result<IndexFile> index = IndexFile::find(fonts);
+Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text,
+                        const char* name) {
+    const std::string path = fonts.path_of(name);
+    const Result<IndexFile> index = IndexFile::find(fonts, name);
     if (!index) return index.failure();
     const bool is_still_it = S_ISLNK(looked_at.st_mode)
                                  ? index->is_linked()
@@ -132,7 +140,8 @@ Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, st
             return Failure::of_system(path, error);
         }
     }
-    if (const int error = write_all(fd, text); error != 0) return Failure::of_system(path, error);
+    if (const int error = write_all(fd, over(old.st_size, text)); error != 0)
+        return Failure::of_system(path, error);
     if (calls.truncate(fd, size) != 0 || calls.sync(fd) != 0) return Failure::of_system(path, errno);
     const timespec times[2] = {old.st_atim, {std::max(::time(nullptr), old.st_mtim.tv_sec + 1), 0}};
     (void)calls.set_times(fd, times);

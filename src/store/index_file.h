@@ -12,6 +12,7 @@
 
 #include "core/directory.h"
 #include "core/failure.h"
+#include "platform/host_paths.h"
 
 namespace gw {
 
@@ -19,7 +20,7 @@ class IndexFile {
   public:
     /// Looks for it. Refuses (`Reason::NOT_OURS`) a link that is not trusted, and a file that has a second
     /// name which somebody else than its owner can have made. `fonts` must outlive this.
-    static Result<IndexFile> find(const Directory& fonts);
+    static Result<IndexFile> find(const Directory& fonts, const char* name);
 
     /// The file's information, at the end of all links.
     [[nodiscard]] const struct stat& info() const { return info_; }
@@ -31,7 +32,7 @@ class IndexFile {
     [[nodiscard]] Result<Descriptor> open_to_write() const;
 
   private:
-    explicit IndexFile(const Directory& fonts);
+    IndexFile(const Directory& fonts, const char* name);
     [[nodiscard]] const Directory& home() const { return home_ ? *home_ : *fonts_; }
     Outcome follow(int link);
     [[nodiscard]] bool is_safe(const struct stat& info) const;
@@ -49,7 +50,9 @@ class IndexFile {
 Result<std::string> read_index(const Directory& fonts, struct stat& info);
 
 /// Overwrites an index that cannot be replaced: it is a link, has other names, or belongs to somebody else.
-/// Fails when it is not the file any more that `looked_at` describes.
-Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text);
+/// Fails when it is not the file any more that `looked_at` describes. A longer file first gets blank lines at
+/// its end, and then loses them.
+Outcome overwrite_index(const Directory& fonts, const struct stat& looked_at, std::string_view text,
+                        const char* name = FONT_INDEX_NAME);
 
 }  // namespace gw

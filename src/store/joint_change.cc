@@ -31,32 +31,29 @@ std::vector<Kind> records_of(const std::vector<journal::Record>& records) {
     return found;
 }
 
-bool is_absence(const Failure& failure) {
-    return failure.reason == Reason::SYSTEM && (failure.error == ENOENT || failure.error == ENOTDIR);
-}
-
-/// What the leading directory says, or why it cannot be asked.
+/// What the leading directory says, or why it cannot be asked. A place where something can be mounted says
+/// nothing.
 Result<bool> has_final(const journal::With& with) {
     const Result<Directory> leader = Directory::open(with.path);
     const Result<Directory> own =
         leader ? leader->below(OwnDirectory::NAME) : Result<Directory>(leader.failure());
-    if (!own) return is_absence(own.failure()) ? Result<bool>(false) : Result<bool>(own.failure());
+    if (!own) return own.failure();
     struct stat info = {};
     if (!own->look_at(final_name(with.token), info))
         return errno == ENOENT ? Result<bool>(false) : Result<bool>(Failure::of_system(own->path(), errno));
     return is_trusted(own->info(), leader->info()) && is_trusted(info, leader->info());
 }
 
-/// Whether the other directory has nothing left that asks for this token.
+/// Whether the other directory is there and has nothing left that asks for this token.
 bool is_done_with(const std::string& token, const std::string& path) {
     const Result<Directory> other = Directory::open(path);
     const Result<Directory> own =
         other ? other->below(OwnDirectory::NAME) : Result<Directory>(other.failure());
-    if (!own) return is_absence(own.failure());
+    if (!own) return false;
     struct stat info = {};
     if (own->look_at(OwnDirectory::JOURNAL, info) && info.st_size > journal::MOST_BYTES) return false;
     const Result<std::string> text = own->read(OwnDirectory::JOURNAL);
-    if (!text) return is_absence(text.failure());
+    if (!text) return text.failure().is_absence();
     return text->find("\nwith " + token + ' ') == std::string::npos;
 }
 
@@ -103,8 +100,11 @@ Result<bool> is_final(const Directory& fonts, const std::vector<journal::Record>
     if (with.empty()) return false;
     Result<bool> answer = has_final(with.front());
     // What has brought nothing in brings back what it has taken out, and that is somewhere in any case.
-    if (answer || records_of<journal::Put>(records).empty()) return answer ? *answer : false;
-    return Failure{fonts.path(), Reason::UNFINISHED};
+    const bool brings_in =
+        !records_of<journal::Put>(records).empty() || !records_of<journal::Back>(records).empty();
+    if (answer || !brings_in) return answer ? *answer : false;
+    if (!answer.failure().is_absence()) return Failure{fonts.path(), Reason::UNFINISHED};
+    return Failure{.subject = fonts.path(), .reason = Reason::WAITS_FOR, .detail = with.front().path};
 }
 
 std::vector<std::string> final_names(const Directory& own) {

@@ -29,13 +29,15 @@ inline constexpr std::size_t MOST_JOINED = 1000;
 [[nodiscard]] std::optional<std::string> joint_path(const Directory& dir);
 
 /// Whether the change with these records belongs to a joint one that is final. Fails when this user may not
-/// find out, and taking it back could lose a font (`Reason::UNFINISHED`).
+/// find out (`Reason::UNFINISHED`), or when the leading directory is not there, or not with what we keep in
+/// it (`Reason::WAITS_FOR`), and taking it back could lose a font.
 Result<bool> is_final(const Directory& fonts, const std::vector<journal::Record>& records);
 
 /// The files of joint changes that this directory has led.
 [[nodiscard]] std::vector<std::string> final_names(const Directory& own);
 /// Finishes in the other directories what this one has led, and removes those files of it that nobody needs
-/// any more. Those directories' own joint changes wait for their own turn. What names too many directories
+/// any more. A directory that is not there, because it is not mounted for example, may need them still.
+/// Those directories' own joint changes wait for their own turn. What names too many directories
 /// was not written by us and is left alone.
 void finish_joint_changes(const OwnDirectory& own);
 

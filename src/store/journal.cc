@@ -6,6 +6,7 @@
 
 #include "core/directory.h"
 #include "store/numbers.h"
+#include "store/trash_manifest.h"
 
 namespace gw::journal {
 
@@ -22,6 +23,7 @@ class Reader {
         const std::string_view kind = take_word(line);
         if (kind == "put") return put(line);
         if (kind == "out") return out(line);
+        if (kind == "back") return back(line);
         if (kind == "dir" && line == METRICS) return MadeDir{std::string(line)};
         if (kind == "line") return index_line(line);
         if (kind == "index") return replacement<Index>(line);
@@ -42,6 +44,13 @@ class Reader {
         const auto number = number_in<unsigned>(take_word(rest));
         if (!number || !can_name(rest)) return std::nullopt;
         return Out{*number, std::string(rest)};
+    }
+    static std::optional<Record> back(std::string_view rest) {
+        const auto stamp = take_stamp(rest, true);
+        const auto number = number_in<unsigned>(take_word(rest));
+        const std::string_view entry = take_word(rest);
+        if (!stamp || !number || !trash::time_of_entry(entry) || !can_name(rest)) return std::nullopt;
+        return Back{*stamp, *number, std::string(entry), std::string(rest)};
     }
     static std::optional<Record> index_line(std::string_view rest) {
         const auto number = number_in<int>(take_word(rest));
@@ -69,6 +78,10 @@ struct Writer {
     std::string operator()(const Put& put) const { return "put " + put.stamp.text() + ' ' + put.name; }
     std::string operator()(const Out& out) const {
         return "out " + std::to_string(out.number) + ' ' + out.name;
+    }
+    std::string operator()(const Back& back) const {
+        return "back " + back.stamp.text() + ' ' + std::to_string(back.number) + ' ' + back.entry + ' ' +
+               back.name;
     }
     std::string operator()(const MadeDir& dir) const { return "dir " + dir.name; }
     std::string operator()(const Line& line) const {

@@ -6,6 +6,8 @@
 //
 //     put STAMP NAME         this file gets the name NAME
 //     out NUMBER NAME        the file NAME is set aside as "old/NUMBER"
+//     back STAMP NUMBER ENTRY NAME
+//                            the file NUMBER of the trash's ENTRY gets the name NAME
 //     dir NAME               the directory NAME is made
 //     line NUMBER TEXT       before the change the index has NUMBER lines with this text, and then another
 //                            number
@@ -42,6 +44,13 @@ struct Out {
     std::string name;
     bool operator==(const Out&) const = default;
 };
+struct Back {
+    FileIdentity stamp;
+    unsigned number;
+    std::string entry;
+    std::string name;
+    bool operator==(const Back&) const = default;
+};
 struct MadeDir {
     std::string name;
     bool operator==(const MadeDir&) const = default;
@@ -73,7 +82,7 @@ struct And {
     std::string path;
     bool operator==(const And&) const = default;
 };
-using Record = std::variant<Put, Out, MadeDir, Line, Index, Overwrite, Register, With, And>;
+using Record = std::variant<Put, Out, Back, MadeDir, Line, Index, Overwrite, Register, With, And>;
 
 inline constexpr std::string_view HEADING = "glyphward-journal 2\n";
 inline constexpr std::string_view FIRST_HEADING = "glyphward-journal 1\n";

@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "store/leftovers.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -85,20 +84,13 @@ bool can_be_left(const struct stat& info, const std::string& name, const Directo
 /// Appends what was left in one directory; `parent` is its place in the font directory.
 void append_leftovers(std::vector<Leftover>& leftovers, const Directory& dir, const Directory& fonts,
                       const std::string& parent) {
-    const int copy = ::openat(dir.fd(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    DIR* entries = copy >= 0 ? ::fdopendir(copy) : nullptr;
-    if (entries == nullptr) {
-        if (copy >= 0) ::close(copy);
-        return;
-    }
-    while (const dirent* entry = ::readdir(entries)) {
-        const std::optional<Leftover> leftover = parsed(entry->d_name, parent);
+    for (const std::string& name : dir.names()) {
+        const std::optional<Leftover> leftover = parsed(name, parent);
         struct stat info = {};
-        if (leftover && dir.look_at(entry->d_name, info) &&
+        if (leftover && dir.look_at(name, info) &&
             can_be_left(info, leftover->name.substr(parent.size()), dir, fonts))
             leftovers.push_back(*leftover);
     }
-    ::closedir(entries);
 }
 
 std::vector<Leftover> leftovers_in(const Directory& fonts) {
@@ -284,9 +276,13 @@ bool clear_leftovers(DirectoryChange& change) {
         tell_unless_done(cleared);
         if (clearing.is_full()) break;
     }
+    // Nobody has asked for what goes here to go.
+    const bool keeps = change.keeps_in_trash();
+    change.keep_in_trash(false);
     if (tell_unless_done(change.commit())) {
         for (const Failure& news : clearing.news()) tell(news);
     }
+    change.keep_in_trash(keeps);
     return true;
 }
 

@@ -9,11 +9,15 @@ namespace gw {
 
 namespace {
 
-std::string file_of(std::string_view line) {
-    std::string file;
+std::string field_of(std::string_view line) {
+    std::string field;
     std::string font;
-    split_index_line(line, file, font);
-    return file;
+    split_index_line(line, field, font);
+    return field;
+}
+
+std::string file_of(std::string_view line) {
+    return std::string(indexed_file(field_of(line)).name);
 }
 
 bool is_an_index_line(std::string_view line) {
@@ -47,8 +51,8 @@ std::string LineRegister::text() const {
 void LineRegister::put_back(IndexEdit& index, const Directory& fonts) {
     std::vector<std::string> lost;
     std::erase_if(files_, [&](const auto& entry) {
+        if (!index.font_names(field_of(entry.first)).empty()) return false;
         const std::string file = file_of(entry.first);
-        if (!index.font_names(file).empty()) return false;
         struct stat info = {};
         const bool is_there = fonts.look_at(file, info) && entry.second.fits(info);
         if (is_there) lost.push_back(entry.first);

@@ -20,7 +20,7 @@ namespace gw {
 class LineRegister {
   public:
     static constexpr std::string_view HEADING = "glyphward-lines 1\n";
-    /// It keeps no more lines than these; the first ones go.
+    /// It keeps no more lines than these, and learns no further ones.
     static constexpr std::size_t MOST_LINES = 50000;
 
     /// What is in the text. A text of another kind is empty, and a line that nobody can have entered is left

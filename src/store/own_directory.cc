@@ -2,6 +2,7 @@
 #include "store/own_directory.h"
 
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -10,7 +11,9 @@
 #include <utility>
 
 #include "core/file_calls.h"
+#include "core/long_work.h"
 #include "core/rights.h"
+#include "store/numbers.h"
 
 namespace gw {
 
@@ -69,7 +72,7 @@ bool give_away(int fd, const struct stat& like, mode_t groups) {
 
 /// The failure to use what is called NAME in `parent`. Where everybody may write, another user may have been
 /// the first to make it.
-Failure refusal(const Directory& parent, const char* name, const Directory& fonts) {
+Failure refusal(const Directory& parent, const std::string& name, const Directory& fonts) {
     const bool open_to_all = (fonts.info().st_mode & S_IWOTH) != 0;
     if (open_to_all) return Failure{fonts.path(), Reason::OPEN_TO_ALL};
     return Failure{parent.path_of(name), Reason::NOT_OURS};
@@ -79,8 +82,9 @@ bool can_be_ours(const struct stat& info, const Directory& fonts) {
     return S_ISDIR(info.st_mode) && is_trusted(info, fonts.info()) && (info.st_mode & S_IWOTH) == 0;
 }
 
-/// The directory NAME in `parent`, if it can be relied on.
-Result<Directory> opened_below(const Directory& parent, const char* name, const Directory& fonts) {
+}  // namespace
+
+Result<Directory> trusted_below(const Directory& parent, const std::string& name, const Directory& fonts) {
     struct stat info = {};
     if (!parent.look_at(name, info)) return Failure::of_system(parent.path_of(name), errno);
     if (!can_be_ours(info, fonts)) return refusal(parent, name, fonts);
@@ -92,21 +96,26 @@ Result<Directory> opened_below(const Directory& parent, const char* name, const 
     return dir;
 }
 
+namespace {
+
 /// Makes the directory NAME in `parent`. Nothing but an empty directory is given away: its owner could have
 /// put another one in its place.
-Result<Directory> made_below(const Directory& parent, const char* name, const Directory& fonts) {
-    if (file_calls().make_dir(parent.fd(), name, OWNERS) != 0 && errno != EEXIST)
+Result<Directory> new_below(const Directory& parent, const std::string& name, const Directory& fonts) {
+    if (file_calls().make_dir(parent.fd(), name.c_str(), OWNERS) != 0 && errno != EEXIST)
         return Failure::of_system(parent.path_of(name), errno);
-    Result<Directory> dir = opened_below(parent, name, fonts);
+    Result<Directory> dir = trusted_below(parent, name, fonts);
     if (!dir || !dir->names().empty()) return dir;
     if (!give_away(dir->fd(), fonts.info(), GROUPS)) return Failure::of_system(dir->path(), errno);
     return dir;
 }
 
-/// Opens the directory NAME, and makes it if it is missing.
-Result<Directory> found_below(const Directory& parent, const char* name, const Directory& fonts) {
-    return parent.has(name) ? opened_below(parent, name, fonts) : made_below(parent, name, fonts);
+}  // namespace
+
+Result<Directory> made_below(const Directory& parent, const std::string& name, const Directory& fonts) {
+    return parent.has(name) ? trusted_below(parent, name, fonts) : new_below(parent, name, fonts);
 }
+
+namespace {
 
 /// Makes an empty lock file that whoever may write the directory can open.
 Outcome make_lock(const Directory& dir, const Directory& fonts) {
@@ -147,12 +156,19 @@ void remove_begun(const Directory& fonts, const std::string& name) {
 
 /// Makes our directory under another name, with all that is in it.
 Outcome make_begun(const Directory& fonts, const std::string& name) {
-    const Result<Directory> dir = made_below(fonts, name.c_str(), fonts);
+    const Result<Directory> dir = new_below(fonts, name, fonts);
     if (!dir) return dir.failure();
     for (const char* part : {MADE, SET_ASIDE}) {
-        if (const Result<Directory> made = made_below(*dir, part, fonts); !made) return made.failure();
+        if (const Result<Directory> made = new_below(*dir, part, fonts); !made) return made.failure();
     }
     return make_lock(*dir, fonts);
+}
+
+/// Whether the process that has begun a directory of ours lives no more. This one has begun none so far; its
+/// number was another's before.
+bool is_dead_ones(std::string_view process) {
+    const auto pid = number_in<pid_t>(process);
+    return pid && *pid > 0 && (*pid == ::getpid() || (::kill(*pid, 0) != 0 && errno == ESRCH));
 }
 
 // It is complete, and its owner's, from the moment when it can be found: who is killed while making it locks
@@ -160,7 +176,8 @@ Outcome make_begun(const Directory& fonts, const std::string& name) {
 Outcome make_own(const Directory& fonts) {
     const std::string prefix = std::string(OWN_DIRECTORY_NAME) + '-';
     for (const std::string& name : fonts.names()) {
-        if (name.starts_with(prefix)) remove_begun(fonts, name);
+        if (name.starts_with(prefix) && is_dead_ones(std::string_view(name).substr(prefix.size())))
+            remove_begun(fonts, name);
     }
     const std::string begun = prefix + std::to_string(::getpid());
     Outcome made = make_begun(fonts, begun);
@@ -171,13 +188,13 @@ Outcome make_own(const Directory& fonts) {
     return made;
 }
 
-/// Our directory. Several processes may begin to make it, and each takes away what the others have begun.
+/// Our directory. Several processes may begin to make it; the first one to be ready makes it.
 Result<Directory> own_directory(const Directory& fonts) {
     for (int attempt = 0; attempt < MOST_ATTEMPTS && !fonts.has(OWN_DIRECTORY_NAME); ++attempt) {
         const Outcome made = make_own(fonts);
         if (!made && !fonts.has(OWN_DIRECTORY_NAME) && made.failure().error != ENOENT) return made.failure();
     }
-    return opened_below(fonts, OWN_DIRECTORY_NAME, fonts);
+    return trusted_below(fonts, OWN_DIRECTORY_NAME, fonts);
 }
 
 std::string holder_in(int fd) {
@@ -198,6 +215,7 @@ Outcome take_lock(int fd, const std::string& path, int longest_wait) {
     for (int waited = 0; ::flock(fd, LOCK_EX | LOCK_NB) != 0; waited += STEP_MS) {
         if (errno == EINTR) continue;
         if (errno != EWOULDBLOCK) return Failure::of_system(path, errno);
+        if (is_given_up()) return Failure{.subject = path, .reason = Reason::GIVEN_UP};
         if (waited >= longest_wait)
             return Failure{.subject = path, .reason = Reason::IN_USE, .detail = holder_in(fd)};
         const timespec step = {0, STEP_MS * 1000000L};
@@ -219,28 +237,54 @@ OwnDirectory::OwnDirectory(const struct stat& owner, Directory dir, Directory ma
       set_aside_(std::move(set_aside)),
       lock_(std::move(lock)) {}
 
+namespace {
+
+/// The lock, taken. Somebody may have put another file in the place of the one that was waited for.
+Result<Descriptor> taken_lock(const Directory& own, const Directory& fonts, int longest_wait) {
+    for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
+        Result<Descriptor> lock = lock_file(own, fonts);
+        if (!lock) return lock;
+        if (const Outcome taken = take_lock(lock->get(), fonts.path(), longest_wait); !taken)
+            return taken.failure();
+        struct stat held = {};
+        struct stat named = {};
+        if (::fstat(lock->get(), &held) == 0 && own.look_at(LOCK, named) && held.st_ino == named.st_ino &&
+            held.st_dev == named.st_dev)
+            return lock;
+    }
+    return Failure::of_system(own.path_of(LOCK), EAGAIN);
+}
+
+}  // namespace
+
+// The user knows nothing of this directory, unless somebody else has put something there.
 Result<std::unique_ptr<OwnDirectory>> OwnDirectory::enter(const Directory& fonts, bool waits) {
+    Result<std::unique_ptr<OwnDirectory>> own = entered(fonts, waits);
+    if (own || own.failure().reason != Reason::SYSTEM) return own;
+    return Failure::of_system(fonts.path(), own.failure().error);
+}
+
+Result<std::unique_ptr<OwnDirectory>> OwnDirectory::entered(const Directory& fonts, bool waits) {
     Result<Directory> dir = own_directory(fonts);
     if (!dir) return dir.failure();
-    Result<Descriptor> lock = lock_file(*dir, fonts);
+    Result<Descriptor> lock = taken_lock(*dir, fonts, waits ? patience() : 0);
     if (!lock) return lock.failure();
-    if (const Outcome taken = take_lock(lock->get(), fonts.path(), waits ? patience() : 0); !taken)
-        return taken.failure();
-    Result<Directory> made = found_below(*dir, MADE, fonts);
+    Result<Directory> made = made_below(*dir, MADE, fonts);
     if (!made) return made.failure();
-    Result<Directory> set_aside = found_below(*dir, SET_ASIDE, fonts);
+    Result<Directory> set_aside = made_below(*dir, SET_ASIDE, fonts);
     if (!set_aside) return set_aside.failure();
     return std::unique_ptr<OwnDirectory>(new OwnDirectory(fonts.info(), std::move(*dir), std::move(*made),
                                                           std::move(*set_aside), std::move(*lock)));
 }
 
-Result<Descriptor> OwnDirectory::create(const Directory& where, const std::string& name) const {
+Result<Descriptor> OwnDirectory::create(const Directory& where, const std::string& name,
+                                        const std::string& subject) const {
     make_way(where, name);
     Descriptor fd(file_calls().open(where.fd(), name.c_str(),
                                     O_RDWR | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!fd.is_open()) return Failure::of_system(where.path_of(name), errno);
+    if (!fd.is_open()) return Failure::of_system(subject, errno);
     // The journal is for whoever has the next look.
-    if (&where == &dir_) (void)give_away(fd.get(), owner_, GROUPS_LOCK_MODE);
+    if (where.is_same_as(dir_)) (void)give_away(fd.get(), owner_, GROUPS_LOCK_MODE);
     return fd;
 }
 
@@ -272,11 +316,15 @@ void OwnDirectory::make_way(const Directory& where, const std::string& name) con
         (void)file_calls().rename(where.fd(), name.c_str(), dir_.fd(), left->c_str());
 }
 
-// The name is looked at once more: the second name of an open file may just have been removed.
 Result<std::string> OwnDirectory::read(const Directory& where, const std::string& name) const {
+    return read_trusted(where, name, owner_);
+}
+
+// The name is looked at once more: the second name of an open file may just have been removed.
+Result<std::string> read_trusted(const Directory& where, const std::string& name, const struct stat& fonts) {
     const std::string path = where.path_of(name);
-    const auto is_ours = [this](const struct stat& info) {
-        return S_ISREG(info.st_mode) && info.st_nlink == 1 && is_trusted(info, owner_);
+    const auto is_ours = [&fonts](const struct stat& info) {
+        return S_ISREG(info.st_mode) && info.st_nlink == 1 && is_trusted(info, fonts);
     };
     struct stat named = {};
     if (!where.look_at(name, named)) return Failure::of_system(path, errno);
@@ -299,6 +347,11 @@ Outcome OwnDirectory::remove_journal() const {
         return Failure::of_system(dir_.path_of(JOURNAL), errno);
     (void)file_calls().sync(dir_.fd());
     return done();
+}
+
+Outcome OwnDirectory::forget_trash() const {
+    if (!set_aside_.has(MANIFEST) || file_calls().unlink(set_aside_.fd(), MANIFEST, 0) == 0) return done();
+    return Failure::of_system(set_aside_.path_of(MANIFEST), errno);
 }
 
 void OwnDirectory::clear() const {

@@ -13,6 +13,7 @@
 #include "platform/host_paths.h"
 #include "store/index_file.h"
 #include "store/joint_change.h"
+#include "store/trash_bin.h"
 
 namespace gw {
 
@@ -24,15 +25,16 @@ Outcome fails_unless(bool fine, const std::string& path) {
     return fine ? done() : Outcome(Failure::of_system(path, errno));
 }
 
-/// Whether somebody was writing `made` over `old` when this was read. The file grows first, by zeros, and is
-/// cut in the end.
+/// Whether somebody was writing `made` over `old` when this was read. A longer file grows first, by zeros;
+/// the end of a shorter one is overwritten with newlines first, and is cut in the end.
 bool is_between(std::string_view now, std::string_view old, std::string_view made) {
     if (now.size() != old.size() && now.size() != std::max(old.size(), made.size()) &&
         now.size() != made.size())
         return false;
     const auto at = [](std::string_view text, std::size_t i) { return i < text.size() ? text[i] : '\0'; };
     for (std::size_t i = 0; i < now.size(); ++i) {
-        if (now[i] != at(old, i) && now[i] != at(made, i)) return false;
+        const bool is_covered = now[i] == '\n' && i >= std::min(old.size(), made.size());
+        if (now[i] != at(old, i) && now[i] != at(made, i) && !is_covered) return false;
     }
     return true;
 }
@@ -77,6 +79,19 @@ class TakingBack {
         return fails_unless(file_calls().rename(own_.set_aside().fd(), aside.c_str(), place->dir().fd(),
                                                 place->name().c_str()) == 0,
                             fonts_.path_of(out.name));
+    }
+
+    // An entry that somebody has removed takes nothing back. The file stays, and has no line.
+    Outcome operator()(const journal::Back& back) const {
+        const Result<PlaceBelow> place = PlaceBelow::of(fonts_, back.name);
+        struct stat info = {};
+        if (!place || !place->dir().look_at(place->name(), info) || !back.stamp.fits(info)) return done();
+        const Result<Directory> entry = trash_entry_of(fonts_, own_.dir(), back.entry);
+        if (!entry) return entry.failure().is_absence() ? done() : Outcome(entry.failure());
+        const std::string number = std::to_string(back.number);
+        if (entry->has(number)) return done();
+        const int error = place->rename_to(*entry, number);
+        return error == 0 ? done() : Outcome(Failure::of_system(fonts_.path_of(back.name), error));
     }
 
     Outcome operator()(const journal::MadeDir& made) const {
@@ -217,6 +232,7 @@ Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     struct stat info = {};
     if (!own.dir().look_at(OwnDirectory::JOURNAL, info)) {
         if (errno != ENOENT) return Failure::of_system(own.dir().path_of(OwnDirectory::JOURNAL), errno);
+        TrashBin::keep_what_was_set_aside(fonts, own);
         own.clear();
         return done();
     }
@@ -232,8 +248,10 @@ Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     if (!is_done) return is_done.failure();
     if (!*is_done) {
         if (Outcome taken = take_back(fonts, own, *records); !taken) return taken;
+        if (Outcome forgotten = own.forget_trash(); !forgotten) return forgotten;
     }
     if (Outcome gone = own.remove_journal(); !gone) return gone;
+    TrashBin::keep_what_was_set_aside(fonts, own);
     own.clear();
     return done();
 }

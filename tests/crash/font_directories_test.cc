@@ -26,6 +26,7 @@
 #include "modules/gw_t1_fsm.h"
 #include "store/directory_change.h"
 #include "store/font_action.h"
+#include "support/changed_directory.h"
 #include "support/file_faults.h"
 #include "support/font_maker.h"
 #include "support/temp_dir.h"
@@ -35,22 +36,14 @@ namespace {
 using gw::test::FileFaults;
 using gw::test::TempDir;
 using Font = gw::Ref<GWFont>;
-/// The files below a directory, with their bytes.
-using Files = std::map<std::string, std::string>;
+using gw::test::Files;
+using gw::test::files_in;
+using gw::test::leaves_nothing_of_its_own;
+using gw::test::significant;
 
 constexpr const char* OUTLINE_NAME = "-x-alpha-medium-r-normal--0-0-0-0-p-0-iso8859-1";
 constexpr const char* BITMAP_NAME = "-x-beta-medium-r-normal--10-100-75-75-p-50-iso8859-1";
 constexpr const char* OTHER_NAME = "-x-gamma-medium-r-normal--10-100-75-75-p-50-iso8859-1";
-
-Files files_in(const std::string& dir) {
-    Files files;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
-        const std::string name = entry.path().lexically_relative(dir).string();
-        if (name.starts_with(".glyphward")) continue;
-        files[name] = entry.is_directory() ? "a directory" : TempDir::read_bytes(entry.path());
-    }
-    return files;
-}
 
 /// Directories of fonts, new for every attempt.
 class World {
@@ -145,22 +138,6 @@ const std::vector<Operation> OPERATIONS = {
     {"deletes a bitmap", "fonts", [](World& w) { return w.remove(w.bitmap("fonts")); }},
     {"does all of it", "fonts", several},
 };
-
-/// An empty index that a step has made first is no difference, and the metrics directory is no font.
-Files significant(Files files) {
-    std::erase_if(files, [](const auto& file) {
-        const auto& [name, bytes] = file;
-        return (name == "fonts.dir" && bytes == "0\n") || name == "glyphwd.upr" || name == "afm";
-    });
-    return files;
-}
-
-bool leaves_nothing_of_its_own(const std::string& dir) {
-    bool nothing = !std::filesystem::exists(dir + "/.glyphward/journal");
-    for (const char* ours : {"/.glyphward/new", "/.glyphward/old"})
-        nothing = nothing && (!std::filesystem::exists(dir + ours) || std::filesystem::is_empty(dir + ours));
-    return nothing;
-}
 
 /// The date of an index needs no call when a second has begun since the index was written before.
 constexpr int UNSTEADY_CALLS = 2;

@@ -108,8 +108,11 @@ TEST(LinkedFontPath, KilledAtAnyCallItIsOldOrNewAndTheLinkStays) {
         const TempDir dir;
         dir.write("dotfiles/fontpath", "/a/\n");
         std::filesystem::create_symlink("dotfiles/fontpath", dir.file(".VTfontpath"));
-        if (!gw::test::killed_at(at, [&] { (void)gw::write_vtfontpath(dir.file(".VTfontpath"), "/b/\n"); }))
+        ASSERT_LT(at, gw::test::MOST_CALLS);
+        if (!gw::test::killed_at(at, [&] { (void)gw::write_vtfontpath(dir.file(".VTfontpath"), "/b/\n"); })) {
+            EXPECT_EQ(dir.read(".VTfontpath"), "/b/\n");
             break;
+        }
         ++killed;
         EXPECT_TRUE(dir.read(".VTfontpath") == "/a/\n" || dir.read(".VTfontpath") == "/b/\n") << at;
         EXPECT_TRUE(std::filesystem::is_symlink(dir.file(".VTfontpath")));
@@ -118,25 +121,62 @@ TEST(LinkedFontPath, KilledAtAnyCallItIsOldOrNewAndTheLinkStays) {
 }
 
 // The dialog's changes go to the file when it is closed.
-TEST(Fontsets, KilledAtAnyCallTheFileIsTheOldOrTheNew) {
-    const auto rename_first = [](const TempDir& dir) {
+class Fontsets : public testing::Test {
+  protected:
+    void SetUp() override {
+        const TempDir whole;
+        whole.write("Vantor.fs", OLD_FONTSETS);
+        const FileFaults counting(FileFaults::Fault::NONE, 0);
+        ASSERT_TRUE(rename_first(whole));
+        calls = FileFaults::calls();
+        new_text = whole.read("Vantor.fs");
+        ASSERT_NE(new_text, OLD_FONTSETS);
+    }
+    static bool rename_first(const TempDir& dir) {
         GW_FONTSET_FILE file(dir.c_str(), "Vantor.fs", gw::FILE_TYPE_REGULAR);
         const gw::Ref<GWFontSet> first(file.get_fontsets().get_elem_at_pos(1));
         file.delete_fontset(first.get());
         first->update_fontset_name("-renamed");
         file.append_fontset(first.get());
-        (void)file.sync();
-    };
-    const TempDir whole;
-    whole.write("Vantor.fs", OLD_FONTSETS);
-    rename_first(whole);
-    const std::string new_text = whole.read("Vantor.fs");
-    ASSERT_NE(new_text, OLD_FONTSETS);
+        return file.sync() == 1;
+    }
+
+    std::string new_text;
+    int calls = 0;
+};
+
+TEST_F(Fontsets, ThatCannotBeWrittenStayAsTheyAre) {
+    int failed = 0;
+    for (const FileFaults::Fault fault :
+         {FileFaults::Fault::FAIL_ONCE, FileFaults::Fault::FAIL_FROM_THEN_ON}) {
+        for (const int error : {ENOSPC, EIO, EACCES}) {
+            for (int at = 1; at <= calls; ++at) {
+                const TempDir dir;
+                dir.write("Vantor.fs", OLD_FONTSETS);
+                bool written = false;
+                {
+                    const FileFaults faults(fault, at, error);
+                    written = rename_first(dir);
+                }
+                EXPECT_EQ(dir.read("Vantor.fs"), written ? new_text : OLD_FONTSETS)
+                    << "call " << at << " of " << calls << ", error " << error;
+                failed += written ? 0 : 1;
+            }
+        }
+    }
+    EXPECT_GT(failed, 10);
+}
+
+TEST_F(Fontsets, KilledAtAnyCallTheFileIsTheOldOrTheNew) {
     int killed = 0;
     for (int at = 1;; ++at) {
+        ASSERT_LT(at, gw::test::MOST_CALLS);
         const TempDir dir;
         dir.write("Vantor.fs", OLD_FONTSETS);
-        if (!gw::test::killed_at(at, [&] { rename_first(dir); })) break;
+        if (!gw::test::killed_at(at, [&] { (void)rename_first(dir); })) {
+            EXPECT_EQ(dir.read("Vantor.fs"), new_text);
+            break;
+        }
         ++killed;
         const std::string text = dir.read("Vantor.fs");
         EXPECT_TRUE(text == OLD_FONTSETS || text == new_text) << at << ": " << text;

@@ -13,6 +13,7 @@
 #include "store/font_action.h"
 #include "store/joint_change.h"
 #include "support/file_faults.h"
+#include "support/put_file.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -24,13 +25,7 @@ using gw::test::TempDir;
 enum class State { OLD, NEW, MIXED };
 
 gw::Outcome put_font(DirectoryChange& change, const std::string& name, const std::string& bytes) {
-    auto file = change.stage(name);
-    if (!file) return file.failure();
-    (void)file->write(bytes);
-    if (gw::Outcome finished = file->finish(); !finished) return finished;
-    if (gw::Outcome put = change.put(*file); !put) return put;
-    change.enter(name + " -" + bytes + '\n');
-    return gw::done();
+    return gw::test::put_font(change, name, bytes, '-' + bytes);
 }
 
 gw::Outcome remove_font(DirectoryChange& change, const std::string& name) {
@@ -129,6 +124,30 @@ TEST_P(TwoWays, KilledAgainWhileItIsSettledBothAreOldOrBothAreNew) {
         if (!killed) break;
     }
     EXPECT_GT(commits, 7);
+}
+
+// The directory that is asked what became of the change may be on a disk that is not mounted now.
+TEST_P(TwoWays, KilledAtAnyCallBothWaitForTheOneThatIsAway) {
+    int waited = 0;
+    for (const bool x_is_away : {true, false}) {
+        bool killed = true;
+        for (int at = 1; killed && at < gw::test::MOST_CALLS; at += gw::test::CALL_STEP) {
+            const Pair pair;
+            killed = gw::test::killed_at(at, [&] { (void)pair.move(GetParam()); });
+            const TempDir& away = x_is_away ? pair.x : pair.y;
+            const TempDir& here = x_is_away ? pair.y : pair.x;
+            std::filesystem::rename(away.path(), here.file("elsewhere"));
+            waited += gw::settle(here.path()) ? 0 : 1;
+            std::filesystem::rename(here.file("elsewhere"), away.path());
+            for (const TempDir* dir : {&away, &here, &away}) EXPECT_TRUE(gw::settle(dir->path())) << at;
+            // A font that only goes from a directory is brought back at once.
+            const bool is_in_both = !GetParam() && pair.x.exists("a.pcf") && pair.y.exists("a.pcf");
+            EXPECT_TRUE(is_in_both || pair.state(GetParam()) != State::MIXED) << at << '\n' << pair.text();
+            EXPECT_TRUE(pair.is_tidy()) << at;
+        }
+        EXPECT_FALSE(killed);
+    }
+    EXPECT_EQ(waited > 0, GetParam()) << waited;
 }
 
 TEST_P(TwoWays, WhatFailsIsWhatIsSaid) {

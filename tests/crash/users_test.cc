@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 //
 // Several users of one font directory: who was killed there locks nobody out who may write it.
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -13,6 +14,7 @@
 
 #include "store/directory_change.h"
 #include "support/file_faults.h"
+#include "support/put_file.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -24,15 +26,15 @@ using gw::test::TempDir;
 constexpr uid_t ALICE = 1000;
 constexpr uid_t BOB = 1001;
 constexpr gid_t GROUP = 2000;
-constexpr int USERS_CALLS = 100;
 constexpr int NO_SUCH_USER = 9;
 
-/// The status of a process of that user's, which is killed at its `at`-th change of the disk, if not 0.
+/// The status of a process of that user's, a member of GROUP too, which is killed at its `at`-th change of
+/// the disk, if not 0.
 int status_as(uid_t user, gid_t group, int at, const std::function<bool()>& work) {
     const pid_t child = ::fork();
     if (child == 0) {
         ::umask(002);
-        if (::setgid(group) != 0 || ::setuid(user) != 0) ::_exit(NO_SUCH_USER);
+        if (::setgroups(1, &GROUP) != 0 || ::setgid(group) != 0 || ::setuid(user) != 0) ::_exit(NO_SUCH_USER);
         const FileFaults faults(at != 0 ? FileFaults::Fault::KILL : FileFaults::Fault::NONE, at);
         ::_exit(work() ? 0 : 1);
     }
@@ -48,12 +50,7 @@ bool as(uid_t user, gid_t group, const std::function<bool()>& work) {
 bool install(const TempDir& dir, const std::string& name) {
     auto change = DirectoryChange::begin(dir.path());
     if (!change || !(*change)->make_index()) return false;
-    auto file = (*change)->stage(name);
-    if (!file) return false;
-    file->write(name);
-    if (!file->finish() || !(*change)->put(*file)) return false;
-    (*change)->enter(name + " -x\n");
-    return static_cast<bool>((*change)->commit());
+    return gw::test::put_font(**change, name, name, "-x") && (*change)->commit();
 }
 
 class Users : public testing::Test {
@@ -79,10 +76,16 @@ class Users : public testing::Test {
 
 TEST_F(Users, TheSuperuserWhoIsKilledDoesNotLockTheOwnerOut) {
     int at = 1;
-    for (; at < USERS_CALLS; ++at) {
+    for (;; ++at) {
+        ASSERT_LT(at, gw::test::MOST_CALLS);
         const TempDir dir;
         give(dir, ALICE, ALICE, 0755);
-        if (status_as(0, 0, at, [&] { return install(dir, "c.pcf"); }) == 0) break;
+        const int status = status_as(0, 0, at, [&] { return install(dir, "c.pcf"); });
+        if (status == 0) {
+            expect_installed(dir, "c.pcf", at);
+            break;
+        }
+        ASSERT_TRUE(WIFSIGNALED(status)) << at;
         EXPECT_TRUE(as(ALICE, ALICE, [&] {
             std::filesystem::remove(dir.file("fonts.dir"));
             return gw::settle(dir.path()) && install(dir, "d.pcf");
@@ -94,15 +97,38 @@ TEST_F(Users, TheSuperuserWhoIsKilledDoesNotLockTheOwnerOut) {
 
 TEST_F(Users, AMemberOfTheGroupTakesBackWhatAnotherHasBegun) {
     int at = 1;
-    for (; at < USERS_CALLS; ++at) {
+    for (;; ++at) {
+        ASSERT_LT(at, gw::test::MOST_CALLS);
         const TempDir dir;
         give(dir, 0, GROUP, 02775);
-        if (status_as(ALICE, GROUP, at, [&] { return install(dir, "c.pcf"); }) == 0) break;
+        const int status = status_as(ALICE, GROUP, at, [&] { return install(dir, "c.pcf"); });
+        if (status == 0) {
+            expect_installed(dir, "c.pcf", at);
+            break;
+        }
+        ASSERT_TRUE(WIFSIGNALED(status)) << at;
         EXPECT_TRUE(as(BOB, GROUP, [&] { return install(dir, "d.pcf"); })) << at;
         const std::string both = "2\nc.pcf -x\nd.pcf -x\n";
         if (dir.read("fonts.dir") != both) expect_installed(dir, "d.pcf", at);
     }
     EXPECT_GT(at, 15);
+}
+
+// Without the set-group-ID bit of the directory it would have the group that the user has otherwise.
+TEST_F(Users, OfOneGroupGiveItTheirFirstIndex) {
+    for (const bool begins_empty : {true, false}) {
+        const TempDir dir;
+        give(dir, 0, GROUP, 0775);
+        std::filesystem::remove(dir.file("fonts.dir"));
+        EXPECT_TRUE(as(ALICE, ALICE, [&] {
+            if (begins_empty) return install(dir, "c.pcf");
+            return static_cast<bool>(gw::test::bring_font(dir.path(), "c.pcf", "C", "-x"));
+        }));
+        struct stat info = {};
+        ASSERT_EQ(::stat(dir.file("fonts.dir").c_str(), &info), 0);
+        EXPECT_EQ(info.st_uid, ALICE);
+        EXPECT_EQ(info.st_gid, GROUP) << (begins_empty ? "made empty" : "made with a line");
+    }
 }
 
 // In a sticky directory nobody can replace the index of another; it is overwritten.

@@ -89,6 +89,14 @@ Window Desktop::window_titled(const std::string& title) const {
     return find_titled(DefaultRootWindow(display_), title, DEPTH_OF_TITLES);
 }
 
+std::string Desktop::utf8_property(Window window, const char* name) const {
+    XTextProperty property = {};
+    if (XGetTextProperty(display_, window, &property, XInternAtom(display_, name, False)) == 0) return "";
+    const std::unique_ptr<unsigned char, XFreeDeleter> bytes(property.value);
+    if (property.encoding != XInternAtom(display_, "UTF8_STRING", False)) return "";
+    return {reinterpret_cast<char*>(bytes.get()), property.nitems};
+}
+
 std::vector<Window> Desktop::windows_titled(const std::string& title) const {
     std::vector<Window> found;
     for (const Window frame : children_of(display_, DefaultRootWindow(display_))) {
@@ -376,6 +384,30 @@ void Desktop::type(const std::string& text) const {
     });
 }
 
+std::string Desktop::clipboard() const {
+    settle();
+    const Window window = XCreateSimpleWindow(display_, DefaultRootWindow(display_), 0, 0, 1, 1, 0, 0, 0);
+    const Atom property = XInternAtom(display_, "PASTED", False);
+    XConvertSelection(display_, XInternAtom(display_, "CLIPBOARD", False), XA_STRING, property, window,
+                      CurrentTime);
+    XEvent event{};
+    require([&] { return XCheckTypedWindowEvent(display_, window, SelectionNotify, &event) == True; },
+            "the clipboard does not answer");
+    constexpr long MOST_WORDS = 100000;
+    Atom type = 0;
+    int format = 0;
+    unsigned long count = 0;
+    unsigned long rest = 0;
+    unsigned char* bytes = nullptr;
+    if (event.xselection.property != 0) {
+        XGetWindowProperty(display_, window, property, 0, MOST_WORDS, True, AnyPropertyType, &type, &format,
+                           &count, &rest, &bytes);
+    }
+    const std::unique_ptr<unsigned char, XFreeDeleter> owned(bytes);
+    XDestroyWindow(display_, window);
+    return {bytes, bytes + count};
+}
+
 void Desktop::ask_to_close(Window window) const {
     XEvent event{};
     event.xclient.type = ClientMessage;
@@ -442,7 +474,11 @@ void Desktop::picture(const std::string& name) const {
     const std::string command =
         "xwd -silent -root | xwdtopnm 2>/dev/null | pnmcrop -quiet | pnmtopng -quiet > '" +
         std::string(directory) + "/" + name + ".png'";
-    if (std::system(command.c_str()) != 0) throw std::runtime_error("no picture of " + name);
+    // A window that goes while the screen is read ends the reading.
+    constexpr int MOST_TRIES = 5;
+    for (int tries = 0; std::system(command.c_str()) != 0; ++tries) {
+        if (tries == MOST_TRIES) throw std::runtime_error("no picture of " + name);
+    }
 }
 
 }  // namespace gw::e2e

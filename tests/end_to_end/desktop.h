@@ -52,6 +52,8 @@ class Desktop {
     [[nodiscard]] Window part_named(Window window, const std::string& name) const;
     /// All visible windows with that title.
     [[nodiscard]] std::vector<Window> windows_titled(const std::string& title) const;
+    /// The bytes of this property of the window if they are text in UTF-8 by their type; "" if not.
+    [[nodiscard]] std::string utf8_property(Window window, const char* name) const;
     /// Waits until the window appears (is gone); false when that does not happen.
     [[nodiscard]] bool appears(const std::string& title) const;
     [[nodiscard]] bool disappears(const std::string& title) const;
@@ -82,6 +84,8 @@ class Desktop {
     void key(const char* held, const char* name) const;
     /// Types characters that are on the keys, alone or with Shift.
     void type(const std::string& text) const;
+    /// What a user would paste: the text that is in the clipboard; empty when there is none.
+    [[nodiscard]] std::string clipboard() const;
     /// Sends what the window manager sends when its close box is used.
     void ask_to_close(Window window) const;
 

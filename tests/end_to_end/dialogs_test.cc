@@ -15,7 +15,6 @@ using gw::test::TempDir;
 
 constexpr const char* MODIFY_FP = "Glyph Warden - Modify Font Path";
 constexpr const char* CONFIG = "/usr/vantor/server/etc/VTconfig";
-constexpr int LINE = 18;  // of a list, in the fonts of the sandbox
 
 class Dialogs : public ProgramTest {
   protected:
@@ -32,7 +31,7 @@ class Dialogs : public ProgramTest {
     void click_line(Window dialog, const char* list, int line) const {
         const Window window = desktop.part_named(dialog, list);
         ASSERT_NE(window, 0U) << list;
-        desktop.click(window, 60, 12 + line * LINE);
+        desktop.click(window, 60, 12 + line * list_line_height());
     }
     static std::string first_element() {
         const std::string line = TempDir::read_bytes(CONFIG);

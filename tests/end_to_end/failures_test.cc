@@ -21,7 +21,6 @@ using namespace gw::e2e;
 using gw::test::SmallDisk;
 using gw::test::TempDir;
 
-constexpr const char* SUMMARY = "Glyph Warden - Conflicts";
 constexpr const char* SAMPLE_TEXT = "Glyph Warden - Set Sample Text";
 const BitmapFont AARDVARKS{"Aardvarks"};
 using Environment = std::map<std::string, std::optional<std::string>>;
@@ -68,10 +67,10 @@ class Failures : public ProgramTest {
     TempDir source;
 };
 
-TEST_F(Failures, AFontWhoseFileNameHasABlankIsShownWithTheReason) {
-    OutlineFont{"Blankford"}.write_to(source.path());
-    const OutlineFont font{"Blankford"};
-    std::filesystem::rename(source.file(font.file_name()), source.file("My Font.pfb"));
+TEST_F(Failures, AFontWhoseFileNameIsTooLongIsShownWithTheReason) {
+    OutlineFont{"Longford"}.write_to(source.path());
+    const OutlineFont font{"Longford"};
+    std::filesystem::rename(source.file(font.file_name()), source.file(std::string(100, 'n') + ".pfb"));
     install_all("");
     ASSERT_TRUE(summary_lists_failures("failure-name"));
     EXPECT_TRUE(close_summary());
@@ -98,7 +97,7 @@ TEST_F(Failures, WithBothResourcesOffStandardErrorSaysItAndNoWindowOpens) {
     disk.leave_blocks(1);
     install_all(disk.path(), both_off());
     EXPECT_TRUE(program_says("No space left on device; the font is left out"));
-    EXPECT_TRUE(hint_comes_and_goes());
+    EXPECT_TRUE(hint_comes_and_goes(true));
     EXPECT_FALSE(desktop.is_visible(SUMMARY));
     EXPECT_EQ(leave(), 0);
 }

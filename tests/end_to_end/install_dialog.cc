@@ -1,25 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "end_to_end/install_dialog.h"
 
+#include "end_to_end/program.h"
 #include "end_to_end/waiting.h"
 
 namespace gw::e2e {
 
 namespace {
 
-constexpr int LINE_HEIGHT = 18;  // of the list, in the fonts of the sandbox
 constexpr int FIRST_LINE = 12;
 constexpr int FIELD_BORDER = 5;
 constexpr int CURSOR_WIDTH = 12;  // of the insertion cursor at the left of an empty field
 
 }  // namespace
 
-InstallDialog::InstallDialog(const Desktop& desktop) : desktop_(desktop) {
+InstallDialog::InstallDialog(const Desktop& desktop, const Titles& titles)
+    : desktop_(desktop), titles_(titles) {
     wait_until([this] { return identify(); });
 }
 
 bool InstallDialog::identify() {
-    window = desktop_.window_titled(TITLE);
+    window = desktop_.window_titled(titles_.window);
     const auto part = [this](const char* name) { return desktop_.part_named(window, name); };
     list = part("_hrn_list");
     sample_field = part("_sample_textfield");
@@ -35,7 +36,7 @@ bool InstallDialog::identify() {
 }
 
 void InstallDialog::click_line(int line, const char* modifier) const {
-    desktop_.click(list, 60, FIRST_LINE + line * LINE_HEIGHT, modifier);
+    desktop_.click(list, 60, FIRST_LINE + line * list_line_height(), modifier);
 }
 
 Rectangle InstallDialog::sample() const {
@@ -45,7 +46,7 @@ Rectangle InstallDialog::sample() const {
 }
 
 bool InstallDialog::list_fonts_of(const std::string& dir) const {
-    const DirectoryChooser chooser(desktop_, DirectoryChooser::SOURCE_TITLE, source_button);
+    const DirectoryChooser chooser(desktop_, titles_.source, source_button);
     if (!chooser.is_there()) return false;
     chooser.select(dir);
     return chooser.accept();

@@ -13,8 +13,14 @@ class InstallDialog {
   public:
     static constexpr const char* TITLE = "Glyph Warden - Install";
 
+    /// What it and the chooser of its source are called, in the user's language.
+    struct Titles {
+        const char* window = TITLE;
+        const char* source = "Glyph Warden : List Fonts From";
+    };
     /// Waits until the window is open with all its parts.
-    explicit InstallDialog(const Desktop& desktop);
+    explicit InstallDialog(const Desktop& desktop) : InstallDialog(desktop, Titles{}) {}
+    InstallDialog(const Desktop& desktop, const Titles& titles);
 
     [[nodiscard]] bool is_there() const { return window != 0 && cancel_button != 0; }
     /// Clicks a visible line of the list; 0 is the top one.
@@ -45,6 +51,7 @@ class InstallDialog {
   private:
     bool identify();
     const Desktop& desktop_;
+    Titles titles_;
 };
 
 class DirectoryChooser {

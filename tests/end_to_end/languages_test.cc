@@ -36,9 +36,15 @@ class InLanguage : public ProgramTest, public testing::WithParamInterface<Langua
         });
     }
     void expect_windows(const Language& language) {
-        EXPECT_NE(open(language.about_keys, language.about_title), 0U);
+        expect_title(open(language.about_keys, language.about_title), language.about_title);
         EXPECT_TRUE(leave_window(language.about_title, Leaving::ESCAPE, nullptr));
-        EXPECT_NE(open(language.install_keys, language.install_title), 0U);
+        expect_title(open(language.install_keys, language.install_title), language.install_title);
+    }
+    /// The window is there. Today's windows have the title in UTF-8, too, whatever the locale's encoding is.
+    void expect_title(Window window, const char* title) const {
+        ASSERT_NE(window, 0U) << title;
+        for (const char* property : {"_NET_WM_NAME", "_NET_WM_ICON_NAME"})
+            EXPECT_EQ(desktop.utf8_property(window, property), is_as_ever() ? "" : title) << property;
     }
     /// Uses the close box, which needs no mnemonic.
     void expect_quiet_end() {

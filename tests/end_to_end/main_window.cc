@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include "end_to_end/main_window.h"
 
+#include "end_to_end/program.h"
 #include "end_to_end/waiting.h"
 
 namespace gw::e2e {
 
 namespace {
 
-constexpr int LINE_HEIGHT = 18;  // of the list, in the fonts of the sandbox
 constexpr int FIRST_LINE = 12;
 constexpr int FIELD_BORDER = 5;
 constexpr int CURSOR_WIDTH = 12;  // of the insertion cursor at the left of an empty field
@@ -36,7 +36,7 @@ bool MainWindow::identify() {
 }
 
 void MainWindow::click_line(int line, const char* modifier) const {
-    desktop_.click(list, 60, FIRST_LINE + line * LINE_HEIGHT, modifier);
+    desktop_.click(list, 60, FIRST_LINE + line * list_line_height(), modifier);
 }
 
 void MainWindow::click_last_line(const char* modifier) const {

@@ -11,12 +11,17 @@
 #include <string_view>
 
 #include "end_to_end/desktop.h"
+#include "support/window_fonts.h"
 
 namespace gw::e2e {
 
 bool is_as_ever() {
     const char* resources = std::getenv("GLYPHWARD_RESOURCES");
     return resources != nullptr && std::string_view(resources) == "off";
+}
+
+int list_line_height() {
+    return is_as_ever() ? 18 : 16;
 }
 
 Program::Program(const std::map<std::string, std::optional<std::string>>& environment,
@@ -36,6 +41,7 @@ Program::Program(const std::map<std::string, std::optional<std::string>>& enviro
     if (pid_ != 0) return;
 
     ::setenv("HOME", home_.path().substr(0, home_.path().size() - 1).c_str(), 1);
+    test::use_window_fonts();
     for (const auto& [name, value] : environment) {
         if (value) {
             ::setenv(name.c_str(), value->c_str(), 1);

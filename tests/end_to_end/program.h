@@ -23,6 +23,9 @@ inline constexpr const char* INSTALLED_PROGRAM = "/usr/vantor/bin/glyphward";
 /// the program has always done is to be the same then. Tests of what is new are skipped.
 [[nodiscard]] bool is_as_ever();
 
+/// How many pixels high a line of a list is: in the fonts of the sandbox, whose screen has 96 dots per inch.
+[[nodiscard]] int list_line_height();
+
 class Program {
   public:
     /// Starts the program. A variable without a value is removed from the environment. HOME is a new

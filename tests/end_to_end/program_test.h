@@ -48,9 +48,20 @@ class ProgramTest : public testing::Test {
     bool leave_window(const char* title, Leaving way, const char* button);
     /// Presses the named button of the window and waits until the window is gone.
     bool press(const char* title, const char* button);
-    /// Waits for the superuser's hint to modify the font path, and closes it. Returns true at once for other
-    /// users.
-    bool hint_comes_and_goes();
+    /// Waits for the superuser's hint to modify the font path, and closes it. Others do not get it, nor does
+    /// anybody with today's windows: true at once if it is not there.
+    bool hint_comes_and_goes(bool has_windows_of_ever = is_as_ever());
+    /// The windows for conflicts in English. Where windows compare conflicts, what can be decided is asked
+    /// for at once, and the summary comes behind it.
+    static inline const char* const SUMMARY =
+        is_as_ever() ? "Glyph Warden - Conflicts" : "Glyph Warden - Summary";
+    static constexpr const char* RESOLVE = "Glyph Warden - Resolve Conflicts";
+    /// Waits for the decision and has the keyboard in it; 0 when it does not come.
+    Window open_resolving();
+    /// Waits for the summary, and leaves the decision that may come before it.
+    bool comes_to_summary();
+    /// Finishes the decision, and closes the summary behind it, if one comes.
+    bool finish_resolving();
     /// Puts a directory at the beginning of the program's font path. To be called before the program starts.
     void list_fonts_of(const std::string& dir);
     /// Whether the server takes fonts from the directory.

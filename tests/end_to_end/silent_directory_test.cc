@@ -5,13 +5,17 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
+#include <filesystem>
 #include <map>
 #include <optional>
 #include <string>
 
 #include "end_to_end/bitmap_fonts.h"
+#include "end_to_end/doctor_window.h"
 #include "end_to_end/program_test.h"
+#include "platform/host_paths.h"
 #include "platform/shell_command.h"
 #include "support/sleeping_files.h"
 
@@ -23,21 +27,21 @@ using testing::Not;
 
 /// Looks at the directory hang in a program with this environment.
 std::map<std::string, std::optional<std::string>> asleep(const std::string& dir) {
-    // A sanitizer wants to be the first library, but this one needs nothing of it.
-    const char* options = std::getenv("ASAN_OPTIONS");
-    return {{"LD_PRELOAD", SLEEPING_FILES_LIBRARY},
-            {gw::test::SLEEPING_DIRECTORY, dir},
-            {"ASAN_OPTIONS",
-             (options != nullptr ? options + std::string(":") : "") + "verify_asan_link_order=0"}};
+    return {{"LD_PRELOAD", SLEEPING_FILES_LIBRARY}, {gw::test::SLEEPING_DIRECTORY, dir}};
 }
 
 class SilentDirectory : public ProgramTest {
   protected:
-    /// A directory with one font on the program's font path.
-    std::string font_dir(const BitmapFont& font) {
+    /// A directory with one font.
+    [[nodiscard]] std::string other_dir(const BitmapFont& font) const {
         const std::string dir = home.file(font.family) + '/';
         font.write_to(dir);
         index_fonts(dir);
+        return dir;
+    }
+    /// The same, on the program's font path.
+    std::string font_dir(const BitmapFont& font) {
+        const std::string dir = other_dir(font);
         list_fonts_of(dir);
         return dir;
     }
@@ -78,6 +82,38 @@ TEST_F(SilentDirectory, WhereAllAnswerNothingIsSaid) {
     start(asleep(home.file("nothing")));
     EXPECT_EQ(program->errors(), "");
     EXPECT_EQ(desktop.ink(status_line()), 0);
+    EXPECT_EQ(leave(), 0);
+}
+
+/// The server has it, and the configuration does not.
+TEST_F(SilentDirectory, TheServersOwnMayBeSilent) {
+    if (is_as_ever()) GTEST_SKIP() << "nothing is marked";
+    const std::string silent = other_dir({"Slumberer"});
+    ASSERT_EQ(gw::run_shell("exec xset fp+ %s", {silent}), 0);
+    start(asleep(silent));
+    EXPECT_EQ(program->errors(), "");
+    EXPECT_EQ(leave(), 0);
+}
+
+TEST_F(SilentDirectory, TheDefaultDestinationMayBeSilent) {
+    const bool is_root = ::geteuid() == 0;
+    const std::string silent =
+        is_root ? std::string(gw::HOST_DIR) + gw::DEFAULT_INSTALL_DIR + '/' : home.make_dir("glyphwd_fonts");
+    if (is_root) std::filesystem::create_directories(silent);
+    start(asleep(silent));
+    EXPECT_EQ(leave(), 0);
+}
+
+TEST_F(SilentDirectory, TheTroubleOfAFileThereIsThatItIsSilent) {
+    if (is_as_ever()) GTEST_SKIP() << "there is no such window";
+    const std::string silent = other_dir({"Slumberer"});
+    start(asleep(silent));
+    ASSERT_NE(open_by_menu("t", "w", DoctorWindow::TITLE), 0U);
+    const DoctorWindow doctor(desktop);
+    ASSERT_TRUE(doctor.is_there());
+    for (const std::string& asked : {silent, silent + "slumberer.pcf"})
+        EXPECT_THAT(doctor.ask(asked), HasSubstr("does not answer")) << asked;
+    EXPECT_TRUE(leave_window(DoctorWindow::TITLE, Leaving::ESCAPE, nullptr));
     EXPECT_EQ(leave(), 0);
 }
 

@@ -57,7 +57,8 @@ void TodaysFontsTest::install_both() {
 
 void TodaysFontsTest::delete_both() {
     delete_line(BITMAP_LINE);
-    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir").starts_with("1\n"); }));
+    EXPECT_TRUE(wait_until([&] { return installed("fonts.dir").find(bitmap_file) == std::string::npos; }));
+    EXPECT_NE(installed("fonts.dir").find(OUTLINE_FILE), std::string::npos);
     delete_line(OUTLINE_LINE);
     EXPECT_TRUE(wait_until([&] { return installed("fonts.dir") == "0\n"; }));
     EXPECT_EQ(installed(OUTLINE_FILE), "");

@@ -70,6 +70,7 @@ void gw::fuzz::try_input(std::string_view input) {
     if (try_unchanged(text)) try_setting(value, text);
     ElementList elements;
     const ElementsOwner owner(elements);
-    read_config_font_path(path(), elements, "/a/,/b/");
+    const Outcome outcome = read_config_font_path(path(), elements, "/a/,/b/");
+    GW_MUST_HOLD(static_cast<bool>(outcome), text);
     for (const GW_STRING* element : elements) GW_MUST_HOLD(element->get_len() > 0, text);
 }

@@ -15,7 +15,8 @@ namespace fs = std::filesystem;
 namespace {
 
 /// What a font directory may have beside fonts.
-const std::set<std::string> OTHER_FILES = {"fonts.dir", "fonts.alias", "glyphwd.upr", "afm", ".glyphward"};
+const std::set<std::string> OTHER_FILES = {"fonts.dir",   "fonts.scale", "fonts.alias",
+                                           "glyphwd.upr", "afm",         ".glyphward"};
 
 /// What is left of a change in our own directory.
 std::vector<std::string> leftovers_in(const std::string& path) {
@@ -128,7 +129,8 @@ std::vector<std::string> FontModel::differences_in(const std::string& path, cons
     std::vector<std::string> found = leftovers_in(path);
     std::set<std::string> lines;
     for (const auto& [file, font] : expected) {
-        lines.insert(file + ' ' + font.xlfd);
+        for (const std::string& name : font.names) lines.insert(file + ' ' + name);
+        if (font.names.empty()) lines.insert(file + ' ' + font.xlfd);
         if (bytes_of(path + file) != installed_bytes(font)) found.push_back(path + file + " is not the font");
     }
     for (const auto& entry : fs::directory_iterator(path)) {

@@ -16,6 +16,8 @@ struct Font {
     std::string xlfd;
     std::string shown;  ///< its name in lists; sizes of one face have the same
     std::string bytes;  ///< of its file in the source
+    /// All its names in an index; none when `xlfd` is the only one.
+    std::vector<std::string> names = {};
 };
 
 /// The fonts of a source, by their names in lists.

@@ -16,8 +16,9 @@ struct SourceDirectory {
     gw::test::TempDir dir;
     Source fonts;
 
-    /// Makes some of the fonts; their bytes name the source.
-    void fill(int number, Random& random);
+    /// Makes some of the fonts; their bytes name the source. With `modern` all are whole fonts, and outlines
+    /// have the names that mkfontscale gives them.
+    void fill(int number, Random& random, bool modern);
 };
 
 }  // namespace gw::soak

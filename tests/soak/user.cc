@@ -49,7 +49,8 @@ User::User(int seed)
       modern_windows_(((seed + (is_root() ? 1 : 0)) & 2) != 0),
       destinations_(make_destinations()),
       model_(destinations_, modern_fonts_) {
-    for (int i = 0; i < NUMBER_OF_SOURCES; ++i) sources_[static_cast<std::size_t>(i)].fill(i, random_);
+    for (int i = 0; i < NUMBER_OF_SOURCES; ++i)
+        sources_[static_cast<std::size_t>(i)].fill(i, random_, modern_fonts_);
     for (TempDir& element : more_elements_) element.write("fonts.dir", "0\n");
     prepare_font_path();
     ::setenv("VANTORHOME", installation_.path().substr(0, installation_.path().size() - 1).c_str(), 1);

@@ -45,6 +45,8 @@ class User {
     void choose_source();
     void choose_source(int number);
     void choose_destination();
+    /// The names that the install window offers, without what is said behind them.
+    [[nodiscard]] static Texts names_offered();
     void install();
     void remove();
     void remove_at(const std::vector<int>& positions);
@@ -52,6 +54,7 @@ class User {
     void pick_anything();
     void show_attributes();
     void open_and_close();
+    [[nodiscard]] Texts shown_path() const;
     void edit_font_path();
     void edit_once(Texts& shown);
     void change_sample_text();

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 //
-// A package manager to which every file below one directory belongs.
+// A package manager: one to which every file below one directory belongs, or a script.
 #pragma once
 
 #include <cstdlib>
@@ -14,10 +14,11 @@ namespace gw::test {
 
 class FakePackages {
   public:
-    FakePackages(const std::string& dir, const std::string& package) : path_(std::getenv("PATH")) {
-        home_.write("bin/dpkg-query", "#!/bin/sh\nshift 2\nfor f; do\ncase $f in " +
-                                          std::filesystem::canonical(dir).string() + "/*) echo \"" + package +
-                                          ": $f\";;\nesac\ndone\nexit 1\n");
+    FakePackages(const std::string& dir, const std::string& package)
+        : FakePackages("shift 2\nfor f; do\ncase $f in " + std::filesystem::canonical(dir).string() +
+                       "/*) echo \"" + package + ": $f\";;\nesac\ndone\nexit 1\n") {}
+    explicit FakePackages(const std::string& script) : path_(std::getenv("PATH")) {
+        home_.write("bin/dpkg-query", "#!/bin/sh\n" + script);
         std::filesystem::permissions(home_.file("bin/dpkg-query"), std::filesystem::perms(0755));
         ::setenv("PATH", (home_.file("bin:") + path_).c_str(), 1);
         forget_package_owners();

@@ -27,6 +27,9 @@ inline constexpr int CALL_STEP = 1;
 inline constexpr int CALL_STEP = 1;
 #endif
 
+/// No work of a test changes the disk so often.
+inline constexpr int MOST_CALLS = 200;
+
 /// As long as this exists, the calls of the table are counted, and one of them goes wrong.
 class FileFaults {
   public:
@@ -105,18 +108,24 @@ class FileFaults {
     };
 };
 
-/// Runs `work` in a process of its own, which is killed at its `at`-th change of the disk. Returns whether it
-/// was killed, and not done before.
-inline bool killed_at(int at, const std::function<void()>& work) {
+/// Runs `work` in a process of its own. Returns whether it was killed, and not done before.
+inline bool is_killed(const std::function<void()>& work) {
     const pid_t child = ::fork();
     if (child == 0) {
-        const FileFaults faults(FileFaults::Fault::KILL, at);
         work();
         ::_exit(0);
     }
     int status = 0;
     while (::waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
     return WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+}
+
+/// The same for a process that is killed at its `at`-th change of the disk.
+inline bool killed_at(int at, const std::function<void()>& work) {
+    return is_killed([&] {
+        const FileFaults faults(FileFaults::Fault::KILL, at);
+        work();
+    });
 }
 
 }  // namespace gw::test

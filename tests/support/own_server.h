@@ -51,6 +51,8 @@ class OwnServer {
     OwnServer(const OwnServer&) = delete;
     OwnServer& operator=(const OwnServer&) = delete;
 
+    [[nodiscard]] pid_t process() const { return pid_; }
+
   private:
     static std::string line_from(int descriptor) {
         std::string line;

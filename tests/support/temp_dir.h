@@ -34,7 +34,7 @@ class TempDir {
         // A test may have removed its own write permission.
         for (const auto& entry : std::filesystem::recursive_directory_iterator(
                  path_, std::filesystem::directory_options::skip_permission_denied, ignored)) {
-            if (entry.is_directory() && !entry.is_symlink()) {
+            if (!entry.is_symlink() && entry.is_directory()) {
                 std::filesystem::permissions(entry, std::filesystem::perms::owner_all,
                                              std::filesystem::perm_options::add, ignored);
             }

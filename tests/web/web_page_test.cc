@@ -307,14 +307,16 @@ TEST_F(WebPage, ShowsTheProgramAndTakesTheMouseAndTheKeyboard) {
         page.browser.picture("web-keyboard");
 
         EXPECT_TRUE(page.is_connected());
-        // The menu covers the beginning of the list.
-        const auto beginning = [&] { return page.drawn({list.x, list.y, list.width, 2 * LINE_HEIGHT}); };
-        ASSERT_TRUE(page.is_steady(beginning));
-        const std::string without_menu = beginning();
+        // The menu covers what is above the list.
+        const auto above = [&] {
+            return page.drawn({list.x, list.y - 5 * LINE_HEIGHT, list.width, 5 * LINE_HEIGHT});
+        };
+        ASSERT_TRUE(page.is_steady(above));
+        const std::string without_menu = above();
         page.browser.press(ALT);
         page.browser.type(FONTS);
         page.browser.release(ALT);
-        ASSERT_TRUE(wait_until([&] { return beginning() != without_menu; }) && page.is_steady(beginning));
+        ASSERT_TRUE(wait_until([&] { return above() != without_menu; }) && page.is_steady(above));
         page.browser.type(EXIT);
         EXPECT_EQ(served.child().wait_for_exit(), 0) << served.child().output();
         EXPECT_TRUE(wait_until([&] { return !page.is_connected(); }));

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/program/program_objects.h"
+#include "core/text.h"
 #include "support/temp_dir.h"
 #include "widget/widget_test_support.h"
 
@@ -44,10 +45,12 @@ inline bool has_charset(const GWHRNElement& elem, const std::string& registry, c
            encoding == font->get_field(GWFont::CHARSET_ENCODING);
 }
 
-/// The position of a name of Latin-1 fonts that begins with `start`.
+/// The position of a name of Latin-1 fonts that begins with `start`, in any case: the font policy decides
+/// which of its letters are capitals.
 inline int latin_position(const std::string& start) {
     return position_where([&](const GWHRNElement& elem) {
-        return std::string(elem.get_name()).starts_with(start) && has_charset(elem, "iso8859", "1");
+        return lower_case(elem.get_name()).starts_with(lower_case(start)) &&
+               has_charset(elem, "iso8859", "1");
     });
 }
 inline int outline_position() {

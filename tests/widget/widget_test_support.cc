@@ -14,6 +14,7 @@
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/start/main_start.h"
+#include "support/window_fonts.h"
 
 // X headers come last.
 #include <X11/Shell.h>
@@ -51,6 +52,7 @@ void start_toolkit(const std::vector<std::string>& arguments) {
     for (std::string& word : words) argv.push_back(word.data());
     argv.push_back(nullptr);
     int argc = static_cast<int>(words.size());
+    use_window_fonts();
     begin_program();
     init_gui(&argc, argv.data());
 }
@@ -178,13 +180,14 @@ void close_box(Widget widget) {
     pump();
 }
 
-void press_key(Widget widget, const char* key) {
+void press_key(Widget widget, const char* key, unsigned modifiers) {
     XEvent event = {};
     event.xkey.window = XtWindow(widget);
     event.xkey.root = RootWindowOfScreen(XtScreen(widget));
     event.xkey.time = XtLastTimestampProcessed(display);
     event.xkey.keycode = XKeysymToKeycode(display, XStringToKeysym(key));
     event.xkey.same_screen = True;
+    event.xkey.state = modifiers;
     for (const int type : {KeyPress, KeyRelease}) {
         event.type = type;
         // The key press may have unmapped the window, but the window still exists.

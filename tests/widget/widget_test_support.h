@@ -51,8 +51,8 @@ int in_pixels(int font_units, unsigned char orientation);
 /// Uses the window manager's close box of the window of `widget`.
 void close_box(Widget widget);
 /// Presses and releases the key of that name ("Escape") in the window of `widget`, which must be on the
-/// screen.
-void press_key(Widget widget, const char* key);
+/// screen, with these modifiers (ControlMask).
+void press_key(Widget widget, const char* key, unsigned modifiers = 0);
 
 /// The text of a message box.
 std::string message_of(Widget message_box);

@@ -9,6 +9,7 @@
 #include <filesystem>
 
 #include "app/common/dirdlg.h"
+#include "app/common/problemdlg.h"
 #include "app/common/progressdlg.h"
 #include "app/common/status_line.h"
 #include "app/conflicts/conflictdlg.h"
@@ -65,6 +66,26 @@ void send_click() {
     event.xclient.format = 32;
     XSendEvent(display, XtWindow(wi_toplevel), False, NoEventMask, &event);
 }
+
+/// No directory that is gone stays on the server's font path: the server would refuse every rehash of the
+/// tests behind.
+class GoneDirectories : public testing::EmptyTestEventListener {
+  public:
+    GoneDirectories() { testing::UnitTest::GetInstance()->listeners().Append(this); }
+
+  private:
+    void OnTestEnd(const testing::TestInfo&) override {
+        if (display == nullptr) return;
+        std::vector<std::string> path = gw::test::server_font_path();
+        const auto gone = std::erase_if(path, [](const std::string& element) {
+            return element.starts_with('/') && !std::filesystem::exists(element + "/fonts.dir");
+        });
+        if (gone > 0) gw::test::set_server_font_path(path);
+    }
+};
+
+/// GoogleTest owns it.
+[[maybe_unused]] const auto* const GONE_DIRECTORIES = new GoneDirectories;
 
 }  // namespace
 
@@ -148,6 +169,14 @@ bool all_acted() {
     return waiting_actions().empty();
 }
 
+bool is_asked() {
+    return wi_problem_dlg != nullptr && is_managed(wi_problem_dlg) && is_viewable(wi_problem_dlg);
+}
+
+void press_skip_all() {
+    press(find(wi_problem_dlg, "skip_all_button"));
+}
+
 void pick(Widget list, int position) {
     XmListDeselectAllItems(list);
     XmListSelectPos(list, position, True);
@@ -176,6 +205,7 @@ bool is_managed(Widget dialog) {
 
 void WorkTest::SetUp() {
     start_at_home();
+    if (wi_problem_dlg != nullptr) skipping_ = std::make_unique<SkippingAll>();
     forget_source();
     show_installed();
     choose_destination(home().path() + "glyphwd_fonts");

@@ -4,12 +4,16 @@
 // else, and dialogs that are closed at the end. Include it last.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <functional>
 #include <initializer_list>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "app/kit/toolkit.h"
 #include "app/program/program_objects.h"
 #include "support/temp_dir.h"
 #include "widget/dialogs_test_support.h"
@@ -56,6 +60,51 @@ void act_when(std::function<bool()> condition, std::function<void()> action);
 /// Whether every such action has run.
 bool all_acted();
 
+/// Runs the action once the condition holds, also while the program waits for an answer.
+class When {
+  public:
+    enum class Often { ONCE, EACH_TIME };
+    When(std::function<bool()> condition, std::function<void()> action, Often often = Often::ONCE)
+        : condition_(std::move(condition)), action_(std::move(action)), often_(often) {
+        look_again();
+    }
+    ~When() {
+        if (id_ != 0) XtRemoveTimeOut(id_);
+    }
+    When(const When&) = delete;
+    When& operator=(const When&) = delete;
+    [[nodiscard]] bool has_acted() const { return has_acted_; }
+
+  private:
+    void look_again() {
+        id_ = XtAppAddTimeOut(
+            app, 5,
+            [](XtPointer self, XtIntervalId*) {
+                auto& when = *static_cast<When*>(self);
+                when.id_ = 0;
+                if (!when.condition_()) return when.look_again();
+                when.has_acted_ = true;
+                when.action_();
+                if (when.often_ == Often::EACH_TIME) when.look_again();
+            },
+            this);
+    }
+    std::function<bool()> condition_;
+    std::function<void()> action_;
+    Often often_;
+    XtIntervalId id_ = 0;
+    bool has_acted_ = false;
+};
+
+/// Whether the user is asked what to do about a font that has failed.
+bool is_asked();
+void press_skip_all();
+/// As long as this exists, the user skips all fonts that fail.
+class SkippingAll {
+  private:
+    When when_{is_asked, press_skip_all, When::Often::EACH_TIME};
+};
+
 /// Selects a position of a single-selection list, as the user does.
 void pick(Widget list, int position);
 
@@ -99,12 +148,16 @@ class WorkTest : public testing::Test {
 
     static Widget source_list();
     static Widget conflicts_list();
+    /// From now on the test answers the question itself what to do about a font that has failed. Otherwise
+    /// all such fonts are skipped.
+    void answer_questions() { skipping_.reset(); }
 
   private:
     static void take_off_font_paths();
     /// No source of fonts is chosen, as at the start of the program.
     static void forget_source();
     FontDirectory installed_;
+    std::unique_ptr<SkippingAll> skipping_;
 };
 
 }  // namespace gw::test

@@ -14,8 +14,8 @@
 
 #include "core/failure.h"
 #include "core/rights.h"
+#include "fontpath/session_path.h"
 #include "platform/host_paths.h"
-#include "session_path.h"
 
 #include "x_server.h"
 

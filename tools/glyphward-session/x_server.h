@@ -5,7 +5,7 @@
 
 #include <memory>
 
-#include "session_path.h"
+#include "fontpath/session_path.h"
 
 struct _XDisplay;
 

@@ -2,19 +2,25 @@
 #include "app/common/dirdlg.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
+#include "app/common/warningdlg.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
 #include "app/kit/lists.h"
-#include "app/kit/messages.h"
+#include "app/kit/looks.h"
+#include "app/program/window_policy.h"
+#include "texts/messages.h"
 
 #include <Xm/FileSB.h>
 #include <Xm/List.h>
+#include <Xm/TextF.h>
 
 Widget wi_dir_dlg = nullptr;
 Widget wi_dir_list = nullptr;
@@ -25,8 +31,12 @@ using gw::Message;
 
 constexpr Dimension LEAST_WIDTH = 400;
 constexpr Dimension MOST_WIDTH = 600;
+constexpr int WIDTH = 72;  // in font units, where the program follows the screen's resolution
 
 void (*_dir_cb)(const char*) = nullptr;
+MissingDirectory _missing = MissingDirectory::REFUSED;
+bool _is_typed = false;  // the user has typed the directory, after the list was filled or used
+XmQualifyProc _qualify_as_the_toolkit = nullptr;
 
 /// In the list, a directory itself is "DIR/." and the one above it "DIR/..". Returns the name without these
 /// dots, as it should be in font paths.
@@ -62,13 +72,90 @@ std::string existing(std::filesystem::path directory) {
     return (directory / "").string();
 }
 
+// --- a directory by its name ---------------------------------------------------
+
+/// The path without slashes that say nothing.
+std::string tidied(std::string path) {
+    const auto after =
+        std::unique(path.begin(), path.end(), [](char a, char b) { return a == '/' && b == '/'; });
+    path.erase(after, path.end());
+    return path;
+}
+
+/// What stands under "Selected Directory", as an absolute path.
+std::string written_directory() {
+    const gw::XtOwned<char> owned(
+        XmTextFieldGetString(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_TEXT)));
+    std::string text = owned ? owned.get() : "";
+    const char* home = std::getenv("HOME");
+    if (home != nullptr && (text == "~" || text.starts_with("~/"))) text.replace(0, 1, home);
+    if (!text.starts_with('/')) text.insert(0, shown_directory());
+    return tidied(text);
+}
+
+void typed_cb(Widget, XtPointer, XtPointer call_data) {
+    const auto* change = static_cast<XmAnyCallbackStruct*>(call_data);
+    // The dialog's own changes have no event.
+    _is_typed = change != nullptr && change->event != nullptr;
+}
+
+void forget_what_was_typed_cb(Widget, XtPointer, XtPointer) {
+    _is_typed = false;
+}
+
+/// The directory that the user means; "" after saying that it is not there.
+std::string meant_directory() {
+    std::string directory = _is_typed ? "" : selected_directory();
+    if (directory.empty()) directory = written_directory();
+    std::error_code gone;
+    if (_missing == MissingDirectory::TAKEN || std::filesystem::is_directory(directory, gone))
+        return directory;
+    start_warning_dlg(gw::text_of(Message::DIR_TITLE),
+                      gw::text_of(Message::ADD_NO_DIRECTORY, {directory}).c_str());
+    return "";
+}
+
+/// The toolkit puts a slash behind every directory, also behind "/".
+void qualify(Widget dialog, XtPointer input, XtPointer output) {
+    _qualify_as_the_toolkit(dialog, input, output);
+    auto* search = static_cast<XmFileSelectionBoxCallbackStruct*>(output);
+    for (const auto& [text, length] :
+         {std::pair(&search->dir, &search->dir_length), std::pair(&search->mask, &search->mask_length)}) {
+        const gw::XmText before(*text);
+        gw::XmText after = gw::xm_text(tidied(gw::text_of(before.get())));
+        *text = after.release();
+        *length = XmStringLength(*text);
+    }
+}
+
+/// Everything that makes the dialog take a directory by its name.
+void take_typed_directories() {
+    XtVaGetValues(wi_dir_dlg, XmNqualifySearchDataProc, &_qualify_as_the_toolkit, nullptr);
+    XtVaSetValues(wi_dir_dlg, XmNqualifySearchDataProc, qualify, nullptr);
+    XtAddCallback(XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_TEXT), XmNvalueChangedCallback, typed_cb,
+                  nullptr);
+    for (const char* selection : {XmNbrowseSelectionCallback, XmNsingleSelectionCallback})
+        XtAddCallback(wi_dir_list, selection, forget_what_was_typed_cb, nullptr);
+    for (const auto& [resource, text] : {std::pair(XmNokLabelString, Message::CONVERT_OK),
+                                         std::pair(XmNcancelLabelString, Message::CONVERT_CANCEL),
+                                         std::pair(XmNapplyLabelString, Message::DIR_APPLY_FILTER),
+                                         std::pair(XmNfilterLabelString, Message::DIR_FILTER)}) {
+        const gw::XmText words = gw::xm_text(gw::text_of(text));
+        XtVaSetValues(wi_dir_dlg, resource, words.get(), nullptr);
+    }
+}
+
+// --- callbacks -----------------------------------------------------------------
+
 void cancel_cb(Widget, XtPointer, XtPointer) {
     popdown_dir_dlg();
 }
 
 // Kept: a directory that is only typed is not taken.
 void ok_cb(Widget w, XtPointer client_data, XtPointer call_data) {
-    const std::string directory = selected_directory();
+    const bool takes_typed = gw::window_policy().takes_typed_directories();
+    const std::string directory = takes_typed ? meant_directory() : selected_directory();
+    if (takes_typed && directory.empty()) return;
     auto* const cb = _dir_cb;
     cancel_cb(w, client_data, call_data);
     if (!directory.empty() && cb != nullptr) cb(directory.c_str());
@@ -129,6 +216,8 @@ void fix_size() {
     XtVaGetValues(wi_dir_dlg, XmNwidth, &width, XmNheight, &height, nullptr);
     XtWidgetGeometry natural = {};
     XtQueryGeometry(wi_dir_dlg, nullptr, &natural);
+    if (width == 0 && gw::looks().fits_screen)
+        width = static_cast<Dimension>(gw::in_pixels(wi_dir_dlg, WIDTH, XmHORIZONTAL));
     if (width == 0) width = std::clamp(natural.width, LEAST_WIDTH, MOST_WIDTH);
     if (height == 0) height = natural.height;
     XtVaSetValues(wi_dir_dlg, XmNwidth, width, XmNheight, height, XmNresizePolicy, XmRESIZE_NONE, nullptr);
@@ -148,21 +237,26 @@ Widget create_dir_dlg(const char* name, Widget parent) {
     XtSetArg(args[5], XmNdirSearchProc, search_cb);
     wi_dir_dlg = XmCreateFileSelectionDialog(parent, gw::name_arg(name), args, 6);
     wi_dir_list = XmFileSelectionBoxGetChild(wi_dir_dlg, XmDIALOG_DIR_LIST);
+    gw::use_fonts(wi_dir_list, gw::looks().name_fonts);
+    if (gw::looks().fits_screen) XtVaSetValues(wi_dir_dlg, XmNshadowThickness, 0, nullptr);
     set_window_title(wi_dir_dlg, gw::text_of(Message::DIR_TITLE));
     show_directories_only();
     XtAddCallback(wi_dir_dlg, XmNokCallback, ok_cb, nullptr);
     XtAddCallback(wi_dir_dlg, XmNcancelCallback, cancel_cb, nullptr);
+    if (gw::window_policy().takes_typed_directories()) take_typed_directories();
     fix_size();
     gw::add_map_callbacks(wi_dir_dlg);
     gw::end_dialog(wi_dir_dlg, {.close = cancel_cb});
     return wi_dir_dlg;
 }
 
-void popup_dir_dlg(void (*cb)(const char*), const char* title) {
+void popup_dir_dlg(void (*cb)(const char*), const char* title, MissingDirectory missing) {
     if (title != nullptr) set_window_title(wi_dir_dlg, title);
     list_again();
     XtManageChild(wi_dir_dlg);
     _dir_cb = cb;
+    _missing = missing;
+    _is_typed = false;
 }
 
 void popdown_dir_dlg() {

@@ -4,7 +4,7 @@
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
 #include "app/kit/handles.h"
-#include "app/kit/messages.h"
+#include "texts/messages.h"
 
 #include <Xm/MessageB.h>
 

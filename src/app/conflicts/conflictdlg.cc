@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "app/conflicts/conflictdlg.h"
 
-#include <algorithm>
 #include <vector>
 
+#include "app/common/help_requests.h"
 #include "app/common/status_line.h"
+#include "app/conflicts/comparingdlg.h"
+#include "app/conflicts/decisions.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/kit/attach.h"
@@ -13,16 +15,13 @@
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
 #include "app/kit/lists.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
-#include "app/program/conflict_lists.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
-#include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
-#include "core/text.h"
 #include "model/hrn_words.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -33,64 +32,21 @@ Widget wi_conflict_dlg = nullptr;
 namespace {
 
 using gw::Attach;
+using gw::decisions;
 using gw::Message;
+using gw::Resolution;
 
 constexpr int GAP = 8;
 constexpr int VISIBLE_CONFLICTS = 8;
 constexpr int DETAIL_LINES = 8;
 constexpr std::size_t LINE_LENGTH = 60;  // characters of a line with its resolution
 
-enum Resolution : int { UNDECIDED = 1, KEEP_AS_IS = 2, FORCE = 3, READ_ONLY = 4 };
-
 Widget wi_conflicts_list = nullptr;
 Widget wi_keep_button, wi_not_keep_button, wi_ok_button;
 Widget wi_conflict_detail_label = nullptr;
 
-gw::ConflictView shown;
-unsigned success_count = 0;
-GWConflict::TYPE conflict_type = GWConflict::INSTALL;
-std::vector<Resolution> res_list;  // by list position - 1
-
 bool installs() {
-    return conflict_type == GWConflict::INSTALL;
-}
-
-/// The conflict at the 1-based position; null when there is none.
-GWConflict* conflict_at(int position) {
-    return shown.list() != nullptr ? shown.list()->get_elem_at_pos(position) : nullptr;
-}
-
-std::string resolution_word(Resolution resolution) {
-    switch (resolution) {
-        case KEEP_AS_IS:
-            return gw::text_of(installs() ? Message::KEEP_OLD : Message::KEEP);
-        case FORCE:
-            return gw::text_of(installs() ? Message::INSTALL_NEW : Message::DELETE);
-        default:
-            return "";
-    }
-}
-
-/// Which package it is and, where windows say more, what its package manager will do.
-std::string package_detail(const GWConflict& conflict) {
-    std::string text = gw::text_of(Message::IS_IN_PACKAGE);
-    if (const std::string names = conflict.get_packages(); !names.empty())
-        text.append("\n").append(gw::text_of(Message::PACKAGE)).append(gw::escaped(names));
-    if (gw::window_policy().shows_packages()) text += gw::text_of(Message::PACKAGE_MANAGER);
-    return text;
-}
-
-std::string detail_of(const GWConflict& conflict) {
-    std::string text;
-    if (conflict.is_conflict(GWConflict::SAME_NAME) != 0) {
-        if (installs()) text += gw::text_of(Message::EXISTS_ALREADY);
-        text += gw::escaped(conflict.get_conflict_dir_name());
-    }
-    if (conflict.is_conflict(GWConflict::READ_ONLY) != 0) text += gw::text_of(Message::IS_READ_ONLY);
-    if (conflict.is_conflict(GWConflict::SYSTEM_FONT) != 0) text += gw::text_of(Message::IS_SYSTEM_FONT);
-    if (conflict.is_conflict(GWConflict::PACKAGE) != 0) text += package_detail(conflict);
-    if (conflict.is_conflict(GWConflict::ALIAS) != 0) text += gw::text_of(Message::IS_ALIAS);
-    return text;
+    return decisions().installs();
 }
 
 /// The label is always eight lines high. Only its width grows.
@@ -110,123 +66,51 @@ void activate_resolutions(bool on) {
 void list_cb(Widget, XtPointer, XtPointer call_data) {
     const auto* event = static_cast<XmListCallbackStruct*>(call_data);
     const int position = event != nullptr ? event->item_position : gw::selected_position(wi_conflicts_list);
-    const GWConflict* conflict = conflict_at(position);
+    const GWConflict* conflict = decisions().conflict_at(position);
     if (conflict == nullptr) return;
-    activate_resolutions(res_list[static_cast<std::size_t>(position) - 1] != READ_ONLY);
-    show_detail(detail_of(*conflict));
+    activate_resolutions(decisions().at(position) != Resolution::READ_ONLY);
+    show_detail(gw::conflict_detail(*conflict));
 }
 
 void resolve_selected(Resolution resolution) {
     const int position = gw::selected_position(wi_conflicts_list);
-    if (conflict_at(position) == nullptr) return;
-    res_list[static_cast<std::size_t>(position) - 1] = resolution;
+    if (decisions().conflict_at(position) == nullptr) return;
+    decisions().decide(position, resolution);
     const gw::XmText entry = gw::xm_text(get_conflict_list_entry(static_cast<unsigned>(position)));
     XmString item = entry.get();
     // Motif loses the selection when a selected item is replaced.
     XmListDeselectPos(wi_conflicts_list, position);
     XmListReplaceItemsPos(wi_conflicts_list, &item, 1, position);
     XmListSelectPos(wi_conflicts_list, position, False);
-    if (std::find(res_list.begin(), res_list.end(), UNDECIDED) == res_list.end()) activate(wi_ok_button, 1);
+    if (!decisions().has_undecided()) activate(wi_ok_button, 1);
 }
 
 void keep_cb(Widget, XtPointer, XtPointer) {
-    resolve_selected(KEEP_AS_IS);
+    resolve_selected(Resolution::KEEP_AS_IS);
 }
 
 void not_keep_cb(Widget, XtPointer, XtPointer) {
-    resolve_selected(FORCE);
-}
-
-/// Puts the element of a font that was installed by force where it belongs in the list. It may have left the
-/// list, because its fonts were deleted, and its name may have changed.
-void list_in_order(GWHRNElement* elem, const std::string& name_before) {
-    const gw::Ref<GWHRNElement> owner(elem);
-    const bool is_listed = std::find(the_installed_hrn_list.begin(), the_installed_hrn_list.end(), elem) !=
-                           the_installed_hrn_list.end();
-    if (is_listed && name_before == elem->get_name()) return;
-    the_installed_hrn_list.delete_hrn_elem(elem);
-    if (elem->get_representative() != nullptr) the_installed_hrn_list.insert(elem);
-}
-
-void force(GWConflict& conflict, gw::FontReport& report) {
-    if (!installs()) {
-        conflict.delete_force(the_fsm_list, report);
-        return;
-    }
-    GWHRNElement* other = conflict.get_other_element();
-    const std::string name = other != nullptr ? other->get_name() : "";
-    conflict.install_force(the_fsm_list, report);
-    if (other != nullptr) list_in_order(other, name);
-}
-
-std::size_t font_count(const GWConflict& conflict) {
-    std::size_t count = 0;
-    if (conflict.get_element() == nullptr) return count;
-    for (const GWHRNElement::PointSize& size : conflict.get_element()->get_slots())
-        count += size.fonts.size();
-    return count;
-}
-
-/// Carries out the decision; whether that counts.
-bool force_and_tell(GWConflict& conflict, gw::FontReport& all) {
-    const std::size_t fonts = font_count(conflict);
-    gw::FontReport report;
-    force(conflict, report);
-    all.append(report);
-    gw::hear_new_failures(all);
-    // Kept: a font that is decided by force counts as done.
-    if (!gw::window_policy().shows_reasons()) return true;
-    // As at first, a name counts when one of its fonts was installed, and when all of them were deleted.
-    return report.failed().empty() || (installs() && report.failed().size() < fonts);
-}
-
-/// As with single fonts, what fails counts as done unless the windows show reasons.
-void make_final(gw::FontReport& report) {
-    const gw::Sequel sequel = installs() ? gw::Sequel::FONT_LEFT_OUT : gw::Sequel::FONT_STAYS;
-    const auto failed = static_cast<unsigned>(gw::commit_font_action(report, sequel));
-    gw::hear_new_failures(report);
-    // A name of which a part had failed before was not counted.
-    if (gw::window_policy().shows_reasons()) success_count -= std::min(failed, success_count);
-}
-
-void carry_out() {
-    std::string destination;
-    int position = 0;
-    gw::FontReport report;
-    gw::begin_font_action();
-    for (GWConflict* conflict : *shown.list()) {
-        if (res_list[static_cast<std::size_t>(position++)] != FORCE) continue;
-        if (force_and_tell(*conflict, report)) ++success_count;
-        if (conflict->get_dir_name() != nullptr) destination = conflict->get_dir_name();
-    }
-    make_final(report);
-    count_installed_fonts();
-    if (installs() && !destination.empty()) {
-        for (const gw::Failure& failure : show_installation_to_server(destination)) gw::tell(failure);
-    }
-    if (!installs()) the_font_path->rehash_session_fp();
+    resolve_selected(Resolution::FORCE);
 }
 
 void ok_cb(Widget, XtPointer, XtPointer) {
-    if (shown.list() == nullptr) return;
+    if (decisions().list() == nullptr) return;
     gw::forget_failures();
-    carry_out();
-    update_label(
-        wi_main_window_status_label,
-        gw::count_text(success_count, installs() ? Message::FONTS_INSTALLED : Message::FONTS_DELETED).c_str(),
-        nullptr);
+    gw::FontReport report;
+    decisions().carry_out(report);
+    const unsigned done = decisions().success_count();
+    const std::string status = installs() ? gw::installed_text(done) : gw::deleted_text(done);
     update_wi_installed_hrn_list();
     forget_selection();
+    update_label(wi_main_window_status_label, status.c_str(), nullptr);
     stop_conflict_dlg();
-    if (!add_to_summary({conflict_type, success_count, nullptr, gw::gathered_failures()}) &&
-        gw::user_is_superuser())
-        start_fp_info_dlg();
+    if (gw::font_path_waits_for_superuser()) start_fp_info_dlg();
 }
 
 void cancel_cb(Widget, XtPointer, XtPointer) {
-    GW_LIST<GWConflict>* list = shown.list();
+    GW_LIST<GWConflict>* list = decisions().list();
     stop_conflict_dlg();
-    if (list != nullptr) start_preconflict_dlg(success_count, list);
+    if (list != nullptr) start_preconflict_dlg(decisions().success_count(), list);
 }
 
 void create_list(Widget dialog) {
@@ -272,10 +156,11 @@ Widget create_resolutions(Widget dialog, Widget above) {
 void create_buttons(Widget dialog, Widget above) {
     Widget message = gw::label(dialog, "msg_label", " ");
     Attach(message).sides(GAP).bottom_form(0);
-    const std::vector<Widget> buttons = gw::make_buttons(
-        dialog, {{"ok_button", Message::CONFLICT_FINISH, ok_cb, nullptr, 4, 34},
-                 {"cancel_button", Message::CONFLICT_CANCEL, cancel_cb, nullptr, 39, 64},
-                 {"help_dlg_button", Message::CONFLICT_HELP, gw::do_nothing_cb, nullptr, 69, 94}});
+    const std::vector<Widget> buttons =
+        gw::make_buttons(dialog, {{"ok_button", Message::CONFLICT_FINISH, ok_cb, nullptr, 4, 34},
+                                  {"cancel_button", Message::CONFLICT_CANCEL, cancel_cb, nullptr, 39, 64},
+                                  gw::help_button("help_dlg_button", Message::CONFLICT_HELP,
+                                                  gw::HelpSection::CONFLICTS, gw::do_nothing_cb, 69, 94)});
     for (Widget button : buttons) Attach(button).below(above, GAP).above(message, 0);
     wi_ok_button = buttons[0];
     gw::end_dialog(dialog, {wi_ok_button, buttons[1], XtParent(wi_conflicts_list), cancel_cb});
@@ -285,6 +170,10 @@ void create_buttons(Widget dialog, Widget above) {
 
 Widget create_conflict_dlg(const char* name, Widget parent) {
     wi_conflict_dlg = gw::form_dialog(parent, name, Message::CONFLICT_TITLE);
+    if (gw::window_policy().compares_conflicts()) {
+        gw::create_comparing_dlg(wi_conflict_dlg);
+        return wi_conflict_dlg;
+    }
     create_list(wi_conflict_dlg);
     Widget resolutions = create_resolutions(wi_conflict_dlg, XtParent(wi_conflicts_list));
     wi_conflict_detail_label = gw::label(wi_conflict_dlg, "conflict_detail_label", eight_lines());
@@ -300,15 +189,9 @@ Widget create_conflict_dlg(const char* name, Widget parent) {
 
 void start_conflict_dlg(unsigned success, GW_LIST<GWConflict>* list) {
     if (list->is_empty()) return;
-    shown.show(list);
-    success_count = success;
-    conflict_type = (*list->begin())->get_type();
-    res_list.clear();
-    for (const GWConflict* conflict : *list) {
-        const bool read_only = conflict->is_conflict(GWConflict::READ_ONLY) != 0;
-        res_list.push_back(read_only ? READ_ONLY : UNDECIDED);
-        if (!read_only) activate(wi_ok_button, 0);
-    }
+    decisions().begin(success, list);
+    if (gw::window_policy().compares_conflicts()) return gw::start_comparing_dlg();
+    if (decisions().has_undecided()) activate(wi_ok_button, 0);
     gw::set_label(wi_ok_button,
                   gw::text_of(installs() ? Message::FINISH_INSTALLATION : Message::FINISH_DELETION));
     gw::set_label(wi_keep_button, gw::text_of(installs() ? Message::KEEP_OLD : Message::KEEP));
@@ -320,22 +203,23 @@ void start_conflict_dlg(unsigned success, GW_LIST<GWConflict>* list) {
 }
 
 void stop_conflict_dlg() {
-    res_list.clear();
-    shown.let_go();
+    decisions().forget();
     XtUnmanageChild(wi_conflict_dlg);
 }
 
 void update_wi_conflict_list() {
+    if (gw::window_policy().compares_conflicts()) return gw::show_decisions();
     std::vector<std::string> lines;
-    for (unsigned position = 1; position <= res_list.size(); ++position)
-        lines.push_back(get_conflict_list_entry(position));
+    for (int position = 1; position <= decisions().count(); ++position)
+        lines.push_back(get_conflict_list_entry(static_cast<unsigned>(position)));
     gw::fill_list(wi_conflicts_list, lines);
 }
 
 std::string get_conflict_list_entry(unsigned position) {
-    const GWConflict* conflict = conflict_at(static_cast<int>(position));
+    const int at = static_cast<int>(position);
+    const GWConflict* conflict = decisions().conflict_at(at);
     if (conflict == nullptr) return "";
     std::string entry = conflict->get_name();
-    gw::append_at_column(entry, resolution_word(res_list[position - 1]));
+    gw::append_at_column(entry, gw::resolution_word(decisions().at(at), installs()));
     return entry;
 }

@@ -6,21 +6,24 @@
 
 #include "app/common/progressdlg.h"
 #include "app/common/status_line.h"
+#include "app/common/work_control.h"
 #include "app/conflicts/preconflictdlg.h"
+#include "app/deleting/deletion_question.h"
 #include "app/deleting/delwarningdlg.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/lists.h"
-#include "app/kit/messages.h"
 #include "app/kit/toolkit.h"
 #include "app/program/conflict_lists.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/shown_list.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
 #include "model/packaged_fonts.h"
 #include "platform/package_owner.h"
+#include "texts/messages.h"
 
 #include <Xm/List.h>
 
@@ -28,21 +31,39 @@ namespace {
 
 using gw::Message;
 
-/// Deletes the font at that position, or records the conflict. Aliases are never deleted.
-void delete_entry(int position, WorkRecord& work) {
+/// Deletes the font at that position, or records the conflict. Aliases are never deleted. Returns whether the
+/// font is deleted.
+bool delete_entry(int position, WorkRecord& work) {
     const gw::ShownList entries = gw::installed_entries();
     if (GWAlias* alias = entries.alias_at(position); alias != nullptr) {
         the_conflict_list.append(
             new GWConflict(GWConflict::DELETE, nullptr, alias, nullptr, nullptr, nullptr));
     }
-    if (entries.font_at(position) == nullptr) return;
+    if (entries.font_at(position) == nullptr) return false;
     const int result = the_installed_hrn_list.delete_at_pos(static_cast<unsigned>(position), the_fsm_list,
                                                             the_conflict_list);
     gw::hear_new_failures(the_installed_hrn_list.get_report());
-    if (result != GWHRNElement::DONE) return;
+    if (result != GWHRNElement::DONE) return false;
     count_installed_fonts();
-    XmListDeletePos(wi_hrn_list, position);
-    update_progress_dlg(++work.done);
+    gw::delete_row(wi_hrn_list, position);
+    gw::show_done(++work.done);
+    return true;
+}
+
+std::string name_at(int position) {
+    const gw::ShownList entries = gw::installed_entries();
+    const GWHRNElement* element = entries.font_at(position);
+    return element != nullptr ? element->get_name() : "";
+}
+
+/// Each deletion so far has moved the later entries up by one.
+void delete_next(WorkRecord& work) {
+    const int position = work.positions[work.index] - work.done;
+    if (!gw::begin_entry(work, name_at(position))) return;
+    const gw::FontReport& report = the_installed_hrn_list.get_report();
+    const std::size_t failures = report.failed().size();
+    const bool is_done = delete_entry(position, work);
+    gw::end_entry(work, is_done, gw::reasons_since(report, failures));
 }
 
 /// Asks the package manager once about all fonts that are to be deleted.
@@ -71,14 +92,22 @@ int make_deletion_final() {
 }
 
 void finish_deletion(int deleted) {
+    const std::string untried = gw::untried_text(gw::end_control(the_wp_cl_data));
     show_main_samples_last();
     stop_progress_dlg();
     permit_other_work();
     if (deleted > 0) the_font_path->rehash_session_fp();
-    start_summary(
-        {GWConflict::DELETE, static_cast<unsigned>(deleted), &the_conflict_list, gw::gathered_failures()});
+    WorkSummary summary = {GWConflict::DELETE,
+                           static_cast<unsigned>(deleted),
+                           &the_conflict_list,
+                           gw::gathered_failure_texts(),
+                           {},
+                           &the_installed_hrn_list.get_report()};
+    add_untried(summary, untried);
+    start_summary(summary);
     update_label(wi_main_window_status_label,
-                 gw::count_text(static_cast<unsigned>(deleted), Message::FONTS_DELETED).c_str(), nullptr);
+                 gw::with_untried(gw::deleted_text(static_cast<unsigned>(deleted)), untried).c_str(),
+                 nullptr);
 }
 
 void start_deletion(std::vector<int> positions) {
@@ -86,15 +115,27 @@ void start_deletion(std::vector<int> positions) {
     the_wp_cl_data = {std::move(positions), 0, 0};
     forbid_other_work();
     forget_selection();
+    gw::begin_control(Message::DELETING_COUNT);
     start_progress_dlg(0, count, gw::text_of(Message::DELETE_PROGRESS_TITLE),
                        gw::text_of(Message::DELETE_PROGRESS));
     // This comes last: drawing the progress dialog would already run the work procedure.
     XtAppAddWorkProc(app, delete_work_proc, &the_wp_cl_data);
 }
 
+/// While the question is there, it names what is selected then: that is what will be deleted.
+void follow_selection(int selected) {
+    if (!gw::window_policy().names_what_is_deleted() || !XtIsManaged(wi_del_warning_dlg)) return;
+    if (selected == 0) return stop_del_warning_dlg();
+    set_del_warning(gw::question_in_words(gw::plan_deletion(gw::selected_positions(wi_hrn_list))));
+}
+
 }  // namespace
 
 void delete_btn_cb(Widget, XtPointer, XtPointer) {
+    if (gw::window_policy().names_what_is_deleted()) {
+        set_del_warning(gw::question_in_words(gw::plan_deletion(gw::selected_positions(wi_hrn_list))));
+        gw::selection_changes().connect(follow_selection);
+    }
     start_del_warning_dlg(delete_confirmed_cb);
 }
 
@@ -106,7 +147,6 @@ void delete_confirmed_cb(char confirmed) {
     activate_selection_controls(0);
 }
 
-// Each deletion so far has moved the later entries up by one.
 Boolean delete_work_proc(XtPointer data) {
     auto* work = static_cast<WorkRecord*>(data);
     if (work->index == 0) {
@@ -116,9 +156,9 @@ Boolean delete_work_proc(XtPointer data) {
         gw::begin_font_action();
         ask_about_packages(work->positions);
     }
-    delete_entry(work->positions[work->index] - work->done, *work);
-    ++work->index;
+    delete_next(*work);
     if (work->is_in_progress()) return False;
+    gw::begin_to_finish();
     // A name of which a part had failed before was not counted.
     finish_deletion(std::max(0, work->done - make_deletion_final()));
     return True;

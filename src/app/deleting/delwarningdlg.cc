@@ -5,7 +5,8 @@
 
 #include "app/kit/dialogs.h"
 #include "app/kit/handles.h"
-#include "app/kit/messages.h"
+#include "app/program/window_policy.h"
+#include "texts/messages.h"
 
 #include <Xm/MessageB.h>
 
@@ -38,6 +39,10 @@ Widget create_del_warning_dlg(const char* name, Widget parent) {
         gw::message_dialog(parent, name, XmDIALOG_WARNING, gw::text_of(Message::DEL_WARNING_TITLE),
                            gw::text_of(Message::DEL_WARNING), {XmDIALOG_HELP_BUTTON});
     const gw::XmText ok = gw::xm_text(gw::text_of(Message::DEL_WARNING_DELETE));
+    if (gw::window_policy().names_what_is_deleted()) {
+        const gw::XmText cancel = gw::xm_text(gw::text_of(Message::CONVERT_CANCEL));
+        XtVaSetValues(wi_del_warning_dlg, XmNcancelLabelString, cancel.get(), nullptr);
+    }
     // Return must not delete anything.
     XtVaSetValues(wi_del_warning_dlg, XmNokLabelString, ok.get(), XmNdefaultButtonType,
                   XmDIALOG_CANCEL_BUTTON, nullptr);
@@ -47,7 +52,16 @@ Widget create_del_warning_dlg(const char* name, Widget parent) {
     return wi_del_warning_dlg;
 }
 
+void set_del_warning(const std::string& question) {
+    const gw::XmText text = gw::xm_text(question);
+    XtVaSetValues(wi_del_warning_dlg, XmNmessageString, text.get(), nullptr);
+}
+
 void start_del_warning_dlg(void (*cb)(char)) {
     _warn_cb = cb;
     XtManageChild(wi_del_warning_dlg);
+}
+
+void stop_del_warning_dlg() {
+    answer(0);
 }

@@ -2,7 +2,7 @@
 #include "app/font_path/fpinfodlg.h"
 
 #include "app/kit/dialogs.h"
-#include "app/kit/messages.h"
+#include "texts/messages.h"
 
 #include <Xm/MessageB.h>
 

@@ -3,14 +3,15 @@
 #include <string>
 #include <vector>
 
+#include "app/common/help_requests.h"
 #include "app/fontsets/codesets.h"
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/kept_text.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/TextF.h>
@@ -78,7 +79,7 @@ Widget create_sample_text_dlg(const char* name, Widget parent) {
                         {"apply_button", Message::CODESETS_APPLY, apply_cb},
                         {"reset_button", Message::CODESETS_RESET, reset_cb},
                         {"cancel_button", Message::CODESETS_CANCEL, cancel_cb},
-                        {"help_button", Message::CODESETS_HELP, nullptr}});
+                        gw::help_button("help_button", Message::CODESETS_HELP, gw::HelpSection::FONTSETS)});
     gw::end_dialog(wi_sample_text_dlg,
                    {buttons[0], buttons[3], wi_sample_text_dlg_cs_text.front().field(), cancel_cb});
     return wi_sample_text_dlg;

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "app/common/help_requests.h"
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
@@ -11,9 +12,9 @@
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
 #include "app/kit/lists.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "fontfiles/gw_fontset.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -93,7 +94,7 @@ Widget create_delete_set_dlg(const char* name, Widget parent) {
         gw::button_row(wi_delete_set_dlg, XtParent(wi_delete_set_dlg_scrolledlist),
                        {{"delete_button", Message::DELETE_SET_DELETE, delete_fontset_cb},
                         {"cancel_button", Message::DELETE_SET_CANCEL, cancel_cb},
-                        {"help_button", Message::DELETE_SET_HELP, nullptr}});
+                        gw::help_button("help_button", Message::DELETE_SET_HELP, gw::HelpSection::FONTSETS)});
     wi_delete_set_dlg_delete_button = buttons[0];
     activate(wi_delete_set_dlg_delete_button, 0);
     gw::end_dialog(wi_delete_set_dlg, {.cancel_button = buttons[1], .close = cancel_cb});

@@ -2,10 +2,13 @@
 #include "app/fontsets/fontsetsdlg.h"
 
 #include <algorithm>
+#include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "app/common/help_requests.h"
+#include "app/fontsets/coverage.h"
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
@@ -13,8 +16,8 @@
 #include "app/kit/generation.h"
 #include "app/kit/kept_text.h"
 #include "app/kit/lists.h"
+#include "app/kit/looks.h"
 #include "app/kit/menus.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
@@ -24,6 +27,7 @@
 #include "model/gw_font.h"
 #include "platform/host_paths.h"
 #include "store/file_turn.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -42,6 +46,8 @@ using namespace fontsetsdlg;
 constexpr int GAP = 8;
 constexpr int VISIBLE_FONTS = 10;
 constexpr Dimension SAMPLE_HEIGHT = 60;
+constexpr int SAMPLE_UNITS = 7;  // the same in font units
+constexpr const char* INSTALLED_FONT = "fixed";
 // Kept: a fontset directory has at most 67 bytes.
 constexpr std::size_t DIRECTORY_LIMIT = 68;  // bytes of the directory's name with the NUL at its end
 
@@ -61,9 +67,12 @@ gw::Outcome no_file;  // why there can be no fontset file
 /// The directory of the locale's fontset file; empty when there can be none.
 std::string fontset_directory() {
     no_file = gw::done();
+    const bool has_defaults = gw::window_policy().shows_fontset_coverage();
     const char* home = std::getenv("VANTORHOME");
+    if (home == nullptr && has_defaults) home = gw::INSTALLATION_ROOT;
     if (home == nullptr) std::puts("ERROR: VANTORHOME dose not set");
     const char* locale = std::getenv("LANG");
+    if (locale == nullptr && has_defaults) locale = std::setlocale(LC_CTYPE, nullptr);
     if (locale == nullptr) std::puts("ERROR: LANG dose not set");
     if (home == nullptr || locale == nullptr) return "";
     std::string directory = std::string(home) + gw::LOCALE_FONT_PATH_DIR + locale + gw::FONTSET_DIR;
@@ -223,24 +232,34 @@ Widget create_choice(Widget dialog) {
 
 /// Returns the separator above them.
 Widget create_buttons(Widget dialog) {
-    const gw::BottomRow row = gw::bottom_row(dialog, {"msg_label", "button_form", "separator1"},
-                                             {{"ok_button", Message::FONTSETS_OK, ok_fontset_cb},
-                                              {"apply_button", Message::FONTSETS_APPLY, apply_fontset_cb},
-                                              {"reset_button", Message::FONTSETS_RESET, reset_fontset_cb},
-                                              {"cancel_button", Message::FONTSETS_CANCEL, cancel_cb},
-                                              {"help_button", Message::FONTSETS_HELP, nullptr}});
+    const gw::BottomRow row =
+        gw::bottom_row(dialog, {"msg_label", "button_form", "separator1"},
+                       {{"ok_button", Message::FONTSETS_OK, ok_fontset_cb},
+                        {"apply_button", Message::FONTSETS_APPLY, apply_fontset_cb},
+                        {"reset_button", Message::FONTSETS_RESET, reset_fontset_cb},
+                        {"cancel_button", Message::FONTSETS_CANCEL, cancel_cb},
+                        gw::help_button("help_button", Message::FONTSETS_HELP, gw::HelpSection::FONTSETS)});
     wi_fontsets_dlg_msg_label = row.message;
     gw::end_dialog(dialog, {.cancel_button = row.buttons[3], .close = cancel_cb});
     return row.separator;
 }
 
+Dimension sample_height(Widget dialog) {
+    if (!gw::looks().fits_screen) return SAMPLE_HEIGHT;
+    return static_cast<Dimension>(gw::in_pixels(dialog, SAMPLE_UNITS, XmVERTICAL));
+}
+
 void create_list_and_sample(Widget dialog, Widget above, Widget below) {
     wi_fontsets_dlg_sample_text = gw::text_field(dialog, "sample_text");
-    XtVaSetValues(wi_fontsets_dlg_sample_text, XmNheight, SAMPLE_HEIGHT, nullptr);
+    gw::use_fonts(wi_fontsets_dlg_sample_text, gw::looks().sample_fonts, INSTALLED_FONT);
+    XtVaSetValues(wi_fontsets_dlg_sample_text, XmNheight, sample_height(dialog), nullptr);
     Attach(wi_fontsets_dlg_sample_text).sides(GAP).above(below, GAP);
     dialog_sample = gw::KeptText(wi_fontsets_dlg_sample_text);
     Widget sample_label = gw::label(dialog, "sample_label", Message::FONTSET_SAMPLE_LABEL);
     Attach(sample_label).left_form(GAP).above(wi_fontsets_dlg_sample_text, 2);
+
+    Widget list_end = gw::create_coverage(dialog, sample_label);
+    if (list_end == nullptr) list_end = sample_label;
 
     Widget title = gw::label(dialog, "list_label", Message::AVAILABLE_FONTS);
     Attach(title).below(above, GAP).left_form(GAP);
@@ -257,7 +276,7 @@ void create_list_and_sample(Widget dialog, Widget above, Widget below) {
     XtVaSetValues(wi_fontsets_dlg_scrolledlist, XmNselectionPolicy, XmMULTIPLE_SELECT, XmNvisibleItemCount,
                   VISIBLE_FONTS, nullptr);
     gw::set_list_columns(wi_fontsets_dlg_scrolledlist, 75);
-    Attach(XtParent(wi_fontsets_dlg_scrolledlist)).below(title, 2).sides(GAP).above(sample_label, GAP);
+    Attach(XtParent(wi_fontsets_dlg_scrolledlist)).below(title, 2).sides(GAP).above(list_end, GAP);
     XtAddCallback(wi_fontsets_dlg_scrolledlist, XmNmultipleSelectionCallback, update_base_names_cb, nullptr);
 }
 
@@ -274,6 +293,8 @@ void set_fontsetsdlg_cb_struct() {
     }
     fontsetdlg_cb.locale_sample_text =
         Gw_resrc.locale_sample_text != nullptr ? Gw_resrc.locale_sample_text : "";
+    if (fontsetdlg_cb.locale_sample_text.empty() && gw::window_policy().shows_fontset_coverage())
+        fontsetdlg_cb.locale_sample_text = gw::text_of_locale();
 }
 
 void init_wi_installed_fontsets_choose_menu() {
@@ -302,6 +323,7 @@ void init_wi_fontsets_dlg_sample_text() {
         make_current(*fontsetdlg_cb.file->get_fontsets().begin());
     } else {
         set_message(gw::text_of(Message::NO_FONTSET));
+        gw::show_coverage(*fontsetdlg_cb.current);
     }
 }
 
@@ -327,8 +349,22 @@ void display_sample_text(const GWFontSet* set) {
     const bool shown =
         names != nullptr && display_text_in_fontset(wi_fontsets_dlg_sample_text, names, text.c_str()) != 0;
     if (shown) dialog_sample.shown_again(text);
-    set_message(shown ? " " : gw::text_of(Message::FONTS_NOT_FOUND));
+    const std::string missing = gw::show_coverage(*set);
+    if (shown) {
+        set_message(" ");
+    } else {
+        set_message(missing.empty() ? gw::text_of(Message::FONTS_NOT_FOUND)
+                                    : gw::text_of(Message::FONTSET_NOT_MADE, {missing}));
+    }
 }
+
+namespace gw {
+
+bool has_fontsets() {
+    return Gw_resrc.fontset_support != False || window_policy().shows_fontset_coverage();
+}
+
+}  // namespace gw
 
 namespace fontsetsdlg {
 
@@ -384,6 +420,7 @@ void show_current() {
     select_scrolled_list(wi_fontsets_dlg_scrolledlist, fontsetdlg_cb.current.get());
     if (*fontsetdlg_cb.current->get_name() == '\0') {
         set_message(gw::text_of(Message::NO_FONTSET));
+        gw::show_coverage(*fontsetdlg_cb.current);
     } else {
         display_sample_text(fontsetdlg_cb.current.get());
     }

@@ -34,8 +34,16 @@ struct fontsetdlg_cb_struct {
 };
 extern fontsetdlg_cb_struct fontsetdlg_cb;
 
+namespace gw {
+
+/// Whether this program has the dialog.
+[[nodiscard]] bool has_fontsets();
+
+}  // namespace gw
+
 /// Opens the locale's fontset file. There is none without VANTORHOME or LANG (said on standard output), or if
-/// its directory has 68 bytes or more (said on standard error).
+/// its directory has 68 bytes or more (said on standard error). Where windows show what a fontset covers, the
+/// installation of the program and the locale of its texts stand for missing ones.
 void set_fontsetsdlg_cb_struct();
 void init_wi_installed_fontsets_choose_menu();
 void init_wi_fontsets_dlg_scrolledlist();

@@ -2,15 +2,16 @@
 #include <string>
 #include <vector>
 
+#include "app/common/help_requests.h"
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/generation.h"
 #include "app/kit/handles.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "fontfiles/gw_fontset.h"
 #include "model/gw_font.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/TextF.h>
@@ -70,11 +71,12 @@ Widget create_new_set_dlg(const char* name, Widget parent) {
     wi_new_set_dlg_text = gw::text_field(wi_new_set_dlg, "name_text");
     XtVaSetValues(wi_new_set_dlg_text, XmNcolumns, NAME_COLUMNS, nullptr);
     Attach(wi_new_set_dlg_text).below(label, 2).sides(GAP);
-    const std::vector<Widget> buttons = gw::button_row(wi_new_set_dlg, wi_new_set_dlg_text,
-                                                       {{"ok_button", Message::NEW_SET_OK, new_fontset_cb},
-                                                        {"cancel_button", Message::NEW_SET_CANCEL, cancel_cb},
-                                                        {"help_button", Message::NEW_SET_HELP, nullptr}},
-                                                       &wi_new_set_dlg_msg_label);
+    const std::vector<Widget> buttons =
+        gw::button_row(wi_new_set_dlg, wi_new_set_dlg_text,
+                       {{"ok_button", Message::NEW_SET_OK, new_fontset_cb},
+                        {"cancel_button", Message::NEW_SET_CANCEL, cancel_cb},
+                        gw::help_button("help_button", Message::NEW_SET_HELP, gw::HelpSection::FONTSETS)},
+                       &wi_new_set_dlg_msg_label);
     gw::end_dialog(wi_new_set_dlg, {buttons[0], buttons[1], wi_new_set_dlg_text, cancel_cb});
     return wi_new_set_dlg;
 }

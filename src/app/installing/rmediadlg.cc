@@ -5,17 +5,20 @@
 
 #include <vector>
 
+#include "app/common/help_requests.h"
 #include "app/common/warningdlg.h"
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/menus.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/window_policy.h"
+#include "app/samples/attrdlg.h"
 #include "platform/host_paths.h"
 #include "platform/media_manager.h"
 #include "platform/shell_command.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/RowColumn.h>
@@ -41,6 +44,10 @@ void warn(Message message) {
     start_warning_dlg(gw::text_of(Message::RMEDIA_TITLE), gw::text_of(message));
 }
 
+Message in_sentences(Message sentence, Message otherwise) {
+    return gw::window_policy().speaks_in_sentences() ? sentence : otherwise;
+}
+
 void cdrom_selected_cb(Widget, XtPointer, XtPointer) {
     current_choice = CDROM_MEDIUM;
 }
@@ -50,14 +57,17 @@ void floppy_selected_cb(Widget, XtPointer, XtPointer) {
 }
 
 void check_cdrom() {
-    if (media_manager_running() == 0) return warn(Message::CDROM_UNSERVED);
+    if (media_manager_running() == 0)
+        return warn(in_sentences(Message::CDROM_UNWATCHED, Message::CDROM_UNSERVED));
     if (::access(gw::CDROM_MEDIUM_DIR, F_OK) != 0) return warn(Message::CDROM_MISSING);
     tell_caller(CDROM_MEDIUM);
 }
 
 void check_floppy() {
-    if (media_manager_running() == 0) return warn(Message::FLOPPY_UNSERVED);
-    if (media_manager_check(nullptr) == 0) return warn(Message::FLOPPY_MISSING);
+    if (media_manager_running() == 0)
+        return warn(in_sentences(Message::FLOPPY_UNWATCHED, Message::FLOPPY_UNSERVED));
+    if (media_manager_check(nullptr) == 0)
+        return warn(in_sentences(Message::FLOPPY_NOT_THERE, Message::FLOPPY_MISSING));
     tell_caller(FLOPPY_MEDIUM);
 }
 
@@ -68,6 +78,7 @@ void check_cb(Widget, XtPointer, XtPointer) {
 }
 
 void eject_cb(Widget, XtPointer, XtPointer) {
+    gw::release_shown_font();
     // Kept: the result of ejecting is not checked.
     (void)gw::run_command("/bin/eject -f %s", {current_choice == CDROM_MEDIUM ? "cdrom" : "floppy"},
                           EJECTING);
@@ -97,10 +108,11 @@ Widget create_rmedia_dlg(const char* name, Widget parent) {
     Widget line = gw::separator(wi_rmedia_dlg, "separator");
     Attach(line).below(menu, GAP).sides(0);
 
-    const std::vector<Widget> buttons = gw::make_buttons(
-        wi_rmedia_dlg, {{"eject_button", Message::RMEDIA_EJECT, eject_cb, nullptr, 3, 30},
-                        {"close_button", Message::RMEDIA_CLOSE, close_cb, nullptr, 36, 63},
-                        {"help_dlg_button", Message::RMEDIA_HELP, nullptr, nullptr, 69, 96}});
+    const std::vector<Widget> buttons =
+        gw::make_buttons(wi_rmedia_dlg, {{"eject_button", Message::RMEDIA_EJECT, eject_cb, nullptr, 3, 30},
+                                         {"close_button", Message::RMEDIA_CLOSE, close_cb, nullptr, 36, 63},
+                                         gw::help_button("help_dlg_button", Message::RMEDIA_HELP,
+                                                         gw::HelpSection::OTHER_MEDIA, nullptr, 69, 96)});
     for (Widget button : buttons) Attach(button).below(line, GAP);
     // Kept: help buttons of dialogs do nothing.
     activate(buttons[2], 1);

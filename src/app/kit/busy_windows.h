@@ -25,6 +25,9 @@ class BusyWindows {
     /// live for the whole run.
     static void include(const Widget& window);
 
+    /// Whether there is such a scope now.
+    [[nodiscard]] static bool are_busy() { return scopes.is_pending(); }
+
     /// Destroys the widget, now or when the last scope ends.
     static void destroy(Widget w);
 

@@ -6,8 +6,11 @@
 #include "app/kit/attach.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/handles.h"
+#include "app/kit/looks.h"
+#include "app/kit/mnemonics.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
+#include "app/kit/window_titles.h"
 
 #include <Xm/AtomMgr.h>
 #include <Xm/Form.h>
@@ -22,16 +25,22 @@ constexpr int GAP = 8;
 constexpr int MESSAGE_GAP = 2;
 
 void name_windows_cb(Widget dialog, XtPointer, XtPointer) {
+    tell_title_of(dialog);
     name_windows(dialog);
 }
 
 /// A resource may give a dialog its size, but its shell does not know that yet. The shell would make the
 /// dialog as small as its parts allow.
 void fit_shell_cb(Widget dialog, XtPointer, XtPointer) {
+    keep_on_screen(dialog);
     Dimension width = 0;
     Dimension height = 0;
     XtVaGetValues(dialog, XmNwidth, &width, XmNheight, &height, nullptr);
     XtVaSetValues(XtParent(dialog), XmNwidth, width, XmNheight, height, nullptr);
+}
+
+void assign_mnemonics_cb(Widget dialog, XtPointer, XtPointer) {
+    assign_mnemonics(dialog);
 }
 
 void hide_cb(Widget, XtPointer dialog, XtPointer) {
@@ -63,13 +72,31 @@ void let_escape_press_ok(Widget dialog) {
     XtOverrideTranslations(dialog, ON_ESCAPE);
 }
 
+/// They live as long as the program.
+std::vector<Widget>& all_dialogs() {
+    static std::vector<Widget> dialogs;
+    return dialogs;
+}
+
+bool is_open_and_modal(Widget dialog) {
+    unsigned char style = XmDIALOG_MODELESS;
+    XtVaGetValues(dialog, XmNdialogStyle, &style, nullptr);
+    return XtIsManaged(dialog) && style != XmDIALOG_MODELESS && style != XmDIALOG_WORK_AREA;
+}
+
 }  // namespace
 
+bool is_modal_dialog_open() {
+    return std::any_of(all_dialogs().begin(), all_dialogs().end(), is_open_and_modal);
+}
+
 Widget form_dialog(Widget parent, const char* name, Message title) {
-    Arg args[2];
+    Arg args[3];
     XtSetArg(args[0], XmNautoUnmanage, False);
     XtSetArg(args[1], XmNdefaultPosition, False);
-    Widget dialog = XmCreateFormDialog(parent, name_arg(name), args, 2);
+    XtSetArg(args[2], XmNshadowThickness, 0);
+    // Lines and buttons go to the very edge, over a bevel.
+    Widget dialog = XmCreateFormDialog(parent, name_arg(name), args, looks().fits_screen ? 3 : 2);
     set_window_title(dialog, text_of(title));
     add_map_callbacks(dialog);
     return dialog;
@@ -81,11 +108,12 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
     // Return would press OK even when that button was removed and hide the dialog. A dialog without OK must
     // stay.
     const bool has_ok = std::find(without.begin(), without.end(), XmDIALOG_OK_BUTTON) == without.end();
-    Arg args[3];
+    Arg args[4];
     XtSetArg(args[0], XmNmessageString, text.get());
     XtSetArg(args[1], XmNdefaultPosition, False);
     XtSetArg(args[2], XmNautoUnmanage, has_ok);
-    Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, 3);
+    XtSetArg(args[3], XmNshadowThickness, 0);
+    Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, looks().fits_screen ? 4 : 3);
     // The function that creates the box sets a type of its own.
     XtVaSetValues(dialog, XmNdialogType, type, nullptr);
     set_window_title(dialog, title.c_str());
@@ -101,6 +129,9 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
 }
 
 void add_map_callbacks(Widget dialog) {
+    all_dialogs().push_back(dialog);
+    // This comes first: a letter may make a text longer.
+    XtAddCallback(dialog, XmNmapCallback, assign_mnemonics_cb, nullptr);
     XtAddCallback(dialog, XmNmapCallback, fit_shell_cb, nullptr);
     XtAddCallback(dialog, XmNmapCallback, popup_cb, nullptr);
     XtAddCallback(dialog, XmNmapCallback, name_windows_cb, nullptr);
@@ -120,7 +151,9 @@ void name_windows(Widget w) {
 }
 
 std::vector<Widget> make_buttons(Widget parent, const std::vector<RowButton>& buttons) {
-    constexpr int MARGIN = 2;
+    constexpr std::size_t MANY = 5;
+    // On a fine screen there would be no room for the words of some languages.
+    const int margin = looks().fits_screen && buttons.size() >= MANY ? 1 : 2;
     const int step = 100 / static_cast<int>(buttons.size());
     int column = 0;
     std::vector<Widget> made;
@@ -129,7 +162,7 @@ std::vector<Widget> make_buttons(Widget parent, const std::vector<RowButton>& bu
         if (button.right > 0) {
             Attach(w).columns(button.left, button.right);
         } else {
-            Attach(w).columns(column + MARGIN, column + step - MARGIN);
+            Attach(w).columns(column + margin, column + step - margin);
         }
         if (button.callback != nullptr) {
             XtAddCallback(w, XmNactivateCallback, button.callback, button.client_data);
@@ -161,19 +194,44 @@ std::vector<Widget> button_row(Widget dialog, Widget above, const std::vector<Ro
     return made;
 }
 
+namespace {
+
+/// The words of some languages need more room than a resource gives the window.
+void widen_for(Widget dialog, const std::vector<Widget>& buttons) {
+    constexpr int OF_A_COLUMN = 90;  // per cent that a button fills
+    if (!looks().fits_screen) return;
+    int widest = 0;
+    for (Widget w : buttons) {
+        XtWidgetGeometry preferred = {};
+        XtQueryGeometry(w, nullptr, &preferred);
+        widest = std::max<int>(widest, preferred.width);
+    }
+    const int needed = widest * static_cast<int>(buttons.size()) * 100 / OF_A_COLUMN;
+    Dimension width = 0;
+    XtVaGetValues(dialog, XmNwidth, &width, nullptr);
+    if (width > 1 && width < needed) XtVaSetValues(dialog, XmNwidth, static_cast<Dimension>(needed), nullptr);
+}
+
+}  // namespace
+
 BottomRow bottom_row(Widget dialog, const BottomRowNames& names, const std::vector<RowButton>& buttons) {
     BottomRow row;
     row.message = label(dialog, names.message, " ");
     Attach(row.message).sides(GAP).bottom_form(MESSAGE_GAP);
+    // The window must not follow the lengths of texts.
+    if (looks().fits_screen) XtVaSetValues(row.message, XmNrecomputeSize, False, nullptr);
     Widget form = gw::form(dialog, names.form);
     Attach(form).sides(0).above(row.message, GAP);
     row.buttons = fill_with_buttons(form, buttons);
+    widen_for(dialog, row.buttons);
     row.separator = separator(dialog, names.separator);
     Attach(row.separator).sides(0).above(form, GAP);
     return row;
 }
 
 void end_dialog(Widget dialog, const DialogEnd& end) {
+    // This comes first: the ring of the default button has its place around the whole text.
+    assign_mnemonics(dialog);
     if (end.default_button != nullptr) XtVaSetValues(dialog, XmNdefaultButton, end.default_button, nullptr);
     if (end.cancel_button != nullptr) XtVaSetValues(dialog, XmNcancelButton, end.cancel_button, nullptr);
     if (end.initial_focus != nullptr) XtVaSetValues(dialog, XmNinitialFocus, end.initial_focus, nullptr);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/kit/messages.h"
+#include "texts/messages.h"
 
 #include <Xm/Xm.h>
 
@@ -26,6 +26,9 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
 /// Centres the dialog and names its windows whenever it appears. `form_dialog` and `message_dialog` call
 /// this.
 void add_map_callbacks(Widget dialog);
+
+/// Whether a dialog is open that must be answered first: other windows get no mouse and no keyboard.
+[[nodiscard]] bool is_modal_dialog_open();
 
 /// Gives the window of every widget below `w` the widget's name, for other programs: `xwininfo -tree` shows
 /// which part is which, and `xdotool` finds them.

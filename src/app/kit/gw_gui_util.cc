@@ -5,7 +5,10 @@
 
 #include "app/kit/events.h"
 #include "app/kit/handles.h"
+#include "app/kit/looks.h"
+#include "app/kit/mnemonics.h"
 #include "app/kit/toolkit.h"
+#include "app/kit/window_titles.h"
 #include "core/text.h"
 
 #include <X11/cursorfont.h>
@@ -14,6 +17,30 @@
 namespace {
 
 constexpr std::size_t LABEL_LIMIT = 10000;
+
+struct Size {
+    Dimension width;
+    Dimension height;
+};
+
+Size size_of(Widget w) {
+    Size size = {};
+    XtVaGetValues(w, XmNwidth, &size.width, XmNheight, &size.height, nullptr);
+    return size;
+}
+
+/// The size that the whole text needs.
+Size natural_size(Widget w) {
+    XtWidgetGeometry natural = {};
+    XtQueryGeometry(w, nullptr, &natural);
+    return {natural.width, natural.height};
+}
+
+/// Asks the parent for a size that the widget already has.
+void ask_again(Widget w, const char* resource, Dimension size) {
+    XtVaSetValues(w, resource, size + 1, nullptr);
+    XtVaSetValues(w, resource, static_cast<int>(size), nullptr);
+}
 
 }  // namespace
 
@@ -31,6 +58,7 @@ void popup_cb(Widget w, void* /*client_data*/, void* /*call_data*/) {
 void set_window_title(Widget dialog, const char* title) {
     const gw::XmText string = gw::xm_text(title);
     XtVaSetValues(dialog, XmNdialogTitle, string.get(), nullptr);
+    gw::tell_title(XtParent(dialog), title);
 }
 
 void set_watch_cursor(Widget w, int on) {
@@ -42,6 +70,7 @@ void set_watch_cursor(Widget w, int on) {
 
 void activate(Widget w, char on) {
     XtSetSensitive(w, on != 0 ? True : False);
+    gw::show_sensitivity(w);
 }
 
 Widget get_constraint_widget(Widget w, Widget ancestor) {
@@ -53,5 +82,15 @@ void update_label(Widget w, const char* a, const char* b) {
     std::string text = a != nullptr ? a : "";
     if (b != nullptr) text += b;
     const gw::XmText string = gw::xm_text(gw::truncated(text, LABEL_LIMIT - 1));
+    const Size before = size_of(w);
+    const Size needed_before = natural_size(w);
     XtVaSetValues(w, XmNlabelString, string.get(), nullptr);
+    // A form keeps the size that each child has asked for last. A label whose new text fits its box exactly
+    // asks for nothing, and when the form gets smaller, it would give that label the size of the old text.
+    const Size needed = natural_size(w);
+    if (needed.width == before.width && needed.width != needed_before.width)
+        ask_again(w, XmNwidth, needed.width);
+    if (needed.height == before.height && needed.height != needed_before.height)
+        ask_again(w, XmNheight, needed.height);
+    gw::assign_mnemonics_around(w);
 }

@@ -15,5 +15,6 @@ void set_watch_cursor(Widget w, int on);
 void activate(Widget w, char on);
 /// The child of `ancestor` that is, or contains, `w`; null when `w` is not inside.
 Widget get_constraint_widget(Widget w, Widget ancestor);
-/// Sets the label to `a` followed by `b`, together less than 10000 bytes; null counts as empty.
+/// Sets the label to `a` followed by `b`, together less than 10000 bytes; null counts as empty. A form that
+/// holds the label makes room for it.
 void update_label(Widget w, const char* a, const char* b);

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "app/kit/messages.h"
+#include "texts/messages.h"
 
 #include <X11/Intrinsic.h>
 

@@ -10,6 +10,7 @@
 #include <Xm/ScrolledW.h>
 #include <Xm/Separator.h>
 #include <Xm/TextF.h>
+#include <Xm/ToggleB.h>
 
 namespace gw {
 
@@ -43,6 +44,14 @@ Widget push_button(Widget parent, const char* name, Message text) {
     Arg args[1];
     XtSetArg(args[0], XmNlabelString, string.get());
     return managed(XmCreatePushButton(parent, name_arg(name), args, 1));
+}
+
+Widget toggle(Widget parent, const char* name, const std::string& text) {
+    const XmText string = xm_text(text);
+    Arg args[2];
+    XtSetArg(args[0], XmNlabelString, string.get());
+    XtSetArg(args[1], XmNindicatorOn, XmINDICATOR_CHECK_BOX);
+    return managed(XmCreateToggleButton(parent, name_arg(name), args, 2));
 }
 
 Widget separator(Widget parent, const char* name) {

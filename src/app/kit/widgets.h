@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "app/kit/messages.h"
+#include "texts/messages.h"
 
 #include <X11/Intrinsic.h>
 
@@ -16,6 +16,8 @@ Widget form(Widget parent, const char* name);
 Widget label(Widget parent, const char* name, Message text);
 Widget label(Widget parent, const char* name, const std::string& text);
 Widget push_button(Widget parent, const char* name, Message text);
+/// A toggle button that is not set.
+Widget toggle(Widget parent, const char* name, const std::string& text);
 Widget separator(Widget parent, const char* name);
 Widget text_field(Widget parent, const char* name);
 Widget scrolled_window(Widget parent, const char* name);

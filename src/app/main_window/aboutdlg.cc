@@ -2,7 +2,7 @@
 #include "app/main_window/aboutdlg.h"
 
 #include "app/kit/dialogs.h"
-#include "app/kit/messages.h"
+#include "texts/messages.h"
 
 #include <Xm/MessageB.h>
 

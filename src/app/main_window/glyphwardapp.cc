@@ -3,10 +3,13 @@
 
 #include <cstdlib>
 #include <initializer_list>
+#include <string>
 #include <vector>
 
-#include "app/common/status_line.h"
+#include "app/common/help_requests.h"
+#include "app/deleting/deletedfontsdlg.h"
 #include "app/deleting/deletion.h"
+#include "app/doctor/doctordlg.h"
 #include "app/font_path/modifyfpdlg.h"
 #include "app/fontsets/fontsetsdlg.h"
 #include "app/installing/font_source.h"
@@ -19,17 +22,19 @@
 #include "app/kit/handles.h"
 #include "app/kit/lists.h"
 #include "app/kit/menus.h"
-#include "app/kit/messages.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/main_window/aboutdlg.h"
 #include "app/main_window/helpdlg.h"
 #include "app/main_window/propsdlg.h"
+#include "app/main_window/undo_line.h"
 #include "app/printer/printerdlg.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -88,7 +93,7 @@ Widget root_only_dialog() {
 }
 
 void modify_fp_dlg_cb(Widget, XtPointer, XtPointer) {
-    if (user_is_root != 0) {
+    if (user_is_root != 0 || gw::window_policy().shows_live_path()) {
         start_modify_fp_dlg();
     } else {
         XtManageChild(root_only_dialog());
@@ -98,6 +103,10 @@ void modify_fp_dlg_cb(Widget, XtPointer, XtPointer) {
 void install_dlg_cb(Widget, XtPointer, XtPointer) {
     clear_attributes();
     XtManageChild(wi_install_dlg);
+}
+
+void why_requested(const std::string& name) {
+    start_doctor_dlg_about(name);
 }
 
 // --- menus ------------------------------------------------------------------
@@ -121,6 +130,10 @@ const gw::MenuEntry PRINTER_MENU[] = {
     {"_pr_delete_dlg_button", Message::PRINTER_DELETE_ENTRY, gw::show_cb<wi_pr_delete_dlg>},
     {"_pr_modify_fp_dlg_button", Message::PRINTER_MODIFY_FP_ENTRY, gw::show_cb<wi_pr_modify_fp_dlg>},
 };
+const gw::MenuEntry TOOLS_MENU[] = {
+    {"_doctor_dlg_button", Message::DOCTOR_ENTRY, gw::call_cb<start_doctor_dlg>},
+    {"_deleted_fonts_dlg_button", Message::DELETED_FONTS_ENTRY, gw::call_cb<start_deleted_fonts_dlg>},
+};
 const gw::MenuEntry HELP_MENU[] = {
     {"_help_dlg_button", Message::HELP_ENTRY, gw::call_cb<start_help_dlg>},
     {"_about_dlg_button", Message::ABOUT_ENTRY, gw::call_cb<start_about_dlg>},
@@ -139,8 +152,10 @@ Widget create_menu_bar(Widget main_window) {
     gw::pulldown_menu(menu_bar, {"_fonts_pulldown", "_fonts_cascade"}, Message::FONTS_MENU, FONTS_MENU);
     gw::pulldown_menu(menu_bar, {"_options_pulldown", "_options_cascade"}, Message::OPTIONS_MENU,
                       OPTIONS_MENU);
-    if (Gw_resrc.fontset_support == False) XtUnmanageChild(wi_fontsets_entry);
+    if (!gw::has_fontsets()) XtUnmanageChild(wi_fontsets_entry);
     create_printer_menu(menu_bar);
+    if (gw::window_policy().finds_missing_fonts())
+        gw::pulldown_menu(menu_bar, {"_tools_pulldown", "_tools_cascade"}, Message::TOOLS_MENU, TOOLS_MENU);
     const gw::Menu help =
         gw::pulldown_menu(menu_bar, {"_help_pulldown", "_help_cascade"}, Message::HELP_MENU, HELP_MENU);
     XtVaSetValues(menu_bar, XmNmenuHelpWidget, help.cascade, nullptr);
@@ -175,6 +190,13 @@ Widget create_work_area(Widget main_window) {
     return form;
 }
 
+/// The toolkit would begin in the field above the list.
+void begin_in_list(Widget shell, XtPointer, XEvent* event, Boolean*) {
+    if (event->type != MapNotify) return;
+    XtRemoveEventHandler(shell, StructureNotifyMask, False, begin_in_list, nullptr);
+    XmProcessTraversal(wi_hrn_list, XmTRAVERSE_CURRENT);
+}
+
 }  // namespace
 
 void exit_btn_cb(Widget, XtPointer, XtPointer) {
@@ -190,16 +212,20 @@ void create_font_admin_main_window() {
                   gw::text_of(Message::MAIN_TITLE), nullptr);
     Widget menu_bar = create_menu_bar(wi_mainwindow);
     Widget work_area = create_work_area(wi_mainwindow);
-    wi_main_window_status_label = gw::label(wi_mainwindow, "_status_message", " ");
+    Widget status_line = gw::create_status_line(wi_mainwindow);
     XtVaSetValues(wi_mainwindow, XmNmenuBar, menu_bar, XmNworkWindow, work_area, XmNmessageWindow,
-                  wi_main_window_status_label, nullptr);
+                  status_line, nullptr);
     gw::BusyWindows::include(wi_mainwindow);
     gw::on_close_box(wi_mainwindow, exit_btn_cb);
     gw::selection_changes().connect(selection_changed);
     gw::work_permissions().connect(work_permitted);
+    gw::why_requests().connect(why_requested);
+    gw::help_requests().connect(start_help_dlg_at);
     gw::start_installed_list();
     // The superuser has no sample text of their own.
     if (gw::user_is_superuser()) activate(wi_properties_entry, 0);
+    if (gw::window_policy().searches_lists())
+        XtAddEventHandler(wi_toplevel, StructureNotifyMask, False, begin_in_list, nullptr);
     XtManageChild(wi_mainwindow);
     XmProcessTraversal(wi_hrn_list, XmTRAVERSE_CURRENT);
 }

@@ -9,13 +9,15 @@
 
 #include "app/kit/attach.h"
 #include "app/kit/dialogs.h"
+#include "app/kit/events.h"
 #include "app/kit/handles.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
+#include "app/program/window_policy.h"
 #include "core/replace_file.h"
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/Text.h>
@@ -83,8 +85,16 @@ gw::XtOwned<char> manual() {
     return gw::XtOwned<char>(text);
 }
 
+/// Whether the dialog has no manual page yet.
+bool is_coming = false;
+
+gw::XtOwned<char> first_text() {
+    is_coming = gw::window_policy().makes_help_when_opened();
+    return is_coming ? gw::XtOwned<char>(XtNewString(gw::text_of(Message::HELP_IS_COMING))) : manual();
+}
+
 Widget create_text(Widget parent) {
-    const gw::XtOwned<char> text = manual();
+    const gw::XtOwned<char> text = first_text();
     Arg args[5];
     XtSetArg(args[0], XmNeditMode, XmMULTI_LINE_EDIT);
     XtSetArg(args[1], XmNeditable, False);
@@ -96,21 +106,53 @@ Widget create_text(Widget parent) {
     return w;
 }
 
-}  // namespace
+void close_cb(Widget, XtPointer, XtPointer) {
+    XtUnmanageChild(wi_help_dlg);
+}
 
 // Kept: the button of the help window does nothing. The window manager closes the window.
+void end_help_dlg(Widget ok) {
+    if (!gw::window_policy().answers_help_buttons())
+        return gw::end_dialog(wi_help_dlg, {.initial_focus = wi_text});
+    XtAddCallback(ok, XmNactivateCallback, close_cb, nullptr);
+    // Otherwise its tab group is the window's, in which the initial focus comes first: that is the text
+    // again.
+    XtVaSetValues(ok, XmNnavigationType, XmTAB_GROUP, nullptr);
+    // In a text of several lines Return would begin a line, and Tab would be a character.
+    XtOverrideTranslations(wi_text,
+                           XtParseTranslationTable("<Key>osfActivate: activate()\n"
+                                                   "Shift<Key>Tab: prev-tab-group()\n"
+                                                   "~Shift<Key>Tab: next-tab-group()\n"
+                                                   "~Shift ~Ctrl ~Meta ~Alt <Key>Return: activate()"));
+    gw::end_dialog(wi_help_dlg, {ok, ok, wi_text, close_cb});
+}
+
+}  // namespace
+
 Widget create_help_dlg(const char* name, Widget parent) {
     wi_help_dlg = gw::form_dialog(parent, name, Message::HELP_TITLE);
     Widget ok = gw::push_button(wi_help_dlg, "ok_button", Message::HELP_OK);
     Attach(ok).bottom_form(GAP).columns(40, 60);
     wi_text = create_text(wi_help_dlg);
     Attach(XtParent(wi_text)).top_form(GAP).sides(GAP).above(ok, GAP);
-    gw::end_dialog(wi_help_dlg, {.initial_focus = wi_text});
+    end_help_dlg(ok);
     return wi_help_dlg;
 }
 
 void start_help_dlg() {
     XtManageChild(wi_help_dlg);
+    if (!is_coming) return;
+    is_coming = false;
+    process_xt_events();  // The window says that the page is coming.
+    XmTextSetString(wi_text, manual().get());
+}
+
+void start_help_dlg_at(const char* heading) {
+    start_help_dlg();
+    const std::string line = std::string("\n") + heading + '\n';
+    XmTextPosition position = 0;
+    if (XmTextFindString(wi_text, 0, gw::name_arg(line.c_str()), XmTEXT_FORWARD, &position) != False)
+        XmTextSetTopCharacter(wi_text, position + 1);
 }
 
 void read_from_file(const char* path, char** text) {

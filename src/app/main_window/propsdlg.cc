@@ -3,16 +3,18 @@
 
 #include <vector>
 
+#include "app/common/help_requests.h"
 #include "app/kit/attach.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/kept_text.h"
-#include "app/kit/messages.h"
+#include "app/kit/looks.h"
 #include "app/kit/widgets.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
 #include "app/samples/rc_sample_text.h"
 #include "app/samples/sample_text.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/TextF.h>
@@ -26,6 +28,7 @@ using gw::Message;
 
 constexpr int GAP = 10;
 constexpr short TEXT_COLUMNS = 45;
+constexpr const char* INSTALLED_FONT = "-*-charter-medium-r-normal--*-180-75-75-p-*-iso8859-1";
 
 gw::KeptText sample;
 
@@ -76,6 +79,7 @@ Widget create_props_dlg(const char* name, Widget parent) {
     Widget label = gw::label(wi_props_dlg, "sample_label", Message::PROPS_TEXT);
     Attach(label).top_form(GAP).sides(GAP);
     Widget text = gw::text_field(wi_props_dlg, "sample_textField");
+    gw::use_fonts(text, gw::looks().sample_fonts, INSTALLED_FONT);
     sample = gw::KeptText(text);
     XtVaSetValues(text, XmNcolumns, TEXT_COLUMNS, nullptr);
     Attach(text).below(label, 2).sides(GAP);
@@ -84,12 +88,12 @@ Widget create_props_dlg(const char* name, Widget parent) {
 
     Widget row = gw::form(wi_props_dlg, "button_form");
     Attach(row).below(line, GAP).sides(0).bottom_form(GAP);
-    const std::vector<Widget> buttons =
-        gw::fill_with_buttons(row, {{"ok_button", Message::PROPS_OK, ok_cb},
-                                    {"apply_button", Message::PROPS_APPLY, apply_cb},
-                                    {"reset_button", Message::PROPS_RESET, reset_cb},
-                                    {"cancel_button", Message::PROPS_CANCEL, cancel_cb},
-                                    {"help_button", Message::PROPS_HELP, nullptr}});
+    const std::vector<Widget> buttons = gw::fill_with_buttons(
+        row, {{"ok_button", Message::PROPS_OK, ok_cb},
+              {"apply_button", Message::PROPS_APPLY, apply_cb},
+              {"reset_button", Message::PROPS_RESET, reset_cb},
+              {"cancel_button", Message::PROPS_CANCEL, cancel_cb},
+              gw::help_button("help_button", Message::PROPS_HELP, gw::HelpSection::SAMPLE_TEXT)});
     gw::end_dialog(wi_props_dlg, {buttons[0], buttons[3], text, cancel_cb});
     XtAddCallback(wi_props_dlg, XmNmapCallback, reset_cb, nullptr);
     return wi_props_dlg;

@@ -6,23 +6,26 @@
 #include <vector>
 
 #include "app/common/dirdlg.h"
+#include "app/common/help_requests.h"
 #include "app/installing/font_source.h"
 #include "app/installing/rmediadlg.h"
+#include "app/installing/source_verdicts.h"
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/lists.h"
 #include "app/kit/menus.h"
-#include "app/kit/messages.h"
 #include "app/kit/widgets.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/font_lists.h"
 #include "core/gw_dir.h"
 #include "core/gw_fspec_list.h"
 #include "platform/host_paths.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 #include <Xm/List.h>
@@ -53,9 +56,13 @@ void set_message(const char* text) {
 }
 
 void show_source() {
-    update_wi_hrn_list(wi_pr_install_dlg_scrolledlist, current_hrn_list);
+    gw::show_source_names(wi_pr_install_dlg_scrolledlist);
     gw::set_label(wi_pr_install_dlg_fontlist_label, gw::source_label());
     set_message("");
+}
+
+void show_verdict(int position) {
+    if (position > 0) gw::show_source_entry(wi_pr_install_dlg_scrolledlist, position);
 }
 
 void other_media_dlg_cb(Widget, XtPointer, XtPointer) {
@@ -85,6 +92,18 @@ void select_all_cb(Widget, XtPointer, XtPointer) {
 /// Kept: printer dialogs show attributes of the source. The position in `list` is looked up there.
 void attr_dlg_cb(Widget, XtPointer list, XtPointer) {
     gw::show_source_attributes(static_cast<Widget>(list));
+}
+
+void cancel_modify_fp_cb(Widget, XtPointer, XtPointer) {
+    XtUnmanageChild(wi_pr_modify_fp_dlg);
+}
+
+// Kept: one Cancel button does nothing.
+void end_modify_fp_dlg(Widget cancel) {
+    activate(cancel, 1);
+    if (!gw::window_policy().cancels_printer_path()) return gw::end_dialog(wi_pr_modify_fp_dlg, {});
+    XtAddCallback(cancel, XmNactivateCallback, cancel_modify_fp_cb, nullptr);
+    gw::end_dialog(wi_pr_modify_fp_dlg, {.cancel_button = cancel, .close = cancel_modify_fp_cb});
 }
 
 // --- parts -------------------------------------------------------------------
@@ -247,13 +266,14 @@ Widget create_pr_install_dlg(const char* name, Widget parent) {
                     {"select_all_button", Message::PR_SELECT_ALL, select_all_cb},
                     {"attr_button", Message::PR_ATTRIBUTES, attr_dlg_cb, wi_pr_install_dlg_scrolledlist},
                     {"cancel_button", Message::PR_CANCEL, cancel_cb},
-                    {"help_dlg_button", Message::PR_HELP, nullptr}});
+                    gw::help_button("help_dlg_button", Message::PR_HELP, gw::HelpSection::PRINTER)});
     wi_pr_install_dlg_msg_label = rows.label("msg_label", Message::PR_MESSAGE);
     rows.end();
     XtVaSetValues(dialog, XmNresizePolicy, XmRESIZE_GROW, nullptr);
     gw::end_dialog(dialog, {.cancel_button = buttons[3], .close = cancel_cb});
     gw::BusyWindows::include(wi_pr_install_dlg);
     gw::source_changes().connect(show_source);
+    gw::source_entry_changes().connect(show_verdict);
     update_wi_pr_install_dlg_for_menu();
     return dialog;
 }
@@ -273,7 +293,7 @@ Widget create_pr_delete_dlg(const char* name, Widget parent) {
     button_row(rows, dialog,
                {{"delete_button", Message::PR_DELETE, nullptr},
                 {"attr_button", Message::PR_DELETE_ATTRIBUTES, attr_dlg_cb, wi_pr_delete_dlg_scrolledlist},
-                {"help_dlg_button", Message::PR_DELETE_HELP, nullptr}});
+                gw::help_button("help_dlg_button", Message::PR_DELETE_HELP, gw::HelpSection::PRINTER)});
     rows.end();
     gw::end_dialog(dialog, {});
     update_wi_pr_delete_dlg_scrolledlist();
@@ -296,16 +316,15 @@ Widget create_pr_modify_fp_dlg(const char* name, Widget parent) {
     rows.beside(gw::text_field(dialog, "new_fp_textfield"));
     activate(rows.button("dir_dlg_button", Message::PR_FP_DIRECTORY, nullptr), 0);
     rows.line("separator");
-    const std::vector<Widget> buttons = button_row(rows, dialog,
-                                                   {{"ok_button", Message::PR_FP_OK, nullptr},
-                                                    {"apply_button", Message::PR_FP_APPLY, nullptr},
-                                                    {"reset_button", Message::PR_FP_RESET, nullptr},
-                                                    {"cancel_button", Message::PR_FP_CANCEL, nullptr},
-                                                    {"help_button", Message::PR_FP_HELP, nullptr}});
-    // Kept: one Cancel button does nothing.
-    activate(buttons[3], 1);
+    const std::vector<Widget> buttons =
+        button_row(rows, dialog,
+                   {{"ok_button", Message::PR_FP_OK, nullptr},
+                    {"apply_button", Message::PR_FP_APPLY, nullptr},
+                    {"reset_button", Message::PR_FP_RESET, nullptr},
+                    {"cancel_button", Message::PR_FP_CANCEL, nullptr},
+                    gw::help_button("help_button", Message::PR_FP_HELP, gw::HelpSection::PRINTER)});
     rows.end();
-    gw::end_dialog(dialog, {});
+    end_modify_fp_dlg(buttons[3]);
     update_wi_pr_modify_fp_dlg_scrolledlist();
     return dialog;
 }

@@ -32,6 +32,11 @@ bool ConflictView::is_shown(const GW_LIST<GWConflict>* list) {
                        [list](const ConflictView* view) { return view->list_ == list; });
 }
 
+bool ConflictView::is_any_shown() {
+    return std::any_of(views.begin(), views.end(),
+                       [](const ConflictView* view) { return view->list_ != nullptr; });
+}
+
 void clear_conflict_list() {
     if (ConflictView::is_shown(&the_conflict_list)) {
         OwnedConflicts shown(new GW_LIST<GWConflict>);

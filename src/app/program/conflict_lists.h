@@ -24,6 +24,8 @@ class ConflictView {
     void let_go() { list_ = nullptr; }
     /// Null when nothing is shown.
     [[nodiscard]] GW_LIST<GWConflict>* list() const { return list_; }
+    /// Whether any dialog shows conflicts now.
+    [[nodiscard]] static bool is_any_shown();
 
   private:
     friend void clear_conflict_list();

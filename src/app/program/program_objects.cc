@@ -4,6 +4,8 @@
 #include "app/program/program_objects.h"
 
 #include "app/program/conflict_lists.h"
+#include "app/program/listed_indexes.h"
+#include "app/program/window_policy.h"
 #include "core/rights.h"
 #include "modules/font_modules.h"
 
@@ -29,11 +31,30 @@ bool gw::user_is_superuser() {
     return is_superuser(static_cast<uid_t>(uid));
 }
 
+namespace {
+
+bool joins_path = true;
+
+}  // namespace
+
+bool gw::installation_joins_path() {
+    return joins_path && (!user_is_superuser() || window_policy().offers_destinations());
+}
+
+bool gw::font_path_waits_for_superuser() {
+    return user_is_superuser() && !installation_joins_path();
+}
+
+void gw::set_installation_joins_path(bool joins) {
+    joins_path = joins;
+}
+
 void count_installed_fonts() {
     the_installed_hrn_count = the_installed_hrn_list.get_count();
 }
 
 void fill_program_lists() {
+    if (gw::window_policy().shows_live_path()) gw::begin_listing();
     the_installed_hrn_list.clear();
     the_installed_fonts_driver.get_hrn_list(the_installed_hrn_list);
     count_installed_fonts();
@@ -46,7 +67,9 @@ std::vector<gw::Failure> show_installation_to_server(const std::string& dir) {
     std::vector<gw::Failure> failures;
     if (!gw::user_is_superuser()) {
         GW_DIR(dir.c_str()).make_upr_file(0, nullptr);
-        failures = the_installed_fonts_driver.put_on_font_path(dir);
+        if (gw::installation_joins_path()) failures = the_installed_fonts_driver.put_on_font_path(dir);
+    } else if (gw::installation_joins_path()) {
+        failures = the_installed_fonts_driver.put_on_everyones_font_path(dir);
     }
     the_font_path->rehash_session_fp();
     return failures;

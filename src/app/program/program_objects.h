@@ -71,8 +71,20 @@ void count_installed_fonts();
 /// Fills the installed-name list and the alias list from the font path, releasing what they held.
 void fill_program_lists();
 
+namespace gw {
+
+/// Whether the directory in which fonts are installed is put on the font path. To begin with it is, but for
+/// the superuser only where the install dialog lets them choose (see `WindowPolicy::offers_destinations`).
+[[nodiscard]] bool installation_joins_path();
+void set_installation_joins_path(bool joins);
+/// Whether it is the superuser who has to put directories on the font path, and is to be told so.
+[[nodiscard]] bool font_path_waits_for_superuser();
+
+}  // namespace gw
+
 /// Tells the running server about an installation into `dir`. An ordinary user's directory gets its resource
-/// file and is added to the font paths of the user and of the session. In every case the server reads its
+/// file. If installations join the path, it is added to the font paths of the user (the superuser: of
+/// everybody) and of the session. In every case the server reads its
 /// directories again, because `dir` may have been one of them already. Returns what could not be done.
 std::vector<gw::Failure> show_installation_to_server(const std::string& dir);
 

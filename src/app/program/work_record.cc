@@ -4,11 +4,14 @@
 #include <optional>
 
 #include "app/program/program_objects.h"
+#include "app/program/undo_record.h"
+#include "fontpath/trash_places.h"
 #include "store/font_action.h"
 
 WorkRecord the_wp_cl_data;
 
 void forbid_other_work() {
+    gw::forget_undoable();
     gw::work_permissions().emit(false);
 }
 
@@ -19,6 +22,11 @@ void permit_other_work() {
 namespace gw {
 
 namespace {
+
+/// Where something was deleted, the user may look for it later.
+void remember_trash(const FontAction& action) {
+    for (const FontAction::Kept& kept : action.kept()) tell_unless_done(remember_trash_place(kept.dir));
+}
 
 /// The user's action that is going on.
 std::optional<FontAction>& current() {
@@ -36,6 +44,7 @@ void begin_font_action() {
 void keep_what_is_done() {
     if (!current()) return;
     for (const FontAction::Failed& failed : current()->commit()) tell(failed.why);
+    remember_trash(*current());
     current().reset();
 }
 
@@ -44,7 +53,12 @@ int commit_font_action(FontReport& report, Sequel sequel) {
     int names = 0;
     for (const FontAction::Failed& failed : current()->commit())
         names += report.fail_all_in(failed.dir, failed.why.with(sequel));
+    remember_trash(*current());
+    const std::vector<FontAction::Kept> kept = current()->kept();
+    const std::vector<FontAction::Came> came = current()->came();
     current().reset();
+    const bool deletes = sequel == Sequel::FONT_STAYS;
+    note_undoable(deletes ? UndoableWork::DELETION : UndoableWork::REPLACEMENT, kept, came);
     if (names > 0) fill_program_lists();
     return names;
 }

@@ -14,6 +14,7 @@ struct WorkRecord {
     std::vector<int> positions;  ///< the selected positions, 1-based, ascending
     int done = 0;                ///< fonts installed or deleted so far
     std::size_t index = 0;       ///< of the next position to handle
+    std::size_t untried = 0;     ///< so many at the end were not tried, because the user has stopped the work
 
     [[nodiscard]] bool is_in_progress() const { return index < positions.size(); }
 };

@@ -1,20 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "app/samples/attrdlg.h"
 
+#include <memory>
 #include <string>
 
+#include "app/common/help_requests.h"
 #include "app/kit/attach.h"
 #include "app/kit/busy_windows.h"
 #include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/kit/messages.h"
+#include "app/kit/looks.h"
 #include "app/kit/widgets.h"
+#include "app/program/shown_names.h"
 #include "app/program/window_policy.h"
+#include "app/samples/font_details.h"
+#include "core/font_policy.h"
 #include "core/text.h"
 #include "model/gw_xlfd_name.h"
 #include "model/packaged_fonts.h"
 #include "platform/package_owner.h"
+#include "texts/messages.h"
 
 #include <Xm/Form.h>
 
@@ -22,7 +28,7 @@ Widget wi_attr_dlg = nullptr;
 int attr_dlg_managed = 0;
 Widget wi_font_hrn_name, wi_font_xlfd_name, wi_font_loc_name;
 Widget wi_foundry_name, wi_charset_name, wi_spacing_name;
-Widget wi_package_name;  // null unless windows show packages
+Widget wi_package_name;  // null unless windows show packages, and not with the details
 Widget wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name;
 
 namespace {
@@ -34,9 +40,20 @@ constexpr int GAP = 8;
 constexpr std::size_t USUAL_NAME = 60;  // characters that fit into the dialog when it appears
 constexpr int VALUE_COLUMN = 24;        // the width of the labels, in hundredths of the dialog's
 
+/// Null where windows do not show them.
+std::unique_ptr<gw::FontDetails>& details() {
+    static std::unique_ptr<gw::FontDetails> of_the_dialog;
+    return of_the_dialog;
+}
+
+bool shows_details() {
+    return gw::window_policy().shows_font_details() && gw::font_policy().enters_all_names();
+}
+
 void close_cb(Widget, XtPointer, XtPointer) {
     XtUnmanageChild(wi_attr_dlg);
     attr_dlg_managed = 0;
+    if (details()) details()->clear();
 }
 
 void show_dialog() {
@@ -76,6 +93,18 @@ Widget value_row(Widget parent, const char* label_name, Message text, const char
     return value;
 }
 
+/// Makes the scrolled window just high enough for one line and a scroll bar: with the details below, the
+/// dialog needs the height.
+void make_low(Widget scroll, Widget line) {
+    Widget bar = nullptr;
+    Dimension shadow = 0;
+    Dimension space = 0;
+    XtVaGetValues(scroll, XmNhorizontalScrollBar, &bar, XmNshadowThickness, &shadow, XmNspacing, &space,
+                  nullptr);
+    const int height = gw::natural_height(line) + gw::natural_height(bar) + 2 * shadow + space;
+    XtVaSetValues(scroll, XmNheight, height, nullptr);
+}
+
 /// The same with the value in a scrolled window, which is returned through `scroll`, so that names and paths
 /// of any length can be read.
 Widget scrolled_row(Widget parent, const char* label_name, Message text, const char* value_name,
@@ -83,6 +112,7 @@ Widget scrolled_row(Widget parent, const char* label_name, Message text, const c
     Widget label = gw::label(parent, label_name, text);
     scroll = gw::scrolled_window(parent, scroll_name);
     Widget value = gw::label(scroll, value_name, " ");
+    if (shows_details()) make_low(scroll, value);
     stack(label, above);
     stack(scroll, above);
     Attach(label).columns(0, VALUE_COLUMN);
@@ -115,7 +145,7 @@ void create_foundry_section(Widget parent) {
     wi_charset_name = value_row(parent, "charset_label", Message::ATTR_CHARSET, "charset_name", row, row);
     wi_spacing_name = value_row(parent, "spacing_label", Message::ATTR_SPACING, "spacing_name", row, row);
     wi_package_name = nullptr;
-    if (gw::window_policy().shows_packages())
+    if (gw::window_policy().shows_packages() && !shows_details())
         wi_package_name = value_row(parent, "package_label", Message::ATTR_PACKAGE, "package_name", row, row);
 }
 
@@ -132,16 +162,63 @@ void create_alias_section(Widget parent) {
     Attach(location_scroll).bottom_form(0);
 }
 
+/// Labels of a narrow section need more of its width.
+void widen_labels(Widget form) {
+    constexpr int WIDE_COLUMN = 45;
+    WidgetList rows = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(form, XmNchildren, &rows, XmNnumChildren, &count, nullptr);
+    for (Cardinal i = 0; i < count; ++i) {
+        int left = 0;
+        XtVaGetValues(rows[i], XmNleftPosition, &left, nullptr);
+        XtVaSetValues(rows[i], left == VALUE_COLUMN ? XmNleftPosition : XmNrightPosition, WIDE_COLUMN,
+                      nullptr);
+    }
+}
+
+/// On a low screen the details need the height of one of these sections.
+void put_beside(Widget alias, Widget foundry, Widget above) {
+    constexpr int MIDDLE = 45;
+    XtUnmanageChild(XtNameToWidget(XtParent(alias), "separator3"));
+    Attach(foundry).columns(0, MIDDLE);
+    Attach(alias).below(above, 0).columns(MIDDLE + 1, 100);
+    for (Widget section : {alias, foundry}) widen_labels(section);
+}
+
+/// The file of the font, its names and its characters; returns the separator below them.
+Widget create_details_section(Widget dialog, Widget above) {
+    Widget form = nullptr;
+    Widget line = section(dialog, "details_template", "separator5", above, form);
+    details() = std::make_unique<gw::FontDetails>(form);
+    // The record must not outlive the widgets.
+    XtAddCallback(
+        form, XmNdestroyCallback, [](Widget, XtPointer, XtPointer) { details().reset(); }, nullptr);
+    return line;
+}
+
+/// Gives the details the height that the user adds to the dialog.
+void let_details_grow(Widget dialog, Widget form, Widget message) {
+    XtVaSetValues(message, XmNtopAttachment, XmATTACH_NONE, nullptr);
+    XtVaSetValues(form, XmNtopAttachment, XmATTACH_NONE, nullptr);
+    Widget line = XtNameToWidget(dialog, "separator5");
+    XtVaSetValues(line, XmNtopAttachment, XmATTACH_NONE, nullptr);
+    Attach(form).above(message, 0);
+    Attach(line).above(form, GAP);
+    Attach(XtNameToWidget(dialog, "details_template")).above(line, GAP);
+}
+
 void create_buttons(Widget dialog, Widget above) {
     Widget form = gw::form(dialog, "button_form");
     Attach(form).sides(0).below(above, GAP);
-    Widget close = gw::fill_with_buttons(
-                       form, {{"close_button", Message::ATTR_CLOSE, close_cb, nullptr, 20, 40},
-                              {"help_dlg_button", Message::ATTR_HELP, gw::do_nothing_cb, nullptr, 60, 80}})
-                       .front();
+    Widget close =
+        gw::fill_with_buttons(form, {{"close_button", Message::ATTR_CLOSE, close_cb, nullptr, 20, 40},
+                                     gw::help_button("help_dlg_button", Message::ATTR_HELP,
+                                                     gw::HelpSection::ATTRIBUTES, gw::do_nothing_cb, 60, 80)})
+            .front();
 
     Widget message = gw::label(dialog, "msg_label", " ");
     Attach(message).sides(GAP).below(form, 0).bottom_form(0);
+    if (details()) let_details_grow(dialog, form, message);
     gw::end_dialog(dialog, {close, close, form, close_cb});
 }
 
@@ -170,42 +247,50 @@ Widget create_attr_dlg(const char* name, Widget parent) {
     Widget part = nullptr;
     line = section(wi_attr_dlg, "font_template", "separator2", line, part);
     create_font_section(part);
-    line = section(wi_attr_dlg, "foundry_template", "separator3", line, part);
-    create_foundry_section(part);
+    Widget foundry = nullptr;
+    Widget below_font = line;
+    line = section(wi_attr_dlg, "foundry_template", "separator3", line, foundry);
+    create_foundry_section(foundry);
     line = section(wi_attr_dlg, "alias_template", "separator4", line, part);
     create_alias_section(part);
+    if (shows_details() && gw::is_screen_low(wi_attr_dlg)) put_beside(part, foundry, below_font);
+    if (shows_details()) line = create_details_section(wi_attr_dlg, line);
     create_buttons(wi_attr_dlg, line);
     gw::BusyWindows::include(wi_attr_dlg);
     return wi_attr_dlg;
 }
 
-void show_font_attributes(GWFont* font, const char* location) {
+void show_font_attributes(GWFont* font, const char* location, const GWHRNElement* entry) {
     show_dialog();
     const bool postscript = font->is_postscript_named();
     const char* name = postscript ? font->get_ps_name() : font->get_xlfd_name();
     const bool xlfd = !postscript && is_xlfd_name(name) != 0;
-    set_value(wi_font_hrn_name, font->get_hrn_name().c_str());
+    set_value(wi_font_hrn_name, gw::name_for_window(font->get_hrn_name()).c_str());
     set_value(wi_font_xlfd_name, name);
     set_value(wi_font_loc_name, location != nullptr ? location : font->get_dir_name());
     set_value(wi_charset_name, xlfd ? font->get_charset_hrn_name() : nullptr);
     set_value(wi_foundry_name, xlfd ? font->get_field(GWFont::FOUNDRY) : " ");
     set_value(wi_spacing_name, xlfd ? spacing_word(font->get_field(GWFont::SPACING)).c_str() : " ");
     for (Widget value : {wi_alias_hrn_name, wi_alias_xlfd_name, wi_alias_loc_name}) set_value(value, nullptr);
+    if (details()) details()->show(*font, entry);
     if (wi_package_name == nullptr) return;
     gw::forget_package_owners();
-    show_package(gw::packages_of(*font));
+    const gw::Result<std::set<std::string>> packages = gw::packages_of(*font);
+    if (!packages) gw::tell(packages.failure());
+    show_package(packages ? gw::enumeration(*packages) : "");
 }
 
 void show_alias_attributes(const GWAlias* alias) {
     show_dialog();
-    set_value(wi_alias_hrn_name, alias->get_hrn_name());
+    set_value(wi_alias_hrn_name, gw::name_for_window(alias->get_hrn_name()).c_str());
     set_value(wi_alias_xlfd_name, alias->get_alias_name());
     set_value(wi_alias_loc_name, alias->get_dir_name());
-    set_value(wi_font_hrn_name, alias->get_font_hrn_name());
+    set_value(wi_font_hrn_name, gw::name_for_window(alias->get_font_hrn_name()).c_str());
     set_value(wi_font_xlfd_name, alias->get_font_name());
     for (Widget value : {wi_font_loc_name, wi_foundry_name, wi_charset_name, wi_spacing_name})
         set_value(value, nullptr);
     show_package("");
+    if (details()) details()->clear();
 }
 
 void clear_attributes() {
@@ -215,8 +300,21 @@ void clear_attributes() {
         set_value(value, nullptr);
     }
     show_package("");
+    if (details()) details()->clear();
 }
 
 int is_attr_dlg_displayed() {
     return attr_dlg_managed;
 }
+
+namespace gw {
+
+FontDetails* font_details() {
+    return details().get();
+}
+
+void release_shown_font() {
+    if (details()) details()->clear();
+}
+
+}  // namespace gw

@@ -5,10 +5,13 @@
 #include <vector>
 
 #include "app/kit/lists.h"
+#include "app/program/shown_names.h"
+#include "app/program/window_policy.h"
 
 void update_wi_hrn_list(Widget list, const GWHRNList& hrn_list) {
     std::vector<std::string> names;
     for (const GWHRNElement* elem : hrn_list) names.emplace_back(elem->get_name());
+    if (gw::window_policy().speaks_in_sentences()) names = gw::names_in_columns(names, {});
     gw::fill_list(list, names);
 }
 

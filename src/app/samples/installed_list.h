@@ -4,6 +4,9 @@
 // the selected font, and the disk space of the selection.
 #pragma once
 
+#include <string>
+#include <vector>
+
 #include "app/kit/signal.h"
 
 #include <X11/Intrinsic.h>
@@ -28,6 +31,9 @@ void show_selected_attributes_cb(Widget w, XtPointer client_data, XtPointer call
 /// be used.
 Signal<int>& selection_changes();
 
+/// Emitted with the name of the font that has no sample, when the user asks why.
+Signal<const std::string&>& why_requests();
+
 }  // namespace gw
 
 /// Shows all installed fonts and after them the aliases. None of them is selected. If the list lacks the
@@ -38,5 +44,8 @@ void update_wi_installed_hrn_list();
 void activate_selection_controls(int selected);
 /// Deselects everything in the list, and shows no sample, no sizes and no disk space.
 void forget_selection();
+/// Selects these positions and nothing else, as the user would, and scrolls to the first. The search shows
+/// all entries again if it hides one of them.
+void select_in_installed_list(const std::vector<int>& positions);
 /// Makes the callback that shows the sample the last one of the list's selection callbacks.
 void show_main_samples_last();

@@ -5,6 +5,7 @@
 
 #include <string>
 
+#include "app/kit/signal.h"
 #include "model/gw_alias.h"
 #include "model/gw_font.h"
 
@@ -26,6 +27,21 @@ namespace gw {
 /// one.
 bool show_in_font(Widget field, GWFont* font, const std::string& decipoints, const std::string& text);
 bool show_in_alias(Widget field, const GWAlias* alias, const std::string& text);
+/// The same for a font that is known by its full name only. `file` is the font's, "" when it is not known.
+bool show_in_name(Widget field, const std::string& xlfd, const std::string& text, const std::string& file);
+
+/// Says in the label, from now on, why the field shows no sample; "" otherwise.
+void explain_samples_in(Widget field, Widget status);
+
+/// Emitted with a field and the name of the font that it has no sample of, or with "" when it shows a sample,
+/// or is to show none.
+Signal<Widget, const std::string&>& sample_absences();
+
+/// The resolution of the screen in dots per inch: what the desktop says, or else what the server says.
+[[nodiscard]] int screen_resolution();
+
+/// Says that the entry which is selected has no font any more.
+void explain_missing_font(Widget field);
 
 /// For a request that draws nothing itself: makes all earlier requests stale too.
 void forget_older_samples();

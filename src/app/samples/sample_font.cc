@@ -2,9 +2,11 @@
 #include "app/samples/sample_font.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 #include "app/kit/toolkit.h"
 #include "core/font_policy.h"
+#include "core/text.h"
 
 #include <X11/Xproto.h>
 
@@ -67,6 +69,23 @@ LoadedFont load_font(const std::string& name) {
     return font;
 }
 
+unsigned char opening_error = Success;
+
+int note_opening_error(Display* d, XErrorEvent* event) {
+    if (event->request_code != X_OpenFont && event->request_code != X_CloseFont)
+        return x_error_handler(d, event);
+    // The error of closing a font that was not opened comes second.
+    if (event->request_code == X_OpenFont) opening_error = event->error_code;
+    return 0;
+}
+
+bool server_lists(const std::string& name) {
+    int count = 0;
+    char** names = XListFonts(display, name.c_str(), 1, &count);
+    if (names != nullptr) XFreeFontNames(names);
+    return count > 0;
+}
+
 bool has_letters(FontSet& set) {
     return set && width_of(set.get(), "A") > 0;
 }
@@ -94,8 +113,42 @@ std::optional<SampleFont> make_sample_font(std::string name, const std::string& 
     return std::nullopt;
 }
 
+std::optional<SampleFont> make_font_for(std::string name, const std::string& text) {
+    if (!can_name_a_font(name)) return std::nullopt;
+    std::replace(name.begin(), name.end(), ',', '?');
+    if (FontSet set = open_font_set(name); set && width_of(set.get(), text) > 0) return set;
+    // The toolkit draws Unicode with such a font in a UTF-8 locale, and bytes in any other.
+    const bool is_unicode = lower_case(name).ends_with("-iso10646-1") && MB_CUR_MAX > 1;
+    if (LoadedFont font = is_unicode ? load_font(name) : LoadedFont(); font) return font;
+    return std::nullopt;
+}
+
+NoSample why_no_sample(std::string name) {
+    if (!can_name_a_font(name)) return NoSample::NOT_LISTED;
+    std::replace(name.begin(), name.end(), ',', '?');
+    if (load_font(name)) return NoSample::NO_LETTERS;
+    int count = 0;
+    char** names = XListFonts(display, name.c_str(), 1, &count);
+    if (names != nullptr) XFreeFontNames(names);
+    return count > 0 ? NoSample::NOT_OPENED : NoSample::NOT_LISTED;
+}
+
 FontSet make_font_set(std::string_view names) {
     return all_can_name_fonts(names) ? open_font_set(std::string(names)) : FontSet();
+}
+
+ServerAnswer ask_server_for_font(std::string name) {
+    std::replace(name.begin(), name.end(), ',', '?');
+    if (!can_name_a_font(name) || !server_lists(name)) return ServerAnswer::KNOWS_NOTHING;
+    XSync(display, False);
+    opening_error = Success;
+    const XErrorHandler before = XSetErrorHandler(note_opening_error);
+    // The font is not queried: a server answers that with the widths of all its characters.
+    XUnloadFont(display, XLoadFont(display, name.c_str()));
+    XSync(display, False);
+    XSetErrorHandler(before);
+    if (opening_error == Success) return ServerAnswer::OPENS;
+    return opening_error == BadAlloc ? ServerAnswer::HAS_NO_ROOM : ServerAnswer::REFUSES;
 }
 
 void take_over_font_errors() {

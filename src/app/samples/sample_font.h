@@ -32,9 +32,29 @@ using SampleFont = std::variant<FontSet, LoadedFont>;
 /// font set for `text`.
 [[nodiscard]] std::optional<SampleFont> make_sample_font(std::string name, const std::string& text);
 
+/// The same for a text that the font has, whether or not it has Latin letters.
+[[nodiscard]] std::optional<SampleFont> make_font_for(std::string name, const std::string& text);
+
+/// Why there is no sample in the font of that name.
+enum class NoSample {
+    NOT_LISTED,  ///< the server does not know the name
+    NOT_OPENED,  ///< the server knows it, and cannot open the font
+    NO_LETTERS,  ///< the locale has no way to draw the font's characters
+};
+[[nodiscard]] NoSample why_no_sample(std::string name);
+
 /// The font set of a comma-separated list of names. Empty if the locale or the server cannot make it, or if
 /// an entry of the list cannot be the name of a font.
 [[nodiscard]] FontSet make_font_set(std::string_view names);
+
+enum class ServerAnswer {
+    OPENS,
+    REFUSES,       ///< it lists the name, and cannot open the font
+    HAS_NO_ROOM,   ///< the same: what the file says asks for more memory than there is
+    KNOWS_NOTHING  ///< it does not list the name
+};
+/// Asks the server to open the font of that name, and closes it again.
+[[nodiscard]] ServerAnswer ask_server_for_font(std::string name);
 
 /// Makes `x_error_handler` the handler of X errors, in place of the toolkit's.
 void take_over_font_errors();

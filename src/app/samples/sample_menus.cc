@@ -8,7 +8,9 @@
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/menus.h"
 #include "app/kit/widgets.h"
+#include "app/program/window_policy.h"
 #include "app/samples/rc_sample_text.h"
+#include "app/samples/sample_field.h"
 #include "app/samples/sample_record.h"
 
 #include <Xm/RowColumn.h>
@@ -19,6 +21,13 @@ const std::array<const char*, outline_point_size_list_count> outline_point_size_
 namespace {
 
 constexpr const char* OUTLINE_RESOLUTION = "75 X 75";
+constexpr char NO_CHARSET = '-';
+
+std::string outline_resolution() {
+    if (!gw::window_policy().explains_samples()) return OUTLINE_RESOLUTION;
+    const std::string resolution = std::to_string(gw::screen_resolution());
+    return resolution + " X " + resolution;
+}
 
 /// Replaces the buttons of the menu with one per text, and makes the last one current. Returns the current
 /// button. Without texts the menu keeps its buttons, and null is returned.
@@ -53,6 +62,7 @@ std::vector<std::string> sizes_of(const GWHRNElement& elem) {
 }  // namespace
 
 void offer_sizes(sample_text_cb_struct* record, const GWHRNElement& elem) {
+    gw::offer_encodings(record, elem);
     Widget current =
         replace_buttons(record->size_menu, record->size_pulldown, record->size_buttons, sizes_of(elem),
                         gw::thunk<sample_text_cb_struct, size_button_cb>, record);
@@ -61,7 +71,7 @@ void offer_sizes(sample_text_cb_struct* record, const GWHRNElement& elem) {
         size_button_cb(current, record, nullptr);
     } else {
         activate(record->res_menu, 0);
-        gw::show_nothing(*record);
+        gw::show_that_font_is_gone(*record);
     }
 }
 
@@ -70,7 +80,7 @@ void size_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*ca
     const GWHRNElement* elem = gw::only_selected_element(*record);
     if (elem == nullptr) return;
     const bool outline = gw::is_outline(*elem);
-    std::vector<std::string> resolutions = {OUTLINE_RESOLUTION};
+    std::vector<std::string> resolutions = {outline_resolution()};
     if (!outline) {
         unsigned count = 0;
         resolutions = elem->get_res(chosen_decipoints(*elem, gw::label_of(button)).c_str(), count);
@@ -81,7 +91,7 @@ void size_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*ca
     if (current != nullptr) {
         res_button_cb(current, record, nullptr);
     } else {
-        gw::show_nothing(*record);
+        gw::show_that_font_is_gone(*record);
     }
 }
 
@@ -91,9 +101,64 @@ void res_button_cb(Widget button, sample_text_cb_struct* record, XtPointer /*cal
     if (elem == nullptr || record->size_button == nullptr) return;
     const std::string decipoints = chosen_decipoints(*elem, gw::label_of(record->size_button));
     const gw::Ref<GWFont> font(elem->get_font(decipoints.c_str(), gw::label_of(button).c_str()));
-    if (!font) return gw::show_nothing(*record);
+    if (!font) return gw::show_that_font_is_gone(*record);
+    gw::choose_encoding(*font, record->enc_menu != nullptr ? gw::chosen_entry(record->enc_menu) : "");
     gw::show_font(*record, font.get(), decipoints.c_str());
 }
+
+namespace gw {
+
+namespace {
+
+std::string charset_of(const std::string& xlfd) {
+    const std::size_t encoding = xlfd.rfind('-');
+    if (encoding == std::string::npos || encoding == 0) return "";
+    const std::size_t registry = xlfd.rfind('-', encoding - 1);
+    return registry == std::string::npos ? "" : xlfd.substr(registry + 1);
+}
+
+/// The charsets of the first font in the file, that of its XLFD name last.
+std::vector<std::string> charsets_of(GWFont& font) {
+    std::vector<std::string> charsets;
+    const std::string current = charset_of(font.get_xlfd_name());
+    for (const IndexName& name : font.get_index_names()) {
+        const std::string charset = charset_of(name.xlfd);
+        const bool is_new = std::find(charsets.begin(), charsets.end(), charset) == charsets.end();
+        if (name.face == 0 && is_new && charset != current) charsets.push_back(charset);
+    }
+    std::sort(charsets.begin(), charsets.end());
+    charsets.push_back(current);
+    return charsets;
+}
+
+void encoding_button_cb(Widget /*button*/, sample_text_cb_struct* record, XtPointer /*call_data*/) {
+    if (record->res_button != nullptr) res_button_cb(record->res_button, record, nullptr);
+}
+
+}  // namespace
+
+void offer_encodings(sample_text_cb_struct* record, const GWHRNElement& elem) {
+    if (record->enc_menu == nullptr) return;
+    GWFont* font = elem.get_representative();
+    if (font == nullptr) return;
+    std::vector<std::string> charsets = {charset_of(font->get_xlfd_name())};
+    if (is_outline(elem)) charsets = charsets_of(*font);
+    // A name that is no XLFD name has none; the menu keeps its size.
+    if (charsets.back().empty()) charsets.back().push_back(NO_CHARSET);
+    replace_buttons(record->enc_menu, record->enc_pulldown, record->enc_buttons, charsets,
+                    thunk<sample_text_cb_struct, encoding_button_cb>, record);
+    activate(record->enc_menu, charsets.size() > 1 ? 1 : 0);
+}
+
+void choose_encoding(GWFont& font, const std::string& charset) {
+    for (const IndexName& name : font.get_index_names()) {
+        if (name.face != 0 || charset_of(name.xlfd) != charset) continue;
+        font.set_xlfd_name(name.xlfd.c_str());
+        return;
+    }
+}
+
+}  // namespace gw
 
 std::string chosen_decipoints(const GWHRNElement& elem, const std::string& points) {
     std::string decipoints = convert_to_decipoint(points.c_str());

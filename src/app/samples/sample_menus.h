@@ -18,6 +18,16 @@ extern const std::array<const char*, outline_point_size_list_count> outline_poin
 /// Fills the size menu with the sizes of the element, and chooses the last one.
 void offer_sizes(sample_text_cb_struct* record, const GWHRNElement& elem);
 
+namespace gw {
+
+/// Fills the menu of encodings, if there is one, with those of the element's font, and chooses that of its
+/// XLFD name.
+void offer_encodings(sample_text_cb_struct* record, const GWHRNElement& elem);
+/// Makes the name with that charset ("koi8-r") the XLFD name of the font, if it has one.
+void choose_encoding(GWFont& font, const std::string& charset);
+
+}  // namespace gw
+
 /// A size was chosen: fills the resolution menu, and chooses the last one.
 void size_button_cb(Widget button, sample_text_cb_struct* record, XtPointer call_data);
 /// A resolution was chosen: shows the sample.

@@ -21,7 +21,7 @@ GWHRNElement* only_selected_element(const sample_text_cb_struct& record) {
 
 void show_font(const sample_text_cb_struct& record, GWFont* font, const char* decipoints) {
     if (show_in_font(record.sample_field, font, decipoints, sample_text) && is_attr_dlg_displayed() != 0)
-        show_font_attributes(font, record.location);
+        show_font_attributes(font, record.location, only_selected_element(record));
 }
 
 void show_alias(const sample_text_cb_struct& record, const GWAlias* alias) {
@@ -34,8 +34,13 @@ void show_nothing(const sample_text_cb_struct& record) {
     if (is_attr_dlg_displayed() != 0) clear_attributes();
 }
 
+void show_that_font_is_gone(const sample_text_cb_struct& record) {
+    show_nothing(record);
+    explain_missing_font(record.sample_field);
+}
+
 void make_menus_insensitive(const sample_text_cb_struct& record) {
-    for (Widget menu : {record.size_menu, record.res_menu}) {
+    for (Widget menu : {record.size_menu, record.res_menu, record.enc_menu}) {
         if (menu != nullptr) activate(menu, 0);
     }
 }

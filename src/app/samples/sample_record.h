@@ -22,6 +22,9 @@ struct sample_text_cb_struct {
     Widget res_button = nullptr;
     Widget res_pulldown = nullptr;
     Widget size_pulldown = nullptr;
+    std::vector<Widget> enc_buttons;
+    Widget enc_menu = nullptr;  ///< null unless windows offer encodings
+    Widget enc_pulldown = nullptr;
     Widget list = nullptr;
     GWHRNList* hrn_list = nullptr;
     const char* location = nullptr;  ///< shown in the attributes dialog; null for the font's own
@@ -41,6 +44,8 @@ void show_font(const sample_text_cb_struct& record, GWFont* font, const char* de
 void show_alias(const sample_text_cb_struct& record, const GWAlias* alias);
 /// Shows no sample and no attributes.
 void show_nothing(const sample_text_cb_struct& record);
+/// The same, and says that the entry has no font any more.
+void show_that_font_is_gone(const sample_text_cb_struct& record);
 
 void make_menus_insensitive(const sample_text_cb_struct& record);
 

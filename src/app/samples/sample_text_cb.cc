@@ -28,12 +28,12 @@ void show_largest(const sample_text_cb_struct& record, const GWHRNElement& elem)
     } else {
         unsigned count = 0;
         const std::vector<std::string> sizes = elem.get_point_sizes(count);
-        if (sizes.empty()) return gw::show_nothing(record);
+        if (sizes.empty()) return gw::show_that_font_is_gone(record);
         size = sizes.back();
         const std::vector<std::string> resolutions = elem.get_res(size.c_str(), count);
         font = elem.get_font(size.c_str(), resolutions.empty() ? "" : resolutions.front().c_str());
     }
-    if (!font) return gw::show_nothing(record);
+    if (!font) return gw::show_that_font_is_gone(record);
     gw::show_font(record, font.get(), size.c_str());
 }
 
@@ -68,7 +68,8 @@ void hrn_list_sample_cb(Widget list, sample_text_cb_struct* record, XtPointer ca
     if (elem == nullptr) {
         gw::make_menus_insensitive(*record);
         const GWAlias* alias = entries.alias_at(position);
-        return alias != nullptr ? gw::show_alias(*record, alias) : gw::show_nothing(*record);
+        if (alias != nullptr) return gw::show_alias(*record, alias);
+        return gw::show_that_font_is_gone(*record);
     }
     if (record->size_menu != nullptr) {
         offer_sizes(record, *elem);

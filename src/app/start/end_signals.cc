@@ -8,6 +8,8 @@
 #include <csignal>
 #include <initializer_list>
 
+#include "app/program/end_request.h"
+
 namespace gw {
 
 namespace {
@@ -19,6 +21,7 @@ void (*end_program)() = nullptr;
 
 void on_signal(int) {
     const int before = errno;
+    request_end();
     [[maybe_unused]] const ssize_t written = ::write(pipe_ends[1], "", 1);
     errno = before;
 }
@@ -33,7 +36,8 @@ void listen_to(int signal) {
     if (::sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN) return;
     action = {};
     action.sa_handler = on_signal;
-    action.sa_flags = SA_RESTART;
+    // A second one ends a program that does not come back to its event loop.
+    action.sa_flags = static_cast<int>(SA_RESTART | SA_RESETHAND);
     ::sigaction(signal, &action, nullptr);
 }
 

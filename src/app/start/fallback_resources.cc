@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "app/start/fallback_resources.h"
 
-#define LIST_FONT "-*-lucidatypewriter-medium-r-normal-sans-0-140-0-0-m-0-iso8859-1"
 // NOLINTNEXTLINE(bugprone-macro-parentheses): adjacent literals are joined
 #define RES(line) const_cast<char*>("Glyphward*" line)
 
@@ -45,11 +44,11 @@ String fallback_res[] = {
     RES("attr_dlg*_alias_xlfd_scroll.height: 50"),
     RES("attr_dlg*_alias_loc_scroll.width: 200"),
     RES("attr_dlg*_alias_loc_scroll.height: 50"),
-    RES("mainWindow*_hrn_list*fontList: " LIST_FONT),
-    RES("install_dlg*_hrn_list*fontList: " LIST_FONT),
-    RES("modify_fp_dlg*_fpe_list*fontList: " LIST_FONT),
-    RES("conflict_dlg*_conflicts_list*fontList: " LIST_FONT),
+    RES("mainWindow*_hrn_list*fontList: " INSTALLED_LIST_FONT),
+    RES("install_dlg*_hrn_list*fontList: " INSTALLED_LIST_FONT),
+    RES("modify_fp_dlg*_fpe_list*fontList: " INSTALLED_LIST_FONT),
+    RES("conflict_dlg*_conflicts_list*fontList: " INSTALLED_LIST_FONT),
     RES("props_dlg*sample_textField*fontList: -*-charter-medium-r-normal--*-180-75-75-p-*-iso8859-1"),
-    RES("init_dlg*fontList: -*-charter-bold-r-normal--*-180-75-75-p-*-iso8859-1"),
+    RES("init_dlg*fontList: " INSTALLED_NOTICE_FONT),
     nullptr,
 };

@@ -4,7 +4,8 @@
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
 #include "app/kit/gw_gui_util.h"
-#include "app/kit/messages.h"
+#include "app/kit/looks.h"
+#include "texts/messages.h"
 
 #include <Xm/MessageB.h>
 
@@ -16,6 +17,7 @@ Widget create_init_dlg(const char* name, Widget parent) {
                                      gw::text_of(gw::Message::NOTICE_TITLE), gw::text_of(gw::Message::NOTICE),
                                      {XmDIALOG_SEPARATOR, XmDIALOG_OK_BUTTON, XmDIALOG_CANCEL_BUTTON,
                                       XmDIALOG_HELP_BUTTON, XmDIALOG_DEFAULT_BUTTON, XmDIALOG_SYMBOL_LABEL});
+    gw::use_fonts(XmMessageBoxGetChild(wi_init_dlg, XmDIALOG_MESSAGE_LABEL), gw::looks().notice_fonts);
     return wi_init_dlg;
 }
 

@@ -9,6 +9,9 @@
 #include <string_view>
 
 #include "app/kit/handles.h"
+#include "app/kit/looks.h"
+#include "app/program/window_policy.h"
+#include "app/start/fallback_resources.h"
 
 #include <X11/Shell.h>
 #include <X11/Xresource.h>
@@ -62,14 +65,17 @@ bool has_scalable_font(XmRenderTable table) {
 bool suits_locale(const char* resource) {
     const std::string_view codeset = nl_langinfo(CODESET);
     constexpr std::string_view ASCII = "ANSI_X3.4-1968";
-    return codeset == "UTF-8" || (codeset == ASCII && resource != std::string_view(XmNtextRenderTable));
+    const bool is_for_fields = resource == std::string_view(XmNtextRenderTable);
+    return codeset == "UTF-8" ||
+           (codeset == ASCII && (!is_for_fields || window_policy().scales_with_the_screen()));
 }
 
 /// The renditions of the resource file are for scalable fonts, and there are none. A table that is made from
 /// them later would have no font either.
 void rename_renditions(Display* d) {
     XrmDatabase resources = XrmGetDatabase(d);
-    for (const std::string rendition : {"gw_interface", "gw_monospace", "gw_notice", "gw_sample"}) {
+    for (const std::string rendition :
+         {"gw_interface", "gw_monospace", "gw_names", "gw_notice", "gw_sample"}) {
         const std::string prefix = "Glyphward*" + rendition + '.';
         XrmPutStringResource(&resources, (prefix + XmNfontType).c_str(), "FONT_IS_FONT");
         XrmPutStringResource(&resources, (prefix + XmNfontName).c_str(), "fixed");
@@ -93,6 +99,30 @@ void set_font_units(Widget shell) {
                   XmNverticalFontUnit, std::max(height, LEAST_UNIT), nullptr);
 }
 
+/// The table that the resource file describes under that name; null when it has no scalable font, or when the
+/// interface has none. It stays as long as the program.
+XmRenderTable scalable_table(Widget shell, const char* name) {
+    XrmValue from = {static_cast<unsigned>(std::string_view(name).size() + 1), name_arg(name)};
+    XmRenderTable table = nullptr;
+    XrmValue to = {sizeof table, reinterpret_cast<XPointer>(&table)};
+    const bool is_made =
+        XtConvertAndStore(shell, name_arg(XmRString), &from, name_arg(XmRRenderTable), &to) != False;
+    return is_made && draws(table) && has_scalable_font(table) ? table : nullptr;
+}
+
+void choose_looks(Widget shell) {
+    Looks looks;
+    looks.installed_fonts = {INSTALLED_LIST_FONT, INSTALLED_NOTICE_FONT};
+    looks.fits_screen = window_policy().scales_with_the_screen();
+    looks.shows_states = window_policy().shows_states_clearly();
+    if (window_policy().scales_with_the_screen() && has_scalable_font(table_of(shell, XmNtextRenderTable))) {
+        looks.name_fonts = scalable_table(shell, "gw_names");
+        looks.notice_fonts = scalable_table(shell, "gw_notice");
+        looks.sample_fonts = scalable_table(shell, "gw_sample");
+    }
+    set_looks(looks);
+}
+
 }  // namespace
 
 void prepare_interface_font(Widget shell) {
@@ -104,6 +134,7 @@ void prepare_interface_font(Widget shell) {
         use_toolkit_table(shell, resource);
     }
     set_font_units(shell);
+    choose_looks(shell);
 }
 
 }  // namespace gw

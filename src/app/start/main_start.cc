@@ -9,22 +9,31 @@
 #include <string_view>
 
 #include "app/common/dirdlg.h"
+#include "app/common/problemdlg.h"
 #include "app/common/progressdlg.h"
 #include "app/common/warningdlg.h"
 #include "app/common/workingdlg.h"
 #include "app/conflicts/conflictdlg.h"
 #include "app/conflicts/preconflictdlg.h"
+#include "app/deleting/deletedfontsdlg.h"
 #include "app/deleting/delwarningdlg.h"
+#include "app/doctor/doctordlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/font_path/modifyfpdlg.h"
 #include "app/fontsets/fontsetsdlg.h"
+#include "app/installing/convertdlg.h"
+#include "app/installing/given_files.h"
 #include "app/installing/installdlg.h"
+#include "app/installing/notoffereddlg.h"
+#include "app/installing/nottakendlg.h"
 #include "app/installing/rmediadlg.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
 #include "app/kit/handles.h"
-#include "app/kit/messages.h"
+#include "app/kit/looks.h"
+#include "app/kit/mnemonics.h"
 #include "app/kit/toolkit.h"
+#include "app/kit/window_titles.h"
 #include "app/main_window/aboutdlg.h"
 #include "app/main_window/glyphwardapp.h"
 #include "app/main_window/helpdlg.h"
@@ -34,10 +43,12 @@
 #include "app/program/program_objects.h"
 #include "app/program/window_policy.h"
 #include "app/samples/attrdlg.h"
+#include "app/start/answers.h"
 #include "app/start/end_signals.h"
 #include "app/start/fallback_resources.h"
 #include "app/start/initdlg.h"
 #include "app/start/interface_font.h"
+#include "app/start/toolkit_warnings.h"
 #include "app/start/window_icon.h"
 #include "core/font_policy.h"
 #include "core/gw_misc.h"
@@ -45,22 +56,10 @@
 #include "platform/host_paths.h"
 #include "platform/scratch.h"
 #include "platform/shell_command.h"
+#include "store/trash_policy.h"
+#include "texts/messages.h"
 
 #include "fontpath/session_display.h"
-
-namespace gw {
-
-// When the server lacks a font, the toolkit replaces it; when a font lacks a character, the toolkit leaves it
-// out. The user need not read about either on the terminal.
-bool is_font_noise(std::string_view warning) {
-    for (const std::string_view noise :
-         {"to type Font", "Missing charsets", "not supported in font", "Cannot load font", "No font found"}) {
-        if (warning.find(noise) != std::string_view::npos) return true;
-    }
-    return false;
-}
-
-}  // namespace gw
 
 namespace {
 
@@ -93,18 +92,11 @@ void read_resources() {
     XtGetApplicationResources(wi_toplevel, &Gw_resrc, Gw_resrcs, XtNumber(Gw_resrcs), nullptr, 0);
     XtGetApplicationResources(wi_toplevel, &Gw_modern_resrc, Gw_modern_resrcs, XtNumber(Gw_modern_resrcs),
                               nullptr, 0);
-    gw::set_font_policy(gw::FontPolicy(Gw_modern_resrc.modern_fonts != False));
+    gw::set_font_policy(
+        gw::FontPolicy(Gw_modern_resrc.modern_fonts != False, Gw_modern_resrc.modern_windows != False));
     gw::set_window_policy(gw::WindowPolicy(Gw_modern_resrc.modern_windows != False));
-}
-
-// When the machine does not have the locale, other programs say so too. All texts are English then.
-bool is_locale_noise(std::string_view warning) {
-    return warning.find("locale not supported by C library") != std::string_view::npos;
-}
-
-void quiet_about_fonts(String warning) {
-    if (!gw::is_font_noise(warning) && !is_locale_noise(warning))
-        std::fprintf(stderr, "glyphward: %s\n", warning);
+    if (gw::window_policy().names_windows_in_utf8()) gw::give_titles_in_utf8();
+    gw::set_keeps_what_is_taken_out(gw::window_policy().brings_deleted_fonts_back());
 }
 
 // Without the display nothing can be saved or shown. Exit handlers would only try to use it.
@@ -127,13 +119,19 @@ void forget_killed_previews() {
 }
 
 void create_dialogs() {
-    if (gw::user_is_superuser()) create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
+    if (gw::user_is_superuser() || gw::window_policy().shows_live_path())
+        create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
     create_install_dlg("install_dlg", wi_toplevel);
     create_rmedia_dlg("rmedia_dlg", wi_toplevel);
+    if (gw::window_policy().shows_what_is_not_offered())
+        create_not_offered_dlg("not_offered_dlg", wi_toplevel);
+    if (gw::window_policy().takes_given_files()) create_not_taken_dlg("not_taken_dlg", wi_toplevel);
+    if (gw::window_policy().asks_before_converting()) create_convert_dlg("convert_dlg", wi_toplevel);
     create_dir_dlg("dir_dlg", wi_toplevel);
     create_attr_dlg("attr_dlg", wi_toplevel);
     create_props_dlg("props_dlg", wi_toplevel);
     create_progress_dlg("progress_dlg", wi_toplevel);
+    if (gw::window_policy().controls_work()) create_problem_dlg("problem_dlg", wi_toplevel);
     create_working_dlg("working_dlg", wi_toplevel);
     create_del_warning_dlg("del_warning_dlg", wi_toplevel);
     create_warning_dlg("warning_dlg", wi_toplevel);
@@ -142,10 +140,13 @@ void create_dialogs() {
     create_preconflict_dlg("preconflict_dlg", wi_toplevel);
     create_fp_info_dlg("fp_info_dlg", wi_toplevel);
     create_help_dlg("help_dlg", wi_toplevel);
-    if (Gw_resrc.fontset_support != False) create_fontsets_dlg("fontsets_dlg", wi_toplevel);
+    if (gw::has_fontsets()) create_fontsets_dlg("fontsets_dlg", wi_toplevel);
     create_pr_install_dlg("pr_install_dlg", wi_toplevel);
     create_pr_delete_dlg("pr_delete_dlg", wi_toplevel);
     create_pr_modify_fp_dlg("pr_modify_fp_dlg", wi_toplevel);
+    if (gw::window_policy().finds_missing_fonts()) create_doctor_dlg("doctor_dlg", wi_toplevel);
+    if (gw::window_policy().brings_deleted_fonts_back())
+        create_deleted_fonts_dlg("deleted_fonts_dlg", wi_toplevel);
 }
 
 }  // namespace
@@ -170,13 +171,14 @@ void init_gui(int* argc, char** argv) {
     gw::open_catalogue();
     XSetIOErrorHandler(display_lost);
     // This comes early: making the shell, with its application context, already uses fonts.
-    XtSetWarningHandler(quiet_about_fonts);
+    gw::listen_to_toolkit();
     wi_toplevel = XtAppInitialize(&app, "Glyphward", nullptr, 0, argc, argv, fallback_res, nullptr, 0);
-    gw::prepare_interface_font(wi_toplevel);
     read_resources();
+    gw::prepare_interface_font(wi_toplevel);
     display = XtDisplay(wi_toplevel);
     screen = XtScreen(wi_toplevel);
     gw::set_font_path_display(display);
+    if (gw::window_policy().has_keys_for_all_controls()) gw::use_mnemonics(display);
     create_init_dlg("init_dlg", wi_toplevel);
     start_init_dlg();
     process_xt_events();
@@ -189,18 +191,23 @@ void build_program() {
     fill_program_lists();
     create_font_admin_main_window();
     create_dialogs();
+    gw::assign_mnemonics(wi_mainwindow);
     if (gw::user_is_superuser()) user_is_root = 1;
     stop_init_dlg();
-    XtRealizeWidget(wi_toplevel);
+    gw::take_dropped_files(wi_toplevel);
+    gw::realize_on_screen(wi_toplevel);
     gw::set_window_icon(wi_toplevel);
     gw::name_windows(wi_toplevel);
+    gw::tell_title(wi_toplevel, gw::text_of(gw::Message::MAIN_TITLE));
     gw::end_on_signals(app, [] { exit_btn_cb(nullptr, nullptr, nullptr); });
 }
 
 int gw_main(int argc, char** argv) {
+    if (gw::answers_on_the_terminal(argc, argv)) return 0;
     begin_program();
     init_gui(&argc, argv);
     build_program();
+    gw::take_arguments(argc, argv);
     XtAppMainLoop(app);
     return 0;
 }

@@ -19,14 +19,6 @@ void init_gui(int* argc, char** argv);
 /// commands to PATH.
 void set_env();
 
-namespace gw {
-
-/// Whether a warning of the toolkit is only about a missing font, or about characters that a font does not
-/// have.
-[[nodiscard]] bool is_font_noise(std::string_view warning);
-
-}  // namespace gw
-
 /// The steps after `init_gui`: font path, modules, lists, the main window, every dialog. Then hides the
 /// notice and shows the window.
 void build_program();

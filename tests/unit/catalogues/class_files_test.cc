@@ -21,12 +21,14 @@ using gw::test::TempDir;
 struct MenuText {
     const char* menu;
     const char* button;
-    int number;  ///< in the catalogue's first set
+    int number;  ///< in the catalogue
+    int set = 1;
 };
 constexpr MenuText MENU_TEXTS[] = {
     {"menuBar", "_fonts_cascade", 3},
     {"menuBar", "_options_cascade", 4},
     {"menuBar", "_printer_cascade", 5},
+    {"menuBar", "_tools_cascade", 1, 25},
     {"menuBar", "_help_cascade", 6},
     {"_fonts_pulldown", "_delete_button", 7},
     {"_fonts_pulldown", "_install_dlg_button", 8},
@@ -38,6 +40,8 @@ constexpr MenuText MENU_TEXTS[] = {
     {"_printer_pulldown", "_pr_install_dlg_button", 14},
     {"_printer_pulldown", "_pr_delete_dlg_button", 15},
     {"_printer_pulldown", "_pr_modify_fp_dlg_button", 16},
+    {"_tools_pulldown", "_doctor_dlg_button", 2, 25},
+    {"_tools_pulldown", "_deleted_fonts_dlg_button", 220, 25},
     {"_help_pulldown", "_help_dlg_button", 17},
     {"_help_pulldown", "_about_dlg_button", 18},
 };
@@ -65,9 +69,9 @@ Letters letters_of(const std::string& language) {
     return letters;
 }
 
-std::string text_of(const Texts& texts, int number) {
-    const auto found = std::find_if(texts.begin(), texts.end(), [=](const Entry& entry) {
-        return entry.set == 1 && entry.number == number;
+std::string text_of(const Texts& texts, const MenuText& menu) {
+    const auto found = std::find_if(texts.begin(), texts.end(), [&](const Entry& entry) {
+        return entry.set == menu.set && entry.number == menu.number;
     });
     return found != texts.end() ? std::string(found->text) : "";
 }
@@ -82,7 +86,7 @@ void check_letters(const std::string& language, const Texts& texts) {
         ASSERT_NE(found, letters.end()) << entry.button;
         const std::string& letter = found->second;
         ASSERT_EQ(letter.size(), 1U) << entry.button;
-        const std::string text = text_of(texts, entry.number);
+        const std::string text = text_of(texts, entry);
         EXPECT_NE(text.find(letter), std::string::npos) << letter << " is not in: " << text;
         const char small = static_cast<char>(letter[0] | 0x20);
         EXPECT_TRUE(taken.insert(entry.menu + std::string(1, small)).second) << letter << " twice: " << text;

@@ -42,6 +42,21 @@ TEST(LowerCase, LeavesBytesOutsideAsciiAlone) {
     EXPECT_EQ(gw::lower_case("ISO8859-1 \xc4"), "iso8859-1 \xc4");
 }
 
+TEST(LinesOf, ALastLineWithoutANewlineCounts) {
+    using Lines = std::vector<std::string_view>;
+    EXPECT_EQ(gw::lines_of(""), Lines{});
+    EXPECT_EQ(gw::lines_of("\n"), Lines{""});
+    EXPECT_EQ(gw::lines_of("a\n\nb"), (Lines{"a", "", "b"}));
+    EXPECT_EQ(gw::lines_of("a\nb\n"), (Lines{"a", "b"}));
+}
+
+TEST(Filled, PutsTheWordsInTheirPlaces) {
+    EXPECT_EQ(gw::filled("Cannot convert string \"%s\" to type %s", {"-x-", "FontStruct"}),
+              "Cannot convert string \"-x-\" to type FontStruct");
+    EXPECT_EQ(gw::filled("100% of %s and %s", {"%s"}), "100% of %s and %s");
+    EXPECT_EQ(gw::filled("no place", {"word"}), "no place");
+}
+
 TEST(Escaped, ShowsControlCharactersAsNumbers) {
     EXPECT_EQ(gw::escaped("a b\xc3\xa9"), "a b\xc3\xa9");
     EXPECT_EQ(gw::escaped("a\nb\x7f"), "a\\x0Ab\\x7F");

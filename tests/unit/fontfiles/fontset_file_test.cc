@@ -11,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "core/directory.h"
 #include "model/gw_font.h"
 #include "platform/host_paths.h"
 #include "support/heard_failures.h"
@@ -196,7 +197,6 @@ TEST_F(FontsetFile, WhatIsAppendedReadsBackEqual) {
     EXPECT_EQ(reread(), expected);
 }
 
-// The name of the new fontset must not be joined to a last line without a newline.
 TEST_F(FontsetFile, WhatAnotherRunHasWrittenStays) {
     const auto one = opened_on("-a:definition,\\\n\t-f1\n-b:definition,\\\n\t-f2\n");
     const auto other = opened();
@@ -210,6 +210,7 @@ TEST_F(FontsetFile, WhatAnotherRunHasWrittenStays) {
     EXPECT_EQ(reread(), (std::vector<Definition>{{"-b", {"-f2"}}, {"-c", {"-f3"}}, {"-d", {"-f4"}}}));
 }
 
+// The name of the new fontset must not be joined to a last line without a newline.
 TEST_F(FontsetFile, EndsTheLastLineBeforeItAppends) {
     const auto file = opened_on("-a:definition,\\\n\t-f1");
     file->append_fontset(made({"-b", {"-f2"}}));
@@ -459,6 +460,21 @@ TEST_F(FontsetFile, AFileThatCouldNotBeReadStays) {
     EXPECT_EQ(file->sync(), 0);
     EXPECT_EQ(heard.text(), dir.file("Vantor.fs") + ": Is a directory; the fontsets in it stay\n");
     EXPECT_EQ(dir.read("Vantor.fs"), "! c\n");
+}
+
+// What another run has written into it meanwhile must not be lost either.
+TEST_F(FontsetFile, AFileThatCannotBeReadAnyMoreStays) {
+    const auto file = opened_on("! c\n");
+    file->append_fontset(made({"-a", {}}));
+    const std::uintmax_t too_large = gw::Directory::FILE_LIMIT + 1;
+    std::filesystem::resize_file(dir.file("Vantor.fs"), too_large);
+    const gw::test::HeardFailures heard;
+    EXPECT_EQ(file->sync(), 0);
+    EXPECT_EQ(heard.text(), dir.file("Vantor.fs") + ": File too large; the fontsets in it stay\n");
+    EXPECT_EQ(std::filesystem::file_size(dir.file("Vantor.fs")), too_large);
+    std::filesystem::remove(dir.file("Vantor.fs"));
+    EXPECT_EQ(file->sync(), 1) << "a file that is gone is written anew";
+    EXPECT_EQ(dir.read("Vantor.fs"), "! c\n-a:definition\n");
 }
 
 TEST_F(FontsetFile, LosesNoFontsetWithItsWorkingCopy) {

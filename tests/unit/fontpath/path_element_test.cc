@@ -63,8 +63,6 @@ TEST_F(IdentityTest, WhatCannotBeLookedAtIsItsText) {
     EXPECT_EQ(identity_of_element("built-ins"), identity_of_element("built-ins"));
     EXPECT_NE(identity_of_element("tcp/host:7100"), identity_of_element("tcp/host:7101"));
     EXPECT_NE(identity_of_element("catalogue:" + dir.file("real")), identity_of_element(dir.file("real")));
-    EXPECT_NE(identity_of_element("catalogue:" + dir.file("real")),
-              identity_of_element("catalogue:" + dir.file("link")));
 }
 
 TEST_F(IdentityTest, DirectoriesOfAnotherHostAreNotLookedAt) {

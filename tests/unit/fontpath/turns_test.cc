@@ -19,6 +19,15 @@ namespace {
 
 using namespace gw::test;
 
+/// During its life, nobody waits long for a lock.
+class ShortPatience {
+  public:
+    ShortPatience() { gw::set_lock_patience(50); }
+    ~ShortPatience() { gw::set_lock_patience(5000); }
+    ShortPatience(const ShortPatience&) = delete;
+    ShortPatience& operator=(const ShortPatience&) = delete;
+};
+
 class UsersTurn : public FontPath {
   protected:
     void SetUp() override {
@@ -55,6 +64,25 @@ TEST_F(UsersTurn, WhatAnotherRunHasTakenOutDoesNotComeBack) {
     EXPECT_EQ(other->delete_pos(GWFontPath::USER_APPEND_FP, 1), 1);
     EXPECT_TRUE(replace(*one, {"/new/", "/a/", "/b/"}));
     EXPECT_EQ(file(), "/new/\n/b/\n\n/p/\n");
+}
+
+TEST_F(UsersTurn, BothSectionsKeepWhatAnotherRunHasDone) {
+    const auto one = main_store();
+    const auto other = main_store();
+    EXPECT_FALSE(one->is_out_of_date());
+    EXPECT_EQ(add(*other, "/other/"), 1);
+    EXPECT_FALSE(other->is_out_of_date());
+    EXPECT_TRUE(one->is_out_of_date());
+    GW_LIST<GW_STRING> front;
+    GW_LIST<GW_STRING> end;
+    const gw::ElementsOwner front_owner(front);
+    const gw::ElementsOwner end_owner(end);
+    front.append(new GW_STRING("/p/"));
+    front.append(new GW_STRING("/a/"));
+    end.append(new GW_STRING("/b/"));
+    ASSERT_TRUE(one->replace_users(front, end));
+    EXPECT_EQ(file(), "/b/\n/other/\n\n/p/\n/a/\n");
+    EXPECT_FALSE(one->is_out_of_date());
 }
 
 // Somebody could have put a link there where many may write.
@@ -95,13 +123,36 @@ TEST_F(UsersTurn, AProcessThatKeepsTheLockIsNamed) {
     ASSERT_TRUE(dir);
     const auto lock = gw::OwnDirectory::enter(*dir);
     ASSERT_TRUE(lock);
-    gw::set_lock_patience(50);
+    const ShortPatience patience;
     const GW_STRING element("/new/");
     EXPECT_EQ(text_of(store->insert(GWFontPath::USER_APPEND_FP, element, -1)),
               home.file(".VTfontpath") + ": process " + std::to_string(::getpid()) +
                   " is changing this directory; the font path stays as it was");
-    gw::set_lock_patience(5000);
     EXPECT_EQ(file(), "/a/\n/b/\n\n/p/\n");
+}
+
+// Where only a number comes back, nobody could say why nothing was done.
+TEST_F(UsersTurn, WhatNobodyCanExpectIsTold) {
+    const auto store = main_store();
+    const std::string stays = "; the font path stays as it was\n";
+    const HeardFailures heard;
+    EXPECT_EQ(store->delete_pos(GWFontPath::USER_APPEND_FP, 9), 0);
+    EXPECT_EQ(add(*store, "/c/", 0), 1);
+    EXPECT_EQ(heard.text(), "") << "nothing is there, and nothing failed";
+    EXPECT_EQ(add(*store, "/a,b/"), 0);
+    EXPECT_EQ(add(*store, "/two  blanks/"), 0);
+    {
+        const gw::Result<gw::Directory> dir = gw::Directory::open(home.path());
+        ASSERT_TRUE(dir);
+        const auto lock = gw::OwnDirectory::enter(*dir);
+        ASSERT_TRUE(lock);
+        const ShortPatience patience;
+        EXPECT_EQ(add(*store, "/new/"), 0);
+    }
+    EXPECT_EQ(heard.text(), "/a,b/: a directory of a font path cannot have a comma in its name" + stays +
+                                "/two  blanks/: this name does not fit into a font path file" + stays +
+                                home.file(".VTfontpath") + ": process " + std::to_string(::getpid()) +
+                                " is changing this directory" + stays);
 }
 
 TEST_F(UsersTurn, AFileThatCannotBeReadIsNeverWrittenOver) {
@@ -129,6 +180,16 @@ TEST_F(UsersTurn, AFileWithALineThatStopsTheShellIsNotWrittenOver) {
     EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/a/"});
     EXPECT_EQ(add(*store, "/new/"), 0);
     EXPECT_EQ(file(), "/a/\n'open\n/b/\n");
+}
+
+TEST_F(UsersTurn, AFileWhoseLastCommandFailsIsReadAllTheSame) {
+    home.write(".VTfontpath", "/a/\n/b/ | grep c\n");
+    const HeardFailures heard;
+    const auto store = main_store();
+    EXPECT_EQ(heard.text(), "");
+    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/a/"});
+    EXPECT_EQ(add(*store, "/new/"), 1);
+    EXPECT_EQ(file(), "/a/\n/new/\n");
 }
 
 TEST_F(UsersTurn, ALineThatHangsDoesNotHangTheProgram) {
@@ -184,6 +245,44 @@ TEST_F(RootsTurn, WhatAnotherRunHasAddedToADatabaseStays) {
     EXPECT_EQ(own_config(), "XDISPLAY.0.fontpath:\t/a/,/other/,/b/,/one/\n");
     EXPECT_EQ(one->delete_pos(GWFontPath::INSTALLATION_FP, 2), 1);
     EXPECT_EQ(own_config(), "XDISPLAY.0.fontpath:\t/a/,/other/,/one/\n");
+}
+
+TEST_F(RootsTurn, SeesThatAnotherRunHasWritten) {
+    const auto one = own_store("/a/");
+    EXPECT_FALSE(one->is_out_of_date());
+    const GW_STRING element("/one/");
+    EXPECT_EQ(std::make_unique<GWFontPath>(own_root().c_str())
+                  ->insert_after_pos(GWFontPath::INSTALLATION_FP, &element, -1),
+              1);
+    EXPECT_TRUE(one->is_out_of_date());
+    GW_LIST<GW_STRING> none;
+    EXPECT_FALSE(one->replace_users(none, none)) << "the superuser has no font path of their own";
+}
+
+// The dialog would say that the font path is read-only.
+TEST_F(RootsTurn, ADatabaseThatAnotherProcessIsChangingPassesForWritable) {
+    const auto store = own_store("/a/");
+    const gw::Result<gw::Directory> dir = gw::Directory::open(own_root() + "/server/etc/");
+    ASSERT_TRUE(dir);
+    const auto lock = gw::OwnDirectory::enter(*dir);
+    ASSERT_TRUE(lock);
+    const ShortPatience patience;
+    EXPECT_EQ(store->is_writeable(GWFontPath::INSTALLATION_FP), 1);
+}
+
+// It seemed empty, and the next change wrote that.
+TEST_F(RootsTurn, ADatabaseThatCouldNotBeReadIsReadAgainBeforeItIsWritten) {
+    (void)own_store("/a/,/b/");
+    rlimit before = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none = {0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    GWFontPath store(own_root().c_str());
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    EXPECT_EQ(elements(store, GWFontPath::INSTALLATION_FP), Texts{});
+    const GW_STRING element("/new/");
+    EXPECT_EQ(text_of(store.insert(GWFontPath::INSTALLATION_FP, element, -1)), "");
+    EXPECT_EQ(own_config(), "XDISPLAY.0.fontpath:\t/a/,/b/,/new/\n");
 }
 
 TEST_F(RootsTurn, ADirectoryWithACommaIsRefused) {

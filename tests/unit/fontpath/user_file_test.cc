@@ -57,6 +57,42 @@ TEST_F(UsersFontPath, WhatWasWrittenReadsBackEqual) {
     EXPECT_EQ(elements(*again, GWFontPath::USER_PREPEND_FP), (Texts{"/a/", "/b/"}));
 }
 
+gw::Outcome replace_users(GWFontPath& store, const Texts& front, const Texts& end) {
+    GW_LIST<GW_STRING> lists[2];
+    const gw::ElementsOwner front_owner(lists[0]);
+    const gw::ElementsOwner end_owner(lists[1]);
+    for (const std::string& text : front) lists[0].append(new GW_STRING(text.c_str()));
+    for (const std::string& text : end) lists[1].append(new GW_STRING(text.c_str()));
+    return store.replace_users(lists[0], lists[1]);
+}
+
+TEST_F(UsersFontPath, BothSectionsAreReplacedInOneWrite) {
+    home.write(".VTfontpath", "/a/\n\n/p/\n");
+    const auto store = main_store();
+    ASSERT_TRUE(replace_users(*store, {"/a/", "/new dir/"}, {"/p/"}));
+    EXPECT_EQ(file(), "/p/\n\n/a/\n/new dir/\n");
+    EXPECT_EQ(home.read(".VTfontpath.bak"), "/a/\n\n/p/\n");
+    EXPECT_EQ(elements(*store, GWFontPath::USER_PREPEND_FP), (Texts{"/a/", "/new dir/"}));
+    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/p/"});
+    const Texts all = elements(*store, GWFontPath::ALL_FP);
+    EXPECT_EQ(all.front(), "/a/");
+    EXPECT_EQ(all.back(), "/p/");
+    ASSERT_TRUE(replace_users(*store, {"/p/"}, {}));
+    EXPECT_EQ(elements(*main_store(), GWFontPath::USER_PREPEND_FP), Texts{"/p/"});
+    ASSERT_TRUE(replace_users(*store, {}, {}));
+    EXPECT_EQ(file(), "");
+}
+
+TEST_F(UsersFontPath, BothSectionsStayWhenOneElementIsRefused) {
+    home.write(".VTfontpath", "/a/\n\n/p/\n");
+    const auto store = main_store();
+    EXPECT_EQ(replace_users(*store, {"/x/"}, {"/a,b/"}).failure().reason, gw::Reason::COMMA_IN_NAME);
+    EXPECT_EQ(replace_users(*store, {"/x\n/"}, {}).failure().reason, gw::Reason::NAME_UNFIT_FOR_PATH);
+    EXPECT_EQ(file(), "/a/\n\n/p/\n");
+    EXPECT_EQ(elements(*store, GWFontPath::USER_PREPEND_FP), Texts{"/p/"});
+    EXPECT_EQ(elements(*store, GWFontPath::USER_APPEND_FP), Texts{"/a/"});
+}
+
 TEST_F(UsersFontPath, SettingTheAppendSectionReplacesTheList) {
     home.write(".VTfontpath", "/a/\n\n/p/\n");
     const auto store = main_store();

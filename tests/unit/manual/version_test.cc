@@ -33,7 +33,7 @@ class VersionScript : public testing::Test {
   protected:
     VersionScript() {
         for (const char* part : {"CMakeLists.txt", "CHANGELOG.md", "scripts/version", "scripts/common.sh",
-                                 "src/app/kit/messages.def", "data", "packaging"}) {
+                                 "src/texts/messages.def", "data", "packaging"}) {
             const fs::path from = fs::path(GLYPHWARD_TREE) / part;
             const fs::path to = fs::path(tree.path()) / part;
             fs::create_directories(to.parent_path());
@@ -69,7 +69,7 @@ TEST_F(VersionScript, NamesEachFileThatDisagrees) {
     static constexpr std::array<std::array<const char*, 2>, 6> PLACES = {{
         {"data/man/makepsres.1", "Glyph Warden "},
         {"data/japanese.def", "Glyph Warden - "},
-        {"src/app/kit/messages.def", "Glyph Warden Version "},
+        {"src/texts/messages.def", "Glyph Warden Version "},
         {"packaging/debian/changelog", "glyphward ("},
         {"packaging/local.glyphward.glyphward.metainfo.xml", "release version=\""},
         {"CHANGELOG.md", "## "},

@@ -57,6 +57,58 @@ TEST(Conflict, SetsEachReasonAlone) {
     }
 }
 
+TEST(Conflict, CanBeDecidedUnlessItIsAboutAnAliasOrAReadOnlyFont) {
+    for (const GWConflict::INFO info : ALL_REASONS) {
+        GWConflict conflict(GWConflict::INSTALL, nullptr, nullptr, nullptr, nullptr, nullptr);
+        EXPECT_TRUE(conflict.can_be_decided());
+        conflict.set_conflict(info, nullptr, 0, 0);
+        EXPECT_EQ(conflict.can_be_decided(), info != GWConflict::READ_ONLY && info != GWConflict::ALIAS)
+            << info;
+    }
+}
+
+TEST(Conflict, ComparesTheInstalledFontWithTheOneThatWouldTakeItsPlace) {
+    const Ref<GWFont> fresh = make_font(Xlfd{});
+    const Ref<GWFont> larger = make_font(Xlfd{.decipoints = "140"});
+    const Ref<GWHRNElement> element(new GWHRNElement(fresh.get()));
+    element->add_font(larger.get(), 1);
+    const Ref<GWFont> old = make_font(Xlfd{.decipoints = "140"});
+    const Ref<GWHRNElement> other(new GWHRNElement(old.get()));
+
+    GWConflict installing(GWConflict::INSTALL, element.get(), nullptr, other.get(), "/to/", nullptr);
+    EXPECT_EQ(installing.get_compared_fonts().installed, nullptr) << "nothing is in the way yet";
+    EXPECT_EQ(installing.get_compared_fonts().offered, fresh.get());
+    installing.set_conflict(GWConflict::SAME_NAME, old.get(), 1, 0);
+    EXPECT_EQ(installing.get_compared_fonts().installed, old.get());
+    EXPECT_EQ(installing.get_compared_fonts().offered, larger.get());
+
+    const GWConflict deleting(GWConflict::DELETE, element.get(), nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(deleting.get_compared_fonts().installed, fresh.get());
+    EXPECT_EQ(deleting.get_compared_fonts().offered, nullptr);
+}
+
+TEST(Conflict, ComparesNothingWhereThereIsNoSuchFont) {
+    GWAlias alias("my-alias", Xlfd{}.str().c_str(), "/fonts/");
+    const GWConflict of_alias(GWConflict::DELETE, nullptr, &alias, nullptr, nullptr, nullptr);
+    EXPECT_EQ(of_alias.get_compared_fonts().installed, nullptr);
+    const Ref<GWHRNElement> element(new GWHRNElement(make_font(Xlfd{}).get()));
+    const Ref<GWFont> old = make_font(Xlfd{});
+    GWConflict beyond(GWConflict::INSTALL, element.get(), nullptr, nullptr, "/to/", nullptr);
+    beyond.set_conflict(GWConflict::SAME_NAME, old.get(), 7, 7);
+    EXPECT_EQ(beyond.get_compared_fonts().installed, nullptr);
+}
+
+// The fonts of one conflict may share packages.
+TEST(Conflict, NamesEachPackageOnce) {
+    GWConflict conflict(GWConflict::DELETE, nullptr, nullptr, nullptr, nullptr, nullptr);
+    conflict.add_packages({});
+    EXPECT_EQ(conflict.is_conflict(GWConflict::PACKAGE), 0);
+    conflict.add_packages({"b", "a"});
+    conflict.add_packages({"a"});
+    EXPECT_EQ(conflict.is_conflict(GWConflict::PACKAGE), 1);
+    EXPECT_EQ(conflict.get_packages(), "a, b");
+}
+
 TEST(Conflict, IgnoresOtherReasons) {
     const Ref<GWFont> font = make_font("fixed");
     font->set_dir_name("/old/");

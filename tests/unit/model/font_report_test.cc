@@ -28,6 +28,29 @@ TEST(FontReport, CollectsTheFontsThatFailed) {
     EXPECT_TRUE(report.failed().empty());
 }
 
+TEST(FontReport, HasTheNameOfEachFontThatIsDoneOnce) {
+    gw::FontReport report;
+    for (const char* decipoints : {"120", "140"}) {
+        const auto font = gw::test::make_font(gw::test::Xlfd{.decipoints = decipoints});
+        report.note(*font, gw::done(), "/fonts");
+    }
+    const auto bold = gw::test::make_font(gw::test::Xlfd{.weight = "bold"});
+    report.note(*bold, gw::done(), "/other/");
+    const auto failed = gw::test::make_font(gw::test::Xlfd{.family = "helvetica"});
+    report.note(*failed, Failure{"h.pcf", Reason::NO_FILE}, "/fonts/");
+    EXPECT_EQ(report.done_names(),
+              (std::vector<std::string>{"Courier Medium [Bitmap]", "Courier Bold [Bitmap]"}));
+    report.fail_all_in("/other/", Failure{"/other/", Reason::NOT_ALLOWED});
+    EXPECT_EQ(report.done_names(), std::vector<std::string>{"Courier Medium [Bitmap]"});
+}
+
+TEST(FontReport, NamesFontsWithoutTheirMarks) {
+    EXPECT_EQ(gw::name_without_mark("Courier (iso8859-2) [Bitmap]     [Read Only]"),
+              "Courier (iso8859-2) [Bitmap]");
+    EXPECT_EQ(gw::name_without_mark("my-alias"), "my-alias");
+    EXPECT_EQ(gw::name_without_mark("odd [name"), "odd [name");
+}
+
 TEST(FontReport, TellsNothingOfFontsThatWereAlwaysLeftOutInSilence) {
     const auto font = gw::test::make_font(gw::test::Xlfd{});
     gw::FontReport report;

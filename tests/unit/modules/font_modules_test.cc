@@ -7,15 +7,27 @@
 
 #include "model/gw_font.h"
 #include "modules/font_modules.h"
+#include "support/under_policy.h"
 
 namespace {
 
-TEST(FontModules, AreAppendedInTheOrderOfTheTable) {
+std::vector<int> types_in_use() {
     GW_FSM_LIST modules;
     gw::append_font_modules(modules);
     std::vector<int> types;
     for (const GW_FSM_BASE* module : modules) types.push_back(module->get_type());
-    EXPECT_EQ(types, (std::vector<int>{GWFont::TYPE1_FONT, GWFont::BITMAP_FONT}));
+    return types;
+}
+
+TEST(FontModules, AreAppendedInTheOrderOfTheTable) {
+    const gw::test::UnderPolicy modern(true);
+    EXPECT_EQ(types_in_use(), (std::vector<int>{GWFont::TYPE1_FONT, GWFont::BITMAP_FONT,
+                                                GWFont::TRUETYPE_FONT, GWFont::OPENTYPE_FONT}));
+}
+
+TEST(FontModules, OfTodaysFormatsAreNotInUseWithoutThePolicy) {
+    const gw::test::UnderPolicy plain(false);
+    EXPECT_EQ(types_in_use(), (std::vector<int>{GWFont::TYPE1_FONT, GWFont::BITMAP_FONT}));
 }
 
 TEST(FontModules, AreMadeOnce) {

@@ -4,11 +4,14 @@
 #include "modules/font_naming.h"
 
 #include <gtest/gtest.h>
+#include <stdlib.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <optional>
 #include <string>
 
+#include "support/heard_failures.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -47,6 +50,21 @@ TEST(FontNaming, WhatIsNoFontHasNoLine) {
     dir.write("a b.pfa", "%!PS-AdobeFont-1.0: Test\ncurrentfile eexec\n");
     for (const char* name : {"bad.pcf", "notes.txt", "a b.pfa", "missing.pcf", "afm/a.afm", ""})
         EXPECT_EQ(line_of_font_file(dir.path(), name), std::nullopt) << name;
+}
+
+TEST(FontNaming, SaysThatMkfontdirFailed) {
+    const TempDir dir;
+    dir.write("t.pcf", "no font");
+    dir.write("bin/mkfontdir", "#!/bin/sh\nexit 3\n");
+    std::filesystem::permissions(dir.file("bin/mkfontdir"), std::filesystem::perms::owner_all);
+    const std::string path = std::getenv("PATH");
+    ::setenv("PATH", (dir.file("bin") + ':' + path).c_str(), 1);
+    const gw::test::HeardFailures heard;
+    EXPECT_EQ(line_of_font_file(dir.path(), "t.pcf"), std::nullopt);
+    ::setenv("PATH", path.c_str(), 1);
+    ASSERT_FALSE(heard.all().empty());
+    EXPECT_TRUE(heard.all().front().subject.starts_with("mkfontdir ")) << heard.text();
+    EXPECT_EQ(heard.all().front().reason, gw::Reason::COMMAND_FAILED) << heard.text();
 }
 
 }  // namespace

@@ -15,10 +15,15 @@
 #include <utility>
 #include <vector>
 
+#include "model/gw_alias.h"
+#include "model/gw_conflict.h"
+#include "model/gw_hrn_list.h"
 #include "modules/gw_fsm_list.h"
 #include "modules/gw_pcf_fsm.h"
 #include "modules/gw_t1_fsm.h"
+#include "store/font_action.h"
 #include "support/font_maker.h"
+#include "support/giving_up.h"
 #include "support/heard_failures.h"
 #include "support/small_disk.h"
 #include "support/temp_dir.h"
@@ -375,6 +380,66 @@ TEST_F(Deleting, AFileOfAnotherInAStickyDirectoryStays) {
     EXPECT_TRUE(said_of(dir.file("from/tiny.pcf"), "Operation not permitted; the font stays")) << said;
     EXPECT_EQ(dir.read("from/fonts.dir"), index);
     EXPECT_TRUE(dir.exists("from/tiny.pcf"));
+}
+
+TEST_F(Installation, ThatFailsGivesItsRoomToTheNextFontOfTheAction) {
+    const SmallDisk disk;
+    dir.write("from/large.pcf", std::string(300000, 'x'));
+    dir.write("from/small.pcf", std::string(20000, 'x'));
+    disk.leave_blocks(20);
+    gw::FontAction action;
+    EXPECT_FALSE(install(bitmap("large.pcf"), disk.path()));
+    EXPECT_TRUE(said_of(disk.file("large.pcf"), FULL)) << said;
+    EXPECT_TRUE(install(bitmap("small.pcf"), disk.path())) << said;
+    EXPECT_TRUE(action.commit().empty());
+    EXPECT_TRUE(disk.exists("small.pcf"));
+}
+
+TEST_F(Installation, ThatIsGivenUpLeavesNothing) {
+    dir.write("from/tiny.pcf", std::string(200000, 'x'));
+    std::filesystem::create_directory(dir.file("to"));
+    {
+        int asked = 0;
+        const gw::test::GivingUp user([&] { return ++asked == 10; });
+        EXPECT_FALSE(install(bitmap(), dir.file("to/")));
+        EXPECT_EQ(said, dir.file("from/tiny.pcf") + ": this was cancelled; the font is left out");
+    }
+    EXPECT_FALSE(dir.exists("to/tiny.pcf"));
+    EXPECT_EQ(dir.read("to/fonts.dir"), "0\n");
+    EXPECT_TRUE(install(bitmap(), dir.file("to/"))) << said;
+    EXPECT_EQ(std::filesystem::file_size(dir.file("to/tiny.pcf")), 200000U);
+}
+
+/// An entry of three sizes, of which the user waits for two.
+TEST_F(Installation, OfAnEntryKeepsTheSizesThatAreWhole) {
+    std::filesystem::create_directory(dir.file("to"));
+    GWHRNList source(0);
+    for (const char* size : {"80", "100", "120"}) {
+        const std::string file = std::string("tiny") + size + ".pcf";
+        dir.write("from/" + file, std::string(200000, 'x'));
+        Font font = font_of(GWFont::BITMAP_FONT, dir.file("from"), {file});
+        font->set_xlfd_name(
+            ("-test-tiny-medium-r-normal--8-" + std::string(size) + "-75-75-c-80-iso8859-1").c_str());
+        source.add_font(font.get());
+    }
+    GWHRNList installed(0);
+    GW_SORTED_LIST<GWAlias> aliases(0);
+    GW_LIST<GWConflict> conflicts;
+    {
+        gw::FontAction action;
+        const gw::test::GivingUp user([&] { return dir.exists("to/tiny100.pcf"); });
+        EXPECT_EQ(source.install_at_pos(1, dir.file("to/").c_str(), installed, aliases, modules, conflicts),
+                  GWHRNElement::DONE);
+        EXPECT_TRUE(source.get_report().failed().empty()) << "what the user gives up has not failed";
+        gw::listen_to_long_work(nullptr);
+        EXPECT_TRUE(action.commit().empty());
+    }
+    EXPECT_TRUE(dir.exists("to/tiny80.pcf"));
+    EXPECT_TRUE(dir.exists("to/tiny100.pcf"));
+    EXPECT_FALSE(dir.exists("to/tiny120.pcf"));
+    EXPECT_EQ(dir.read("to/fonts.dir").substr(0, 2), "2\n");
+    ASSERT_EQ(installed.get_count(), 1);
+    EXPECT_EQ(installed.get_elem_at_pos(1)->get_slots().size(), 2U);
 }
 
 }  // namespace

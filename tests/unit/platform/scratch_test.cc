@@ -2,11 +2,13 @@
 #include "platform/scratch.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <ctime>
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include "support/another_run.h"
@@ -51,6 +53,25 @@ TEST_F(Scratch, FilesGoAtTheEndUnlessSomebodyElseHasTakenTheName) {
     gw::remove_scratch();
     EXPECT_FALSE(dir.exists("errors"));
     EXPECT_TRUE(dir.exists("taken"));
+}
+
+TEST_F(Scratch, APrivateDirectoryThatCannotBeLockedGoes) {
+    const UnderPolicy modern(true);
+    const auto names = [] {
+        std::set<std::string> all;
+        for (const auto& entry : fs::directory_iterator("/tmp")) all.insert(entry.path());
+        return all;
+    };
+    gw::remove_scratch();
+    const std::set<std::string> before = names();
+    rlimit files = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &files), 0);
+    const rlimit none = {0, files.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const std::string path = gw::scratch_path("/tmp/errors");
+    ::setrlimit(RLIMIT_NOFILE, &files);
+    EXPECT_EQ(path, "/tmp/errors");
+    EXPECT_EQ(names(), before);
 }
 
 TEST_F(Scratch, ADirectoryIsHeldUntilItIsDropped) {
@@ -168,6 +189,31 @@ TEST_F(Scratch, PrivateDirectoriesOfKilledRunsGoAtTheNextStart) {
         EXPECT_FALSE(gw::was_in_private_scratch(other)) << other;
     EXPECT_TRUE(fs::exists(alive.answer() + "/gw_dir/link"));
     fs::remove_all(alive.answer());
+}
+
+TEST_F(Scratch, AShortLivedDirectoryGoesWithWhatIsInIt) {
+    std::string path;
+    {
+        const gw::ShortLivedDirectory first;
+        const gw::ShortLivedDirectory second;
+        path = first.path();
+        EXPECT_NE(path, second.path());
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_all);
+        dir.write("fonts/a.pcf", "precious");
+        fs::create_directories(path + "/1");
+        fs::create_directory_symlink(dir.file("fonts"), path + "/all");
+        fs::create_symlink(dir.file("fonts/a.pcf"), path + "/1/a.pcf");
+    }
+    EXPECT_FALSE(fs::exists(path));
+    EXPECT_EQ(dir.read("fonts/a.pcf"), "precious");
+}
+
+TEST_F(Scratch, AShortLivedDirectoryStaysWhileItsProcessLives) {
+    AnotherRun other([] { return (new gw::ShortLivedDirectory)->path(); });
+    fs::last_write_time(other.answer(), fs::file_time_type::clock::now() - std::chrono::minutes(5));
+    EXPECT_TRUE(gw::remove_left_scratch().empty());
+    other.kill();
+    EXPECT_EQ(gw::remove_left_scratch(), std::vector<std::string>{other.answer() + '/'});
 }
 
 }  // namespace

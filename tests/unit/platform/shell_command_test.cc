@@ -10,6 +10,8 @@
 #include <thread>
 
 #include "core/pattern.h"
+#include "core/replace_file.h"
+#include "support/giving_up.h"
 #include "support/heard_failures.h"
 #include "support/temp_dir.h"
 
@@ -53,6 +55,16 @@ TEST(RunCommand, TellsHowACommandFailed) {
               "kill -9 $$: this command failed with status 137");
 }
 
+TEST(RunCommand, IsStoppedAtOnceWhenTheWorkIsGivenUp) {
+    using gw::test::text_of;
+    const auto start = std::chrono::steady_clock::now();
+    int asked = 0;
+    const gw::test::GivingUp user([&] { return ++asked == 3; });
+    EXPECT_EQ(text_of(gw::run_command("sleep 20", {}, gw::LONG_WORK)), "sleep 20: this was cancelled");
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(5));
+    EXPECT_EQ(asked, 3);
+}
+
 TEST(RunCommand, ACommandHasNothingToRead) {
     EXPECT_TRUE(gw::run_command("test -z \"$(cat)\"", {}, gw::MOMENTS));
 }
@@ -67,8 +79,8 @@ TEST(RunCommand, OneThatHangsIsStoppedWithAllThatItStarted) {
     // It is gone when its new parent has collected it.
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     const auto is_alive = [&] {
-        const std::string state = TempDir::read_bytes("/proc/" + std::to_string(started) + "/stat");
-        return !state.empty() && state.find(") Z ") == std::string::npos;
+        const gw::Result<std::string> state = gw::read_file("/proc/" + std::to_string(started) + "/stat");
+        return state && state->find(") Z ") == std::string::npos;
     };
     while (is_alive() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
     EXPECT_FALSE(is_alive());

@@ -19,7 +19,8 @@ namespace {
 using gw::test::TempDir;
 
 constexpr const char* PAGE = GLYPHWARD_TREE "/data/man/glyphward-session.1";
-constexpr const char* SOURCES[] = {"main.cc", "session_path.cc", "x_server.cc"};
+constexpr const char* SOURCES[] = {"tools/glyphward-session/main.cc", "src/fontpath/session_path.cc",
+                                   "tools/glyphward-session/x_server.cc"};
 
 std::string without_space(std::string text) {
     std::erase_if(text, [](char c) { return c == ' ' || c == '\t' || c == '\n'; });
@@ -80,8 +81,7 @@ TEST(SessionManualTest, NamesEveryMessageAndOption) {
     std::size_t messages = 0;
     std::size_t options = 0;
     for (const char* source : SOURCES) {
-        for (std::string text : texts_of(
-                 TempDir::read_bytes(std::string(GLYPHWARD_TREE "/tools/glyphward-session/") + source))) {
+        for (std::string text : texts_of(TempDir::read_bytes(std::string(GLYPHWARD_TREE "/") + source))) {
             const bool is_option = text.starts_with("--");
             if (text.starts_with("glyphward-session: ") && text.ends_with("\\n"))
                 text.resize(text.size() - 2);

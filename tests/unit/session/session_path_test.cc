@@ -2,7 +2,7 @@
 //
 // Which font path a session should have. A function plays the X server: it refuses the whole path because of
 // one bad element, as the real server does.
-#include "session_path.h"
+#include "fontpath/session_path.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -95,6 +95,22 @@ TEST_F(SessionPathTest, WhatIsClosedMayBeOpenToTheServer) {
     EXPECT_EQ(judge(index).why, "its fonts.dir cannot be read");
 }
 
+TEST_F(SessionPathTest, ACatalogueNeedsItsDirectoryOnly) {
+    dir.make_dir("links");
+    const std::string catalogue = "catalogue:" + dir.file("links");
+    std::filesystem::create_symlink(missing(), dir.file("links/dead"));
+    EXPECT_EQ(judge(catalogue).condition, Condition::USABLE);
+    EXPECT_EQ(judge(catalogue + '/').condition, Condition::USABLE);
+    EXPECT_EQ(judge(catalogue + ":unscaled").condition, Condition::GONE);
+    EXPECT_EQ(judge("catalogue:" + missing()).why, "no such directory");
+    EXPECT_EQ(judge("catalogue:" + dir.write("file", "x")).why, "not a directory");
+    EXPECT_EQ(judge("catalogue:links").condition, Condition::USABLE) << "the server's, from where it is";
+    if (is_root()) return;
+    ::chmod(dir.file("links").c_str(), 0);
+    EXPECT_EQ(judge(catalogue).why, "cannot be read");
+    ::chmod(dir.file("links").c_str(), 0755);
+}
+
 TEST_F(SessionPathTest, OnlyTheServerKnowsOtherElements) {
     for (const char* element : {"built-ins", "tcp/nowhere:7100", "unix/:7100", "relative/dir/"})
         EXPECT_EQ(judge(element).condition, Condition::USABLE) << element;
@@ -120,6 +136,19 @@ TEST_F(SessionPathTest, WhatTheServerHasKeepsItsPlaceAndWhatIsMissingComesBehind
     EXPECT_THAT(plan.dropped, IsEmpty());
 }
 
+TEST_F(SessionPathTest, ACatalogueIsPutTogetherLikeADirectory) {
+    const std::string a = font_dir("a");
+    dir.make_dir("links");
+    const std::string catalogue = "catalogue:" + dir.file("links");
+    const std::string gone = "catalogue:" + missing();
+    const Plan plan = make_plan(plain({catalogue, gone, a}), {"built-ins", catalogue + '/'}, PathHost::THIS);
+    EXPECT_THAT(plan.path, ElementsAre("built-ins", catalogue + '/', a));
+    EXPECT_THAT(plan.skipped, ElementsAre(Remark{gone, "no such directory"}));
+    EXPECT_THAT(make_plan(plain({a}), {gone}, PathHost::THIS).dropped,
+                ElementsAre(Remark{gone, "no such directory"}));
+    EXPECT_THAT(make_plan(plain({a}), {gone}, PathHost::ANOTHER).path, ElementsAre(gone, a));
+}
+
 TEST_F(SessionPathTest, AnOrderThatSomebodyHasChosenComesFirst) {
     const std::string a = font_dir("a"), b = font_dir("b"), c = font_dir("c"), d = font_dir("d");
     const Configuration both{{b, a, d, c}, 2, {}};
@@ -134,12 +163,12 @@ TEST_F(SessionPathTest, LinksToWhatTheServerHasChangeNothing) {
     std::filesystem::create_directory_symlink(dir.file("a"), dir.file("links/a"));
     std::filesystem::create_directory_symlink(dir.file("b"), dir.file("links/b"));
     const std::string link_a = dir.file("links/a/"), link_b = dir.file("links/b/");
-    const Elements server = {dir.file("b"), a + ":unscaled", "catalogue:/etc/fonts", dir.file("a"),
-                             "built-ins"};
+    const std::string catalogue = "catalogue:" + dir.file("links");
+    const Elements server = {dir.file("b"), a + ":unscaled", catalogue, dir.file("a"), "built-ins"};
     EXPECT_EQ(make_plan(plain({link_a, link_b, link_a + ":unscaled"}), server, PathHost::THIS).path, server);
     EXPECT_THAT(make_plan(plain({link_b + ":unscaled", link_a}), server, PathHost::THIS).path,
-                ElementsAre(dir.file("b"), a + ":unscaled", "catalogue:/etc/fonts", dir.file("a"),
-                            "built-ins", link_b + ":unscaled"));
+                ElementsAre(dir.file("b"), a + ":unscaled", catalogue, dir.file("a"), "built-ins",
+                            link_b + ":unscaled"));
     // On another host they may be other directories.
     EXPECT_EQ(make_plan(plain({link_a}), server, PathHost::ANOTHER).path.size(), server.size() + 1);
 }

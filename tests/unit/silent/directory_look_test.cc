@@ -9,19 +9,20 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
-#include <cerrno>
 #include <chrono>
 #include <csignal>
 #include <filesystem>
 #include <string>
 #include <vector>
 
+#include "support/children.h"
 #include "support/sleeping_files.h"
 #include "support/temp_dir.h"
 
 namespace {
 
 using gw::silent_directories;
+using gw::test::has_children;
 using gw::test::NobodyDies;
 using gw::test::SleepingDirectory;
 using gw::test::TempDir;
@@ -31,11 +32,6 @@ using Texts = std::vector<std::string>;
 
 constexpr std::chrono::hours FOR_EVER(1);
 constexpr std::chrono::milliseconds SHORT(300);
-
-/// Whether this process has children, running or not collected.
-bool has_children() {
-    return ::waitpid(-1, nullptr, WNOHANG) >= 0 || errno != ECHILD;
-}
 
 class DirectoryLook : public testing::Test {
   protected:

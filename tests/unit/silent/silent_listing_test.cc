@@ -46,7 +46,6 @@ class SilentListing : public testing::Test {
         the_fsm_list.clear();
         delete the_font_path;
         the_font_path = nullptr;
-        gw::find_silent(Texts{});
     }
     void use_path(const Texts& elements) const {
         std::string value;
@@ -124,6 +123,29 @@ TEST_F(SilentListing, ASilentElementIsItsText) {
     EXPECT_EQ(gw::identity_of_element(mount + "/:unscaled"), gw::identity_of_element(mount + ":unscaled"));
     EXPECT_NE(gw::identity_of_element(mount), gw::identity_of_element(mount + ":unscaled"));
     EXPECT_THAT(asleep.looked_at(), IsEmpty());
+}
+
+TEST_F(SilentListing, WhatIsAskedLaterDoesNotWakeASilentOne) {
+    const SleepingDirectory asleep(dir.file("mount"));
+    ASSERT_THAT(gw::find_silent({dir.file("mount")}), ElementsAre(dir.file("mount")));
+    EXPECT_THAT(gw::find_silent({dir.file("first")}), IsEmpty());
+    EXPECT_TRUE(gw::is_silent(dir.file("mount")));
+    gw::find_newly_silent({dir.file("mount/:unscaled"), dir.file("last"), "built-ins"});
+    EXPECT_TRUE(gw::is_silent(dir.file("mount")));
+    EXPECT_FALSE(gw::is_silent(dir.file("last")));
+    EXPECT_THAT(asleep.looked_at(), IsEmpty());
+}
+
+TEST_F(SilentListing, ItIsAwakeWhenItAnswersAgain) {
+    {
+        const SleepingDirectory asleep(dir.file("mount"));
+        gw::find_newly_silent({dir.file("mount")});
+        EXPECT_TRUE(gw::is_silent(dir.file("mount")));
+    }
+    gw::find_newly_silent({dir.file("mount")});
+    EXPECT_TRUE(gw::is_silent(dir.file("mount"))) << "it was not asked";
+    EXPECT_THAT(gw::find_silent({dir.file("mount")}), IsEmpty());
+    EXPECT_FALSE(gw::is_silent(dir.file("mount")));
 }
 
 }  // namespace

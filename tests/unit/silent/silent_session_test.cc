@@ -7,7 +7,7 @@
 #include <optional>
 #include <string>
 
-#include "session_path.h"
+#include "fontpath/session_path.h"
 #include "support/sleeping_files.h"
 #include "support/temp_dir.h"
 
@@ -26,10 +26,7 @@ class SilentSession : public testing::Test {
         for (const char* name : {"a/fonts.dir", "mount/fonts.dir", "b/fonts.dir"}) dir.write(name, "0\n");
         asleep.emplace(mount);
     }
-    ~SilentSession() override {
-        EXPECT_THAT(asleep->looked_at(), IsEmpty());
-        gw::find_silent(Elements{});
-    }
+    ~SilentSession() override { EXPECT_THAT(asleep->looked_at(), IsEmpty()); }
     const TempDir dir;
     const std::string a = dir.file("a/"), b = dir.file("b/"), mount = dir.file("mount/");
     std::optional<SleepingDirectory> asleep;

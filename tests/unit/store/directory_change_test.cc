@@ -15,6 +15,7 @@
 #include "store/journal.h"
 #include "support/file_faults.h"
 #include "support/heard_failures.h"
+#include "support/put_file.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -41,9 +42,7 @@ class Change : public testing::Test {
         return change ? std::move(*change) : nullptr;
     }
     static void put(DirectoryChange& change, const std::string& name, const std::string& bytes) {
-        auto file = change.stage(name);
-        ASSERT_TRUE(file);
-        EXPECT_TRUE(file->write(bytes) && file->finish() && change.put(*file));
+        EXPECT_TRUE(gw::test::put_file(change, name, bytes)) << name;
     }
 
     TempDir dir;
@@ -394,11 +393,70 @@ TEST_F(Change, ThatOnlyDeletesKeepsThePermissionsOfTheIndex) {
     EXPECT_EQ(info.st_mode & 0777, 0600U);
 }
 
+// Whatever the lengths of the lines are.
+TEST_F(Change, ThatBringsAFontMakesTheIndexReadableToAll) {
+    ASSERT_EQ(::chmod(dir.file("fonts.dir").c_str(), 0600), 0);
+    const auto change = begin();
+    EXPECT_EQ(change->strike_out("a.pcf", 1), 1);
+    EXPECT_TRUE(gw::test::put_font(*change, "c", "C", "-c"));
+    EXPECT_TRUE(change->commit());
+    EXPECT_EQ(dir.read("fonts.dir"), "2\nb.pcf -b\nc -c\n");
+    struct stat info = {};
+    ASSERT_EQ(::stat(dir.file("fonts.dir").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0644U);
+}
+
 TEST_F(Change, BringsMetricsBackAlsoWhenTheirDirectoryHasGone) {
     dir.write(".glyphward/old/0", "metrics");
     dir.write(".glyphward/journal", "glyphward-journal 1\nout 0 afm/a.afm\n");
     EXPECT_TRUE(gw::settle(dir.path()));
     EXPECT_EQ(dir.read("afm/a.afm"), "metrics");
+}
+
+/// A directory that leads to itself.
+void spoil_metrics_of(const TempDir& dir) {
+    std::filesystem::create_symlink("afm", dir.file("afm"));
+}
+
+// A directory for metrics that cannot be looked into is not one without them.
+TEST_F(Change, FailsWhenItCannotReachWhatGoes) {
+    spoil_metrics_of(dir);
+    {
+        const auto change = begin();
+        change->strike_out("a.pcf", 1);
+        EXPECT_TRUE(change->take_out("a.pcf", false));
+        EXPECT_TRUE(change->take_out("afm/a.afm", false));
+        EXPECT_EQ(gw::test::text_of(change->commit()),
+                  dir.file("afm/a.afm") + ": Too many levels of symbolic links");
+        EXPECT_EQ(dir.read("fonts.dir"), INDEX);
+        EXPECT_TRUE(dir.exists("a.pcf"));
+    }
+    std::filesystem::remove(dir.file("afm"));
+    for (const bool is_a_file : {false, true}) {
+        if (is_a_file) dir.write("afm", "a file");
+        const auto change = begin();
+        EXPECT_TRUE(change->take_out("afm/a.afm", false));
+        EXPECT_TRUE(change->commit()) << "what is not there is gone";
+    }
+}
+
+TEST_F(Change, SaysWhichFileMayStayAndDoes) {
+    spoil_metrics_of(dir);
+    for (const bool is_full : {false, true}) {
+        const auto change = begin();
+        EXPECT_TRUE(change->take_out("afm/a.afm", true));
+        const gw::test::HeardFailures heard;
+        {
+            using gw::test::FileFaults;
+            const FileFaults faults(is_full ? FileFaults::Fault::FAIL_ONCE : FileFaults::Fault::NONE, 2,
+                                    ENOSPC);
+            EXPECT_TRUE(change->commit());
+        }
+        EXPECT_EQ(heard.text(),
+                  dir.file("afm/a.afm") +
+                      ": Too many levels of symbolic links; this file of a font that is gone remains\n");
+    }
+    std::filesystem::remove(dir.file("afm"));
 }
 
 // The first font waits for the lock; the others know.

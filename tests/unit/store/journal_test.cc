@@ -14,9 +14,17 @@ using gw::FileIdentity;
 
 constexpr FileIdentity STAMP = {123456789012, FileIdentity::Content{34567, 1700000000, 999999999}};
 
-const std::vector<Record> RECORDS = {
-    Out{3, "a.pfa"},           Put{STAMP, "a.pfa"}, MadeDir{"afm"}, Put{STAMP, "afm/a b.afm"},
-    Line{0, "a.pfa -x-a b\n"}, Index{STAMP, true},  Overwrite{}};
+const std::vector<Record> RECORDS = {Out{3, "a.pfa"},
+                                     Put{STAMP, "a.pfa"},
+                                     Back{STAMP, 7, "1790000000-0a1b", "b c.pcf"},
+                                     MadeDir{"afm"},
+                                     Put{STAMP, "afm/a b.afm"},
+                                     Line{0, "a.pfa -x-a b\n"},
+                                     Index{STAMP, true},
+                                     Overwrite{},
+                                     Register{STAMP, false},
+                                     With{"0123456789abcdef", "/fonts/a b/"},
+                                     And{"/fonts/c d/"}};
 
 std::string text_of(const std::vector<Record>& records) {
     std::string text(HEADING);
@@ -81,6 +89,11 @@ TEST(Journal, OfAnythingElseIsRefused) {
                              "put -1 a",
                              "out 99999999999999999999 a",
                              "out 4294967296 a",
+                             "back 1 2 3 4 0 1-a a/b",
+                             "back 1 2 3 4 0 ../x a",
+                             "back 1 2 3 4 0 trash a",
+                             "back 1 2 3 4 x 1-a a",
+                             "back 1 2 3 4 0 1-a",
                              "line 1001 a b",
                              "line 2147483647 a b",
                              "out 1 a/b",

@@ -4,10 +4,13 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <string>
 
 #include "store/directory_change.h"
+#include "support/file_faults.h"
+#include "support/put_file.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -41,14 +44,7 @@ class LostLines : public testing::Test {
         EXPECT_EQ(dir.read("fonts.dir"), "3\nz.pcf -z\na.pcf -x\nb.pcf -x\n");
     }
     void install(const std::string& name) const {
-        const auto change = DirectoryChange::begin(dir.path());
-        ASSERT_TRUE(change);
-        auto file = (*change)->stage(name);
-        ASSERT_TRUE(file);
-        file->write(name);
-        ASSERT_TRUE(file->finish() && (*change)->put(*file));
-        (*change)->enter(name + " -x\n");
-        EXPECT_TRUE((*change)->commit());
+        EXPECT_TRUE(gw::test::bring_font(dir.path(), name, name, "-x"));
     }
     void remove(const std::string& name) const {
         const auto change = DirectoryChange::begin(dir.path());
@@ -102,6 +98,48 @@ TEST_F(LostLines, OfAFontThatIsDeletedNowDoNotComeBack) {
     remove("a.pcf");
     EXPECT_EQ(dir.read("fonts.dir"), "2\nz.pcf -z\nb.pcf -x\n");
     EXPECT_FALSE(dir.exists("a.pcf"));
+}
+
+// They would make the index longer than it is.
+TEST_F(LostLines, DoNotKeepAFontFromBeingDeletedOnAFullDisk) {
+    dir.write("fonts.dir", "1\nz.pcf -z\n");
+    {
+        const auto change = DirectoryChange::begin(dir.path());
+        ASSERT_TRUE(change);
+        (*change)->strike_out("z.pcf", 1);
+        EXPECT_TRUE((*change)->take_out("z.pcf", false));
+        const gw::test::FileFaults faults(gw::test::FileFaults::Fault::FAIL_ONCE, 2, ENOSPC);
+        EXPECT_TRUE((*change)->commit());
+    }
+    EXPECT_EQ(dir.read("fonts.dir"), "0\n");
+    EXPECT_FALSE(dir.exists("z.pcf"));
+    install("c.pcf");
+    EXPECT_EQ(dir.read("fonts.dir"), "3\na.pcf -x\nb.pcf -x\nc.pcf -x\n");
+}
+
+TEST_F(LostLines, ThatAreDeletedOnAFullDiskStayAway) {
+    dir.write("fonts.dir", "1\nz.pcf -z\n");
+    {
+        const auto change = DirectoryChange::begin(dir.path());
+        ASSERT_TRUE(change);
+        (*change)->strike_out("a.pcf", 1);
+        EXPECT_TRUE((*change)->take_out("a.pcf", false));
+        const gw::test::FileFaults faults(gw::test::FileFaults::Fault::FAIL_ONCE, 2, ENOSPC);
+        EXPECT_TRUE((*change)->commit());
+    }
+    EXPECT_FALSE(dir.exists("a.pcf"));
+    install("c.pcf");
+    EXPECT_EQ(dir.read("fonts.dir"), "3\nz.pcf -z\nb.pcf -x\nc.pcf -x\n");
+}
+
+TEST_F(LostLines, LeaveTheIndexItsPermissionsWhenAFontIsDeleted) {
+    dir.write("fonts.dir", "1\nz.pcf -z\n");
+    ASSERT_EQ(::chmod(dir.file("fonts.dir").c_str(), 0600), 0);
+    remove("z.pcf");
+    EXPECT_EQ(dir.read("fonts.dir"), "2\na.pcf -x\nb.pcf -x\n");
+    struct stat info = {};
+    ASSERT_EQ(::stat(dir.file("fonts.dir").c_str(), &info), 0);
+    EXPECT_EQ(info.st_mode & 0777, 0600U);
 }
 
 TEST_F(LostLines, DoNotComeBackWithAChangeThatFails) {

@@ -1,16 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include "store/own_directory.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <set>
+#include <stdexcept>
 #include <string>
 
 #include "store/directory_change.h"
+#include "support/another_run.h"
 #include "support/file_faults.h"
+#include "support/giving_up.h"
+#include "support/put_file.h"
 #include "support/temp_dir.h"
 
 namespace {
@@ -46,11 +56,111 @@ TEST_F(OwnDirectory, IsTheOnlyThingThatIsMade) {
     EXPECT_EQ(names(), (std::set<std::string>{".glyphward", "a.pcf", "fonts.dir"}));
 }
 
+/// The number of a process that has ended.
+std::string ended_process() {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(0);
+    while (::waitpid(child, nullptr, 0) < 0 && errno == EINTR) continue;
+    return std::to_string(child);
+}
+
 TEST_F(OwnDirectory, TakesAwayWhatAKilledOneHasBegun) {
-    dir.write(".glyphward-123/lock", "");
-    dir.make_dir(".glyphward-124");
+    dir.write(".glyphward-" + ended_process() + "/lock", "");
+    dir.make_dir(".glyphward-" + ended_process());
+    dir.write(".glyphward-" + std::to_string(::getpid()) + "/lock", "");  // the number has come round again
     { ASSERT_TRUE(DirectoryChange::begin(dir.path())); }
     EXPECT_EQ(names(), (std::set<std::string>{".glyphward", "a.pcf", "fonts.dir"}));
+}
+
+// It might just get its name, and lose the lock that its process is about to take.
+TEST_F(OwnDirectory, LeavesWhatALivingProcessHasBegun) {
+    const gw::test::AnotherRun other([] { return std::to_string(::getpid()); });
+    const std::string begun = ".glyphward-" + other.answer();
+    dir.write(begun + "/lock", "");
+    dir.make_dir(".glyphward-theirs");
+    { ASSERT_TRUE(DirectoryChange::begin(dir.path())); }
+    EXPECT_EQ(names(),
+              (std::set<std::string>{".glyphward", begun, ".glyphward-theirs", "a.pcf", "fonts.dir"}));
+    EXPECT_TRUE(dir.exists(begun + "/lock"));
+}
+
+/// A process that begins a change when it is told to, and ends with 0 if it could.
+class Beginner {
+  public:
+    explicit Beginner(const std::string& dir) {
+        int pipe[2];
+        if (::pipe(pipe) != 0) throw std::runtime_error("pipe");
+        child_ = ::fork();
+        if (child_ == 0) {
+            ::close(pipe[1]);
+            char byte = 0;
+            if (::read(pipe[0], &byte, 1) != 1) ::_exit(2);
+            ::_exit(DirectoryChange::begin(dir) ? 0 : 1);
+        }
+        ::close(pipe[0]);
+        go_ = gw::Descriptor(pipe[1]);
+    }
+    ~Beginner() { (void)status(); }
+    Beginner(const Beginner&) = delete;
+    Beginner& operator=(const Beginner&) = delete;
+
+    void start() const { ASSERT_EQ(::write(go_.get(), "x", 1), 1); }
+    /// Waits until it has the file open; false when it ends before.
+    [[nodiscard]] bool comes_to_have_open(const std::string& path) {
+        while (!has_open(path)) {
+            if (::waitpid(child_, &status_, WNOHANG) == child_) {
+                child_ = 0;
+                return false;
+            }
+            ::sched_yield();
+        }
+        return true;
+    }
+    [[nodiscard]] int status() {
+        while (child_ > 0 && ::waitpid(child_, &status_, 0) < 0 && errno == EINTR) continue;
+        child_ = 0;
+        return status_;
+    }
+
+  private:
+    [[nodiscard]] bool has_open(const std::string& path) const {
+        std::error_code gone;
+        std::filesystem::directory_iterator files("/proc/" + std::to_string(child_) + "/fd", gone);
+        return std::any_of(begin(files), end(files),
+                           [&](const auto& file) { return std::filesystem::equivalent(file, path, gone); });
+    }
+
+    pid_t child_ = 0;
+    int status_ = -1;
+    gw::Descriptor go_;
+};
+
+TEST_F(OwnDirectory, IsLockedByTheFileThatHasTheNameOfTheLock) {
+    { ASSERT_TRUE(DirectoryChange::begin(dir.path())); }
+    const std::string path = dir.file(".glyphward/lock");
+    Beginner beginner(dir.path());
+    gw::Descriptor old_lock(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+    ASSERT_EQ(::flock(old_lock.get(), LOCK_EX | LOCK_NB), 0);
+    beginner.start();
+    ASSERT_TRUE(beginner.comes_to_have_open(path));
+    std::filesystem::remove(path);
+    gw::Descriptor new_lock(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+    ASSERT_EQ(::flock(new_lock.get(), LOCK_EX | LOCK_NB), 0);
+    old_lock = gw::Descriptor();
+    EXPECT_TRUE(beginner.comes_to_have_open(path)) << "it has another file's lock";
+    new_lock = gw::Descriptor();
+    EXPECT_EQ(beginner.status(), 0);
+}
+
+TEST_F(OwnDirectory, IsNotWaitedForWhenTheWorkIsGivenUp) {
+    const auto other = DirectoryChange::begin(dir.path());
+    ASSERT_TRUE(other);
+    int asked = 0;
+    const gw::test::GivingUp user([&] { return ++asked == 2; });
+    const gw::Outcome refused = delete_a();
+    ASSERT_FALSE(refused);
+    EXPECT_EQ(refused.failure().reason, gw::Reason::GIVEN_UP);
+    EXPECT_EQ(asked, 2);
 }
 
 TEST_F(OwnDirectory, WithSomebodysDirectoriesInItIsInNobodysWay) {
@@ -109,6 +219,24 @@ TEST_F(OwnDirectory, IsNotNeededForDeletingOnAFullDisk) {
         EXPECT_FALSE(fresh.exists("a.pcf")) << at;
     }
     EXPECT_GT(at, 15);
+}
+
+// Whatever fails, in our directory or beside it.
+TEST_F(OwnDirectory, IsInNoMessage) {
+    std::set<std::string> subjects;
+    int calls = 0;
+    for (int at = 0; at <= calls; ++at) {  // at 0 nothing fails
+        const TempDir fresh;
+        fresh.write("fonts.dir", "1\na.pcf -a\n");
+        fresh.write("a.pcf", "A");
+        const FileFaults faults(FileFaults::Fault::FAIL_ONCE, at, EIO);
+        const gw::Outcome outcome = gw::test::bring_font(fresh.path(), "c.pcf", "C", "-c");
+        if (at == 0) calls = FileFaults::calls();
+        if (outcome) continue;
+        ASSERT_TRUE(outcome.failure().subject.starts_with(fresh.path())) << outcome.failure().text();
+        subjects.insert(outcome.failure().subject.substr(fresh.path().size()));
+    }
+    EXPECT_EQ(subjects, (std::set<std::string>{"", "c.pcf", "fonts.dir"}));
 }
 
 TEST_F(OwnDirectory, ThatThereIsNoRoomForMakesInstallingFail) {

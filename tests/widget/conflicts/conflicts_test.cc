@@ -7,8 +7,6 @@
 
 #include <filesystem>
 
-#include "app/conflicts/conflictdlg.h"
-#include "app/conflicts/preconflictdlg.h"
 #include "app/deleting/delwarningdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/installing/font_source.h"
@@ -17,9 +15,8 @@
 #include "app/program/conflict_lists.h"
 #include "app/program/program_objects.h"
 #include "app/samples/installed_list.h"
-#include "support/font_maker.h"
 
-#include "widget/work_test_support.h"
+#include "widget/conflicts/conflicts_test_support.h"
 
 #include <Xm/List.h>
 
@@ -37,35 +34,10 @@ std::string at_column(std::string name, const std::string& word) {
     return name + word;
 }
 
-class Conflicts : public WorkTest {
+class Conflicts : public ConflictTest {
   protected:
-    /// Adds a conflict with these reasons; its font does not exist on the disk.
-    static void add(GWConflict::TYPE type, const std::string& family,
-                    std::initializer_list<GWConflict::INFO> reasons) {
-        const gw::Ref<GWHRNElement> element(new GWHRNElement(named(family)));
-        const gw::Ref<GWHRNElement> other(new GWHRNElement(named(family)));
-        GWFont* in_the_way = other->get_representative();
-        in_the_way->set_dir_name("/fonts/in/the/way/");
-        const bool installs = type == GWConflict::INSTALL;
-        auto* conflict = new GWConflict(type, element.get(), nullptr, installs ? other.get() : nullptr,
-                                        installs ? "/nonexistent/" : nullptr, nullptr);
-        for (const GWConflict::INFO reason : reasons) conflict->set_conflict(reason, in_the_way, 0, 0);
-        the_conflict_list.append(conflict);
-    }
-    static GWFont* named(const std::string& family) { return make_font(GWFont::BITMAP_FONT, face(family)); }
-    static std::string summary(const std::string& name) { return label(wi_preconflict_dlg, name); }
-    static std::string resolve(const std::string& name) { return label(wi_conflict_dlg, name); }
     static std::string detail() { return resolve("conflict_detail_label"); }
     static bool can_finish() { return is_sensitive(wi_conflict_dlg, "ok_button"); }
-    static bool can_resolve() {
-        const bool keep = is_sensitive(wi_conflict_dlg, "keep_button");
-        EXPECT_EQ(is_sensitive(wi_conflict_dlg, "not_keep_button"), keep);
-        return keep;
-    }
-    static bool keep() { return press(find(wi_conflict_dlg, "keep_button")); }
-    static bool force() { return press(find(wi_conflict_dlg, "not_keep_button")); }
-    static bool finish() { return press(find(wi_conflict_dlg, "ok_button")); }
-    static bool choose_resolutions() { return press(find(wi_preconflict_dlg, "resolve_button")); }
     /// Resolves every conflict by force, and finishes.
     static void force_all() {
         for (std::size_t position = 1; position <= items(conflicts_list()).size(); ++position) {
@@ -115,10 +87,10 @@ TEST_F(Conflicts, SumUp) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.detail);
         gw::clear_conflict_list();
-        for (unsigned i = 0; i < c.read_only; ++i) add(c.type, "alpha", {GWConflict::READ_ONLY});
+        for (unsigned i = 0; i < c.read_only; ++i) add_conflict(c.type, "alpha", {GWConflict::READ_ONLY});
         for (unsigned i = 0; i < c.others; ++i) {
-            add(c.type, "beta",
-                {c.type == GWConflict::INSTALL ? GWConflict::SAME_NAME : GWConflict::SYSTEM_FONT});
+            add_conflict(c.type, "beta",
+                         {c.type == GWConflict::INSTALL ? GWConflict::SAME_NAME : GWConflict::SYSTEM_FONT});
         }
         start_preconflict_dlg(5, &the_conflict_list);
         EXPECT_TRUE(is_managed(wi_preconflict_dlg));
@@ -150,7 +122,7 @@ TEST_F(Conflicts, EndForTheSuperuserWithTheAdviceAboutTheFontPath) {
         for (const int user : {0, ORDINARY_UID}) {
             const ActingAs acting(user);
             gw::clear_conflict_list();
-            add(type, "alpha", {GWConflict::READ_ONLY});
+            add_conflict(type, "alpha", {GWConflict::READ_ONLY});
             start_preconflict_dlg(0, &the_conflict_list);
             press(find(wi_preconflict_dlg, "ok_button"));
             EXPECT_EQ(is_managed(wi_fp_info_dlg), user == 0) << user;
@@ -160,7 +132,7 @@ TEST_F(Conflicts, EndForTheSuperuserWithTheAdviceAboutTheFontPath) {
 }
 
 TEST_F(Conflicts, AreLeftByTheCloseBox) {
-    add(GWConflict::INSTALL, "alpha", {GWConflict::SAME_NAME});
+    add_conflict(GWConflict::INSTALL, "alpha", {GWConflict::SAME_NAME});
     start_preconflict_dlg(3, &the_conflict_list);
     ASSERT_TRUE(pump_until([] { return is_viewable(wi_preconflict_dlg); }));
     close_box(wi_preconflict_dlg);
@@ -185,7 +157,7 @@ TEST_F(Conflicts, HaveTheirTexts) {
                  {GWConflict::DELETE, "Finish Deletion", "Keep", "Delete"}};
     for (const auto& c : cases) {
         gw::clear_conflict_list();
-        add(c.type, "alpha", {GWConflict::SYSTEM_FONT});
+        add_conflict(c.type, "alpha", {GWConflict::SYSTEM_FONT});
         start_preconflict_dlg(2, &the_conflict_list);
         ASSERT_TRUE(choose_resolutions());
         EXPECT_FALSE(is_managed(wi_preconflict_dlg));
@@ -240,7 +212,7 @@ TEST_F(Conflicts, AreExplained) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.text);
         gw::clear_conflict_list();
-        add(c.type, "alpha", c.reasons);
+        add_conflict(c.type, "alpha", c.reasons);
         start_conflict_dlg(0, &the_conflict_list);
         pick(conflicts_list(), 1);
         EXPECT_EQ(detail(), c.text);
@@ -250,9 +222,9 @@ TEST_F(Conflicts, AreExplained) {
 }
 
 TEST_F(Conflicts, CanBeFinishedWhenEveryOneIsDecided) {
-    add(GWConflict::INSTALL, "alpha", {GWConflict::SAME_NAME});
-    add(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
-    add(GWConflict::INSTALL, "gamma", {GWConflict::SAME_NAME});
+    add_conflict(GWConflict::INSTALL, "alpha", {GWConflict::SAME_NAME});
+    add_conflict(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
+    add_conflict(GWConflict::INSTALL, "gamma", {GWConflict::SAME_NAME});
     start_conflict_dlg(1, &the_conflict_list);
     EXPECT_FALSE(can_finish());
     pick(conflicts_list(), 2);
@@ -280,7 +252,7 @@ TEST_F(Conflicts, CanBeFinishedWhenEveryOneIsDecided) {
 
     // Without conflicts the button keeps its state.
     gw::clear_conflict_list();
-    add(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
+    add_conflict(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
     start_conflict_dlg(4, &the_conflict_list);
     EXPECT_TRUE(can_finish());
     EXPECT_TRUE(finish());
@@ -288,12 +260,12 @@ TEST_F(Conflicts, CanBeFinishedWhenEveryOneIsDecided) {
 }
 
 TEST_F(Conflicts, KeepTheButtonInsensitiveWhenTheLastOnesWereLeftUndecided) {
-    add(GWConflict::DELETE, "alpha", {GWConflict::SYSTEM_FONT});
+    add_conflict(GWConflict::DELETE, "alpha", {GWConflict::SYSTEM_FONT});
     start_conflict_dlg(0, &the_conflict_list);
     press(find(wi_conflict_dlg, "cancel_button"));
     press(find(wi_preconflict_dlg, "ok_button"));
     gw::clear_conflict_list();
-    add(GWConflict::DELETE, "beta", {GWConflict::READ_ONLY});
+    add_conflict(GWConflict::DELETE, "beta", {GWConflict::READ_ONLY});
     start_conflict_dlg(0, &the_conflict_list);
     EXPECT_FALSE(can_finish());
     press(find(wi_conflict_dlg, "cancel_button"));
@@ -309,7 +281,7 @@ TEST_F(Conflicts, OfLongNamesHaveTheWordBehindThreeBlanks) {
     for (const auto& c : cases) {
         gw::clear_conflict_list();
         const std::string family(c.length - listed("").size(), 'x');
-        add(GWConflict::DELETE, family, {GWConflict::PACKAGE});
+        add_conflict(GWConflict::DELETE, family, {GWConflict::PACKAGE});
         start_conflict_dlg(0, &the_conflict_list);
         pick(conflicts_list(), 1);
         EXPECT_TRUE(force());
@@ -323,8 +295,8 @@ TEST_F(Conflicts, OfLongNamesHaveTheWordBehindThreeBlanks) {
 }
 
 TEST_F(Conflicts, ComeBackToTheSummaryUndecided) {
-    add(GWConflict::INSTALL, "alpha", {GWConflict::SAME_NAME});
-    add(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
+    add_conflict(GWConflict::INSTALL, "alpha", {GWConflict::SAME_NAME});
+    add_conflict(GWConflict::INSTALL, "beta", {GWConflict::READ_ONLY});
     start_preconflict_dlg(5, &the_conflict_list);
     for (int round = 0; round < 2; ++round) {
         ASSERT_TRUE(choose_resolutions());
@@ -351,25 +323,10 @@ TEST_F(Conflicts, ComeBackToTheSummaryUndecided) {
 
 class FontConflicts : public Conflicts {
   protected:
-    static std::string destination() { return home().file("glyphwd_fonts/"); }
-    static std::string destination_index() { return home().read("glyphwd_fonts/fonts.dir"); }
-    /// Installs the fonts `names`, and offers the same fonts in the source.
-    void make_conflicts(std::initializer_list<std::string> names) {
-        for (const std::string& name : names) {
-            installed().add("old-" + name + ".pcf", face(name));
-            fonts_.add(name + ".pcf", face(name), 500);
-        }
-        show_installed({"my-alias"});
-    }
     void install_all() {
-        choose_source(fonts_);
-        press(find(wi_install_dlg, "_select_all_button"));
-        choose_destination(destination());
-        ASSERT_TRUE(press(find(wi_install_dlg, "_install_button")));
-        ASSERT_TRUE(wait_for_work());
+        install_source();
         ASSERT_TRUE(is_managed(wi_preconflict_dlg));
     }
-    FontDirectory fonts_;
 };
 
 TEST_F(FontConflicts, InstallTheNewFonts) {

@@ -14,25 +14,20 @@
 #include "app/font_path/fpinfodlg.h"
 #include "app/installing/installdlg.h"
 #include "app/kit/lists.h"
-#include "app/kit/messages.h"
 #include "app/main_window/propsdlg.h"
 #include "app/program/failures.h"
 #include "app/samples/installed_list.h"
 #include "app/samples/sample_text.h"
 #include "support/small_disk.h"
+#include "texts/messages.h"
 
+#include "support/xlib_leaks.h"
 #include "widget/work_test_support.h"
-
-// XCreateFontSet keeps a copy of the name when the server cannot open the font, which these tests make so.
-extern "C" const char*
-__lsan_default_suppressions();  // NOLINT(bugprone-reserved-identifier): it is called so
-extern "C" const char* __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier)
-    return "leak:libX11.so.6\n";
-}
 
 namespace {
 
 using namespace gw::test;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 
@@ -71,11 +66,10 @@ TEST_F(Reasons, AFontWhoseFileNameNoIndexCanHoldIsNamed) {
     source.dir().write("fonts.dir", "1\n" + too_long + ".pcf " + face("a") + "\n");
     install_first(plain.path());
     ASSERT_TRUE(shows_failures());
-    EXPECT_THAT(failed(), ElementsAre(HasSubstr(": this name does not fit into a font index"),
-                                      "    " + too_long + ".pcf"));
-    EXPECT_EQ(summary("success_label"), "Fonts Successfully Installed:       0");
+    EXPECT_THAT(failed(), ElementsAre(HasSubstr("this name does not fit into a font index; " + too_long)));
+    EXPECT_EQ(summary("success_label"), "0 fonts installed.\n1 failure.");
     EXPECT_FALSE(is_sensitive(wi_preconflict_dlg, "resolve_button")) << "there is nothing to decide";
-    EXPECT_EQ(main_status(), "0 fonts successfully installed.");
+    EXPECT_EQ(main_status(), "0 fonts installed.");
 }
 
 TEST_F(Reasons, AFullDiskIsTheReason) {
@@ -85,8 +79,8 @@ TEST_F(Reasons, AFullDiskIsTheReason) {
     disk.leave_blocks(2);
     install_first(disk.path());
     ASSERT_TRUE(shows_failures());
-    EXPECT_THAT(failed(),
-                ElementsAre("Alpha Medium [Bitmap]: " + std::string(FULL), "    " + disk.file("a.pcf")));
+    EXPECT_THAT(failed(), ElementsAre(AllOf(HasSubstr("failed"), HasSubstr("Alpha Medium [Bitmap]"),
+                                            HasSubstr(FULL + ("; " + disk.file("a.pcf"))))));
     EXPECT_TRUE(press(find(wi_preconflict_dlg, "ok_button")));
     EXPECT_FALSE(is_managed(wi_preconflict_dlg));
 }
@@ -111,9 +105,10 @@ TEST_F(Reasons, AFontPathFileThatMayNotBeWrittenIsNamed) {
     ::chmod(file.c_str(), 0644);
     ASSERT_TRUE(shows_failures());
     EXPECT_THAT(failed(),
-                ElementsAre(file + ": this user may not change it",
-                            "    the fonts in " + plain.path() + " will not be listed at the next start"));
-    EXPECT_EQ(summary("success_label"), "Fonts Successfully Installed:       1");
+                ElementsAre(AllOf(HasSubstr(file), HasSubstr("this user may not change it; the fonts in " +
+                                                             plain.path() + " will not be listed")),
+                            AllOf(HasSubstr("installed"), HasSubstr("Alpha Medium [Bitmap]"))));
+    EXPECT_EQ(summary("success_label"), "1 font installed.\n1 failure.");
 }
 
 TEST_F(Reasons, AFontThatCannotBeDeletedStaysAndIsNamed) {
@@ -124,9 +119,10 @@ TEST_F(Reasons, AFontThatCannotBeDeletedStaysAndIsNamed) {
     std::filesystem::create_directory(installed().file("a.pcf"));
     remove({1, 2});
     ASSERT_TRUE(shows_failures());
-    EXPECT_THAT(failed(),
-                ElementsAre("Alpha Medium [Bitmap]: Is a directory", "    " + installed().file("a.pcf")));
-    EXPECT_EQ(summary("success_label"), "Fonts Successfully Deleted:       1");
+    EXPECT_THAT(failed(), ElementsAre(AllOf(HasSubstr("Alpha Medium [Bitmap]"),
+                                            HasSubstr("Is a directory; " + installed().file("a.pcf"))),
+                                      AllOf(HasSubstr("deleted"), HasSubstr("Beta Medium [Bitmap]"))));
+    EXPECT_EQ(summary("success_label"), "1 font deleted.\n1 failure.");
     EXPECT_THAT(items(wi_hrn_list), ElementsAre(HasSubstr("Alpha")));
 }
 
@@ -138,7 +134,7 @@ TEST_F(Reasons, OfTheNextWorkAreItsOwn) {
     std::filesystem::create_directory(installed().file("a.pcf"));
     for (int i = 0; i < 2; ++i) {
         remove({1});
-        EXPECT_THAT(failed(), testing::SizeIs(2)) << i;
+        EXPECT_THAT(failed(), testing::SizeIs(1)) << i;
         EXPECT_TRUE(press(find(wi_preconflict_dlg, "ok_button")));
     }
     start_summary({GWConflict::DELETE, 0, nullptr, {}});
@@ -152,14 +148,13 @@ TEST_F(Reasons, JoinASummaryOfConflictsThatAreStillToBeDecided) {
     source.add("a.pcf", face("alpha"));
     const TempDir plain;
     install_first(plain.path());
+    ASSERT_TRUE(press(find(wi_conflict_dlg, "cancel_button")));
     ASSERT_TRUE(is_managed(wi_preconflict_dlg));
-    const std::string conflicts = summary("conflict_label");
     std::filesystem::remove(installed().file("b.pcf"));
     std::filesystem::create_directory(installed().file("b.pcf"));
     remove({2});
     ASSERT_TRUE(shows_failures());
-    EXPECT_THAT(failed(), testing::SizeIs(2));
-    EXPECT_EQ(summary("conflict_label"), conflicts);
+    EXPECT_THAT(failed(), ElementsAre(HasSubstr("Is a directory"), HasSubstr("not decided")));
     EXPECT_TRUE(is_sensitive(wi_preconflict_dlg, "resolve_button")) << "the conflict can still be decided";
     ASSERT_TRUE(press(find(wi_preconflict_dlg, "resolve_button")));
     ASSERT_TRUE(press(find(wi_conflict_dlg, "cancel_button")));

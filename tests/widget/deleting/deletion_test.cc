@@ -20,7 +20,6 @@
 #include "app/kit/widgets.h"
 #include "app/main_window/glyphwardapp.h"
 #include "app/program/program_objects.h"
-#include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
@@ -276,23 +275,33 @@ TEST_F(Deletion, OfAPackagesFontWantsADecisionThatNamesThePackage) {
     if (!is_root()) GTEST_SKIP() << "to an ordinary user the fonts of packages are read-only";
     make_fonts();
     const gw::test::FakePackages packages(installed().path(), "xfonts-test");
-    for (const bool modern : {false, true}) {
-        gw::set_window_policy(gw::WindowPolicy(modern));
+    for (const bool insists : {false, true}) {
         remove({1});
         EXPECT_EQ(main_status(), "0 fonts successfully deleted.");
         EXPECT_EQ(label(wi_preconflict_dlg, "conflict_label"), "Deletions needing confirmation: 1 *");
         ASSERT_TRUE(press(find(wi_preconflict_dlg, "resolve_button")));
         pick(conflicts_list(), 1);
-        const std::string more = "\nThe package manager will miss it,\nand may bring it back at an update.";
         EXPECT_EQ(label(wi_conflict_dlg, "conflict_detail_label"),
-                  "\nIt is part of a package.\nPackage: xfonts-test" + (modern ? more : ""));
+                  "\nIt is part of a package.\nPackage: xfonts-test");
         const std::size_t before = items(wi_hrn_list).size();
-        ASSERT_TRUE(press(find(wi_conflict_dlg, modern ? "not_keep_button" : "keep_button")));
+        ASSERT_TRUE(press(find(wi_conflict_dlg, insists ? "not_keep_button" : "keep_button")));
         ASSERT_TRUE(press(find(wi_conflict_dlg, "ok_button")));
-        EXPECT_EQ(items(wi_hrn_list).size(), before - (modern ? 1 : 0)) << "the superuser may insist";
+        EXPECT_EQ(items(wi_hrn_list).size(), before - (insists ? 1 : 0)) << "the superuser may insist";
         stop_fp_info_dlg();
     }
-    gw::set_window_policy(gw::WindowPolicy(false));
+}
+
+TEST_F(Deletion, StaysUndoneWhenThePackageManagerDoesNotAnswer) {
+    if (!is_root()) GTEST_SKIP() << "to an ordinary user the fonts of packages are read-only";
+    make_fonts();
+    const gw::test::FakePackages packages("kill -9 $$\n");
+    const std::size_t before = items(wi_hrn_list).size();
+    testing::internal::CaptureStderr();
+    remove({1});
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "glyphward: dpkg-query -S: this command failed with status 137; the font stays\n");
+    EXPECT_EQ(main_status(), "0 fonts successfully deleted.");
+    EXPECT_EQ(items(wi_hrn_list).size(), before);
 }
 
 // An ordinary user cannot insist on deleting the same font.

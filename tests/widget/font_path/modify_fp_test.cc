@@ -259,6 +259,10 @@ TEST_F(ModifyFontPathTest, ADirectoryWithACommaIsRefusedWithASentence) {
     type("/fonts/ab/");
     ASSERT_TRUE(press(part("_add_new_button")));
     EXPECT_EQ(text_of("_msg_label"), "");
+    gw::set_label(part("_msg_label"), "another message");
+    type("/fonts/abc/");
+    ASSERT_TRUE(press(part("_add_new_button")));
+    EXPECT_EQ(text_of("_msg_label"), "another message");
 }
 
 // With the resource for today's windows the file becomes what the window shows.

@@ -24,6 +24,8 @@
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
 #include "platform/host_paths.h"
+#include "platform/scratch.h"
+#include "support/under_policy.h"
 
 #include "widget/work_test_support.h"
 
@@ -281,6 +283,7 @@ TEST_F(Install, OfTheSameFontsAgainInstallsNone) {
 
 // An index cannot hold a file name with a blank.
 TEST_F(Install, ListsNoFontWhoseFileNameHasABlank) {
+    const gw::test::UnderPolicy plain(false);
     fonts_.add("a.pcf", face("alpha"));
     fonts_.add("odd name.pcf", face("odd"));
     choose_source(fonts_);
@@ -288,6 +291,23 @@ TEST_F(Install, ListsNoFontWhoseFileNameHasABlank) {
     install({1});
     EXPECT_EQ(destination_index(), index_of({"a.pcf " + face("alpha")}));
     EXPECT_FALSE(home().exists("glyphwd_fonts/odd name.pcf"));
+    // The directory with a fixed name is another test's to find.
+    gw::stop_source_preview();
+    gw::drop_scratch_dir(gw::scratch_path(gw::STAGING_DIR));
+}
+
+TEST_F(Install, CopiesAFileWithABlankInItsNameUnderAnotherName) {
+    const gw::test::UnderPolicy modern(true);
+    fonts_.add("a.pcf", face("alpha"));
+    std::filesystem::rename(fonts_.path() + "a.pcf", fonts_.path() + "odd name.PCF");
+    std::filesystem::remove(fonts_.path() + "fonts.dir");
+    choose_source(fonts_);
+    ASSERT_EQ(items(source_list()).size(), 1U);
+    EXPECT_THAT(TempDir::read_bytes(gw::scratch_path(gw::STAGING_DIR) + "fonts.dir"),
+                HasSubstr("\nstand-in-1.pcf -"));
+    install({1});
+    EXPECT_EQ(main_status(), "1 fonts successfully installed.");
+    EXPECT_THAT(destination_index(), HasSubstr("1\nodd_name.pcf -"));
 }
 
 TEST_F(Install, IntoADirectoryWithAHardName) {

@@ -11,8 +11,8 @@
 #include <iterator>
 #include <string>
 
-#include "app/kit/messages.h"
 #include "app/start/main_start.h"
+#include "texts/messages.h"
 
 namespace {
 
@@ -71,7 +71,7 @@ TEST(CatalogueTest, EnglishLocalesHaveTheCorrectedTexts) {
 TEST(CatalogueTest, HardTextsComeBackAsTheyWere) {
     static constexpr gw::MessageEntry HARD[] = {
 #define MSG(set, number, name, text) {set, number, text},
-#include "widget/kit/hard_texts/app/kit/messages.def"
+#include "widget/kit/hard_texts/texts/messages.def"
 #undef MSG
     };
     const Catalogue catalogue(HARD_CATALOGUE);

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "app/kit/lists.h"
+#include "app/kit/looks.h"
+#include "app/kit/table_list.h"
 #include "app/kit/toolkit.h"
 #include "widget/widget_test_support.h"
 
@@ -29,6 +31,39 @@ class Lists : public testing::Test {
     Widget shell = nullptr;
     Widget list = nullptr;
 };
+
+/// Numbers of one column end at one place.
+TEST_F(Lists, NumbersStandAtTheRightOfTheirColumn) {
+    gw::TableList table(list);
+    table.show({{{"one"}, {.text = "7", .is_number = true}, {"x"}},
+                {{"twenty"}, {.text = "1234", .is_number = true}, {"y"}}});
+    const Lines shown = gw::test::items(list);
+    ASSERT_EQ(shown.size(), 2U);
+    EXPECT_EQ(shown[1], "twenty1234y") << "read without its tabs";
+    XmRenderTable fonts = nullptr;
+    XtVaGetValues(list, XmNrenderTable, &fonts, nullptr);
+    const auto width = [fonts](const std::string& text) {
+        const gw::XmText string = gw::xm_text(text);
+        return XmStringWidth(fonts, string.get());
+    };
+    ASSERT_TRUE(shown[0].starts_with("one ") && shown[0].ends_with(" 7x")) << shown[0];
+    const std::string padded = shown[0].substr(3, shown[0].size() - 4);
+    EXPECT_NEAR(width(padded), width("1234"), width(" "));
+}
+
+// Names in indexes are in Latin-1; the toolkit draws nothing behind a byte that is not UTF-8.
+TEST_F(Lists, RowsInAScalableFontAreUtf8) {
+    const gw::Looks before = gw::looks();
+    EXPECT_EQ(gw::row_text("caf\xE9\n"), "caf\xE9\\x0A");
+    XmRenderTable fonts = nullptr;
+    XtVaGetValues(list, XmNrenderTable, &fonts, nullptr);
+    gw::Looks scalable = before;
+    scalable.name_fonts = fonts;
+    gw::set_looks(scalable);
+    EXPECT_EQ(gw::row_text("caf\xE9"), "caf\xC3\xA9");
+    EXPECT_EQ(gw::row_text("caf\xC3\xA9"), "caf\xC3\xA9");
+    gw::set_looks(before);
+}
 
 TEST_F(Lists, FillingReplacesWhatWasThere) {
     gw::fill_list(list, {"Courier", "Helvetica"});

@@ -23,6 +23,7 @@
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/main_window/helpdlg.h"
+#include "app/program/window_policy.h"
 #include "platform/host_paths.h"
 #include "support/under_policy.h"
 #include "widget/dialogs_test_support.h"
@@ -196,6 +197,21 @@ TEST_F(AnotherHelp, IsTheSameWhateverTheUsersEnvironmentSays) {
     EXPECT_STREQ(std::getenv("MANWIDTH"), "40");
     EXPECT_STREQ(std::getenv("MAN_KEEP_FORMATTING"), "1");
     EXPECT_STREQ(std::getenv("LC_ALL"), "de_DE.UTF-8");
+}
+
+TEST_F(AnotherHelp, IsMadeOnceWhenItIsFirstOpenedIfThePolicySaysSo) {
+    const std::string text = help_text();
+    const gw::WindowPolicy before = gw::window_policy();
+    gw::set_window_policy(gw::WindowPolicy(true));
+    EXPECT_EQ(text_made(), "The manual page is being prepared...");
+    start_help_dlg();
+    EXPECT_EQ(help_text(), text);
+    XtUnmanageChild(wi_help_dlg);
+    environment.set("MANOPT", "--no-such-option");
+    start_help_dlg();
+    EXPECT_EQ(help_text(), text) << "it is made once";
+    EXPECT_FALSE(exists(gw::SCRATCH_MANUAL));
+    gw::set_window_policy(before);
 }
 
 TEST_F(AnotherHelp, IsSorryWhenThereIsNoManualPage) {

@@ -15,6 +15,7 @@
 #include <vector>
 
 #include "app/common/status_line.h"
+#include "app/doctor/doctordlg.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/lists.h"
 #include "app/kit/toolkit.h"
@@ -22,6 +23,7 @@
 #include "app/main_window/glyphwardapp.h"
 #include "app/main_window/propsdlg.h"
 #include "app/program/program_objects.h"
+#include "app/program/window_policy.h"
 #include "app/samples/attrdlg.h"
 #include "app/samples/installed_list.h"
 #include "support/temp_dir.h"
@@ -208,6 +210,14 @@ TEST_F(MainWindowTest, HasEveryWidgetWithItsClassParentAndText) {
     }
     EXPECT_EQ(get_constraint_widget(wi_hrn_list, find(wi_mainwindow, "FontListTemplate")),
               XtParent(wi_hrn_list));
+}
+
+TEST_F(MainWindowTest, HasNoToolsUnlessWindowsFindMissingFonts) {
+    ASSERT_FALSE(gw::window_policy().finds_missing_fonts());
+    for (const char* name : {"_tools_cascade", "_tools_pulldown", "_why_button"})
+        EXPECT_EQ(find(wi_mainwindow, name), nullptr) << name;
+    EXPECT_EQ(wi_doctor_dlg, nullptr);
+    EXPECT_EQ(XtNameToWidget(wi_toplevel, "*doctor_dlg"), nullptr);
 }
 
 std::vector<Widget> children_of(Widget parent) {

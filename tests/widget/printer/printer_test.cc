@@ -14,12 +14,12 @@
 #include "app/installing/installdlg.h"
 #include "app/installing/rmediadlg.h"
 #include "app/kit/lists.h"
-#include "app/kit/messages.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "app/printer/printerdlg.h"
 #include "app/program/program_objects.h"
 #include "app/samples/attrdlg.h"
+#include "texts/messages.h"
 #include "widget/dialogs_test_support.h"
 
 // X headers come last.

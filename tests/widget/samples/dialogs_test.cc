@@ -78,6 +78,8 @@ TEST_F(Attributes, HasItsWidgetsFromTopToBottom) {
         EXPECT_NE(find(wi_attr_dlg, name), nullptr) << name;
     }
     EXPECT_EQ(title_of(wi_attr_dlg), "Glyph Warden - Font Attributes");
+    for (const char* name : {"details_template", "separator5", "names_list", "chars_area", "package_label"})
+        EXPECT_EQ(find(wi_attr_dlg, name), nullptr) << name << " is for windows that say more";
 }
 
 TEST_F(Attributes, ShowAFont) {

@@ -5,10 +5,6 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#ifdef GLYPHWARD_SANITIZE
-#include <sanitizer/lsan_interface.h>
-#endif
-
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -27,6 +23,7 @@
 #include "app/samples/sample_text.h"
 #include "app/samples/sample_text_cb.h"
 #include "support/font_maker.h"
+#include "support/library_leaks.h"
 
 #include "widget/dialogs_test_support.h"
 
@@ -95,21 +92,7 @@ class ServedDirectory {
 };
 
 /// Xlib leaks about 60 bytes for each font that is listed but cannot be opened.
-class LeaksOfXlib {
-  public:
-    LeaksOfXlib() {
-#ifdef GLYPHWARD_SANITIZE
-        __lsan_disable();
-#endif
-    }
-    ~LeaksOfXlib() {
-#ifdef GLYPHWARD_SANITIZE
-        __lsan_enable();
-#endif
-    }
-    LeaksOfXlib(const LeaksOfXlib&) = delete;
-    LeaksOfXlib& operator=(const LeaksOfXlib&) = delete;
-};
+using LeaksOfXlib = LibraryLeaks;
 
 /// The file of a bitmap font of the installation that the server can draw.
 std::string some_font_file() {

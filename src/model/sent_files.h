@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+//
+// Which files are sent when fonts are installed for everyone.
+#pragma once
+
+#include <vector>
+
+#include "platform/everyone_request.h"
+
+class GWHRNElement;
+
+namespace gw {
+
+/// The files of all fonts of these entries, each once: those with the glyphs by their names, and metrics by
+/// names that end in ".afm", by which they are found beside these.
+[[nodiscard]] std::vector<SentFile> files_of(const std::vector<const GWHRNElement*>& entries);
+
+}  // namespace gw

@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+//
+// Why something failed, and what follows from it, in the user's language.
+#pragma once
+
+#include <string>
+
+#include "core/failure.h"
+
+namespace gw {
+
+/// The reason of a failure: the program's words, or the system's in the language of the locale.
+[[nodiscard]] std::string reason_in_language(const Failure& failure);
+
+/// What follows from the failure; "" where nothing does.
+[[nodiscard]] std::string sequel_in_language(const Failure& failure);
+
+}  // namespace gw

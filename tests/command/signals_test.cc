@@ -1,0 +1,242 @@
+// SPDX-License-Identifier: MIT
+//
+// Signals in the middle of commands, and several commands at once.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/file.h>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <set>
+#include <sstream>
+
+#include "command/own_fonts.h"
+#include "support/sfnt_maker.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using gw::test::content;
+using gw::test::fonts_command;
+using gw::test::Ran;
+using gw::test::TempDir;
+using testing::HasSubstr;
+
+constexpr int MANY = 300;
+
+/// The installed program while it runs.
+class Running {
+  public:
+    explicit Running(std::vector<std::string> words) {
+        words.insert(words.begin(), gw::test::FONTS_COMMAND);
+        std::vector<char*> arguments;
+        for (std::string& word : words) arguments.push_back(word.data());
+        arguments.push_back(nullptr);
+        child_ = ::fork();
+        if (child_ != 0) return;
+        gw::test::redirect(STDIN_FILENO, "/dev/null", O_RDONLY);
+        gw::test::redirect(STDOUT_FILENO, dir_.file("out"), O_WRONLY | O_CREAT);
+        gw::test::redirect(STDERR_FILENO, dir_.file("err"), O_WRONLY | O_CREAT);
+        ::execv(gw::test::FONTS_COMMAND, arguments.data());
+        ::_exit(127);
+    }
+    ~Running() { (void)wait(); }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+    void send(int signal) const {
+        if (!status_) ::kill(child_, signal);
+    }
+    [[nodiscard]] bool has_ended() {
+        int status = 0;
+        if (!status_ && ::waitpid(child_, &status, WNOHANG) == child_) status_ = status;
+        return status_.has_value();
+    }
+    /// The exit status, or minus the signal that has ended it.
+    int wait() {
+        int status = 0;
+        if (!status_ && ::waitpid(child_, &status, 0) == child_) status_ = status;
+        return WIFEXITED(*status_) ? WEXITSTATUS(*status_) : -WTERMSIG(*status_);
+    }
+    [[nodiscard]] std::string err() const { return dir_.read("err"); }
+
+  private:
+    TempDir dir_;
+    pid_t child_ = -1;
+    std::optional<int> status_;
+};
+
+class CommandSignals : public gw::test::OwnFonts {
+  protected:
+    CommandSignals() {
+        for (int i = 0; i < MANY; ++i) add_font("font" + std::to_string(i));
+    }
+    void add_font(const std::string& name) const {
+        gw::test::SfntMaker maker;
+        maker.names = gw::test::windows_names(name);
+        maker.charmap = 1;
+        maker.characters.clear();
+        for (char32_t code = 0x20; code < 0x7F; ++code) maker.characters += code;
+        (void)many_.write(name + ".ttf", maker.make());
+    }
+    [[nodiscard]] std::set<std::string> fonts() const {
+        std::set<std::string> names;
+        for (const auto& entry : fs::directory_iterator(to_))
+            if (entry.path().extension() == ".ttf") names.insert(entry.path().filename());
+        return names;
+    }
+    [[nodiscard]] std::set<std::string> fonts_in_index() const {
+        std::set<std::string> names;
+        std::istringstream index(TempDir::read_bytes(to_ + "fonts.dir"));
+        std::string line;
+        for (std::getline(index, line); std::getline(index, line);)
+            names.insert(line.substr(0, line.find(' ')));
+        return names;
+    }
+    /// Starts the command, and sends the signals when its first fonts are there. Now and then the machine is
+    /// so busy that it is done before; then it is tried again.
+    void interrupt(const std::vector<std::string>& words, const std::vector<int>& signals,
+                   const std::function<void(Running&, int)>& judge) {
+        constexpr int TRIES = 8;
+        for (int tried = 0; tried < TRIES; ++tried) {
+            Running command(words);
+            while (!command.has_ended() && fonts().size() < 3) ::usleep(500);
+            for (const int signal : signals) command.send(signal);
+            const int status = command.wait();
+            if (status == 0) {
+                fs::remove_all(to_);
+                fs::create_directory(to_);
+                continue;
+            }
+            judge(command, status);
+            return;
+        }
+        FAIL() << "it was always done before the signal came";
+    }
+
+    TempDir many_;
+};
+
+TEST_F(CommandSignals, LeaveTheWholeFontsOfAnInstallation) {
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        interrupt({"install", "--to", to_, many_.path()}, {signal}, [&](Running& command, int status) {
+            EXPECT_EQ(status, 1) << command.err();
+            EXPECT_THAT(command.err(), HasSubstr("it was interrupted"));
+        });
+        EXPECT_GE(fonts().size(), 2U);
+        EXPECT_LT(fonts().size(), static_cast<std::size_t>(MANY));
+        EXPECT_EQ(fonts(), fonts_in_index());
+        EXPECT_EQ(fonts_command({"install", "--to", to_, many_.path()}).status, 0);
+        EXPECT_EQ(fonts().size(), static_cast<std::size_t>(MANY));
+        fs::remove_all(to_);
+        fs::create_directory(to_);
+    }
+}
+
+TEST_F(CommandSignals, TwoEndItAtOnceAndLeaveNothing) {
+    interrupt({"install", "--to", to_, many_.path()}, {SIGINT, SIGINT}, [&](Running&, int status) {
+        EXPECT_TRUE(status == -SIGINT || status == 1) << status;
+        EXPECT_EQ(fonts_command({"list", "-q"}).status, 0);
+        EXPECT_TRUE(status == 1 || fonts().empty());
+        EXPECT_EQ(fonts(), fonts_in_index());
+    });
+}
+
+TEST_F(CommandSignals, LeaveADirectoryThatAProfileIsAppliedToAsItWas) {
+    const std::string profile =
+        many_.write("p.toml", "profile = 1\n[fonts]\nto = \"" + to_ +
+                                  "\"\nfiles = [\".\"]\n[[alias]]\nname = \"x\"\nfont = \"fixed\"\n");
+    interrupt({"apply", profile}, {SIGTERM}, [&](Running& command, int status) {
+        EXPECT_EQ(status, 1) << command.err();
+        EXPECT_TRUE(fonts().empty());
+        EXPECT_TRUE(fonts_in_index().empty());
+        EXPECT_FALSE(fs::exists(to_ + "fonts.alias")) << "what is behind the fonts is left alone";
+    });
+    EXPECT_EQ(fonts_command({"apply", profile}).status, 0);
+    EXPECT_EQ(fonts().size(), static_cast<std::size_t>(MANY));
+}
+
+TEST_F(CommandSignals, LeaveFontsWholeWhoseDeletionHasBegun) {
+    ASSERT_EQ(fonts_command({"install", "--to", to_, many_.path()}).status, 0);
+    Running command({"delete", "--yes", "font*"});
+    while (!command.has_ended() && !fs::exists(to_ + ".glyphward/journal")) ::usleep(500);
+    command.send(SIGINT);
+    const int status = command.wait();
+    EXPECT_TRUE(status == 0 || status == 1) << status << command.err();
+    EXPECT_EQ(fonts(), fonts_in_index());
+    EXPECT_EQ(fonts().empty(), status == 0);
+    const bool has_deleted = fonts().size() < static_cast<std::size_t>(MANY);
+    EXPECT_EQ(fonts_command({"undo"}).status, has_deleted ? 0 : 1);
+    EXPECT_EQ(fonts().size(), static_cast<std::size_t>(MANY));
+}
+
+/// Another process changes the directory, as long as this exists.
+class Locked {
+  public:
+    explicit Locked(const std::string& dir)
+        : fd_(::open((dir + ".glyphward/lock").c_str(), O_RDWR | O_CLOEXEC)) {
+        EXPECT_EQ(::flock(fd_, LOCK_EX | LOCK_NB), 0);
+    }
+    ~Locked() { ::close(fd_); }
+    Locked(const Locked&) = delete;
+    Locked& operator=(const Locked&) = delete;
+
+  private:
+    int fd_;
+};
+
+TEST_F(CommandSignals, AndALockThatIsKeptTheyCannotBegin) {
+    ASSERT_EQ(install({source_.path()}).status, 0);
+    ASSERT_EQ(fonts_command({"delete", "--yes", "dejavu sans bold*"}).status, 0);
+    const auto before = content(to_);
+    const std::string profile = source_.write(
+        "p.toml", "profile = 1\n[fonts]\nto = \"" + to_ + "\"\nfiles = [\"DejaVuSans-Bold.ttf\"]\n");
+    const Locked lock(to_);
+    std::vector<std::unique_ptr<Running>> all;
+    for (const std::vector<std::string>& words :
+         std::vector<std::vector<std::string>>{{"install", "--to", to_, gw::test::BOLD},
+                                               {"delete", "--yes", "dejavu*"},
+                                               {"undo"},
+                                               {"trash", "--empty"},
+                                               {"apply", profile},
+                                               {"install", "--to", to_, many_.path()}})
+        all.push_back(std::make_unique<Running>(words));
+    for (const auto& command : all) {
+        EXPECT_EQ(command->wait(), 4) << command->err();
+        EXPECT_THAT(command->err(), HasSubstr("is changing this directory"));
+    }
+    EXPECT_EQ(content(to_), before);
+}
+
+TEST_F(CommandSignals, NorDoCommandsThatRunAtOnceLoseAnything) {
+    constexpr int AT_ONCE = 4;
+    std::vector<std::unique_ptr<Running>> all;
+    for (int i = 0; i < AT_ONCE; ++i) {
+        std::vector<std::string> words = {"install", "--to", to_};
+        for (int j = i; j < MANY; j += 10 * AT_ONCE)
+            words.push_back(many_.file("font" + std::to_string(j) + ".ttf"));
+        all.push_back(std::make_unique<Running>(words));
+        all.push_back(std::make_unique<Running>(
+            std::vector<std::string>{"path", "add", "--of", whose(), "/at/once/" + std::to_string(i) + '/'}));
+    }
+    std::size_t expected = 0;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        const int status = all[i]->wait();
+        EXPECT_TRUE(status == 0 || (status == 4 && i % 2 == 0)) << status << all[i]->err();
+        if (i % 2 != 0 || status != 0) continue;
+        for (int j = static_cast<int>(i) / 2; j < MANY; j += 10 * AT_ONCE) ++expected;
+    }
+    EXPECT_EQ(fonts().size(), expected);
+    EXPECT_EQ(fonts(), fonts_in_index());
+    const std::string path = fonts_command({"path", "show", "--of", whose()}).out;
+    for (int i = 0; i < AT_ONCE; ++i) {
+        const std::string element = "/at/once/" + std::to_string(i) + '/';
+        EXPECT_THAT(path, HasSubstr(element));
+        EXPECT_EQ(fonts_command({"path", "remove", "--of", whose(), element}).status, 0);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,122 @@
+// SPDX-License-Identifier: MIT
+//
+// Does one thing with all fonts of a directory, so that it can be counted and measured from outside. Prints
+// the number of fonts and the seconds of processor time that it took: those of the program's start and end
+// are not among them.
+#include <sys/resource.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/font_policy.h"
+#include "fontpath/gw_fpe.h"
+#include "model/gw_hrn_list.h"
+#include "modules/font_modules.h"
+#include "modules/gw_fsm_list.h"
+#include "store/font_action.h"
+
+namespace {
+
+constexpr const char* USAGE =
+    "Usage: font_operations [--modern] OPERATION DIR [TARGET]\n"
+    "\n"
+    "  list     the fonts that the index of DIR lists, under their names\n"
+    "  source   the fonts of DIR, whether an index lists them or not, under their names\n"
+    "  install  those of the source DIR into TARGET, as one action\n"
+    "  delete   every second font that the index of DIR lists, as one action\n";
+
+double processor_seconds() {
+    struct rusage used = {};
+    ::getrusage(RUSAGE_SELF, &used);
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(used.ru_utime) + seconds(used.ru_stime);
+}
+
+class Operations {
+  public:
+    Operations() { gw::append_font_modules(modules_); }
+    ~Operations() {
+        for (GWFont* font : fonts_) const gw::Ref<GWFont> last(font);
+    }
+    Operations(const Operations&) = delete;
+    Operations& operator=(const Operations&) = delete;
+
+    void list(const std::string& dir) {
+        GW_FPE element(dir.c_str());
+        modules_.make_installed_font_list(fonts_, &element);
+        group();
+    }
+    void source(const std::string& dir) {
+        GW_DIR from(dir.c_str());
+        modules_.make_font_list(fonts_, &from, 0);
+        group();
+    }
+    void install(const std::string& dir) {
+        done_ = 0;
+        as_one_action([&](GWFont& font, int) { return font.install(dir, modules_); });
+    }
+    void delete_every_second() {
+        done_ = 0;
+        as_one_action([&](GWFont& font, int position) {
+            return position % 2 == 0 ? font.remove(modules_) : gw::Outcome(gw::Failure{});
+        });
+    }
+    [[nodiscard]] int done() const { return done_; }
+
+  private:
+    void group() {
+        done_ = fonts_.get_count();
+        for (GWFont* font : fonts_) names_.add_font(font);
+        names_.tell_apart();
+    }
+    void as_one_action(const std::function<gw::Outcome(GWFont&, int)>& step) {
+        gw::FontAction action;
+        int position = 0;
+        for (GWFont* font : fonts_) done_ += step(*font, position++) ? 1 : 0;
+        if (!action.commit().empty()) done_ = 0;
+    }
+
+    GW_FSM_LIST modules_;
+    GW_LIST<GWFont> fonts_;
+    GWHRNList names_{0};
+    int done_ = 0;
+};
+
+bool carry_out(Operations& operations, const std::vector<std::string>& words) {
+    if (words.size() < 2) return false;
+    const std::string& operation = words[0];
+    if (operation == "source" || operation == "install") {
+        operations.source(words[1]);
+    } else if (operation == "list" || operation == "delete") {
+        operations.list(words[1]);
+    } else {
+        return false;
+    }
+    if (operation == "install" && words.size() > 2) operations.install(words[2]);
+    if (operation == "delete") operations.delete_every_second();
+    return true;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
+    const bool is_modern = !words.empty() && words.front() == "--modern";
+    if (is_modern) words.erase(words.begin());
+    gw::set_font_policy(gw::FontPolicy(is_modern, false));
+    Operations operations;
+    const double begin = processor_seconds();
+    if (!carry_out(operations, words)) {
+        std::fputs(USAGE, stderr);
+        return 2;
+    }
+    std::printf("%d %.4f\n", operations.done(), processor_seconds() - begin);
+    return operations.done() > 0 ? 0 : 1;
+}

@@ -1,0 +1,159 @@
+// SPDX-License-Identifier: MIT
+//
+// An ordinary user installs for everyone in the window, with commands in the place of pkexec: what is sent,
+// what is told afterwards, and that the windows stay alive meanwhile.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "app/common/progressdlg.h"
+#include "app/common/warningdlg.h"
+#include "app/conflicts/preconflictdlg.h"
+#include "app/installing/installdlg.h"
+#include "app/kit/lists.h"
+#include "app/kit/widgets.h"
+#include "app/program/program_objects.h"
+#include "app/program/work_record.h"
+#include "platform/everyone_request.h"
+#include "platform/host_paths.h"
+
+#include "widget/work_test_support.h"
+
+#include <Xm/ToggleB.h>
+
+namespace {
+
+using namespace gw::test;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+class ForEveryone : public WorkTest {
+  protected:
+    static void SetUpTestSuite() {
+        home();
+        start_program({"-xrm", "Glyphward*gw_modern_windows: True"});
+    }
+    void SetUp() override {
+        WorkTest::SetUp();
+        source.add("alpha.pcf", face("alpha"));
+        source.add("beta.pcf", face("beta"));
+    }
+    void TearDown() override {
+        gw::set_everyones_command({});
+        XtUnmanageChild(wi_warning_dlg);
+        stop_preconflict_dlg();
+        choose_destination(scratch.path());
+        WorkTest::TearDown();
+    }
+    static Widget for_everyone() { return find(wi_install_dlg, "_destination_choice._for_everyone_toggle"); }
+    /// From now on this is the command that installs for everyone.
+    static void everyones_command(const std::string& script) {
+        gw::set_everyones_command({"/bin/sh", "-c", script});
+    }
+    void choose_everyone() {
+        open_install_dialog();
+        choose_source(source);
+        XmToggleButtonSetState(for_everyone(), True, True);
+    }
+    void begin(std::initializer_list<int> positions) {
+        choose_everyone();
+        select(source_list(), positions);
+        ASSERT_TRUE(press(find(wi_install_dlg, "_install_button")));
+    }
+    static std::string progress() { return label(wi_progress_dlg, "name_label"); }
+    static std::string summary() {
+        std::string all;
+        for (const std::string& line : items(find(wi_preconflict_dlg, "failed_list"))) all += line + '\n';
+        return all;
+    }
+
+    ActingAs user{1000};
+    FontDirectory source;
+    TempDir scratch;
+};
+
+TEST_F(ForEveryone, TheChoiceSaysThatAPasswordIsNeeded) {
+    everyones_command("exit 0");
+    choose_everyone();
+    EXPECT_EQ(gw::label_of(for_everyone()), "For Everyone (password)");
+    EXPECT_NE(XmToggleButtonGetState(for_everyone()), False);
+    EXPECT_THAT(label(wi_install_dlg, "_dest_label"), HasSubstr(gw::SUPERUSER_FONT_DIR));
+}
+
+TEST_F(ForEveryone, WithoutPolkitTheWindowSaysWhatAnAdministratorWouldType) {
+    choose_everyone();
+    EXPECT_EQ(XmToggleButtonGetState(for_everyone()), False);
+    ASSERT_TRUE(is_managed(wi_warning_dlg));
+    const std::string words = message_of(wi_warning_dlg);
+    EXPECT_THAT(words, HasSubstr("glyphward-fonts install --everyone " +
+                                 source.path().substr(0, source.path().size() - 1)));
+    // Also when the directory was found in the chooser.
+    XtUnmanageChild(wi_warning_dlg);
+    choose_destination(gw::SUPERUSER_FONT_DIR);
+    select(source_list(), {1});
+    EXPECT_TRUE(press(find(wi_install_dlg, "_install_button")));
+    EXPECT_TRUE(is_managed(wi_warning_dlg));
+    EXPECT_FALSE(the_wp_cl_data.is_in_progress());
+}
+
+TEST_F(ForEveryone, TheSelectedFontsAreSentAndWhatFailedIsTold) {
+    const std::string sent = scratch.file("sent");
+    everyones_command("head -c 60 >" + sent + R"(; cat <<'END'
+{"changed": false, "fonts": [{"font": "Alpha", "result": "failed", "reason": "x", "code": "DAMAGED_FONT"},
+ {"font": "Gamma", "result": "failed", "reason": "x", "code": "NAME_TAKEN"}],
+ "problems": [{"subject": "a", "reason": "b"}]}
+END
+exit 1)");
+    begin({2});
+    ASSERT_TRUE(wait_for_work());
+    EXPECT_THAT(scratch.read("sent"), StartsWith("glyphward-everyone 1\nrefuse\n8:beta.pcf,"));
+    EXPECT_THAT(summary(), HasSubstr("Alpha"));
+    EXPECT_THAT(summary(), HasSubstr("this font is damaged"));
+    EXPECT_THAT(summary(), HasSubstr("a font with this name is there already"));
+    EXPECT_THAT(main_status(), HasSubstr("0 fonts installed."));
+}
+
+TEST_F(ForEveryone, WhatPkexecRefusesIsSaid) {
+    everyones_command("exit 126");
+    begin({1});
+    ASSERT_TRUE(wait_for_work());
+    EXPECT_THAT(main_status(), HasSubstr("no password was given"));
+    everyones_command("exit 127");
+    begin({1});
+    ASSERT_TRUE(wait_for_work());
+    EXPECT_THAT(main_status(), HasSubstr("nothing here can ask for the password"));
+    everyones_command("echo nonsense");
+    begin({1});
+    ASSERT_TRUE(wait_for_work());
+    EXPECT_THAT(main_status(), HasSubstr("did not answer"));
+}
+
+TEST_F(ForEveryone, TheWindowsLiveWhileThePasswordIsAskedForAndCancelEndsIt) {
+    everyones_command("exec sleep 1000");
+    begin({1, 2});
+    ASSERT_TRUE(is_managed(wi_progress_dlg));
+    EXPECT_THAT(progress(), HasSubstr("Waiting for an administrator's password"));
+    EXPECT_TRUE(the_wp_cl_data.is_in_progress());
+    int timers = 0;
+    XtAppAddTimeOut(
+        app, 20, [](XtPointer count, XtIntervalId*) { ++*static_cast<int*>(count); }, &timers);
+    ASSERT_TRUE(pump_until([&] { return timers == 1; }));
+    EXPECT_TRUE(press(find(wi_progress_dlg, "cancel_button")));
+    ASSERT_TRUE(wait_for_work());
+    EXPECT_THAT(main_status(), HasSubstr("it was cancelled"));
+    EXPECT_FALSE(the_wp_cl_data.is_in_progress());
+}
+
+TEST_F(ForEveryone, WhileItInstallsTheWindowSaysSo) {
+    everyones_command("exec 3<&0; cat <&3 >/dev/null & while [ ! -e " + scratch.file("go") +
+                      " ]; do sleep 0.02; done; " + R"(echo '{"fonts": [], "problems": []}')");
+    begin({1});
+    ASSERT_TRUE(pump_until([] { return progress().find("are being installed") != std::string::npos; }));
+    (void)scratch.write("go", "");
+    ASSERT_TRUE(wait_for_work());
+    EXPECT_THAT(main_status(), HasSubstr("0 fonts installed."));
+}
+
+}  // namespace

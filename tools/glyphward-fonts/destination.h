@@ -1,0 +1,27 @@
+// SPDX-License-Identifier: MIT
+//
+// Where fonts are installed.
+#pragma once
+
+#include <string>
+
+#include "core/failure.h"
+
+#include "glyphward-fonts/commands.h"
+
+namespace gw::fonts {
+
+/// The directory, ending in "/"; `directory` is that of `Destination::DIRECTORY`. "" where the user has none.
+[[nodiscard]] std::string directory_of(Destination destination, const std::string& directory);
+
+/// Makes the destination, if it is missing and this is no dry run. Fails where nothing can be installed.
+Outcome prepare(const std::string& directory, bool dry_run);
+
+/// As after the work of the windows: an ordinary user's directory gets an index of its PostScript resources.
+void renew_resource_file(const std::string& directory);
+
+/// After an installation: an ordinary user's directory comes to the font path, and the running server reads
+/// all its directories again. What cannot be done is a trouble.
+void put_in_force(const std::string& directory, Report& report);
+
+}  // namespace gw::fonts

@@ -1,0 +1,158 @@
+// SPDX-License-Identifier: MIT
+#include "glyphward-fonts/everyone.h"
+
+#include <poll.h>
+
+#include <array>
+#include <vector>
+
+#include "core/rights.h"
+#include "core/text.h"
+#include "model/sent_files.h"
+#include "platform/everyone_request.h"
+#include "platform/host_paths.h"
+#include "texts/reasons.h"
+
+#include "glyphward-fonts/font_notes.h"
+#include "glyphward-fonts/host.h"
+#include "glyphward-fonts/interruption.h"
+#include "glyphward-fonts/sources.h"
+#include "glyphward-fonts/terminal_agent.h"
+
+namespace gw::fonts {
+
+namespace {
+
+NameTaken decision_of(IfThere if_there) {
+    switch (if_there) {
+        case IfThere::REPLACE:
+        case IfThere::REPLACE_HERE:
+            return NameTaken::REPLACE;
+        case IfThere::KEEP:
+            return NameTaken::KEEP;
+        case IfThere::REFUSE:
+            break;
+    }
+    return NameTaken::REFUSE;
+}
+
+/// Sends, and reads the answer, until it is over. A signal cancels it.
+void await_end(EveryoneRequest& request) {
+    constexpr int MOMENT = 200;  // milliseconds
+    bool is_cancelled = false;
+    while (!request.is_over()) {
+        if (is_interrupted() && !is_cancelled) {
+            request.cancel();
+            is_cancelled = true;
+        }
+        std::array<pollfd, 2> ends = {
+            {{request.sending_end(), POLLOUT, 0}, {request.answering_end(), POLLIN, 0}}};
+        (void)::poll(ends.data(), ends.size(), MOMENT);
+        if (ends[0].revents != 0) request.send_more();
+        if (ends[1].revents != 0) request.read_more();
+    }
+}
+
+Json code_in_json(const std::string& code, const std::string& detail, int error) {
+    Json members = Json::object();
+    if (!code.empty()) members["code"] = in_json(code);
+    if (!detail.empty()) members["detail"] = in_json(detail);
+    if (error != 0) members["errno"] = error;
+    return members;
+}
+
+/// A reason in the user's language, where its code is known.
+std::string reason_of(const std::string& code, const std::string& detail, int error,
+                      const std::string& text) {
+    const std::optional<Reason> reason = reason_called(code);
+    if (!reason) return text;
+    return reason_in_language({.subject = "", .reason = *reason, .error = error, .detail = detail});
+}
+
+Status tell_answer(const EveryoneAnswer& answer, Report& report) {
+    Json fonts = Json::array();
+    for (const EveryoneAnswer::Font& font : answer.fonts) {
+        Json entry = {{"font", in_json(font.font)}, {"result", in_json(font.result)}};
+        const std::string why =
+            font.reason.empty() ? "" : reason_of(font.code, font.detail, font.error, font.reason);
+        if (!why.empty()) entry["reason"] = in_json(why);
+        entry.update(code_in_json(font.code, font.detail, font.error));
+        fonts.push_back(entry);
+        report.line(escaped(font.font) + ": " + escaped(result_in_language(font.result)) +
+                    (why.empty() ? "" : " (" + escaped(why) + ')'));
+    }
+    for (const EveryoneAnswer::Problem& problem : answer.problems)
+        report.trouble(problem.subject,
+                       reason_of(problem.code, problem.detail, problem.error, problem.reason),
+                       code_in_json(problem.code, problem.detail, problem.error));
+    report.document()["fonts"] = fonts;
+    report.document()["changed"] = answer.changed;
+    // "undo" brings back what the user has deleted, and this is the superuser's.
+    report.document()["undo"] = "";
+    for (const Status status : {Status::DONE, Status::ALREADY, Status::COULD_NOT}) {
+        if (answer.status == static_cast<int>(status)) return status;
+    }
+    return Status::FAILED;
+}
+
+Status nothing_done(Message why, Report& report) {
+    report.trouble("install", why);
+    return Status::COULD_NOT;
+}
+
+Status tell(const EveryoneAnswer& answer, Report& report) {
+    switch (answer.kind) {
+        case EveryoneAnswer::Kind::ANSWERED:
+            return tell_answer(answer, report);
+        case EveryoneAnswer::Kind::NOT_GIVEN:
+            return nothing_done(Message::SAYS_NO_PASSWORD, report);
+        case EveryoneAnswer::Kind::NOT_AUTHORISED:
+            return nothing_done(Message::SAYS_NOT_AUTHORISED, report);
+        case EveryoneAnswer::Kind::CANCELLED:
+            return nothing_done(Message::SAYS_CANCELLED, report);
+        case EveryoneAnswer::Kind::NO_ANSWER:
+            break;
+    }
+    return nothing_done(Message::SAYS_NO_ANSWER, report);
+}
+
+Status explain(const InstallOptions& options, Report& report) {
+    report.trouble(SUPERUSER_FONT_DIR,
+                   text_of(Message::SAYS_ADMINISTRATOR_TYPES, {administrators_command(options.sources)}));
+    return Status::COULD_NOT;
+}
+
+}  // namespace
+
+bool needs_password(const InstallOptions& options, const Settings& settings) {
+    return options.destination == Destination::EVERYONE && !runs_as_superuser() && settings.root.empty() &&
+           !settings.dry_run;
+}
+
+Status install_for_everyone(const InstallOptions& options, Report& report) {
+    if (!can_ask_for_everyone()) return explain(options, report);
+    GWHRNList sources(0);
+    Tally tally;
+    find_sources(options.sources, sources, report, tally);
+    std::vector<SentFile> files = files_of({sources.begin(), sources.end()});
+    for (const Failure& failure : leave_out_unsendable(files)) {
+        report.trouble(failure);
+        tally.failed();
+    }
+    if (files.empty()) return Status::FAILED;
+    await_interruption();
+    EveryoneRequest request(std::move(files), decision_of(options.if_there));
+    const TerminalAgent agent;
+    if (const Outcome started = request.start(everyones_command()); !started) {
+        report.trouble(started.failure());
+        return Status::COULD_NOT;
+    }
+    await_end(request);
+    const EveryoneAnswer answer = request.answer();
+    const Status status = tell(answer, report);
+    report.document()["directory"] = SUPERUSER_FONT_DIR;
+    if (answer.changed) tell_server(SUPERUSER_FONT_DIR, report);
+    return tally.status() == Status::FAILED && status != Status::COULD_NOT ? Status::FAILED : status;
+}
+
+}  // namespace gw::fonts
