@@ -8,10 +8,13 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <memory>
+#include <utility>
 
 #include "end_to_end/bitmap_fonts.h"
 #include "end_to_end/outline_font.h"
 #include "end_to_end/waiting.h"
+#include "store/directory_change.h"
 #include "support/strict_upr.h"
 
 #include "end_to_end/main_window.h"
@@ -125,10 +128,33 @@ TEST_F(Delete, TheMenuAsksToo) {
     EXPECT_TRUE(lists(mine.path(), "0\n"));
 }
 
-TEST_F(Delete, ManyFontsAreCounted) {
-    constexpr int MANY = 600;
-    for (int i = 0; i < MANY; ++i) BitmapFont{"Aards" + std::to_string(1000 + i), 8}.write_to(mine.path());
-    index_fonts(mine.path());
+// Fonts before and behind many others, in directories that another program is changing: the program waits for each,
+// and so its window is there to be looked at, however fast the many are deleted.
+class DeleteMany : public Delete {
+  protected:
+    DeleteMany() {
+        for (int i = 0; i < MANY; ++i)
+            BitmapFont{"Aards" + std::to_string(1000 + i), 8}.write_to(mine.path());
+        index_fonts(mine.path());
+        FIRST.write_to(before.path());
+        ABYSSINIA.write_to(behind.path());
+        for (const TempDir* dir : {&before, &behind}) {
+            index_fonts(dir->path());
+            list_fonts_of(dir->path());
+        }
+    }
+    /// Begins a change that lasts until it is reset. The windows of ever are blocked while they wait, but count
+    /// slowly enough to be seen.
+    static std::unique_ptr<gw::DirectoryChange> hold(const TempDir& dir) {
+        return is_as_ever() ? nullptr : std::move(*gw::DirectoryChange::begin(dir.path()));
+    }
+    static constexpr int MANY = 600;
+    const BitmapFont FIRST{"Aaardwolf"};
+    TempDir before;
+    TempDir behind;
+};
+
+TEST_F(DeleteMany, AreCounted) {
     start();
     // Selects everything from here to the last alias. Only the user's own fonts may be deleted.
     ASSERT_NE(ask([&] {
@@ -138,17 +164,21 @@ TEST_F(Delete, ManyFontsAreCounted) {
                   main->click_last_line("Shift_L");
               }),
               0U);
+    auto first = hold(before);
+    auto last = hold(behind);
     ASSERT_TRUE(confirm());
     const Window progress = opens(PROGRESS, [] {});
     ASSERT_NE(progress, 0U);
     const Rectangle place = desktop.place_of(progress);
     const auto shown = desktop.pixels(place);
+    first.reset();
     EXPECT_TRUE(wait_until([&] { return desktop.pixels(place) != shown; })) << "it counts";
     desktop.picture("progress-delete");
+    last.reset();
     EXPECT_TRUE(wait_until([&] { return !desktop.is_visible(PROGRESS); }));
     ASSERT_TRUE(comes_to_summary());
     desktop.picture("summary-delete-many");
-    EXPECT_TRUE(lists(mine.path(), "0\n"));
+    for (const TempDir* dir : {&before, &mine, &behind}) EXPECT_TRUE(lists(dir->path(), "0\n"));
     ASSERT_TRUE(press(SUMMARY, "ok_button"));
     EXPECT_TRUE(hint_comes_and_goes());
 }
