@@ -7,6 +7,7 @@
 
 #include "app/common/progressdlg.h"
 #include "app/common/status_line.h"
+#include "app/common/warningdlg.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/installing/font_source.h"
 #include "app/installing/source_verdicts.h"
@@ -15,6 +16,7 @@
 #include "app/program/conflict_lists.h"
 #include "app/program/failures.h"
 #include "app/program/program_objects.h"
+#include "app/program/server_watch.h"
 #include "app/program/window_policy.h"
 #include "app/program/work_record.h"
 #include "app/samples/installed_list.h"
@@ -75,6 +77,11 @@ Message why_nothing(EveryoneAnswer::Kind kind) {
     return Message::EVERYONE_NO_ANSWER;
 }
 
+/// Whether a window says it: the user has not chosen that, as by dismissing the question.
+bool is_unexpected(EveryoneAnswer::Kind kind) {
+    return kind == EveryoneAnswer::Kind::NOT_AUTHORISED || kind == EveryoneAnswer::Kind::NO_ANSWER;
+}
+
 bool is_done(const EveryoneAnswer::Font& font) {
     return font.result == "installed" || font.result == "replaced";
 }
@@ -127,14 +134,19 @@ void show_to_server() {
 void tell(const EveryoneAnswer& answer) {
     unsigned installed = 0;
     for (const EveryoneAnswer::Font& font : answer.fonts) installed += is_done(font) ? 1U : 0U;
-    if (answer.changed) show_to_server();
-    if (answer.changed) list_again();
+    if (answer.changed) {
+        show_to_server();
+        gw::ask_server();  // or the new fonts would be marked as not served
+        list_again();
+    }
     start_summary({GWConflict::INSTALL, installed, &the_conflict_list, failures_in(answer)});
     if (answer.changed) gw::show_new_fonts(gw::FontReport(), gw::SUPERUSER_FONT_DIR);
     const bool has_answer = answer.kind == EveryoneAnswer::Kind::ANSWERED;
     const std::string status =
         has_answer ? gw::installed_text(installed) : gw::text_of(why_nothing(answer.kind));
     update_label(wi_main_window_status_label, status.c_str(), nullptr);
+    if (is_unexpected(answer.kind))
+        start_warning_dlg(gw::text_of(Message::EVERYONE_NO_POLKIT_TITLE), status.c_str());
 }
 
 // --- the event loop ------------------------------------------------------------
@@ -169,6 +181,11 @@ void cancel() {
     work().request->cancel();
     gw::set_progress_cancel(nullptr);
     gw::show_progress_text(gw::text_of(Message::PROGRESS_CANCELLING));
+}
+
+XtInputId listen(int end, long mask, XtInputCallbackProc callback) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): Xt has the mask for a pointer
+    return XtAppAddInput(app, end, reinterpret_cast<XtPointer>(mask), callback, nullptr);
 }
 
 std::vector<const GWHRNElement*> entries_at(const std::vector<int>& positions) {
@@ -221,10 +238,8 @@ void start_everyones_installation(std::vector<int> positions) {
     the_wp_cl_data = {std::move(positions), 0, 0};
     forbid_other_work();
     show_what_goes_on(count);
-    work().answering = XtAppAddInput(app, work().request->answering_end(),
-                                     reinterpret_cast<XtPointer>(XtInputReadMask), answer_cb, nullptr);
-    work().sending = XtAppAddInput(app, work().request->sending_end(),
-                                   reinterpret_cast<XtPointer>(XtInputWriteMask), send_cb, nullptr);
+    work().answering = listen(work().request->answering_end(), XtInputReadMask, answer_cb);
+    work().sending = listen(work().request->sending_end(), XtInputWriteMask, send_cb);
 }
 
 }  // namespace installdlg

@@ -120,14 +120,19 @@ TEST_F(ForEveryone, WhatPkexecRefusesIsSaid) {
     begin({1});
     ASSERT_TRUE(wait_for_work());
     EXPECT_THAT(main_status(), HasSubstr("no password was given"));
+    EXPECT_FALSE(is_managed(wi_warning_dlg)) << "the user has dismissed the question";
     everyones_command("exit 127");
     begin({1});
     ASSERT_TRUE(wait_for_work());
     EXPECT_THAT(main_status(), HasSubstr("nothing here can ask for the password"));
+    EXPECT_TRUE(is_managed(wi_warning_dlg));
+    EXPECT_THAT(message_of(wi_warning_dlg), HasSubstr("Nothing was installed: you may not"));
+    XtUnmanageChild(wi_warning_dlg);
     everyones_command("echo nonsense");
     begin({1});
     ASSERT_TRUE(wait_for_work());
     EXPECT_THAT(main_status(), HasSubstr("did not answer"));
+    EXPECT_THAT(message_of(wi_warning_dlg), HasSubstr("did not answer"));
 }
 
 TEST_F(ForEveryone, TheWindowsLiveWhileThePasswordIsAskedForAndCancelEndsIt) {
