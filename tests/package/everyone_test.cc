@@ -93,6 +93,14 @@ class ForEveryone : public testing::Test {
     static Outcome install(const std::string& words) {
         return run(AS_USER + std::string("glyphward-fonts install --everyone ") + words);
     }
+    /// Whether this test of the window passes in a session of the user.
+    static testing::AssertionResult window_passes(const std::string& test) {
+        const Home home;
+        const Outcome outcome = run(session(("SessionForEveryone." + test).c_str()));
+        const bool has_passed =
+            outcome.status == 0 && outcome.text.find("[  PASSED  ] 1 test.") != std::string::npos;
+        return has_passed ? testing::AssertionSuccess() : testing::AssertionFailure() << outcome.text;
+    }
     static std::set<std::string> installed() {
         std::set<std::string> names;
         std::error_code gone;
@@ -127,6 +135,23 @@ TEST_F(ForEveryone, ARuleSaysNo) {
     EXPECT_EQ(done.status, 4);
     EXPECT_THAT(done.text, HasSubstr("you may not do this"));
     EXPECT_THAT(installed(), Not(Contains("DejaVuSans.ttf")));
+}
+
+TEST_F(ForEveryone, TheWindowInstallsWhereARuleSaysYes) {
+    ask_under(rule("YES"));
+    ASSERT_TRUE(window_passes("InstallsTheFontWhereTheRuleSaysYes"));
+    EXPECT_THAT(installed(), Contains("aardvarks24.pcf.gz"));
+    EXPECT_THAT(read(DESTINATION + "fonts.dir"), HasSubstr("aardvarks24.pcf.gz -"));
+    EXPECT_THAT(read(CONFIG), HasSubstr(DESTINATION));
+    EXPECT_THAT(run(std::string(AS_USER) + "glyphward-fonts list").text, HasSubstr("Aardvarks"));
+}
+
+TEST_F(ForEveryone, TheWindowSaysWhyNotWhereARuleSaysNo) {
+    ask_under(rule("NO"));
+    const std::string before = read(CONFIG);
+    ASSERT_TRUE(window_passes("SaysWhyNothingIsInstalledWhereTheRuleSaysNo"));
+    EXPECT_FALSE(is_there(DESTINATION));
+    EXPECT_EQ(read(CONFIG), before);
 }
 
 TEST_F(ForEveryone, WithoutARuleAPasswordIsNeededAndNobodyAsksForIt) {
