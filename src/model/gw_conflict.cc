@@ -103,6 +103,22 @@ std::string GWConflict::get_packages() const {
     return gw::enumeration(packages);
 }
 
+bool GWConflict::entrust(const std::string& files) {
+    const std::string listed = ", " + files + ", ";
+    const auto is_listed = [&](const InTheWay& one) {
+        const GW_FSPEC_LIST* own = one.font->get_font_file_list();
+        if (own == nullptr || own->is_empty()) return false;
+        return listed.find(", " + std::string((*own->begin())->get_path()) + ", ") != std::string::npos;
+    };
+    for (auto& [place, in_the_way] : conflicting_fonts)
+        std::erase_if(in_the_way, [&](const InTheWay& one) { return !is_listed(one); });
+    std::erase_if(conflicting_fonts, [](const auto& cell) { return cell.second.empty(); });
+    entrusted = true;
+    read_only = false;
+    same_name = true;
+    return !conflicting_fonts.empty();
+}
+
 std::vector<GWFont*> GWConflict::get_conflicting_fonts() const {
     std::vector<GWFont*> fonts;
     for (const auto& [place, in_the_way] : conflicting_fonts) {
@@ -193,7 +209,7 @@ void GWConflict::list_installed(const gw::Ref<GWFont>& font) {
 }
 
 void GWConflict::install_force(GW_FSM_LIST& modules, gw::FontReport& report) {
-    if (refuses_force() || !element || !other_element || !dir_name) return;
+    if (refuses_force() || entrusted || !element || !other_element || !dir_name) return;
     const auto& slots = element->get_slots();
     for (unsigned group = 0; group < slots.size(); ++group) {
         for (unsigned index = 0; index < slots[group].fonts.size(); ++index) {

@@ -49,6 +49,11 @@ class GWConflict : public GW_BASE {
     /// The paths of the files of all fonts in the way, each once.
     [[nodiscard]] std::vector<std::string> get_conflict_files() const;
 
+    /// Another program carries it out, which may replace what this user may not. For it only the fonts of
+    /// these files are in the way, paths separated by ", ". Returns whether any of them is.
+    bool entrust(const std::string& files);
+    [[nodiscard]] bool is_entrusted() const { return entrusted; }
+
     /// Whether the user has a choice: not with read-only fonts and aliases.
     [[nodiscard]] bool can_be_decided() const { return !refuses_force(); }
     /// An installed font beside the one that would take its place. Either may be null: nothing takes the
@@ -62,7 +67,8 @@ class GWConflict : public GW_BASE {
     [[nodiscard]] Compared get_compared_fonts() const;
 
     /// Installs in spite of the conflict and replaces the old fonts. Does nothing for a read-only or alias
-    /// conflict. When a font cannot be installed, the old font stays.
+    /// conflict, nor for one that another program carries out. When a font cannot be installed, the old font
+    /// stays.
     void install_force(GW_FSM_LIST& modules, gw::FontReport& report);
     /// Deletes in spite of the conflict. Does nothing for a read-only or alias conflict. When a font cannot
     /// be deleted, it stays in its element, and the element in the list.
@@ -102,6 +108,7 @@ class GWConflict : public GW_BASE {
     std::set<std::string> packages;
     bool system_font = false;
     bool is_alias = false;
+    bool entrusted = false;
     std::optional<std::string> dir_name;
     gw::Ref<GWHRNElement> element;
     gw::Ref<GWHRNElement> other_element;

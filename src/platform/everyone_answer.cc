@@ -45,6 +45,11 @@ std::vector<Json> objects_in(const Json& document, const char* member) {
     return objects;
 }
 
+EveryoneAnswer::Why why_in(const Json& object) {
+    return {text_in(object, "reason"), text_in(object, "code"), text_in(object, "detail"),
+            number_in(object, "errno")};
+}
+
 }  // namespace
 
 EveryoneAnswer read_everyones_answer(const std::string& text) {
@@ -57,12 +62,9 @@ EveryoneAnswer read_everyones_answer(const std::string& text) {
     answer.changed =
         document.contains("changed") && document["changed"].is_boolean() && document["changed"].get<bool>();
     for (const Json& font : objects_in(document, "fonts"))
-        answer.fonts.push_back({text_in(font, "font"), text_in(font, "result"), text_in(font, "reason"),
-                                text_in(font, "code"), text_in(font, "detail"), number_in(font, "errno")});
+        answer.fonts.push_back({text_in(font, "font"), text_in(font, "result"), why_in(font)});
     for (const Json& problem : objects_in(document, "problems"))
-        answer.problems.push_back({text_in(problem, "subject"), text_in(problem, "reason"),
-                                   text_in(problem, "code"), text_in(problem, "detail"),
-                                   number_in(problem, "errno")});
+        answer.problems.push_back({text_in(problem, "subject"), why_in(problem)});
     return answer;
 }
 

@@ -50,21 +50,25 @@ struct EveryoneAnswer {
         CANCELLED,       ///< before anything was installed
         NO_ANSWER,       ///< the program did not start, or did not answer
     };
-    struct Font {
-        std::string font;
-        std::string result;  ///< "installed", "replaced", "kept", "already there" or "failed"
+    /// What the program gives as a reason; see docs/JSON.md. "" and 0 where there is none.
+    struct Why {
         std::string reason;  ///< in English
-        std::string code;    ///< of the reason: see docs/JSON.md
-        std::string detail;
-        int error = 0;
-    };
-    struct Problem {
-        std::string subject;
-        std::string reason;
         std::string code;
         std::string detail;
         int error = 0;
     };
+    struct Font {
+        std::string font;
+        std::string result;  ///< "installed", "replaced", "kept", "already there" or "failed"
+        Why why;
+    };
+    struct Problem {
+        std::string subject;
+        Why why;
+    };
+    /// The code for a font whose name others have; the detail is their files, separated by ", ", where they
+    /// can be replaced.
+    static constexpr const char* NAME_TAKEN = "NAME_TAKEN";
 
     Kind kind = Kind::NO_ANSWER;
     int status = 0;  ///< the program's exit status

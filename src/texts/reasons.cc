@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "texts/reasons.h"
 
+#include <optional>
+
 #include "texts/messages.h"
 
 namespace gw {
@@ -63,6 +65,15 @@ Message message_for(Sequel sequel) {
 std::string reason_in_language(const Failure& failure) {
     return failure.reason == Reason::SYSTEM ? failure.reason_text()
                                             : failure.with_detail(reason_message(failure.reason));
+}
+
+std::string reason_in_language(const EveryoneAnswer::Why& why) {
+    if (why.code == EveryoneAnswer::NAME_TAKEN && why.detail.empty())
+        return text_of(Message::EVERYONE_NAME_TAKEN);
+    if (why.code == EveryoneAnswer::NAME_TAKEN) return text_of(Message::SAYS_FONT_HAS_NAME, {why.detail});
+    const std::optional<Reason> reason = reason_called(why.code);
+    if (!reason) return why.reason;
+    return reason_in_language({.subject = "", .reason = *reason, .error = why.error, .detail = why.detail});
 }
 
 std::string sequel_in_language(const Failure& failure) {

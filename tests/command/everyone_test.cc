@@ -259,7 +259,8 @@ TEST_F(ForEveryone, AFontOfThatNameIsRefusedKeptOrReplaced) {
     };
     const Ran refused = sent(NameTaken::REFUSE);
     EXPECT_EQ(refused.status, 1);
-    EXPECT_THAT(refused.out, HasSubstr("NAME_TAKEN"));
+    EXPECT_EQ(refused.json()["fonts"][0]["code"], "NAME_TAKEN");
+    EXPECT_EQ(refused.json()["fonts"][0]["detail"], DESTINATION + "DejaVuSans.ttf");
     EXPECT_EQ(sent(NameTaken::KEEP).status, 3);
     EXPECT_TRUE(TempDir::read_bytes(DESTINATION + "DejaVuSans.ttf") == TempDir::read_bytes(SANS));
     const Ran replaced = sent(NameTaken::REPLACE);

@@ -70,6 +70,34 @@ TEST_F(SessionForEveryone, InstallsTheFontWhereTheRuleSaysYes) {
     EXPECT_EQ(program->errors(), "");
 }
 
+TEST_F(SessionForEveryone, ReplacesAFontWhoseNameIsTakenWhereTheRuleSaysYes) {
+    install_for_everyone();
+    const std::string file = DESTINATION + bitmap_file;
+    ASSERT_TRUE(wait_until([&] { return is_on_font_path(DESTINATION); }));
+    const std::string before = TempDir::read_bytes(file);
+    ASSERT_NE(before, "");
+    const std::string again = "gunzip -c " + file + " | gzip -1 -c >" + source.file(bitmap_file);
+    ASSERT_EQ(std::system(again.c_str()), 0);
+    ASSERT_NE(source.read(bitmap_file), before);
+    // Everyone's directory is still chosen.
+    open_on_source();
+    ASSERT_TRUE(follows([&] { return dialog->sample_is_drawn(); }, [&] { dialog->click_line(BITMAP_LINE); }));
+    ASSERT_TRUE(press(InstallDialog::TITLE, "_install_button"));
+    const Window resolve = opens(RESOLVE, [] {});
+    ASSERT_NE(resolve, 0U);
+    desktop.settle();
+    desktop.picture("everyone-taken");
+    EXPECT_EQ(TempDir::read_bytes(file), before);
+    desktop.click_middle(desktop.part_named(resolve, "not_keep_all_button"));
+    ASSERT_TRUE(press(RESOLVE, "ok_button"));
+    ASSERT_NE(opens(SUMMARY, [] {}), 0U);
+    desktop.picture("everyone-replaced");
+    EXPECT_EQ(TempDir::read_bytes(file), source.read(bitmap_file));
+    ASSERT_TRUE(press(SUMMARY, "ok_button"));
+    EXPECT_EQ(leave(), 0);
+    EXPECT_EQ(program->errors(), "");
+}
+
 TEST_F(SessionForEveryone, SaysWhyNothingIsInstalledWhereTheRuleSaysNo) {
     install_for_everyone();
     ASSERT_NE(opens(NOTHING_INSTALLED, [] {}), 0U);

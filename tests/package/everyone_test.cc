@@ -146,6 +146,11 @@ TEST_F(ForEveryone, TheWindowInstallsWhereARuleSaysYes) {
     EXPECT_THAT(run(std::string(AS_USER) + "glyphward-fonts list").text, HasSubstr("Aardvarks"));
 }
 
+TEST_F(ForEveryone, TheWindowReplacesAFontWhoseNameIsTaken) {
+    ask_under(rule("YES"));
+    ASSERT_TRUE(window_passes("ReplacesAFontWhoseNameIsTakenWhereTheRuleSaysYes"));
+}
+
 TEST_F(ForEveryone, TheWindowSaysWhyNotWhereARuleSaysNo) {
     ask_under(rule("NO"));
     const std::string before = read(CONFIG);

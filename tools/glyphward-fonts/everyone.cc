@@ -53,38 +53,27 @@ void await_end(EveryoneRequest& request) {
     }
 }
 
-Json code_in_json(const std::string& code, const std::string& detail, int error) {
+Json code_in_json(const EveryoneAnswer::Why& why) {
     Json members = Json::object();
-    if (!code.empty()) members["code"] = in_json(code);
-    if (!detail.empty()) members["detail"] = in_json(detail);
-    if (error != 0) members["errno"] = error;
+    if (!why.code.empty()) members["code"] = in_json(why.code);
+    if (!why.detail.empty()) members["detail"] = in_json(why.detail);
+    if (why.error != 0) members["errno"] = why.error;
     return members;
-}
-
-/// A reason in the user's language, where its code is known.
-std::string reason_of(const std::string& code, const std::string& detail, int error,
-                      const std::string& text) {
-    const std::optional<Reason> reason = reason_called(code);
-    if (!reason) return text;
-    return reason_in_language({.subject = "", .reason = *reason, .error = error, .detail = detail});
 }
 
 Status tell_answer(const EveryoneAnswer& answer, Report& report) {
     Json fonts = Json::array();
     for (const EveryoneAnswer::Font& font : answer.fonts) {
         Json entry = {{"font", in_json(font.font)}, {"result", in_json(font.result)}};
-        const std::string why =
-            font.reason.empty() ? "" : reason_of(font.code, font.detail, font.error, font.reason);
+        const std::string why = font.why.reason.empty() ? "" : reason_in_language(font.why);
         if (!why.empty()) entry["reason"] = in_json(why);
-        entry.update(code_in_json(font.code, font.detail, font.error));
+        entry.update(code_in_json(font.why));
         fonts.push_back(entry);
         report.line(escaped(font.font) + ": " + escaped(result_in_language(font.result)) +
                     (why.empty() ? "" : " (" + escaped(why) + ')'));
     }
     for (const EveryoneAnswer::Problem& problem : answer.problems)
-        report.trouble(problem.subject,
-                       reason_of(problem.code, problem.detail, problem.error, problem.reason),
-                       code_in_json(problem.code, problem.detail, problem.error));
+        report.trouble(problem.subject, reason_in_language(problem.why), code_in_json(problem.why));
     report.document()["fonts"] = fonts;
     report.document()["changed"] = answer.changed;
     // "undo" brings back what the user has deleted, and this is the superuser's.

@@ -12,6 +12,7 @@
 #include "fontpath/trash_places.h"
 #include "modules/gw_fsm_list.h"
 #include "modules/source_fonts.h"
+#include "platform/everyone_request.h"
 #include "texts/reasons.h"
 
 #include "glyphward-fonts/interruption.h"
@@ -21,9 +22,6 @@ namespace gw::fonts {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// Beside the names of the reasons in core/failures.def.
-constexpr const char* NAME_TAKEN = "NAME_TAKEN";
 
 bool same_bytes(const std::string& one, const std::string& other) {
     std::error_code error;
@@ -62,10 +60,15 @@ bool is_all_in(const std::string& directory, const GWConflict& conflict) {
     });
 }
 
-std::string why_in_conflict(const GWConflict& conflict) {
-    if (conflict.is_conflict(GWConflict::ALIAS) != 0) return text_of(Message::SAYS_ALIAS_HAS_NAME);
+std::string files_in_the_way(const GWConflict& conflict) {
     std::string files;
     for (const std::string& file : conflict.get_conflict_files()) files += (files.empty() ? "" : ", ") + file;
+    return files;
+}
+
+std::string why_in_conflict(const GWConflict& conflict) {
+    if (conflict.is_conflict(GWConflict::ALIAS) != 0) return text_of(Message::SAYS_ALIAS_HAS_NAME);
+    const std::string files = files_in_the_way(conflict);
     if (conflict.is_conflict(GWConflict::READ_ONLY) != 0)
         return text_of(Message::SAYS_READ_ONLY_HAS_NAME, {files});
     return text_of(Message::SAYS_FONT_HAS_NAME, {files});
@@ -125,7 +128,9 @@ void Installation::decide(GWConflict& conflict) {
                                    (if_there_ == IfThere::REPLACE_HERE && is_all_in(directory_, conflict));
     if (is_to_be_replaced && can_be_replaced) return replace(conflict, why);
     tally.failed();
-    notes_.add({name, FontNotes::Result::FAILED, why, {{"code", NAME_TAKEN}}});
+    Json code = {{"code", EveryoneAnswer::NAME_TAKEN}};
+    if (can_be_replaced) code["detail"] = in_json(files_in_the_way(conflict));
+    notes_.add({name, FontNotes::Result::FAILED, why, code});
     report_.trouble(name, can_be_replaced ? text_of(Message::SAYS_REPLACE_OR_KEEP, {why}) : why);
 }
 

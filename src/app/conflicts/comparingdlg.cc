@@ -193,12 +193,22 @@ std::vector<SummaryNote> notes_on(const FontReport& report, const std::string& u
     return notes;
 }
 
+void hand_over() {
+    EntrustedWork work;
+    work.planned = planned_lines(decisions());
+    for (const int position : decisions().forced())
+        work.replacing.emplace_back(decisions().conflict_at(position)->get_element());
+    stop_conflict_dlg();
+    entrusted_work().emit(work);
+}
+
 void finish_cb(Widget, XtPointer, XtPointer) {
     // This comes first: it handles events, and the user may begin other work in them.
     const BusyWindows busy;
     if (decisions().list() == nullptr) return;
     if (the_wp_cl_data.is_in_progress()) return set_label(dialog().message, text_of(Message::DOCTOR_NOT_NOW));
     forget_failures();
+    if (decisions().are_entrusted() && !decisions().forced().empty()) return hand_over();
     std::vector<WorkLine> planned = planned_lines(decisions());
     FontReport report;
     const std::vector<int> not_tried = decisions().carry_out(report);
@@ -266,6 +276,11 @@ void set_texts() {
 }
 
 }  // namespace
+
+Signal<const EntrustedWork&>& entrusted_work() {
+    static Signal<const EntrustedWork&> signal;
+    return signal;
+}
 
 void create_comparing_dlg(Widget parent) {
     Dialog& d = dialog();

@@ -147,6 +147,10 @@ void Decisions::make_final(FontReport& report) {
     if (window_policy().shows_reasons()) success_count_ -= std::min(failed, success_count_);
 }
 
+bool Decisions::are_entrusted() const {
+    return count() > 0 && conflict_at(1) != nullptr && conflict_at(1)->is_entrusted();
+}
+
 std::vector<int> Decisions::forced() const {
     std::vector<int> positions;
     for (int position = 1; position <= count(); ++position) {

@@ -37,6 +37,10 @@ class Decisions {
     [[nodiscard]] GWConflict* conflict_at(int position) const;
     /// `position` is one of them.
     [[nodiscard]] Resolution at(int position) const;
+    /// Whether another program carries them out.
+    [[nodiscard]] bool are_entrusted() const;
+    /// The positions of those that are decided so.
+    [[nodiscard]] std::vector<int> forced() const;
     /// Decides about one; those that are read-only stay so.
     void decide(int position, Resolution resolution);
     [[nodiscard]] bool has_undecided() const;
@@ -47,7 +51,6 @@ class Decisions {
     std::vector<int> carry_out(FontReport& report);
 
   private:
-    [[nodiscard]] std::vector<int> forced() const;
     std::size_t carry_out_each(const std::vector<int>& positions, ControlledWork& work, FontReport& report);
     [[nodiscard]] bool force_and_tell(GWConflict& conflict, FontReport& all);
     void make_final(FontReport& report);

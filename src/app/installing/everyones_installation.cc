@@ -1,15 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "app/installing/everyones_installation.h"
 
+#include <algorithm>
 #include <memory>
-#include <optional>
 #include <utility>
 
 #include "app/common/progressdlg.h"
 #include "app/common/status_line.h"
 #include "app/common/warningdlg.h"
+#include "app/conflicts/comparingdlg.h"
 #include "app/conflicts/preconflictdlg.h"
+#include "app/conflicts/work_account.h"
+#include "app/conflicts/worksummarydlg.h"
 #include "app/installing/font_source.h"
+#include "app/installing/installation.h"
 #include "app/installing/source_verdicts.h"
 #include "app/kit/gw_gui_util.h"
 #include "app/kit/toolkit.h"
@@ -23,10 +27,13 @@
 #include "app/samples/new_fonts.h"
 #include "core/text.h"
 #include "fontpath/path_element.h"
+#include "model/packaged_fonts.h"
 #include "model/sent_files.h"
 #include "platform/everyone_request.h"
 #include "platform/host_paths.h"
+#include "platform/package_owner.h"
 #include "texts/messages.h"
+#include "texts/reasons.h"
 
 namespace {
 
@@ -38,7 +45,9 @@ struct Work {
     std::unique_ptr<gw::EveryoneRequest> request;
     XtInputId sending = 0;
     XtInputId answering = 0;
+    std::vector<int> positions;  ///< of the source
     std::vector<gw::Failure> left_out;
+    std::vector<gw::WorkLine> planned;  ///< what was decided; empty before anything was
 };
 
 Work& work() {
@@ -52,15 +61,6 @@ void stop_sending() {
 }
 
 // --- what came of it -----------------------------------------------------------
-
-/// A reason in the user's language, where the engine has one.
-std::string reason_of(const std::string& code, const std::string& detail, int error,
-                      const std::string& text) {
-    if (code == "NAME_TAKEN") return gw::text_of(Message::EVERYONE_NAME_TAKEN);
-    const std::optional<gw::Reason> reason = gw::reason_called(code);
-    if (!reason) return gw::escaped(text);
-    return gw::reason_in_words({.subject = "", .reason = *reason, .error = error, .detail = detail});
-}
 
 Message why_nothing(EveryoneAnswer::Kind kind) {
     switch (kind) {
@@ -86,26 +86,101 @@ bool is_done(const EveryoneAnswer::Font& font) {
     return font.result == "installed" || font.result == "replaced";
 }
 
-/// The fonts that were not installed, and, where it could not begin, why.
-std::vector<gw::FailureText> failures_in(const EveryoneAnswer& answer) {
+std::string reason_of(const EveryoneAnswer::Font& font) {
+    if (font.result == "already there") return gw::text_of(Message::EVERYONE_THERE_ALREADY);
+    return gw::escaped(gw::reason_in_language(font.why));
+}
+
+/// What was not even sent.
+std::vector<gw::FailureText> failures_before() {
     std::vector<gw::FailureText> failures;
     for (const gw::Failure& failure : work().left_out)
         failures.push_back({gw::escaped(failure.subject), gw::reason_in_words(failure), {}});
+    return failures;
+}
+
+std::vector<gw::FailureText> problems_in(const EveryoneAnswer& answer) {
+    std::vector<gw::FailureText> failures;
+    for (const EveryoneAnswer::Problem& problem : answer.problems)
+        failures.push_back(
+            {gw::escaped(problem.subject), gw::escaped(gw::reason_in_language(problem.why)), {}});
+    return failures;
+}
+
+bool is_in_conflict(const EveryoneAnswer::Font& font) {
+    for (const GWConflict* conflict : the_conflict_list) {
+        if (gw::name_without_mark(conflict->get_name()) == font.font) return true;
+    }
+    return false;
+}
+
+/// The fonts that were not installed, unless the user is asked about them, and, where it could not begin,
+/// why.
+std::vector<gw::FailureText> failures_in(const EveryoneAnswer& answer) {
+    std::vector<gw::FailureText> failures = failures_before();
     for (const EveryoneAnswer::Font& font : answer.fonts) {
-        if (is_done(font)) continue;
-        const bool is_there = font.result == "already there";
-        failures.push_back({gw::escaped(font.font),
-                            is_there ? gw::text_of(Message::EVERYONE_THERE_ALREADY)
-                                     : reason_of(font.code, font.detail, font.error, font.reason),
-                            {}});
+        if (!is_done(font) && !is_in_conflict(font))
+            failures.push_back({gw::escaped(font.font), reason_of(font), {}});
     }
     // Each font that failed is a problem too.
     if (!answer.fonts.empty()) return failures;
-    for (const EveryoneAnswer::Problem& problem : answer.problems)
-        failures.push_back({gw::escaped(problem.subject),
-                            reason_of(problem.code, problem.detail, problem.error, problem.reason),
-                            {}});
+    for (gw::FailureText& problem : problems_in(answer)) failures.push_back(std::move(problem));
     return failures;
+}
+
+// --- fonts whose names are taken -----------------------------------------------
+
+/// The files that are in the way of any font, separated by ", ".
+std::string files_in_the_way(const EveryoneAnswer& answer) {
+    std::string files;
+    for (const EveryoneAnswer::Font& font : answer.fonts) {
+        if (font.why.code == EveryoneAnswer::NAME_TAKEN && !font.why.detail.empty())
+            files += (files.empty() ? "" : ", ") + font.why.detail;
+    }
+    return files;
+}
+
+/// Whether the answer has something about the entry but that its name is taken.
+bool is_settled(const GWHRNElement& entry, const EveryoneAnswer& answer) {
+    const std::string name = gw::name_without_mark(entry.get_name());
+    return std::any_of(answer.fonts.begin(), answer.fonts.end(), [&](const EveryoneAnswer::Font& font) {
+        return font.font == name && font.why.code != EveryoneAnswer::NAME_TAKEN;
+    });
+}
+
+/// The user is asked about fonts that can be replaced, as about those that this program installs itself.
+void find_conflicts(const EveryoneAnswer& answer) {
+    const std::string files = files_in_the_way(answer);
+    if (files.empty()) return;
+    for (const int position : work().positions) {
+        GWHRNElement* entry = current_hrn_list.get_elem_at_pos(position);
+        if (entry == nullptr || is_settled(*entry, answer)) continue;
+        gw::FontReport nothing_new;
+        const int before = the_conflict_list.get_count();
+        (void)entry->is_stopped(the_installed_hrn_list, the_alias_list, the_conflict_list,
+                                gw::SUPERUSER_FONT_DIR, nothing_new);
+        if (the_conflict_list.get_count() == before) continue;
+        GWConflict* conflict = the_conflict_list.get_elem_at_pos(before + 1);
+        const bool is_alias = conflict->is_conflict(GWConflict::ALIAS) != 0;
+        if (!is_alias && conflict->entrust(files)) continue;
+        const std::unique_ptr<GWConflict> not_asked_about(the_conflict_list.zap_elem_at_pos(before + 1));
+    }
+    installdlg::hold_on_to_sources(the_conflict_list);
+    gw::forget_package_owners();
+    gw::tell_unless_done(gw::mark_packages(the_conflict_list));
+}
+
+/// What has become of a font that was to be replaced.
+gw::WorkLine line_after(const gw::WorkLine& planned, const EveryoneAnswer& answer) {
+    for (const EveryoneAnswer::Font& font : answer.fonts) {
+        if (font.font != planned.what) continue;
+        if (is_done(font)) return planned;
+        const bool is_there = font.result == "already there";
+        return {is_there ? gw::WorkKind::KEPT : gw::WorkKind::FAILED, planned.what, reason_of(font)};
+    }
+    const bool has_answer = answer.kind == EveryoneAnswer::Kind::ANSWERED;
+    return {gw::WorkKind::FAILED, planned.what,
+            gw::text_of(has_answer ? Message::REASON_GIVEN_UP : why_nothing(answer.kind))};
 }
 
 /// The fonts, and the font path, as they are now.
@@ -131,22 +206,49 @@ void show_to_server() {
     the_font_path->rehash_session_fp();
 }
 
-void tell(const EveryoneAnswer& answer) {
-    unsigned installed = 0;
-    for (const EveryoneAnswer::Font& font : answer.fonts) installed += is_done(font) ? 1U : 0U;
-    if (answer.changed) {
-        show_to_server();
-        gw::ask_server();  // or the new fonts would be marked as not served
-        list_again();
-    }
-    start_summary({GWConflict::INSTALL, installed, &the_conflict_list, failures_in(answer)});
-    if (answer.changed) gw::show_new_fonts(gw::FontReport(), gw::SUPERUSER_FONT_DIR);
+unsigned count_done(const EveryoneAnswer& answer) {
+    return static_cast<unsigned>(std::count_if(answer.fonts.begin(), answer.fonts.end(), is_done));
+}
+
+void show_changes() {
+    show_to_server();
+    gw::ask_server();  // or the new fonts would be marked as not served
+    list_again();
+}
+
+void show_status(const EveryoneAnswer& answer) {
     const bool has_answer = answer.kind == EveryoneAnswer::Kind::ANSWERED;
     const std::string status =
-        has_answer ? gw::installed_text(installed) : gw::text_of(why_nothing(answer.kind));
+        has_answer ? gw::installed_text(count_done(answer)) : gw::text_of(why_nothing(answer.kind));
     update_label(wi_main_window_status_label, status.c_str(), nullptr);
+}
+
+void tell(const EveryoneAnswer& answer) {
+    if (answer.changed) show_changes();
+    find_conflicts(answer);
+    start_summary({GWConflict::INSTALL, count_done(answer), &the_conflict_list, failures_in(answer)});
+    if (answer.changed) gw::show_new_fonts(gw::FontReport(), gw::SUPERUSER_FONT_DIR);
+    show_status(answer);
     if (is_unexpected(answer.kind))
-        start_warning_dlg(gw::text_of(Message::EVERYONE_NO_POLKIT_TITLE), status.c_str());
+        start_warning_dlg(gw::text_of(Message::EVERYONE_NO_POLKIT_TITLE),
+                          gw::text_of(why_nothing(answer.kind)));
+}
+
+/// The summary has a line for every decision, so nothing else is needed where nobody answered.
+void tell_replaced(const EveryoneAnswer& answer) {
+    if (answer.changed) show_changes();
+    std::vector<gw::WorkLine> lines;
+    for (const gw::WorkLine& line : std::exchange(work().planned, {}))
+        lines.push_back(line.kind == gw::WorkKind::REPLACED ? line_after(line, answer) : line);
+    std::vector<gw::FailureText> failures = failures_before();
+    if (answer.fonts.empty()) {
+        for (gw::FailureText& problem : problems_in(answer)) failures.push_back(std::move(problem));
+    }
+    for (const gw::FailureText& failure : failures)
+        lines.push_back({gw::WorkKind::FAILED, failure.what, failure.why});
+    gw::finish_work_summary(GWConflict::INSTALL, lines, {});
+    if (answer.changed) gw::show_new_fonts(gw::FontReport(), gw::SUPERUSER_FONT_DIR);
+    show_status(answer);
 }
 
 // --- the event loop ------------------------------------------------------------
@@ -160,7 +262,7 @@ void finish() {
     stop_progress_dlg();
     the_wp_cl_data = {};
     permit_other_work();
-    tell(answer);
+    work().planned.empty() ? tell(answer) : tell_replaced(answer);
 }
 
 void send_cb(XtPointer, int*, XtInputId*) {
@@ -202,6 +304,32 @@ void show_what_goes_on(int count) {
     gw::set_progress_cancel(cancel);
 }
 
+void start_request(const std::vector<const GWHRNElement*>& entries, gw::NameTaken decision) {
+    std::vector<gw::SentFile> files = gw::files_of(entries);
+    work().left_out = gw::leave_out_unsendable(files);
+    work().request = std::make_unique<gw::EveryoneRequest>(std::move(files), decision);
+    if (const gw::Outcome started = work().request->start(gw::everyones_command()); !started) {
+        gw::tell(started.failure());
+        work().request.reset();
+        return work().planned.empty() ? tell({}) : tell_replaced({});
+    }
+    // Other work sees that something goes on.
+    the_wp_cl_data = {{1}, 0, 0};
+    forbid_other_work();
+    show_what_goes_on(static_cast<int>(entries.size()));
+    work().answering = listen(work().request->answering_end(), XtInputReadMask, answer_cb);
+    work().sending = listen(work().request->sending_end(), XtInputWriteMask, send_cb);
+}
+
+/// Another password is asked for: the administrator has not seen before that fonts would be replaced.
+void replace(const gw::EntrustedWork& decided) {
+    std::vector<const GWHRNElement*> entries;
+    for (const gw::Ref<GWHRNElement>& entry : decided.replacing) entries.push_back(entry.get());
+    work().planned = decided.planned;
+    gw::note_listed_fonts();
+    start_request(entries, gw::NameTaken::REPLACE);
+}
+
 }  // namespace
 
 namespace installdlg {
@@ -222,24 +350,14 @@ std::string administrators_words(const std::string& directory) {
 }
 
 void start_everyones_installation(std::vector<int> positions) {
-    std::vector<gw::SentFile> files = gw::files_of(entries_at(positions));
-    work().left_out = gw::leave_out_unsendable(files);
-    const int count = static_cast<int>(positions.size());
+    gw::entrusted_work().connect(replace);
     gw::stop_source_checks_for_changes();
     gw::clear_conflict_list();
     begin_summary();
     gw::note_listed_fonts();
-    work().request = std::make_unique<gw::EveryoneRequest>(std::move(files), gw::NameTaken::REFUSE);
-    if (const gw::Outcome started = work().request->start(gw::everyones_command()); !started) {
-        gw::tell(started.failure());
-        work().request.reset();
-        return tell({});
-    }
-    the_wp_cl_data = {std::move(positions), 0, 0};
-    forbid_other_work();
-    show_what_goes_on(count);
-    work().answering = listen(work().request->answering_end(), XtInputReadMask, answer_cb);
-    work().sending = listen(work().request->sending_end(), XtInputWriteMask, send_cb);
+    work().planned.clear();
+    work().positions = std::move(positions);
+    start_request(entries_at(work().positions), gw::NameTaken::REFUSE);
 }
 
 }  // namespace installdlg

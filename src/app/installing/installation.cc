@@ -52,20 +52,6 @@ std::unique_ptr<GW_FSPEC_LIST> without_links(const GW_FSPEC_LIST& files) {
     return real;
 }
 
-/// The fonts were found through a link, and choosing another source changes the link. A font that waits for
-/// the user's decision must not then be replaced by a file of the same name from the new source.
-void hold_on_to_sources(const GW_LIST<GWConflict>& conflicts) {
-    for (const GWConflict* conflict : conflicts) {
-        if (conflict->get_element() == nullptr) continue;
-        for (const GWHRNElement::PointSize& size : conflict->get_element()->get_slots()) {
-            for (const gw::Ref<GWFont>& font : size.fonts) {
-                if (font->get_font_file_list() != nullptr)
-                    font->set_font_file_list(without_links(*font->get_font_file_list()));
-            }
-        }
-    }
-}
-
 /// What the summary tells besides the failures: remarks on fonts that were installed and, when there is
 /// something to tell anyway or all was chosen, what the source has besides.
 std::vector<SummaryNote> notes_on_installation(bool has_something_to_tell) {
@@ -81,7 +67,7 @@ std::vector<SummaryNote> notes_on_installation(bool has_something_to_tell) {
 
 void finish_installation(int installed) {
     const std::string untried = gw::untried_text(gw::end_control(the_wp_cl_data));
-    hold_on_to_sources(the_conflict_list);
+    installdlg::hold_on_to_sources(the_conflict_list);
     gw::forget_package_owners();
     gw::tell_unless_done(gw::mark_packages(the_conflict_list));
     stop_progress_dlg();
@@ -131,6 +117,20 @@ void install_next(WorkRecord& work) {
 }  // namespace
 
 namespace installdlg {
+
+// A font that waits for the user's decision must not be replaced by a file of the same name from another
+// source.
+void hold_on_to_sources(const GW_LIST<GWConflict>& conflicts) {
+    for (const GWConflict* conflict : conflicts) {
+        if (conflict->get_element() == nullptr) continue;
+        for (const GWHRNElement::PointSize& size : conflict->get_element()->get_slots()) {
+            for (const gw::Ref<GWFont>& font : size.fonts) {
+                if (font->get_font_file_list() != nullptr)
+                    font->set_font_file_list(without_links(*font->get_font_file_list()));
+            }
+        }
+    }
+}
 
 void start_installation(std::vector<int> positions) {
     all_were_chosen = positions == gw::offered_positions();

@@ -259,6 +259,22 @@ TEST_F(ConflictInstall, DoesNothingForAReadOnlyFont) {
     EXPECT_EQ(installed.get_elem_at_pos(1)->is_read_only(), 1);
 }
 
+TEST_F(ConflictInstall, ThatAnotherProgramCarriesOutCanBeDecidedAndDoesNothingHere) {
+    const Ref<GWFont> old = make_read_only_font(Xlfd{}.str());
+    place(*old, "/old/", {"font.pcf"});
+    installed.add_font(old.get());
+    GWConflict& conflict = conflict_of({make_font(Xlfd{})});
+    EXPECT_FALSE(conflict.can_be_decided());
+    EXPECT_FALSE(conflict.is_entrusted());
+    EXPECT_TRUE(conflict.entrust("/another/a.pcf, /old/font.pcf"));
+    EXPECT_TRUE(conflict.is_entrusted() && conflict.can_be_decided());
+    EXPECT_THAT(conflict.get_conflict_files(), ElementsAre("/old/font.pcf"));
+    conflict.install_force(modules.list);
+    EXPECT_TRUE(modules.calls.empty());
+    EXPECT_FALSE(conflict.entrust("/old/font.pcf.gz, /very/old/font.pcf")) << "none of them is in the way";
+    EXPECT_TRUE(conflict.get_conflicting_fonts().empty());
+}
+
 TEST_F(ConflictInstall, LosesNothingWhenASizeIsFullAlready) {
     for (int i = 1; i <= 20; ++i) installed_font(Xlfd{.resolution = std::to_string(i)});
     conflict_of({make_font(Xlfd{.resolution = "1"}), make_font(Xlfd{.resolution = "21"})})

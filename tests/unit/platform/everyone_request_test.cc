@@ -85,9 +85,9 @@ TEST_F(EveryonesRequest, SendsTheFilesAndReadsTheAnswer) {
     ASSERT_THAT(answer.fonts, SizeIs(2));
     EXPECT_EQ(answer.fonts[0].result, "installed");
     EXPECT_EQ(answer.fonts[1].font, "\xFF\x41");
-    EXPECT_EQ(answer.fonts[1].code, "DAMAGED_FONT");
-    EXPECT_EQ(answer.fonts[1].detail, "7");
-    EXPECT_EQ(answer.fonts[1].error, 5);
+    EXPECT_EQ(answer.fonts[1].why.code, "DAMAGED_FONT");
+    EXPECT_EQ(answer.fonts[1].why.detail, "7");
+    EXPECT_EQ(answer.fonts[1].why.error, 5);
     ASSERT_THAT(answer.problems, SizeIs(1));
     EXPECT_EQ(answer.problems[0].subject, "s");
 }

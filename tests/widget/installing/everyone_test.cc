@@ -10,6 +10,7 @@
 
 #include "app/common/progressdlg.h"
 #include "app/common/warningdlg.h"
+#include "app/conflicts/conflictdlg.h"
 #include "app/conflicts/preconflictdlg.h"
 #include "app/installing/installdlg.h"
 #include "app/kit/lists.h"
@@ -26,7 +27,10 @@
 namespace {
 
 using namespace gw::test;
+using testing::AllOf;
+using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 using testing::StartsWith;
 
 class ForEveryone : public WorkTest {
@@ -159,6 +163,94 @@ TEST_F(ForEveryone, WhileItInstallsTheWindowSaysSo) {
     (void)scratch.write("go", "");
     ASSERT_TRUE(wait_for_work());
     EXPECT_THAT(main_status(), HasSubstr("0 fonts installed."));
+}
+
+class NamesTaken : public ForEveryone {
+  protected:
+    /// The names of both fonts are taken, and then this is answered to the second request.
+    void taken(const std::string& second_answer, const std::string& file_of_beta = "") {
+        for (const char* name : {"alpha", "beta"})
+            installed().add(std::string("old-") + name + ".pcf", face(name));
+        show_installed();
+        const std::string beta = file_of_beta.empty() ? installed().file("old-beta.pcf") : file_of_beta;
+        const std::string first_answer = R"({"changed": false, "fonts": [)" +
+                                         refusal("Alpha", installed().file("old-alpha.pcf")) + ", " +
+                                         refusal("Beta", beta) + "]}";
+        const std::string second = "head -c 60 >" + scratch.file("second") + "; " + second_answer;
+        everyones_command("if [ -e " + scratch.file("first") + " ]; then " + second +
+                          "; exit; fi; head -c 60 >" + scratch.file("first") + "; echo '" + first_answer +
+                          "'; exit 1");
+        begin({1, 2});
+        ASSERT_TRUE(wait_for_work());
+    }
+    static std::string refusal(const std::string& family, const std::string& file) {
+        return R"({"font": ")" + family + R"( Medium [Bitmap]", "result": "failed", "reason": "x", )" +
+               R"("code": "NAME_TAKEN", "detail": ")" + file + R"("})";
+    }
+    static void decide(int row, const char* button) {
+        pick(conflicts_list(), row);
+        ASSERT_TRUE(press(find(wi_conflict_dlg, button)));
+    }
+    static bool finish() { return press(find(wi_conflict_dlg, "ok_button")) && wait_for_work(); }
+    [[nodiscard]] bool has_asked_again() const { return scratch.exists("second"); }
+};
+
+TEST_F(NamesTaken, TheFontsAreComparedAndThoseThatAreChosenAreSentAgain) {
+    taken(R"(echo '{"fonts": [{"font": "Alpha Medium [Bitmap]", "result": "replaced"}]}')");
+    ASSERT_TRUE(is_managed(wi_conflict_dlg));
+    EXPECT_FALSE(is_managed(wi_preconflict_dlg)) << "it comes when all is decided";
+    EXPECT_THAT(items(conflicts_list()), ElementsAre(HasSubstr("Alpha Medium"), HasSubstr("Beta Medium")));
+    EXPECT_EQ(shown_text(find(wi_conflict_dlg, "old_file")), "old-alpha.pcf");
+    EXPECT_EQ(shown_text(find(wi_conflict_dlg, "new_file")), "alpha.pcf");
+    decide(1, "not_keep_button");
+    decide(2, "keep_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(scratch.read("first"), StartsWith("glyphward-everyone 1\nrefuse\n9:alpha.pcf,"));
+    EXPECT_THAT(scratch.read("second"), StartsWith("glyphward-everyone 1\nreplace\n9:alpha.pcf,"));
+    EXPECT_FALSE(is_managed(wi_conflict_dlg));
+    ASSERT_TRUE(is_managed(wi_preconflict_dlg));
+    EXPECT_THAT(items(find(wi_preconflict_dlg, "failed_list")),
+                ElementsAre(AllOf(StartsWith("kept"), HasSubstr("Beta Medium"), HasSubstr("as you decided")),
+                            AllOf(StartsWith("replaced"), HasSubstr("Alpha Medium"))));
+    EXPECT_TRUE(installed().exists("old-alpha.pcf")) << "this program itself does nothing to it";
+}
+
+TEST_F(NamesTaken, WhatWasChosenStaysWhereNoPasswordIsGiven) {
+    taken("exit 126");
+    decide(1, "not_keep_all_button");
+    ASSERT_TRUE(finish());
+    EXPECT_TRUE(has_asked_again());
+    EXPECT_THAT(summary(), AllOf(HasSubstr("Alpha Medium [Bitmap]"), HasSubstr("Beta Medium [Bitmap]"),
+                                 HasSubstr("no password was given"), Not(HasSubstr("replaced"))));
+    EXPECT_THAT(main_status(), HasSubstr("no password was given"));
+}
+
+TEST_F(NamesTaken, NobodyIsAskedForAPasswordWhenAllOldOnesAreKept) {
+    taken("exit 126");
+    decide(1, "keep_all_button");
+    ASSERT_TRUE(finish());
+    EXPECT_FALSE(has_asked_again());
+    EXPECT_THAT(summary(), AllOf(HasSubstr("as you decided"), Not(HasSubstr("password"))));
+}
+
+TEST_F(NamesTaken, AFontThatIsInTheWayUnseenIsToldWithItsFile) {
+    taken("exit 126", "/of/another/b.pcf");
+    EXPECT_THAT(items(conflicts_list()), ElementsAre(HasSubstr("Alpha Medium")));
+    decide(1, "keep_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(summary(), HasSubstr("there is a font of its name: /of/another/b.pcf"));
+}
+
+TEST_F(NamesTaken, TheDecisionCanBePutOff) {
+    taken(R"(echo '{"fonts": [{"font": "Beta Medium [Bitmap]", "result": "failed", "reason": "no room"}]}')");
+    ASSERT_TRUE(press(find(wi_conflict_dlg, "cancel_button")));
+    ASSERT_TRUE(is_managed(wi_preconflict_dlg));
+    EXPECT_FALSE(has_asked_again());
+    ASSERT_TRUE(press(find(wi_preconflict_dlg, "resolve_button")));
+    decide(2, "not_keep_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(scratch.read("second"), StartsWith("glyphward-everyone 1\nreplace\n8:beta.pcf,"));
+    EXPECT_THAT(summary(), AllOf(HasSubstr("no room"), HasSubstr("not decided")));
 }
 
 }  // namespace
