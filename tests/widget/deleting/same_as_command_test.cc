@@ -7,9 +7,12 @@
 #include <filesystem>
 #include <functional>
 #include <map>
+#include <ostream>
 #include <regex>
 #include <string>
 
+#include "app/conflicts/conflictdlg.h"
+#include "app/conflicts/preconflictdlg.h"
 #include "command/fonts_command.h"
 
 #include "widget/deleting/undo_test_support.h"
@@ -18,6 +21,8 @@ namespace {
 
 namespace fs = std::filesystem;
 using namespace gw::test;
+
+using testing::HasSubstr;
 
 using Contents = std::map<std::string, std::string>;
 
@@ -57,17 +62,18 @@ class SameAsCommand : public UndoTest {
     }
     static std::string destination() { return home().path() + "glyphwd_fonts/"; }
     /// Runs the command as somebody who has the directory alone on his font path.
-    void command(std::vector<std::string> words) const {
+    [[nodiscard]] Ran run_at_home(std::vector<std::string> words) const {
         const Variable own("HOME", dir_.c_str());
-        const Ran ran = fonts_command(std::move(words));
+        return fonts_command(std::move(words));
+    }
+    void command(std::vector<std::string> words) const {
+        const Ran ran = run_at_home(std::move(words));
         EXPECT_EQ(ran.status, 0) << ran.out << ran.err;
     }
     /// Nothing of the command's is on a font path that the windows see.
     void take_off() const {
-        for (const char* whose : {"session", "installation", "me"}) {
-            const Variable own("HOME", dir_.c_str());
-            (void)fonts_command({"path", "remove", "--of", whose, commands_});
-        }
+        for (const char* whose : {"session", "installation", "me"})
+            (void)run_at_home({"path", "remove", "--of", whose, commands_});
         read_font_path();
     }
     void install_by_command() const {
@@ -92,6 +98,78 @@ class SameAsCommand : public UndoTest {
 TEST_F(SameAsCommand, Installing) {
     install_by_command();
     install_by_windows();
+    expect_the_same();
+}
+
+/// A font that takes the place of "alpha.pcf".
+struct Newer {
+    const char* file;
+    const char* family;
+};
+
+void PrintTo(const Newer& newer, std::ostream* out) {
+    *out << newer.family << " in " << newer.file;
+}
+
+class SameReplacing : public SameAsCommand, public testing::WithParamInterface<Newer> {
+  protected:
+    SameReplacing() { newer_.add(GetParam().file, face(GetParam().family), LARGER); }
+    void replace_by_windows() {
+        choose_source(newer_);
+        install({1});
+        ASSERT_TRUE(is_managed(wi_conflict_dlg));
+        ASSERT_TRUE(press(find(wi_conflict_dlg, "not_keep_all_button")));
+        ASSERT_TRUE(press(find(wi_conflict_dlg, "ok_button")));
+        ASSERT_TRUE(wait_for_work());
+    }
+    /// Whether the new font is there, and the old one is not.
+    static bool is_replaced(const Contents& contents) {
+        const std::string file = GetParam().file;
+        return contents.contains(file) && (file == "alpha.pcf" || !contents.contains("alpha.pcf"));
+    }
+
+    static constexpr std::size_t LARGER = 500;  // kilobytes
+    FontDirectory newer_;
+};
+
+TEST_P(SameReplacing, AndBringingBack) {
+    command({"install", source_.path(), "--to", commands_});
+    const Contents before = contents_of(commands_);
+    command({"install", newer_.path(), "--to", commands_, "--replace"});
+    const Contents replaced = contents_of(commands_);
+    EXPECT_NE(replaced, before);
+    EXPECT_TRUE(is_replaced(replaced));
+    command({"undo"});
+    const Contents brought_back = contents_of(commands_);
+    EXPECT_EQ(brought_back.at("alpha.pcf"), before.at("alpha.pcf"));
+    EXPECT_THAT(brought_back.at("fonts.dir"), HasSubstr("\nalpha.pcf " + face("alpha") + '\n'));
+    // The names are the windows' alone now.
+    take_off();
+
+    install_by_windows();
+    replace_by_windows();
+    EXPECT_EQ(contents_of(destination()), replaced);
+    ASSERT_TRUE(press(undo_button()));
+    EXPECT_EQ(contents_of(destination()), brought_back);
+}
+
+INSTANTIATE_TEST_SUITE_P(Fonts, SameReplacing,
+                         testing::Values(Newer{"alpha.pcf", "alpha"}, Newer{"another.pcf", "alpha"}));
+
+TEST_F(SameAsCommand, AFontWithTheFileNameOfAnotherFontIsNotInstalled) {
+    FontDirectory other;
+    other.add("alpha.pcf", face("delta"), 500);
+    command({"install", source_.path(), "--to", commands_});
+    const Contents before = contents_of(commands_);
+    EXPECT_EQ(run_at_home({"install", other.path(), "--to", commands_, "--replace"}).status, 1);
+    EXPECT_EQ(contents_of(commands_), before);
+    take_off();
+
+    install_by_windows();
+    choose_source(other);
+    install({1});
+    EXPECT_FALSE(is_managed(wi_conflict_dlg));
+    EXPECT_TRUE(is_managed(wi_preconflict_dlg)) << "it says why";
     expect_the_same();
 }
 
