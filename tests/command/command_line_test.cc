@@ -106,6 +106,7 @@ TEST(CommandLine, BashOffersWhatFits) {
     EXPECT_THAT(offered_by_bash("glyphward-fonts path s"), ElementsAre("show", "save"));
     EXPECT_THAT(offered_by_bash("glyphward-fonts list --format b"), ElementsAre("bitmap"));
     EXPECT_THAT(offered_by_bash("glyphward-fonts install --re"), ElementsAre("--replace"));
+    EXPECT_THAT(offered_by_bash("glyphward-fonts install --ev"), ElementsAre("--everyone"));
     EXPECT_THAT(offered_by_bash("glyphward-fonts path add --f"), ElementsAre("--front"));
     EXPECT_THAT(offered_by_bash("glyphward-fonts verify /etc/passw"), testing::Contains("/etc/passwd"));
 }

@@ -11,6 +11,7 @@ namespace {
 using namespace gw::test::package;
 using gw::test::TempDir;
 using testing::Contains;
+using testing::ContainsRegex;
 using testing::Eq;
 using testing::HasSubstr;
 using testing::Not;
@@ -156,6 +157,17 @@ TEST_F(Package, AsksForWhatTheProgramUses) {
     EXPECT_THAT(dependencies, Not(HasSubstr("fontforge")));
     EXPECT_THAT(field("Recommends"), HasSubstr("fontforge-nox | fontforge"));
     EXPECT_THAT(field("Suggests"), HasSubstr("pkexec, polkitd"));
+}
+
+TEST_F(Package, HasWhatInstallsForEveryoneAndWhatCompletesTheCommand) {
+    const std::string files = run("dpkg-deb -c " + package_file()).text;
+    EXPECT_THAT(files, ContainsRegex("-rwxr-xr-x root/root .* [.]/usr/vantor/libexec/glyphward-everyone\n"))
+        << "it is not setuid itself";
+    for (const char* file :
+         {"share/polkit-1/actions/local[.]glyphward[.]policy",
+          "share/bash-completion/completions/glyphward-fonts",
+          "share/zsh/vendor-completions/_glyphward-fonts", "share/doc/glyphward/EVERYONE[.]md"})
+        EXPECT_THAT(files, ContainsRegex(std::string("-rw-r--r-- root/root .* [.]/usr/") + file + '\n'));
 }
 
 TEST_F(Package, LeavesNothingBehindWhenPurged) {

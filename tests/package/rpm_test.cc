@@ -12,7 +12,7 @@ namespace {
 
 using namespace gw::test::package;
 using gw::test::TempDir;
-using testing::Contains;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 using testing::SizeIs;
@@ -105,6 +105,18 @@ TEST_F(RpmPackage, AsksForWhatItCallsAndKeepsChangedConfiguration) {
         EXPECT_THAT(configuration, HasSubstr(file));
     EXPECT_EQ(asked_of_rpm("--licensefiles"), "/usr/share/licenses/glyphward/LICENSE\n");
     EXPECT_THAT(asked_of_rpm("-d"), HasSubstr("/usr/share/man/man1/glyphward.1.gz\n"));
+}
+
+TEST_F(RpmPackage, HasWhatInstallsForEveryoneAndWhatCompletesTheCommand) {
+    EXPECT_THAT(asked_of_rpm("--suggests"), HasSubstr("/usr/bin/pkexec\n"));
+    const std::string files = asked_of_rpm("-l -v");
+    EXPECT_THAT(files, ContainsRegex("-rwxr-xr-x .* root +root .* /usr/vantor/libexec/glyphward-everyone\n"))
+        << "it is not setuid itself";
+    for (const char* file :
+         {"share/polkit-1/actions/local[.]glyphward[.]policy",
+          "share/bash-completion/completions/glyphward-fonts", "share/zsh/site-functions/_glyphward-fonts",
+          "share/doc/glyphward/EVERYONE[.]md"})
+        EXPECT_THAT(files, ContainsRegex(std::string("-rw-r--r-- .* root +root .* /usr/") + file + '\n'));
 }
 
 /// Both packages bring the same programs and data.
