@@ -17,16 +17,11 @@
 namespace {
 
 namespace fs = std::filesystem;
-using gw::test::content;
-using gw::test::fonts_command;
-using gw::test::Json;
-using gw::test::Ran;
-using gw::test::SANS;
-using gw::test::TempDir;
+using namespace gw::test;
 using testing::HasSubstr;
 
 /// With the X server, which is told of changes.
-class CommandChanges : public gw::test::OwnFonts {
+class CommandChanges : public OwnFonts {
   protected:
     ~CommandChanges() override { (void)fonts_command({"path", "remove", "--of", "session", to_}); }
 

@@ -41,7 +41,7 @@ class OwnFonts : public testing::Test {
         std::filesystem::copy_file(BOLD, source_.file("DejaVuSans-Bold.ttf"));
         (void)fonts_command({"path", "add", "--of", whose(), to_});
     }
-    ~OwnFonts() override { (void)fonts_command({"path", "remove", "--of", whose(), to_}); }
+    void TearDown() override { (void)fonts_command({"path", "remove", "--of", whose(), to_}); }
     static std::string whose() { return ::geteuid() == 0 ? "installation" : "me"; }
     [[nodiscard]] Ran install(std::vector<std::string> words) const {
         words.insert(words.begin(), {"install", "--to", to_});

@@ -12,11 +12,7 @@
 namespace {
 
 namespace fs = std::filesystem;
-using gw::test::fonts_command;
-using gw::test::Json;
-using gw::test::Ran;
-using gw::test::SANS;
-using gw::test::TempDir;
+using namespace gw::test;
 using testing::HasSubstr;
 
 constexpr const char* NAME = "-misc-dejavu sans-medium-r-normal--0-0-0-0-p-0-iso8859-1";

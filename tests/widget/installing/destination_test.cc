@@ -21,7 +21,7 @@
 #include "fontpath/gw_font_path.h"
 #include "platform/host_paths.h"
 
-#include "widget/work_test_support.h"
+#include "widget/installing/install_test_support.h"
 
 #include <Xm/RowColumn.h>
 #include <Xm/ToggleB.h>
@@ -33,17 +33,12 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
 
-class Destination : public WorkTest {
+class Destination : public TwoFontsTest {
   protected:
     static void SetUpTestSuite() {
         std::filesystem::remove(gw::SUPERUSER_RECENT_SOURCES);
         home();
         start_program({"-xrm", "Glyphward*gw_modern_windows: True"});
-    }
-    void SetUp() override {
-        WorkTest::SetUp();
-        source.add("alpha.pcf", face("alpha"));
-        source.add("beta.pcf", face("beta"));
     }
     void TearDown() override {
         if (!is_set(join())) {
@@ -57,7 +52,6 @@ class Destination : public WorkTest {
         WorkTest::TearDown();
     }
     static Widget for_me() { return find(wi_install_dlg, "_destination_choice._for_me_toggle"); }
-    static Widget for_everyone() { return find(wi_install_dlg, "_destination_choice._for_everyone_toggle"); }
     static Widget join() { return find(wi_install_dlg, "_join_path_toggle"); }
     static bool is_set(Widget toggle) { return XmToggleButtonGetState(toggle) != False; }
     static std::string shown() { return label(wi_install_dlg, "_dest_label"); }
@@ -77,7 +71,6 @@ class Destination : public WorkTest {
         return gw::entries_of(pulldown);
     }
 
-    FontDirectory source;
     TempDir destination;
 };
 

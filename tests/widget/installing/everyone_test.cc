@@ -20,7 +20,7 @@
 #include "platform/everyone_request.h"
 #include "platform/host_paths.h"
 
-#include "widget/work_test_support.h"
+#include "widget/installing/install_test_support.h"
 
 #include <Xm/ToggleB.h>
 
@@ -33,16 +33,11 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-class ForEveryone : public WorkTest {
+class ForEveryone : public TwoFontsTest {
   protected:
     static void SetUpTestSuite() {
         home();
         start_program({"-xrm", "Glyphward*gw_modern_windows: True"});
-    }
-    void SetUp() override {
-        WorkTest::SetUp();
-        source.add("alpha.pcf", face("alpha"));
-        source.add("beta.pcf", face("beta"));
     }
     void TearDown() override {
         gw::set_everyones_command({});
@@ -51,7 +46,6 @@ class ForEveryone : public WorkTest {
         choose_destination(scratch.path());
         WorkTest::TearDown();
     }
-    static Widget for_everyone() { return find(wi_install_dlg, "_destination_choice._for_everyone_toggle"); }
     /// From now on this is the command that installs for everyone.
     static void everyones_command(const std::string& script) {
         gw::set_everyones_command({"/bin/sh", "-c", script});
@@ -74,7 +68,6 @@ class ForEveryone : public WorkTest {
     }
 
     ActingAs user{1000};
-    FontDirectory source;
     TempDir scratch;
 };
 
