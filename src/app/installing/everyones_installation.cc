@@ -107,11 +107,38 @@ std::vector<gw::FailureText> problems_in(const EveryoneAnswer& answer) {
     return failures;
 }
 
-bool is_in_conflict(const EveryoneAnswer::Font& font) {
-    for (const GWConflict* conflict : the_conflict_list) {
-        if (gw::name_without_mark(conflict->get_name()) == font.font) return true;
+/// A name as lists show it, without what tells it from others that read the same: that depends on what else
+/// is in the list, and the program for everyone knows only the fonts that it gets.
+std::string plain_name(const std::string& name) {
+    std::string plain = gw::name_without_mark(name);
+    const std::size_t type = plain.rfind(" [");
+    const std::size_t begin = plain.rfind(" (", type);
+    if (type != std::string::npos && begin != std::string::npos && plain[type - 1] == ')')
+        plain.erase(begin, type - begin);
+    return plain;
+}
+
+/// What the answer has about the entry of this name.
+std::vector<const EveryoneAnswer::Font*> answers_about(const std::string& name,
+                                                       const EveryoneAnswer& answer) {
+    std::vector<const EveryoneAnswer::Font*> exact;
+    std::vector<const EveryoneAnswer::Font*> alike;
+    for (const EveryoneAnswer::Font& font : answer.fonts) {
+        if (font.font == gw::name_without_mark(name)) exact.push_back(&font);
+        if (plain_name(font.font) == plain_name(name)) alike.push_back(&font);
     }
-    return false;
+    return exact.empty() ? alike : exact;
+}
+
+bool is_taken(const EveryoneAnswer::Font& font) {
+    return font.why.code == EveryoneAnswer::NAME_TAKEN;
+}
+
+bool is_in_conflict(const EveryoneAnswer::Font& font) {
+    return is_taken(font) &&
+           std::any_of(the_conflict_list.begin(), the_conflict_list.end(), [&](const GWConflict* conflict) {
+               return plain_name(conflict->get_name()) == plain_name(font.font);
+           });
 }
 
 /// The fonts that were not installed, unless the user is asked about them, and, where it could not begin,
@@ -134,7 +161,7 @@ std::vector<gw::FailureText> failures_in(const EveryoneAnswer& answer) {
 std::string files_in_the_way(const EveryoneAnswer& answer) {
     std::string files;
     for (const EveryoneAnswer::Font& font : answer.fonts) {
-        if (font.why.code == EveryoneAnswer::NAME_TAKEN && !font.why.detail.empty())
+        if (is_taken(font) && !font.why.detail.empty())
             files += (files.empty() ? "" : ", ") + font.why.detail;
     }
     return files;
@@ -142,10 +169,9 @@ std::string files_in_the_way(const EveryoneAnswer& answer) {
 
 /// Whether the answer has something about the entry but that its name is taken.
 bool is_settled(const GWHRNElement& entry, const EveryoneAnswer& answer) {
-    const std::string name = gw::name_without_mark(entry.get_name());
-    return std::any_of(answer.fonts.begin(), answer.fonts.end(), [&](const EveryoneAnswer::Font& font) {
-        return font.font == name && font.why.code != EveryoneAnswer::NAME_TAKEN;
-    });
+    const std::vector<const EveryoneAnswer::Font*> fonts = answers_about(entry.get_name(), answer);
+    return !fonts.empty() &&
+           std::none_of(fonts.begin(), fonts.end(), [](const auto* font) { return is_taken(*font); });
 }
 
 /// The user is asked about fonts that can be replaced, as about those that this program installs itself.
@@ -172,12 +198,13 @@ void find_conflicts(const EveryoneAnswer& answer) {
 
 /// What has become of a font that was to be replaced.
 gw::WorkLine line_after(const gw::WorkLine& planned, const EveryoneAnswer& answer) {
-    for (const EveryoneAnswer::Font& font : answer.fonts) {
-        if (font.font != planned.what) continue;
-        if (is_done(font)) return planned;
-        const bool is_there = font.result == "already there";
-        return {is_there ? gw::WorkKind::KEPT : gw::WorkKind::FAILED, planned.what, reason_of(font)};
+    const std::vector<const EveryoneAnswer::Font*> fonts = answers_about(planned.what, answer);
+    for (const EveryoneAnswer::Font* font : fonts) {
+        if (is_done(*font)) continue;
+        const bool is_there = font->result == "already there";
+        return {is_there ? gw::WorkKind::KEPT : gw::WorkKind::FAILED, planned.what, reason_of(*font)};
     }
+    if (!fonts.empty()) return planned;
     const bool has_answer = answer.kind == EveryoneAnswer::Kind::ANSWERED;
     return {gw::WorkKind::FAILED, planned.what,
             gw::text_of(has_answer ? Message::REASON_GIVEN_UP : why_nothing(answer.kind))};

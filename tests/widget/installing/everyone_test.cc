@@ -234,6 +234,16 @@ TEST_F(NamesTaken, AFontThatIsInTheWayUnseenIsToldWithItsFile) {
     EXPECT_THAT(summary(), HasSubstr("there is a font of its name: /of/another/b.pcf"));
 }
 
+TEST_F(NamesTaken, AFontIsKnownWhateverTellsItFromOthersInTheAnswer) {
+    taken(R"(echo '{"fonts": [{"font": "Alpha Medium (iso8859-1) [Bitmap]", "result": "replaced"},
+              {"font": "Beta Medium (test) [Bitmap]", "result": "failed", "reason": "no room"}]}')");
+    decide(1, "not_keep_all_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(items(find(wi_preconflict_dlg, "failed_list")),
+                ElementsAre(AllOf(HasSubstr("Beta Medium"), HasSubstr("no room")),
+                            AllOf(StartsWith("replaced"), HasSubstr("Alpha Medium"))));
+}
+
 TEST_F(NamesTaken, TheDecisionCanBePutOff) {
     taken(R"(echo '{"fonts": [{"font": "Beta Medium [Bitmap]", "result": "failed", "reason": "no room"}]}')");
     ASSERT_TRUE(press(find(wi_conflict_dlg, "cancel_button")));
