@@ -18,6 +18,7 @@ gw::Outcome GW_BUF_FILE::copy_into(gw::FileWriter& copy) {
         close();
         return allowed;
     }
+    read_far_ahead();
     bool going_well = true;
     while (const int got = going_well ? read(buffer.data(), static_cast<int>(buffer.size())) : 0)
         going_well = !gw::is_given_up() && copy.gather({buffer.data(), static_cast<std::size_t>(got)});

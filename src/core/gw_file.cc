@@ -99,6 +99,11 @@ int GW_FILE::file_flush() {
     return fp ? std::fflush(fp.get()) : EOF;
 }
 
+void GW_FILE::read_far_ahead() {
+    constexpr std::size_t PIECE = 65536;
+    if (fp) std::setvbuf(fp.get(), nullptr, _IOFBF, PIECE);
+}
+
 int GW_FILE::read(char* buf, int n) {
     if (!fp || n <= 0) return 0;
     const std::size_t got = std::fread(buf, 1, static_cast<std::size_t>(n), fp.get());

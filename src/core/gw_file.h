@@ -36,6 +36,8 @@ class GW_FILE : public GW_FILE_SPEC {
 
     /// Reads up to `n` bytes; returns the count read, 0 at the end of the file or when it is closed.
     int read(char* buf, int n);
+    /// The file is read to its end, so the system is asked for larger pieces. Before the first `read`.
+    void read_far_ahead();
     /// The first failure of opening, reading or writing since the last call of `open`; a success when there
     /// was none. The end of the file is not a failure.
     [[nodiscard]] gw::Outcome outcome() const;

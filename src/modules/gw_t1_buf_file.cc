@@ -20,6 +20,7 @@ gw::Outcome GW_T1_BUF_FILE::copy_into(gw::FileWriter& copy) {
         close();
         return allowed;
     }
+    read_far_ahead();
     int got = read(block.data(), BLOCK_SIZE);
     block[static_cast<std::size_t>(got)] = '\0';
     const char* end = block.data() + got;
@@ -27,7 +28,8 @@ gw::Outcome GW_T1_BUF_FILE::copy_into(gw::FileWriter& copy) {
     // The byte after the block is written too; readers of installed fonts take it for white space.
     bool going_well = copy.gather({text, static_cast<std::size_t>(end - text) + 1});
     while (going_well && !gw::is_given_up() && (got = read(block.data(), BLOCK_SIZE)) > 0) {
-        std::replace(block.data(), block.data() + got, '\r', '\n');
+        // All of the block, so that the compiler knows how many at a time.
+        for (std::size_t i = 0; i < BLOCK_SIZE; ++i) block[i] = block[i] == '\r' ? '\n' : block[i];
         going_well = copy.gather({block.data(), static_cast<std::size_t>(got)});
     }
     close();
