@@ -5,6 +5,7 @@
 // are not among them.
 #include <sys/resource.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -23,12 +24,12 @@
 namespace {
 
 constexpr const char* USAGE =
-    "Usage: font_operations [--modern] OPERATION DIR [TARGET]\n"
+    "Usage: font_operations [--modern] OPERATION DIR [TARGET | STEP]\n"
     "\n"
     "  list     the fonts that the index of DIR lists, under their names\n"
     "  source   the fonts of DIR, whether an index lists them or not, under their names\n"
     "  install  those of the source DIR into TARGET, as one action\n"
-    "  delete   every second font that the index of DIR lists, as one action\n";
+    "  delete   every second font that the index of DIR lists, or every STEP-th, as one action\n";
 
 double processor_seconds() {
     struct rusage used = {};
@@ -62,10 +63,10 @@ class Operations {
         done_ = 0;
         as_one_action([&](GWFont& font, int) { return font.install(dir, modules_); });
     }
-    void delete_every_second() {
+    void delete_every(int step) {
         done_ = 0;
         as_one_action([&](GWFont& font, int position) {
-            return position % 2 == 0 ? font.remove(modules_) : gw::Outcome(gw::Failure{});
+            return position % step == 0 ? font.remove(modules_) : gw::Outcome(gw::Failure{});
         });
     }
     [[nodiscard]] int done() const { return done_; }
@@ -100,7 +101,8 @@ bool carry_out(Operations& operations, const std::vector<std::string>& words) {
         return false;
     }
     if (operation == "install" && words.size() > 2) operations.install(words[2]);
-    if (operation == "delete") operations.delete_every_second();
+    const int step = operation == "delete" && words.size() > 2 ? std::atoi(words[2].c_str()) : 2;
+    if (operation == "delete") operations.delete_every(std::max(1, step));
     return true;
 }
 
