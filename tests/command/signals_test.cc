@@ -14,6 +14,7 @@
 #include <sstream>
 
 #include "command/own_fonts.h"
+#include "support/processes.h"
 #include "support/sfnt_maker.h"
 
 namespace {
@@ -117,6 +118,23 @@ class CommandSignals : public gw::test::OwnFonts {
         FAIL() << "it was always done before the signal came";
     }
 
+    /// The command is sent the signal while FontForge works for it, and ends it.
+    void expect_end_of_conversion(const std::string& fonts, int signal) const {
+        const std::string converter = "fontforge";
+        Running command({"install", "--to", to_, fonts});
+        std::set<std::string> converters;
+        while (!command.has_ended() && converters.empty()) {
+            converters = gw::test::processes_called(converter);
+            ::usleep(500);
+        }
+        ASSERT_FALSE(converters.empty()) << command.err();
+        command.send(signal);
+        EXPECT_EQ(command.wait(), 1) << command.err();
+        EXPECT_THAT(command.err(), HasSubstr("it was interrupted"));
+        for (const std::string& process : converters)
+            EXPECT_TRUE(gw::test::goes(converter, process)) << process;
+    }
+
     TempDir many_;
 };
 
@@ -173,6 +191,28 @@ TEST_F(CommandSignals, LeaveFontsWholeWhoseDeletionHasBegun) {
     EXPECT_EQ(fonts().size(), static_cast<std::size_t>(MANY));
 }
 
+/// What is in the directories for scratch files.
+std::set<std::string> scratch() {
+    std::set<std::string> names;
+    for (const char* dir : {"/tmp", "/dev/shm"})
+        for (const auto& entry : fs::directory_iterator(dir)) names.insert(entry.path());
+    return names;
+}
+
+// FontForge works for seconds on each of these fonts.
+TEST_F(CommandSignals, EndAConversionAndWhatItHasBegun) {
+    const TempDir fonts;
+    for (const char* name : {"lmroman10-regular.otf", "lmroman10-bold.otf"})
+        fs::copy_file(std::string("/usr/share/texmf/fonts/opentype/public/lm/") + name, fonts.file(name));
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        const std::set<std::string> before = scratch();
+        expect_end_of_conversion(fonts.path(), signal);
+        EXPECT_EQ(scratch(), before);
+        EXPECT_THAT(content(to_), testing::IsEmpty());
+    }
+    EXPECT_EQ(fonts_command({"install", "--to", to_, fonts.path()}).status, 0);
+}
+
 /// Another process changes the directory, as long as this exists.
 class Locked {
   public:
@@ -207,6 +247,7 @@ TEST_F(CommandSignals, AndALockThatIsKeptTheyCannotBegin) {
     for (const auto& command : all) {
         EXPECT_EQ(command->wait(), 4) << command->err();
         EXPECT_THAT(command->err(), HasSubstr("is changing this directory"));
+        EXPECT_THAT(command->err(), HasSubstr(home_.dir().file("fonts")));
     }
     EXPECT_EQ(content(to_), before);
 }
