@@ -69,10 +69,29 @@ TEST_F(CommandBadProfiles, ValuesOfTheWrongKindAreRefused) {
         {"profile = 1\nprofile = 1\n", ":2: "},
         {"profile = 1\n[fonts]\nto = \"\xFF\"\n", ":3: "},
         {std::string("profile = 1\n\0\n", 14), ":2: "},
+        {"profile = 1\n# \u00fc\n\u00fc = 1\n", ":3: characters other than printable ASCII"},
+        {"profile = \u03a4\n", ":1: characters other than printable ASCII"},
+        {"profile = 1\n[path]\nme = [\"\"\"/a\\\n  \u00fc\"\"\"]\n",
+         ":4: characters other than printable ASCII"},
+        {"profile = 1\n\x7f = 1\n", ":2: characters other than printable ASCII"},
+        {"profile = 1\n[!fonts]\n", ":2: a bracket stands where"},
+        {"profile = 1\n  [[ \n", ":2: a bracket stands where"},
+        {"profile = 1\n[]\n", ":2: "},
+        {"profile = 1\nfonts = [}\n", ":2: a bracket stands where"},
+        {"profile = 1\nfonts = [1,  # one\n}\n", ":3: a bracket stands where"},
+        {"profile = 1\nfonts = {a = ]}\n", ":2: "},
         {"", "the line \"profile = 1\" is missing"},
         {"\n\n# nothing\n", "the line \"profile = 1\" is missing"},
     };
     for (const auto& [text, complaint] : wrong) expect_refused(text, complaint);
+}
+
+TEST_F(CommandBadProfiles, CharactersOfAllLanguagesStandInQuotationMarksAndComments) {
+    const Ran ran =
+        apply(profile("# it's \u00fc\n"
+                      "absent = [\"\u00fc\", \"\\\"\u00fc\", '\u00fc\"', '''\u00fc'\u00fc''',  # \"\u00fc\n"
+                      "\"\"\"\"\u00fc\"\"\"\"\", \"\"\"\n\u00fc\\\n  x\u00fc\"\"\", \"\", '']  # \u00fc\n"));
+    EXPECT_EQ(ran.status, 3) << ran.out << ran.err;
 }
 
 TEST_F(CommandBadProfiles, DeepNestingIsRefused) {

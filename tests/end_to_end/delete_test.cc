@@ -128,8 +128,8 @@ TEST_F(Delete, TheMenuAsksToo) {
     EXPECT_TRUE(lists(mine.path(), "0\n"));
 }
 
-// Fonts before and behind many others, in directories that another program is changing: the program waits for each,
-// and so its window is there to be looked at, however fast the many are deleted.
+// Fonts before and behind many others, in directories that another program is changing: the program waits for
+// each, and so its window is there to be looked at, however fast the many are deleted.
 class DeleteMany : public Delete {
   protected:
     DeleteMany() {
@@ -143,8 +143,8 @@ class DeleteMany : public Delete {
             list_fonts_of(dir->path());
         }
     }
-    /// Begins a change that lasts until it is reset. The windows of ever are blocked while they wait, but count
-    /// slowly enough to be seen.
+    /// Begins a change that lasts until it is reset. The windows of ever are blocked while they wait, but
+    /// count slowly enough to be seen.
     static std::unique_ptr<gw::DirectoryChange> hold(const TempDir& dir) {
         return is_as_ever() ? nullptr : std::move(*gw::DirectoryChange::begin(dir.path()));
     }

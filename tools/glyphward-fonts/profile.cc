@@ -8,6 +8,7 @@
 #include <system_error>
 
 #include "core/replace_file.h"
+#include "glyphward-fonts/toml_guard.h"
 #include "texts/messages.h"
 #include "texts/reasons.h"
 
@@ -179,6 +180,8 @@ toml::array array_of(const std::vector<std::string>& texts) {
 std::variant<Profile, ProfileError> read_profile(const std::string& path) {
     const Result<std::string> bytes = read_file(path);
     if (!bytes) return ProfileError{path, reason_in_language(bytes.failure())};
+    if (const auto mistake = mistake_before_parsing(*bytes); mistake)
+        return ProfileError{path + ':' + std::to_string(mistake->line), text_of(mistake->what)};
     try {
         const toml::table table = toml::parse(*bytes, path);
         return read(Reader(path), table);
