@@ -48,6 +48,9 @@ class FontPolicy {
     [[nodiscard]] constexpr bool marks_what_is_unfit() const { return marks_; }
     /// "fonts.scale" has the lines of outline fonts that "fonts.dir" has, so that mkfontdir keeps them.
     [[nodiscard]] constexpr bool keeps_scalable_index() const { return modern_; }
+    /// A directory gets its first index together with its first font. Otherwise it gets one without entries
+    /// before, which stays where the font is not installed.
+    [[nodiscard]] constexpr bool makes_index_with_first_font() const { return modern_; }
     /// Each word of a name in the list begins with a capital, and no two entries of the list read the same.
     [[nodiscard]] constexpr bool tells_names_apart() const { return modern_; }
     /// Scratch files stand in a private directory of each run, so any number of runs can work at once.

@@ -395,7 +395,7 @@ gw::Outcome GWFont::install(const std::string& dir, GW_FSM_LIST& modules) {
     GW_FPE destination(dir.c_str());
     gw::Outcome outcome = modules.install(*this, destination);
     // Also where nothing was installed.
-    destination.get_fontdir_file().create();
+    if (!gw::font_policy().makes_index_with_first_font()) destination.get_fontdir_file().create();
     return outcome;
 }
 

@@ -125,7 +125,7 @@ Outcome DirectoryChange::note_once(const std::vector<journal::Record>& records) 
 
 /// Whether nothing comes, but for lines that were put back.
 bool DirectoryChange::only_deletes() const {
-    return records_.empty() && !whole_ && !edit_->enters_behind(beginning_.edits);
+    return records_.empty() && !whole_ && !makes_index_ && !edit_->enters_behind(beginning_.edits);
 }
 
 Outcome DirectoryChange::make_metrics_dir() {
@@ -251,8 +251,8 @@ std::vector<std::string> DirectoryChange::font_names(const std::string& file_nam
 }
 
 DirectoryChange::Mark DirectoryChange::mark() const {
-    return {records_.size(), next_number_,       edit_->edits(),        leaving_.size(),
-            staying_.size(), afterwards_.size(), scalable_lines_.size()};
+    return {records_.size(), next_number_,       edit_->edits(),         leaving_.size(),
+            staying_.size(), afterwards_.size(), scalable_lines_.size(), makes_index_};
 }
 
 void DirectoryChange::take_back_all() {
@@ -280,6 +280,7 @@ void DirectoryChange::take_back_to(const Mark& mark) {
     forget_leaving(mark.leaving, mark.staying);
     afterwards_.resize(mark.afterwards);
     scalable_lines_.resize(mark.scalable_lines);
+    makes_index_ = mark.makes_index;
     drop_staged(mark.next_number);
     if (records_.size() <= mark.records) return;
     const auto first = records_.begin() + static_cast<std::ptrdiff_t>(mark.records);

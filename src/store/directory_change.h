@@ -102,8 +102,8 @@ class DirectoryChange {
     /// Runs when the change is final; of several steps with the same key only the first.
     void afterwards(const std::string& key, std::function<void()> step);
 
-    /// Makes an index without entries, if there is none. It stays, whatever becomes of the change. Fails for
-    /// an index that may not be written.
+    /// The directory gets an index, if it has none: with the committed change, or now where the policy wants
+    /// it so (see `FontPolicy::makes_index_with_first_font`). Fails for an index that may not be written.
     Outcome make_index();
     /// The names of the fonts for which the index, as it will be, has this file.
     [[nodiscard]] std::vector<std::string> font_names(const std::string& file_name) const;
@@ -137,6 +137,7 @@ class DirectoryChange {
         std::size_t staying = 0;
         std::size_t afterwards = 0;
         std::size_t scalable_lines = 0;
+        bool makes_index = false;
     };
     [[nodiscard]] Mark mark() const;
     void take_back_to(const Mark& mark);
@@ -184,6 +185,7 @@ class DirectoryChange {
     static Failure about(std::string path, Failure failure);
     Result<std::string> look_at_index();
     Outcome load_index();
+    Outcome make_index_at_once();
     void collect_edits();
     [[nodiscard]] bool only_deletes() const;
     [[nodiscard]] Outcome may_write_index() const;
@@ -259,6 +261,7 @@ class DirectoryChange {
     struct stat index_info_ = {};
     struct stat content_info_ = {};  // of what it points to, if it is a link
     bool has_index_ = false;
+    bool makes_index_ = false;       // where there is none
     bool overwrites_index_ = false;  // it is a link, has other names, or belongs to another user
     unsigned next_number_ = 0;
     // For the trash, and from it.

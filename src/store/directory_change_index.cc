@@ -26,6 +26,7 @@ constexpr int MOST_ATTEMPTS = 5;
 constexpr mode_t PERMISSIONS = 07777;
 const std::string INDEX(FONT_INDEX_NAME);
 const std::string SCALABLE(SCALABLE_INDEX_NAME);
+const std::string NO_ENTRIES("0\n");
 
 /// Whether the file is still the one that was looked at.
 bool is_unchanged(const struct stat& a, const struct stat& b) {
@@ -38,7 +39,7 @@ std::optional<std::string> with_lines(std::optional<std::string> text,
                                       const std::optional<std::string>& before,
                                       const std::vector<std::string>& lines) {
     if (lines.empty()) return text;
-    const std::string whole = text ? *text : before.value_or("0\n");
+    const std::string whole = text ? *text : before.value_or(NO_ENTRIES);
     LineNumbers wanted;
     for (const std::string& line : lines) wanted[line] = 1;
     for (const auto& [line, number] : occurrences(whole, wanted))
@@ -105,16 +106,22 @@ Outcome DirectoryChange::may_write_index() const {
 Outcome DirectoryChange::make_index() {
     if (has_index_) return may_write_index();
     if (!own_) return about(dir_.path_of(INDEX), *broken_);
+    if (!font_policy().makes_index_with_first_font()) return make_index_at_once();
+    makes_index_ = true;
+    return done();
+}
+
+Outcome DirectoryChange::make_index_at_once() {
     const std::string path = dir_.path_of(INDEX);
     Result<Descriptor> fd = with_room([&] { return own_->create(own_->made(), INDEX, path); });
     if (!fd) return fd.failure();
     own_->lend_to_group(fd->get());
     FileWriter file(std::move(*fd), path);
     file.set_room_maker([this] { return give_way(); });
-    file.write("0\n");
+    file.write(NO_ENTRIES);
     if (Outcome finished = file.finish(); !finished) return finished;
     if (file_calls().rename(own_->made().fd(), INDEX.c_str(), dir_.fd(), INDEX.c_str()) != 0)
-        return Failure::of_system(dir_.path_of(INDEX), errno);
+        return Failure::of_system(path, errno);
     return load_index();
 }
 
@@ -220,7 +227,8 @@ Outcome DirectoryChange::put_index_in_place() {
 // the lock write it too.
 Outcome DirectoryChange::write_index() {
     // A whole index is written even if it is the same: its time says that it was looked after.
-    if (whole_ ? !whole_->fonts_dir : lines_.empty()) return done();
+    const bool is_new = makes_index_ && !has_index_;
+    if (whole_ ? !whole_->fonts_dir : lines_.empty() && !is_new) return done();
     for (int attempt = 0; attempt < MOST_ATTEMPTS; ++attempt) {
         if (Outcome allowed = may_write_index(); !allowed) return allowed;
         const std::size_t before = records_.size();
@@ -267,6 +275,7 @@ void DirectoryChange::replace_indexes(Indexes texts) {
 void DirectoryChange::collect_edits() {
     before_ = edit_->before();
     text_ = whole_ ? whole_->fonts_dir.value_or(before_) : edit_->text();
+    if (makes_index_ && text_.empty()) text_ = NO_ENTRIES;
     differences_ = whole_ ? index_differences(before_, text_) : edit_->differences();
     lines_ = occurrences(before_, differences_);
 }
@@ -280,6 +289,7 @@ Outcome DirectoryChange::edit_again() {
     LineNumbers wanted = lines_;
     for (auto& [line, number] : wanted) number = std::max(0, number + differences_[line]);
     text_ = with_occurrences(before_, wanted);
+    if (makes_index_ && text_.empty()) text_ = NO_ENTRIES;
     return done();
 }
 

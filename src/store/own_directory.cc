@@ -264,6 +264,16 @@ Result<std::unique_ptr<OwnDirectory>> OwnDirectory::enter(const Directory& fonts
     return Failure::of_system(fonts.path(), own.failure().error);
 }
 
+// As long as this has the lock nobody begins a change there.
+bool OwnDirectory::remove_unused(const Directory& fonts) {
+    const Result<std::unique_ptr<OwnDirectory>> own = enter(fonts, false);
+    constexpr std::size_t PARTS = 3;  // the lock and the directories for files
+    if (!own || (*own)->dir().names().size() != PARTS) return false;
+    if (!(*own)->made().names().empty() || !(*own)->set_aside().names().empty()) return false;
+    remove_begun(fonts, NAME);
+    return !fonts.has(NAME);
+}
+
 Result<std::unique_ptr<OwnDirectory>> OwnDirectory::entered(const Directory& fonts, bool waits) {
     Result<Directory> dir = own_directory(fonts);
     if (!dir) return dir.failure();

@@ -29,6 +29,9 @@ class OwnDirectory {
     /// has the lock (`Reason::IN_USE`), and for what somebody else has put there under this name
     /// (`Reason::NOT_OURS`; `Reason::OPEN_TO_ALL` where everybody may write).
     static Result<std::unique_ptr<OwnDirectory>> enter(const Directory& fonts, bool waits = true);
+    /// Removes the directory if no change of `fonts` has come to its end: there is nothing in it but what is
+    /// made at the first one. False when it stays.
+    static bool remove_unused(const Directory& fonts);
     ~OwnDirectory() = default;
     OwnDirectory(const OwnDirectory&) = delete;
     OwnDirectory& operator=(const OwnDirectory&) = delete;

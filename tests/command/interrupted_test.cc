@@ -29,6 +29,10 @@ using Words = std::vector<std::string>;
 constexpr int TRIED = 12 / gw::test::CALL_STEP;
 /// So many calls are made only when files would have times in the same second.
 constexpr int UNSTEADY = 8;
+/// Machines of tests have none.
+const std::string SERVER = std::getenv("DISPLAY") != nullptr ? std::getenv("DISPLAY") : "";
+/// A directory that a command makes, below that of the machine.
+const std::string NEW = "new/";
 
 /// Calls from 1 to `calls`, the same ones each time.
 std::vector<int> some_of(int calls) {
@@ -46,7 +50,7 @@ struct Operation {
     const char* name;
     std::function<void(OwnMachine&)> prepare;
     std::function<Words(const OwnMachine&)> words;
-    int status = 0;
+    bool is_for_users = false;  // and not for the superuser
     friend std::ostream& operator<<(std::ostream& out, const Operation& operation) {
         return out << operation.name;
     }
@@ -61,6 +65,16 @@ void have_fonts(OwnMachine& machine) {
     for (const char* name : {"Alpha", "Beta"})
         (void)machine.source().write(std::string(name) + ".ttf", small_font(name));
     expect_done({"install", "--to", machine.to(), machine.source().path()});
+}
+
+void have_gamma(OwnMachine& machine) {
+    (void)machine.source().write("Gamma.ttf", small_font("Gamma"));
+}
+
+/// The directory that is made is on the font path, so the next command has a look at it.
+void have_gamma_for_new(OwnMachine& machine) {
+    have_gamma(machine);
+    expect_done({"path", "add", "--of", OwnMachine::whose(), machine.to() + NEW});
 }
 
 void have_newer_fonts(OwnMachine& machine) {
@@ -83,10 +97,27 @@ const std::vector<Operation> OPERATIONS = {
     {"install",
      [](OwnMachine& m) {
          have_fonts(m);
-         (void)m.source().write("Gamma.ttf", small_font("Gamma"));
+         have_gamma(m);
      },
      [](const OwnMachine& m) {
          return Words{"install", "--to", m.to(), m.source().file("Gamma.ttf")};
+     }},
+    {"install_into_an_empty_directory", have_gamma,
+     [](const OwnMachine& m) {
+         return Words{"install", "--to", m.to(), m.source().file("Gamma.ttf")};
+     }},
+    {"install_into_a_new_directory", have_gamma_for_new,
+     [](const OwnMachine& m) {
+         return Words{"install", "--to", m.to() + NEW, m.source().file("Gamma.ttf")};
+     }},
+    {"apply_to_a_new_directory",
+     [](OwnMachine& m) {
+         have_gamma_for_new(m);
+         (void)m.source().write(
+             "p.toml", "profile = 1\n[fonts]\nto = \"" + m.to() + NEW + "\"\nfiles = [\"Gamma.ttf\"]\n");
+     },
+     [](const OwnMachine& m) {
+         return Words{"apply", m.source().file("p.toml")};
      }},
     {"replace", have_newer_fonts,
      [](const OwnMachine& m) {
@@ -120,6 +151,11 @@ const std::vector<Operation> OPERATIONS = {
      [](const OwnMachine& m) {
          return Words{"path", "remove", "--of", OwnMachine::whose(), m.to()};
      }},
+    {"path_save", have_fonts,
+     [](const OwnMachine&) {
+         return Words{"path", "save", "--server", SERVER};
+     },
+     true},
 };
 
 std::string sorted_lines(const std::string& text) {
@@ -136,23 +172,32 @@ struct State {
     Files fonts;
     std::string aliases;
     std::string path;
+    bool has_new = false;  // the directory that a command makes
     explicit State(const OwnMachine& machine)
-        : fonts(gw::test::significant(gw::test::files_in(machine.to()))), path(machine.path_file()) {
+        : fonts(gw::test::significant(gw::test::files_in(machine.to()), false)), path(machine.path_file()) {
         aliases = fonts["fonts.alias"];
         fonts.erase("fonts.alias");
-        for (const char* index : {"fonts.dir", "fonts.scale"}) fonts[index] = sorted_lines(fonts[index]);
+        has_new = fonts.erase("new") > 0;
+        for (const char* index : {"fonts.dir", "fonts.scale", "new/fonts.dir", "new/fonts.scale"})
+            if (const auto found = fonts.find(index); found != fonts.end())
+                found->second = sorted_lines(found->second);
     }
-    bool operator==(const State&) const = default;
+    /// An empty directory is none.
+    bool operator==(const State& other) const {
+        return fonts == other.fonts && aliases == other.aliases && path == other.path;
+    }
 };
 
 class InterruptedCommand : public testing::TestWithParam<Operation> {
   protected:
     void SetUp() override {
+        if (GetParam().is_for_users && ::geteuid() == 0)
+            GTEST_SKIP() << "the superuser has no path of an own";
         OwnMachine machine;
         GetParam().prepare(machine);
         before = std::make_unique<State>(machine);
         const Ended ended = run_in_child(GetParam().words(machine));
-        ASSERT_EQ(ended.status, GetParam().status) << ended.err;
+        ASSERT_EQ(ended.status, 0) << ended.err;
         calls = ended.calls;
         after = std::make_unique<State>(machine);
         ASSERT_FALSE(*before == *after);
@@ -160,7 +205,7 @@ class InterruptedCommand : public testing::TestWithParam<Operation> {
     }
     void expect_whole(const State& now, int at) const {
         EXPECT_TRUE(now.fonts == before->fonts || now.fonts == after->fonts)
-            << "call " << at << " of " << calls << testing::PrintToString(now.fonts.at("fonts.dir"));
+            << "call " << at << " of " << calls << testing::PrintToString(now.fonts);
         EXPECT_TRUE(now.aliases == before->aliases || now.aliases == after->aliases) << at << now.aliases;
         EXPECT_TRUE(now.path == before->path || now.path == after->path) << at << now.path;
     }
@@ -209,6 +254,8 @@ TEST_P(InterruptedCommand, WhatFailsIsToldAndLeavesEverything) {
                 EXPECT_TRUE(failed.status == 1 || failed.status == 4) << what;
                 EXPECT_NE(failed.err, "") << what;
                 EXPECT_FALSE(now == *after) << what;
+                const bool is_left = fault == FileFaults::Fault::FAIL_ONCE && now.fonts == before->fonts;
+                EXPECT_FALSE(is_left && now.has_new) << what;
             }
         }
     }
@@ -232,6 +279,38 @@ TEST(InterruptedTrash, KilledAtAnyCallTheRestComesBackOrIsGone) {
         EXPECT_TRUE(!is_offered || State(machine) == before) << at;
     }
     EXPECT_FALSE(is_killed);
+}
+
+/// How many calls it takes to empty the trash.
+int calls_to_empty_trash() {
+    OwnMachine machine;
+    have_fonts(machine);
+    expect_done({"delete", "--yes", "alpha.ttf"});
+    return run_in_child({"trash", "--empty"}).calls;
+}
+
+// What cannot be removed is told. It comes back as a whole, or is not offered any more.
+TEST(InterruptedTrash, WhatFailsIsTold) {
+    const std::vector<int> errors = {ENOSPC, EIO, EACCES};
+    const int calls = calls_to_empty_trash();
+    ASSERT_GE(calls, 3);
+    for (const FileFaults::Fault fault :
+         {FileFaults::Fault::FAIL_ONCE, FileFaults::Fault::FAIL_FROM_THEN_ON}) {
+        for (int at = 1; at <= calls; at += gw::test::CALL_STEP) {
+            OwnMachine machine;
+            have_fonts(machine);
+            const State before(machine);
+            expect_done({"delete", "--yes", "alpha.ttf"});
+            const int error = errors[static_cast<std::size_t>(at) % errors.size()];
+            const Ended emptied = run_in_child({"trash", "--empty"}, {fault, at, error});
+            const bool is_offered = !run_in_child({"trash"}).out.empty();
+            EXPECT_FALSE(is_offered && emptied.status == 0) << at;
+            EXPECT_EQ(emptied.status == 0, emptied.err.empty()) << at << emptied.err;
+            const Ended undone = run_in_child({"undo"});
+            EXPECT_EQ(undone.status, is_offered ? 0 : 1) << at << undone.err;
+            EXPECT_TRUE(!is_offered || State(machine) == before) << at;
+        }
+    }
 }
 
 }  // namespace

@@ -18,17 +18,19 @@ inline Files files_in(const std::string& dir) {
     Files files;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(dir)) {
         const std::string name = entry.path().lexically_relative(dir).string();
-        if (name.starts_with(".glyphward")) continue;
+        if (name.find(".glyphward") != std::string::npos) continue;
         files[name] = entry.is_directory() ? "a directory" : TempDir::read_bytes(entry.path());
     }
     return files;
 }
 
-/// An empty index that a step has made first is no difference, and the metrics directory is no font.
-inline Files significant(Files files) {
-    std::erase_if(files, [](const auto& file) {
+/// The metrics directory is no font, and the index of resources is made anew by whoever needs it. With
+/// `forgives_index` an empty index that a step has made first is no difference.
+inline Files significant(Files files, bool forgives_index = true) {
+    std::erase_if(files, [forgives_index](const auto& file) {
         const auto& [name, bytes] = file;
-        return (name == "fonts.dir" && bytes == "0\n") || name == "glyphwd.upr" || name == "afm";
+        return (forgives_index && name == "fonts.dir" && bytes == "0\n") || name == "glyphwd.upr" ||
+               name == "afm";
     });
     return files;
 }

@@ -1,8 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
-#include <filesystem>
 #include <map>
-#include <system_error>
 
 #include "core/directory.h"
 #include "core/text.h"
@@ -21,6 +19,7 @@
 #include "glyphward-fonts/host.h"
 #include "glyphward-fonts/installation.h"
 #include "glyphward-fonts/interruption.h"
+#include "glyphward-fonts/made_directories.h"
 #include "glyphward-fonts/profile.h"
 #include "glyphward-fonts/rows.h"
 #include "glyphward-fonts/sources.h"
@@ -118,7 +117,8 @@ void Application::delete_absent(Deletion& deletion, Host& host) const {
 
 /// All fonts are one change: when one of them fails, the directory stays as it was.
 void Application::apply_fonts() {
-    if (const Outcome ready = prepare(directory_, is_dry()); !ready) return fail(ready.failure());
+    MadeDirectories made;
+    if (const Outcome ready = prepare(directory_, is_dry(), made); !ready) return fail(ready.failure());
     Host host(report_, directory_);
     GWHRNList sources(0);
     FontAction action;
@@ -147,7 +147,9 @@ void Application::apply_fonts() {
     note_fonts(deletion.notes());
     note_fonts(installation.notes());
     const bool changed = deletion.notes().has_change() || installation.notes().has_change();
-    if (!is_dry() && changed) put_in_force(directory_, report_);
+    if (is_dry() || !changed) return;
+    made.keep();
+    put_in_force(directory_, report_);
 }
 
 // --- font paths --------------------------------------------------------------
@@ -248,10 +250,11 @@ void Application::apply_fontset(const Profile::Fontset& wanted) {
     const std::string before = names != nullptr ? names : "";
     if (before == joined(wanted.fonts)) return tally_.already();
     if (!is_dry()) {
-        std::error_code error;
-        std::filesystem::create_directories(dir, error);
-        if (error) return fail(Failure::of_system(dir, error.value()));
-        if (const Outcome written = write_fontset(file, wanted); !written) return fail(written.failure());
+        MadeDirectories made;
+        Outcome written = made.make_with_parents(dir);
+        if (written) written = write_fontset(file, wanted);
+        if (!written) return fail(written.failure());
+        made.keep();
     }
     note("fontset", wanted.name, before, joined(wanted.fonts));
 }

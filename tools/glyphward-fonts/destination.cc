@@ -20,13 +20,7 @@
 
 namespace gw::fonts {
 
-namespace {
-
 namespace fs = std::filesystem;
-
-constexpr mode_t DIRECTORY_MODE = 0755;
-
-}  // namespace
 
 std::string directory_of(Destination destination, const std::string& directory) {
     switch (destination) {
@@ -45,7 +39,7 @@ std::string directory_of(Destination destination, const std::string& directory) 
     return std::string(without_trailing_slashes(home)) + DEFAULT_INSTALL_DIR + '/';
 }
 
-Outcome prepare(const std::string& directory, bool dry_run) {
+Outcome prepare(const std::string& directory, bool dry_run, MadeDirectories& made) {
     if (directory.find(',') != std::string::npos) return Failure{directory, Reason::COMMA_IN_NAME};
     struct stat info = {};
     if (::stat(directory.c_str(), &info) == 0)
@@ -55,9 +49,8 @@ Outcome prepare(const std::string& directory, bool dry_run) {
     if (directory == SUPERUSER_FONT_DIR && !fs::exists(parent, error)) parent = parent.parent_path();
     if (dry_run) return ::access(parent.c_str(), W_OK) == 0 ? done() : Failure::of_system(directory, errno);
     // Everyone's directory is in one of ours, which a new machine does not have.
-    if (directory == SUPERUSER_FONT_DIR) (void)::mkdir(HOST_DIR, DIRECTORY_MODE);
-    if (::mkdir(directory.c_str(), DIRECTORY_MODE) != 0) return Failure::of_system(directory, errno);
-    return done();
+    if (directory == SUPERUSER_FONT_DIR) (void)made.make(HOST_DIR);
+    return made.make(directory);
 }
 
 void renew_resource_file(const std::string& directory) {

@@ -8,6 +8,7 @@
 #include "core/failure.h"
 
 #include "glyphward-fonts/commands.h"
+#include "glyphward-fonts/made_directories.h"
 
 namespace gw::fonts {
 
@@ -15,7 +16,7 @@ namespace gw::fonts {
 [[nodiscard]] std::string directory_of(Destination destination, const std::string& directory);
 
 /// Makes the destination, if it is missing and this is no dry run. Fails where nothing can be installed.
-Outcome prepare(const std::string& directory, bool dry_run);
+Outcome prepare(const std::string& directory, bool dry_run, MadeDirectories& made);
 
 /// As after the work of the windows: an ordinary user's directory gets an index of its PostScript resources.
 void renew_resource_file(const std::string& directory);

@@ -16,7 +16,8 @@ Status install(const InstallOptions& options, Report& report) {
         report.trouble("HOME", Message::SAYS_NO_HOME);
         return Status::COULD_NOT;
     }
-    if (const Outcome ready = prepare(directory, report.settings().dry_run); !ready) {
+    MadeDirectories made;
+    if (const Outcome ready = prepare(directory, report.settings().dry_run, made); !ready) {
         report.trouble(ready.failure());
         return Status::COULD_NOT;
     }
@@ -30,7 +31,10 @@ Status install(const InstallOptions& options, Report& report) {
     if (!report.settings().dry_run) {
         report.document()["undo"] = commit(action, {&work.failures()}, Sequel::FONT_LEFT_OUT, report);
         work.note_failures_of_commit();
-        if (work.notes().has_change()) put_in_force(directory, report);
+        if (work.notes().has_change()) {
+            made.keep();
+            put_in_force(directory, report);
+        }
     }
     report_heard(report);
     work.notes().tell(report);
