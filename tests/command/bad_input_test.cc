@@ -10,6 +10,7 @@
 
 #include "command/json_schema.h"
 #include "command/own_fonts.h"
+#include "fontfiles/unicode_text.h"
 
 namespace {
 
@@ -121,6 +122,35 @@ TEST_F(CommandBadInput, NamesOfAllBytesAreEscapedEncodedOrGivenAsTheyAre) {
             EXPECT_THAT(ran.err, Not(HasSubstr("\x1B"))) << name;
         }
     }
+}
+
+TEST_F(CommandBadInput, ATerminalGetsCharactersOfTheLocaleOnly) {
+    const std::string latin = "caf\xE9.ttf";
+    const std::string unicode = "caf\xC3\xA9.ttf";
+    const std::string control =
+        "\xC2\x9B"
+        "31m.ttf";
+    const std::string reversed = "a\xE2\x80\xAE.ttf";
+    for (const std::string& name : {latin, unicode, control, reversed})
+        fs::copy_file(SANS, source_.file(name));
+    for (const char* locale : {"de_DE.UTF-8", "C"}) {
+        const gw::test::Variable spoken("LC_ALL", locale);
+        const Ran ran = fonts_command({"verify", source_.path(), source_.file("no\xFF.ttf"), "--quie\xFF"});
+        EXPECT_TRUE(gw::is_utf8(ran.err)) << locale << ran.err;
+        const Ran text = fonts_command({"verify", source_.path(), source_.file("no\xFF.ttf")});
+        EXPECT_TRUE(gw::is_utf8(text.out + text.err)) << locale << text.out << text.err;
+        for (const char* shown : {"caf\\xE9.ttf: ", "caf\xC3\xA9.ttf: ",
+                                  "\\xC2\\x9B"
+                                  "31m.ttf: ",
+                                  "a\\xE2\\x80\\xAE.ttf: "})
+            EXPECT_THAT(text.out, HasSubstr(shown)) << locale;
+    }
+    const gw::test::Variable spoken("LC_ALL", "de_DE.ISO-8859-1");
+    const Ran text = fonts_command({"verify", source_.path()});
+    for (const char* shown : {"caf\xE9.ttf: ", "caf\xC3\xA9.ttf: ",
+                              "\xC2\\x9B"
+                              "31m.ttf: "})
+        EXPECT_THAT(text.out, HasSubstr(shown));
 }
 
 TEST_F(CommandBadInput, LongNamesAreRefusedLikeOthers) {

@@ -131,7 +131,7 @@ TEST(CommandVerify, SaysOfEachFileWhetherItIsGood) {
     EXPECT_THAT(ran.out, HasSubstr(cut + ": damaged ("));
     EXPECT_THAT(ran.out, HasSubstr(text + ": no font ("));
     EXPECT_THAT(ran.out, HasSubstr(empty + ": empty ("));
-    EXPECT_THAT(ran.out, HasSubstr("line\\x0Afeed\xFF.ttf: good\n"));
+    EXPECT_THAT(ran.out, HasSubstr("line\\x0Afeed\\xFF.ttf: good\n"));
     EXPECT_THAT(ran.out, HasSubstr(std::string(SANS) + ": good\n"));
     EXPECT_EQ(fonts_command({"verify", SANS}).status, 0);
 }

@@ -15,12 +15,14 @@
 #include <string_view>
 #include <utility>
 
+#include "core/text.h"
 #include "platform/host_paths.h"
 #include "texts/messages.h"
 
 #include "glyphward-fonts/commands.h"
 #include "glyphward-fonts/host.h"
 #include "glyphward-fonts/other_root.h"
+#include "glyphward-fonts/terminal_text.h"
 
 #include <CLI/CLI.hpp>
 
@@ -391,7 +393,7 @@ int CommandLine::run(int argc, char** argv) {
             (void)app_.exit(error);
             return status_of_output();
         }
-        std::fprintf(stderr, "%s: %s\n", PROGRAM, error.what());
+        std::fprintf(stderr, "%s: %s\n", PROGRAM, for_terminal(escaped(error.what())).c_str());
         std::fprintf(stderr, "%s\n", text_of(Message::SAYS_HELP_SAYS_MORE, {PROGRAM}).c_str());
         return static_cast<int>(Status::USAGE);
     }

@@ -19,6 +19,7 @@
 #include "glyphward-fonts/installation.h"
 #include "glyphward-fonts/interruption.h"
 #include "glyphward-fonts/rows.h"
+#include "glyphward-fonts/terminal_text.h"
 
 namespace gw::fonts {
 
@@ -27,7 +28,7 @@ namespace {
 /// Whether somebody at the terminal agrees. Without a terminal nobody does.
 bool is_agreed_to(const std::vector<Row>& rows) {
     if (::isatty(STDIN_FILENO) == 0) return false;
-    for (const Row& row : rows) std::fprintf(stderr, "    %s\n", escaped(row.name).c_str());
+    for (const Row& row : rows) std::fprintf(stderr, "    %s\n", for_terminal(escaped(row.name)).c_str());
     const auto count = static_cast<unsigned>(rows.size());
     std::fputs(text_of(Message::SAYS_DELETE_ONE, Message::SAYS_DELETE_MANY, count).c_str(), stderr);
     std::string answer;

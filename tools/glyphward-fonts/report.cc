@@ -12,6 +12,7 @@
 #include "texts/reasons.h"
 
 #include "glyphward-fonts/other_root.h"
+#include "glyphward-fonts/terminal_text.h"
 
 namespace gw::fonts {
 
@@ -80,12 +81,12 @@ void Report::write(std::string_view bytes) {
 }
 
 void Report::line(std::string_view text) {
-    if (!settings_.json && !settings_.quiet) write(std::string(text) + '\n');
+    if (!settings_.json && !settings_.quiet) write(for_terminal(text) + '\n');
 }
 
 void Report::record(std::string_view name) {
     if (settings_.json || settings_.quiet) return;
-    write(settings_.nul ? std::string(name) + '\0' : escaped(name) + '\n');
+    write(settings_.nul ? std::string(name) + '\0' : for_terminal(escaped(name)) + '\n');
 }
 
 void Report::trouble(const Failure& failure) {
@@ -110,7 +111,8 @@ std::string Report::as_called(std::string text) const {
 void Report::trouble(const std::string& of, const std::string& reason, const Json& code) {
     const std::string subject = as_called(as_the_user_says(of));
     const std::string why = as_called(reason);
-    std::fprintf(stderr, "%s: %s: %s\n", PROGRAM, escaped(subject).c_str(), escaped(why).c_str());
+    const std::string line = for_terminal(escaped(subject) + ": " + escaped(why));
+    std::fprintf(stderr, "%s: %s\n", PROGRAM, line.c_str());
     Json problem = {{"subject", in_json(subject)}, {"reason", in_json(why)}};
     problem.update(code);
     problems_.push_back(problem);

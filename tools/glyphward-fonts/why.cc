@@ -108,7 +108,7 @@ void show(const Answer& answer, int number, Report& report) {
     report.line(words({diagnosis::Said::HEAD_CURES}));
     for (const Cure& cure : answer.cures) {
         report.line(text_of(Message::SAYS_CURE, {std::to_string(++number), words(cure.what)}));
-        if (!cure.command.empty()) report.line("    " + cure.command);
+        if (!cure.command.empty()) report.line("    " + escaped(cure.command));
     }
     report.line("");
 }
