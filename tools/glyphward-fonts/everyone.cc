@@ -4,6 +4,9 @@
 #include <poll.h>
 
 #include <array>
+#include <cstdlib>
+#include <set>
+#include <utility>
 #include <vector>
 
 #include "core/rights.h"
@@ -15,6 +18,7 @@
 
 #include "glyphward-fonts/font_notes.h"
 #include "glyphward-fonts/host.h"
+#include "glyphward-fonts/installation.h"
 #include "glyphward-fonts/interruption.h"
 #include "glyphward-fonts/sources.h"
 #include "glyphward-fonts/terminal_agent.h"
@@ -114,8 +118,35 @@ Status explain(const InstallOptions& options, Report& report) {
 }  // namespace
 
 bool needs_password(const InstallOptions& options, const Settings& settings) {
-    return options.destination == Destination::EVERYONE && !runs_as_superuser() && settings.root.empty() &&
-           !settings.dry_run;
+    return options.destination == Destination::EVERYONE && !runs_as_superuser() && settings.root.empty();
+}
+
+Status try_for_everyone(const InstallOptions& options, Report& report) {
+    if (!can_ask_for_everyone()) return explain(options, report);
+    GWHRNList sources(0);
+    Tally tally;
+    find_sources(options.sources, sources, report, tally);
+    std::vector<SentFile> files = files_of({sources.begin(), sources.end()});
+    std::set<std::string> not_sent;
+    for (const Failure& failure : leave_out_unsendable(files)) {
+        report.trouble(failure);
+        tally.failed();
+        not_sent.insert(failure.subject);
+    }
+    if (files.empty()) return Status::FAILED;
+    // The superuser, who will install them, does not see what is on this user's font path only. Without any
+    // home directory there would be no font path at all.
+    ::setenv("HOME", "/nonexistent", 1);
+    await_interruption();
+    Host host(report, SUPERUSER_FONT_DIR);
+    Installation work(SUPERUSER_FONT_DIR, options.if_there, host, report);
+    work.try_as_superuser(std::move(not_sent));
+    work.install(sources);
+    report_heard(report);
+    work.notes().tell(report);
+    report.document()["directory"] = SUPERUSER_FONT_DIR;
+    tally.add(work.tally);
+    return tally.status();
 }
 
 Status install_for_everyone(const InstallOptions& options, Report& report) {

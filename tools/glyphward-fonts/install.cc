@@ -10,7 +10,9 @@
 namespace gw::fonts {
 
 Status install(const InstallOptions& options, Report& report) {
-    if (needs_password(options, report.settings())) return install_for_everyone(options, report);
+    if (needs_password(options, report.settings()))
+        return report.settings().dry_run ? try_for_everyone(options, report)
+                                         : install_for_everyone(options, report);
     const std::string directory = directory_of(options.destination, options.directory);
     if (directory.empty()) {
         report.trouble("HOME", Message::SAYS_NO_HOME);

@@ -10,6 +10,7 @@
 #include "drivers/engine_globals.h"
 #include "fontpath/path_element.h"
 #include "fontpath/trash_places.h"
+#include "model/sent_files.h"
 #include "modules/gw_fsm_list.h"
 #include "modules/source_fonts.h"
 #include "platform/everyone_request.h"
@@ -66,11 +67,10 @@ std::string files_in_the_way(const GWConflict& conflict) {
     return files;
 }
 
-std::string why_in_conflict(const GWConflict& conflict) {
+std::string why_in_conflict(const GWConflict& conflict, bool may_replace) {
     if (conflict.is_conflict(GWConflict::ALIAS) != 0) return text_of(Message::SAYS_ALIAS_HAS_NAME);
     const std::string files = files_in_the_way(conflict);
-    if (conflict.is_conflict(GWConflict::READ_ONLY) != 0)
-        return text_of(Message::SAYS_READ_ONLY_HAS_NAME, {files});
+    if (!may_replace) return text_of(Message::SAYS_READ_ONLY_HAS_NAME, {files});
     return text_of(Message::SAYS_FONT_HAS_NAME, {files});
 }
 
@@ -117,13 +117,12 @@ void Installation::decide(GWConflict& conflict) {
         tally.already();
         return notes_.add({name, FontNotes::Result::ALREADY_THERE});
     }
-    const std::string why = why_in_conflict(conflict);
+    const std::string why = why_in_conflict(conflict, may_replace(conflict));
     if (if_there_ == IfThere::KEEP) {
         tally.already();
         return notes_.add({name, FontNotes::Result::KEPT, why});
     }
-    const bool can_be_replaced =
-        conflict.is_conflict(GWConflict::READ_ONLY) == 0 && conflict.is_conflict(GWConflict::ALIAS) == 0;
+    const bool can_be_replaced = may_replace(conflict) && conflict.is_conflict(GWConflict::ALIAS) == 0;
     const bool is_to_be_replaced = if_there_ == IfThere::REPLACE ||
                                    (if_there_ == IfThere::REPLACE_HERE && is_all_in(directory_, conflict));
     if (is_to_be_replaced && can_be_replaced) return replace(conflict, why);
@@ -132,6 +131,16 @@ void Installation::decide(GWConflict& conflict) {
     if (can_be_replaced) code["detail"] = in_json(files_in_the_way(conflict));
     notes_.add({name, FontNotes::Result::FAILED, why, code});
     report_.trouble(name, can_be_replaced ? text_of(Message::SAYS_REPLACE_OR_KEEP, {why}) : why);
+}
+
+bool Installation::may_replace(const GWConflict& conflict) const {
+    return is_superusers_ || conflict.is_conflict(GWConflict::READ_ONLY) == 0;
+}
+
+bool Installation::is_sent(const GWHRNElement& row) const {
+    const std::vector<SentFile> files = not_sent_.empty() ? std::vector<SentFile>() : files_of({&row});
+    return std::none_of(files.begin(), files.end(),
+                        [this](const SentFile& file) { return not_sent_.contains(file.path); });
 }
 
 /// Whether the font is damaged, or nothing for an X server.
@@ -146,7 +155,7 @@ bool Installation::is_refused(GWHRNElement& row) {
 }
 
 void Installation::install_row(GWHRNElement& row) {
-    if (is_refused(row) || is_interrupted()) return;
+    if (!is_sent(row) || is_refused(row) || is_interrupted()) return;
     const std::string name = without_marks(row.get_name());
     const bool is_dry = report_.settings().dry_run;
     GW_LIST<GWConflict>& conflicts = host_.conflicts();

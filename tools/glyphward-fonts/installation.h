@@ -4,6 +4,7 @@
 #pragma once
 
 #include <initializer_list>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -25,6 +26,12 @@ class Installation {
     /// Installs them, or with `dry_run` finds out what it would do. A signal (see interruption.h) ends it,
     /// and the font in work is left out.
     void install(GWHRNList& sources);
+    /// A dry run is about what the superuser would do, who may replace every font, and gets no font that has
+    /// one of these files.
+    void try_as_superuser(std::set<std::string> not_sent) {
+        is_superusers_ = true;
+        not_sent_ = std::move(not_sent);
+    }
     /// Fonts that could not be made final have failed.
     void note_failures_of_commit();
     [[nodiscard]] FontReport& failures() { return failures_; }
@@ -37,6 +44,8 @@ class Installation {
     void decide(GWConflict& conflict);
     void replace(GWConflict& conflict, const std::string& why);
     bool is_refused(GWHRNElement& row);
+    [[nodiscard]] bool is_sent(const GWHRNElement& row) const;
+    [[nodiscard]] bool may_replace(const GWConflict& conflict) const;
     void fail(const std::string& font, const Failure& why);
     std::vector<FontReport::Entry> take_failures();
     void note_failures();
@@ -45,6 +54,8 @@ class Installation {
     IfThere if_there_;
     Host& host_;
     Report& report_;
+    bool is_superusers_ = false;
+    std::set<std::string> not_sent_;
     FontReport failures_;
     FontNotes notes_;
 };
