@@ -54,6 +54,31 @@ INSTANTIATE_TEST_SUITE_P(All, CommandLanguage,
                                          Spoken{"ja_JP.UTF-8", "インストール済みのフォントを一覧表示します",
                                                 "オプション:", "この名前のフォントはありません"}));
 
+// The library that reads command lines knows English only.
+TEST(CommandLanguageOfUsage, HasNoWordsOfTheLibrary) {
+    const gw::test::Variable locale("LC_ALL", "de_DE.UTF-8");
+    const std::vector<std::pair<std::vector<std::string>, std::string>> wrong = {
+        {{}, "es fehlt ein Unterbefehl, oder er ist unbekannt"},
+        {{"install"}, "FILE fehlt"},
+        {{"install", "--me", "--everyone", "x"}, "nur eines davon kann angegeben werden: --me, --everyone"},
+        {{"export", "x", "--from", "y", "--me"}, "nur eines davon kann angegeben werden: --from, --me"},
+        {{"install", "x", "--foo"}, "nicht erwartet: --foo"},
+        {{"install", "x", "--to"}, "--to braucht einen Wert"},
+        {{"path", "move", "x", "y"}, "PLACE muss eine Zahl sein"},
+        {{"why", "x", "--cure", "0"}, "--cure: es muss eine Zahl ab 1 sein"},
+        {{"list", "--scope", "x"}, "--scope: es muss eines von diesen sein: mine, everyone"},
+    };
+    for (const auto& [words, why] : wrong) {
+        const Ran ran = fonts_command(words);
+        EXPECT_EQ(ran.status, 2);
+        EXPECT_EQ(ran.err, "glyphward-fonts: " + why + "\nglyphward-fonts --help sagt mehr.\n");
+    }
+    const std::string help = fonts_command({"install", "--help"}).out;
+    EXPECT_THAT(help, HasSubstr("Ziel (eines davon):\n  --to DIR "));
+    EXPECT_THAT(help, Not(HasSubstr("ption Group")));
+    EXPECT_THAT(help, Not(HasSubstr("At most")));
+}
+
 TEST(CommandLanguageOfOldLocales, HaveTheirBytes) {
     const gw::test::Variable locale("LC_ALL", "de_DE.ISO-8859-1");
     EXPECT_THAT(fonts_command({"list", "no-such-font"}).err, HasSubstr("keine Schrift hei\xDFt so"));

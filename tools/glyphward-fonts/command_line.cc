@@ -23,6 +23,7 @@
 #include "glyphward-fonts/host.h"
 #include "glyphward-fonts/other_root.h"
 #include "glyphward-fonts/terminal_text.h"
+#include "glyphward-fonts/usage.h"
 
 #include <CLI/CLI.hpp>
 
@@ -67,9 +68,7 @@ std::vector<std::string> all_outside(const std::vector<std::string>& paths) {
 }
 
 /// An empty word is that of a script's variable that is not set, and not a wish for what is without it.
-const CLI::Validator NOT_EMPTY(
-    [](const std::string& text) { return std::string(text.empty() ? text_of(Message::SAYS_IS_EMPTY) : ""); },
-    "");
+const CLI::Validator NOT_EMPTY = not_empty();
 
 /// The status of the program after its help. What nobody reads is no failure; what has no room is.
 int status_of_output() {
@@ -79,6 +78,13 @@ int status_of_output() {
     std::fprintf(stderr, "%s: %s: %s\n", PROGRAM, text_of(Message::SAYS_STANDARD_OUTPUT),
                  std::strerror(errno));
     return static_cast<int>(Status::FAILED);
+}
+
+/// Says what is wrong with the command line, and returns the exit status for that.
+int refuse(const std::string& why) {
+    std::fprintf(stderr, "%s: %s\n", PROGRAM, for_terminal(escaped(why)).c_str());
+    std::fprintf(stderr, "%s\n", text_of(Message::SAYS_HELP_SAYS_MORE, {PROGRAM}).c_str());
+    return static_cast<int>(Status::USAGE);
 }
 
 /// Names of fonts and patterns begin with "-", as options do, but have many of them.
@@ -136,12 +142,15 @@ class CommandLine {
     CLI::App* add_path_command(CLI::App& path, const std::string& name, const std::string& about,
                                const Command& command);
     void add_display(CLI::App* command);
+    void only_one_of(Message heading, std::vector<CLI::Option*> options);
+    [[nodiscard]] std::string what_is_too_much() const;
     [[nodiscard]] PathOptions path_options() const;
     [[nodiscard]] int execute();
 
     CLI::App app_{text_of(Message::HELP_PROGRAM), PROGRAM};
     std::string chosen_;
     Command command_;
+    std::vector<std::vector<CLI::Option*>> alternatives_;
 
     Settings settings_;
     ListFilter filter_;
@@ -200,6 +209,27 @@ void CommandLine::add_display(CLI::App* command) {
     command->add_option("--server", display_, text_of(Message::HELP_SERVER))->type_name("DISPLAY");
 }
 
+/// The help shows them under a heading of their own.
+void CommandLine::only_one_of(Message heading, std::vector<CLI::Option*> options) {
+    for (CLI::Option* option : options) option->group(text_of(Message::HELP_ONE_OF, {text_of(heading)}));
+    alternatives_.push_back(std::move(options));
+}
+
+/// What is wrong when several options are given of which only one can be; "" when it is right.
+std::string CommandLine::what_is_too_much() const {
+    for (const std::vector<CLI::Option*>& options : alternatives_) {
+        std::string given;
+        int count = 0;
+        for (const CLI::Option* option : options) {
+            if (option->count() == 0) continue;
+            given += (given.empty() ? "" : ", ") + option->get_name();
+            ++count;
+        }
+        if (count > 1) return text_of(Message::HELP_ONLY_ONE, {given});
+    }
+    return "";
+}
+
 void CommandLine::add_looking() {
     CLI::App* list = add(app_, "list", text_of(Message::HELP_LIST), [this](Report& report) {
         return with_names(filter_.patterns, report, [&] { return fonts::list(filter_, report); });
@@ -207,9 +237,9 @@ void CommandLine::add_looking() {
     list->add_option("PATTERN", filter_.patterns, text_of(Message::HELP_PATTERN));
     list->add_flag("-l,--long", filter_.is_long, text_of(Message::HELP_LONG));
     list->add_option("--format", filter_.format, text_of(Message::HELP_FORMAT))
-        ->check(CLI::IsMember({"type1", "truetype", "opentype", "bitmap", "alias"}));
+        ->check(one_of({"type1", "truetype", "opentype", "bitmap", "alias"}));
     list->add_option("--scope", filter_.scope, text_of(Message::HELP_SCOPE))
-        ->check(CLI::IsMember({"mine", "everyone"}));
+        ->check(one_of({"mine", "everyone"}));
     list->add_option("--charset", filter_.charset, text_of(Message::HELP_CHARSET))
         ->type_name("REGISTRY-ENCODING");
     list->add_option("--owner", filter_.owner, text_of(Message::HELP_OWNER))->type_name("USER");
@@ -226,7 +256,7 @@ void CommandLine::add_looking() {
         return fonts::why(why_, report);
     });
     why->add_option("TEXT", why_.text, text_of(Message::HELP_TEXT))->required();
-    why->add_option("--cure", why_.cure, text_of(Message::HELP_CURE))->check(CLI::PositiveNumber);
+    why->add_option("--cure", why_.cure, text_of(Message::HELP_CURE))->check(from_one());
     add_display(why);
 
     CLI::App* fontset = add(app_, "fontset", text_of(Message::HELP_FONTSET), [this](Report& report) {
@@ -253,17 +283,15 @@ void CommandLine::add_changing() {
         });
     });
     install->add_option("FILE", install_.sources, text_of(Message::HELP_SOURCES))->required();
-    CLI::Option_group* where = install->add_option_group(text_of(Message::HELP_WHERE));
-    where->add_option("--to", install_.directory, text_of(Message::HELP_TO))
-        ->type_name("DIR")
-        ->check(NOT_EMPTY);
-    where->add_flag("--me", mine_, text_of(Message::HELP_ME));
-    where->add_flag("--everyone", everyones_, text_of(Message::HELP_EVERYONE));
-    where->require_option(0, 1);
-    CLI::Option_group* what = install->add_option_group(text_of(Message::HELP_IF_THERE));
-    what->add_flag("--replace", replaces_, text_of(Message::HELP_REPLACE));
-    what->add_flag("--keep", keeps_, text_of(Message::HELP_KEEP));
-    what->require_option(0, 1);
+    only_one_of(Message::HELP_WHERE,
+                {install->add_option("--to", install_.directory, text_of(Message::HELP_TO))
+                     ->type_name("DIR")
+                     ->check(NOT_EMPTY),
+                 install->add_flag("--me", mine_, text_of(Message::HELP_ME)),
+                 install->add_flag("--everyone", everyones_, text_of(Message::HELP_EVERYONE))});
+    only_one_of(Message::HELP_IF_THERE,
+                {install->add_flag("--replace", replaces_, text_of(Message::HELP_REPLACE)),
+                 install->add_flag("--keep", keeps_, text_of(Message::HELP_KEEP))});
 
     CLI::App* removal = add(app_, "delete", text_of(Message::HELP_DELETE), [this](Report& report) {
         return with_names(delete_.patterns, report, [&] { return fonts::delete_fonts(delete_, report); });
@@ -287,13 +315,12 @@ void CommandLine::add_changing() {
     exporting->add_option("DIR", export_.directory, text_of(Message::HELP_EXPORT_DIR))
         ->required()
         ->check(NOT_EMPTY);
-    CLI::Option_group* whose = exporting->add_option_group(text_of(Message::HELP_WHOSE_FONTS));
-    whose->add_option("--from", export_.fonts_of, text_of(Message::HELP_FROM))
-        ->type_name("DIR")
-        ->check(NOT_EMPTY);
-    whose->add_flag("--me", mine_, text_of(Message::HELP_OWN_FONTS));
-    whose->add_flag("--everyone", everyones_, text_of(Message::HELP_EVERYONES_FONTS));
-    whose->require_option(0, 1);
+    only_one_of(Message::HELP_WHOSE_FONTS,
+                {exporting->add_option("--from", export_.fonts_of, text_of(Message::HELP_FROM))
+                     ->type_name("DIR")
+                     ->check(NOT_EMPTY),
+                 exporting->add_flag("--me", mine_, text_of(Message::HELP_OWN_FONTS)),
+                 exporting->add_flag("--everyone", everyones_, text_of(Message::HELP_EVERYONES_FONTS))});
 
     CLI::App* undo = add(app_, "undo", text_of(Message::HELP_UNDO),
                          [this](Report& report) { return fonts::undo(action_, report); });
@@ -316,7 +343,7 @@ CLI::App* CommandLine::add_path_command(CLI::App& path, const std::string& name,
                                         const Command& command) {
     CLI::App* added = add(path, name, about, command);
     added->add_option("--of", whose_, text_of(Message::HELP_OF))
-        ->check(CLI::IsMember({"me", "host", "installation", "session"}));
+        ->check(one_of({"me", "host", "installation", "session"}));
     add_display(added);
     return added;
 }
@@ -393,11 +420,10 @@ int CommandLine::run(int argc, char** argv) {
             (void)app_.exit(error);
             return status_of_output();
         }
-        std::fprintf(stderr, "%s: %s\n", PROGRAM, for_terminal(escaped(error.what())).c_str());
-        std::fprintf(stderr, "%s\n", text_of(Message::SAYS_HELP_SAYS_MORE, {PROGRAM}).c_str());
-        return static_cast<int>(Status::USAGE);
+        return refuse(in_words(error));
     }
-    return execute();
+    const std::string too_much = what_is_too_much();
+    return too_much.empty() ? execute() : refuse(too_much);
 }
 
 }  // namespace
