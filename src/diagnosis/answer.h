@@ -94,7 +94,7 @@ struct NearFont {
 /// A package of the distribution that would bring a font.
 struct PackageHint {
     std::string package;
-    std::string command;  ///< that installs it
+    std::string command;  ///< that installs it; "" where nothing here knows packages by Debian's names
     std::string name;     ///< of a font in it
 };
 

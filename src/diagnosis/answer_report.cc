@@ -30,7 +30,8 @@ class Report {
     }
     void packages(const std::vector<PackageHint>& packages, const std::string& indent) {
         for (const PackageHint& package : packages)
-            line(indent + (package.command.empty() ? package.package : package.command));
+            line(indent + (package.command.empty() ? words_({Said::PACKAGE_OF_DEBIAN, {package.package}})
+                                                   : package.command));
     }
     [[nodiscard]] std::string text() const { return text_; }
 

@@ -14,6 +14,7 @@
 #include "core/text.h"
 #include "fontpath/catalogue.h"
 #include "fontpath/path_element.h"
+#include "platform/host_paths.h"
 
 namespace gw::diagnosis {
 
@@ -61,7 +62,7 @@ class PathLook {
         for (std::size_t i = 0; i < served_.size(); ++i)
             report(served_[i], static_cast<int>(i) + 1, is_among(served_[i], configured_));
         for (const std::string& element : configured_)
-            if (!is_among(element, served_)) report(element, 0, true);
+            if (!is_among(element, served_) && !is_still_to_be_made(element)) report(element, 0, true);
         return std::move(state_);
     }
 
@@ -98,6 +99,14 @@ class PathLook {
         for (std::string& silent :
              find_silent(std::vector<std::string>(directories.begin(), directories.end())))
             silent_.insert(std::move(silent));
+    }
+
+    /// Everyone's directory is on every installation's path, and is made for the first font that is installed
+    /// there. Nobody lacks it before.
+    [[nodiscard]] bool is_still_to_be_made(const std::string& element) const {
+        struct stat info = {};
+        return place_ != ServerPlace::ELSEWHERE && with_trailing_slash(element) == SUPERUSER_FONT_DIR &&
+               ::stat(SUPERUSER_FONT_DIR, &info) != 0 && errno == ENOENT;
     }
 
     // --- one element ---------------------------------------------------------

@@ -7,6 +7,7 @@
 #include "diagnosis/find_surroundings.h"
 #include "fontfiles/gw_fontset_file.h"
 #include "platform/host_paths.h"
+#include "texts/sentences.h"
 
 #include "glyphward-fonts/commands.h"
 #include "glyphward-fonts/host.h"
@@ -65,7 +66,9 @@ void show(const NamedFontset& set, const Answer& answer, Report& report) {
             report.line("        " + (font.is_served ? escaped(font.name)
                                                      : text_of(Message::SAYS_NOT_SERVED, {font.name})));
         for (const diagnosis::PackageHint& hint : coverage.packages)
-            report.line("        " + (hint.command.empty() ? hint.package : hint.command));
+            report.line("        " + (hint.command.empty()
+                                          ? gw::in_words({diagnosis::Said::PACKAGE_OF_DEBIAN, {hint.package}})
+                                          : hint.command));
     }
 }
 

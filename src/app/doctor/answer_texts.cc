@@ -121,11 +121,21 @@ std::vector<StateLine> cure_lines(const std::vector<Cure>& cures) {
     return lines;
 }
 
+namespace {
+
+/// The package by its name in Debian, the only one that is known.
+std::string package_text(const PackageHint& hint) {
+    return hint.command.empty() ? in_words({diagnosis::Said::PACKAGE_OF_DEBIAN, {hint.package}})
+                                : hint.package;
+}
+
+}  // namespace
+
 std::vector<std::string> package_lines(const std::vector<PackageHint>& packages) {
     std::vector<std::string> lines;
     lines.reserve(packages.size());
     for (const PackageHint& hint : packages)
-        lines.push_back(text_of(Message::DOCTOR_PACKAGE_WITH, {hint.package, hint.name}));
+        lines.push_back(text_of(Message::DOCTOR_PACKAGE_WITH, {package_text(hint), hint.name}));
     return lines;
 }
 
@@ -144,7 +154,8 @@ std::vector<StateLine> charset_lines(const Answer& answer) {
 std::string coverage_text(const CharsetCoverage& charset) {
     std::string text;
     for (const NearFont& font : charset.nearest) append_line(text, font.name + ": " + near_text(font));
-    for (const PackageHint& hint : charset.packages) append_line(text, hint.command);
+    for (const PackageHint& hint : charset.packages)
+        append_line(text, hint.command.empty() ? package_text(hint) : hint.command);
     return text;
 }
 

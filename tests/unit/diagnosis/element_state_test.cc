@@ -11,6 +11,7 @@
 
 #include "core/text.h"
 #include "diagnosis/element_state.h"
+#include "platform/host_paths.h"
 #include "support/access_lists.h"
 #include "support/played_server.h"
 #include "support/temp_dir.h"
@@ -95,6 +96,16 @@ TEST_F(ElementStateTest, ADirectoryThatIsNotThere) {
     EXPECT_TRUE(has_remark(report, Said::SERVER_STILL_HAS_IT));
     root.write("file", "x");
     expect(report_on(root.file("file")), ElementState::DEAD, Trouble::NO_DIRECTORY, Said::NOT_A_DIRECTORY);
+}
+
+TEST_F(ElementStateTest, EveryonesDirectoryIsMissingBeforeItsFirstFontOnly) {
+    if (fs::exists(SUPERUSER_FONT_DIR)) GTEST_SKIP() << "somebody has installed fonts for everyone";
+    server.path = {"built-ins"};
+    surroundings.configured = {SUPERUSER_FONT_DIR, root.file("none/")};
+    const std::vector<ElementReport> configured = look_at_path(server, surroundings).reports;
+    ASSERT_EQ(configured.size(), 2U);
+    expect(configured[1], ElementState::DEAD, Trouble::NO_DIRECTORY, Said::NO_SUCH_DIRECTORY);
+    expect(report_on(SUPERUSER_FONT_DIR), ElementState::DEAD, Trouble::NO_DIRECTORY, Said::NO_SUCH_DIRECTORY);
 }
 
 TEST_F(ElementStateTest, TheFirstLevelThatTheServerMayNotPassIsNamed) {
