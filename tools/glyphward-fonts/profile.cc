@@ -3,15 +3,19 @@
 
 #include <array>
 #include <filesystem>
+#include <optional>
 #include <sstream>
 #include <string_view>
 #include <system_error>
 
 #include "core/replace_file.h"
-#include "glyphward-fonts/toml_guard.h"
+#include "fontfiles/unicode_text.h"
+#include "glyphward-fonts/ascii_text.h"
 #include "texts/messages.h"
 #include "texts/reasons.h"
 
+// What the library asserts, it also has errors for; an assertion would keep it from them in a debug build.
+#define TOML_ASSERT(expr) static_assert(true)
 #include <toml++/toml.h>
 
 namespace gw::fonts {
@@ -23,7 +27,7 @@ namespace fs = std::filesystem;
 /// Reads tables key by key. The first thing that is wrong is thrown, and caught by `read_profile`.
 class Reader {
   public:
-    explicit Reader(std::string path) : path_(std::move(path)) {}
+    Reader(std::string path, AsciiText text) : path_(std::move(path)), text_(std::move(text)) {}
 
     [[noreturn]] void refuse(const toml::node& node, const std::string& why) const {
         throw ProfileError{path_ + ':' + std::to_string(node.source().begin.line), why};
@@ -33,7 +37,7 @@ class Reader {
         if (value == nullptr) refuse(node, text_of(Message::SAYS_MUST_BE_TEXT, {key}));
         // No name of a file or font has a NUL byte; it would end there.
         if (value->get().find('\0') != std::string::npos) refuse(node, text_of(Message::SAYS_HAS_NUL, {key}));
-        return value->get();
+        return text_.original(value->get());
     }
     std::vector<std::string> texts(const toml::node& node, std::string_view key) const {
         const toml::array* array = node.as_array();
@@ -47,7 +51,7 @@ class Reader {
         refuse(node, text_of(Message::SAYS_MUST_BE_TABLE, {key}));
     }
     [[noreturn]] void unknown(const toml::node& node, std::string_view key) const {
-        refuse(node, text_of(Message::SAYS_NO_SUCH_KEY, {key}));
+        refuse(node, text_of(Message::SAYS_NO_SUCH_KEY, {text_.original(key)}));
     }
     /// Files beside the profile, or below. Others are refused: a profile is copied with its directory.
     [[nodiscard]] std::vector<std::string> files(const toml::node& node, std::string_view key) const {
@@ -65,6 +69,7 @@ class Reader {
 
   private:
     std::string path_;
+    AsciiText text_;
 };
 
 void read_fonts(const Reader& reader, const toml::table& table, Profile& profile) {
@@ -169,6 +174,20 @@ Profile read(const Reader& reader, const toml::table& table) {
     return profile;
 }
 
+std::string_view without_byte_order_mark(std::string_view text) {
+    constexpr std::string_view MARK = "\xEF\xBB\xBF";
+    return text.starts_with(MARK) ? text.substr(MARK.size()) : text;
+}
+
+/// The first such line, from 1.
+std::optional<int> line_that_is_not_utf8(const std::string& text) {
+    std::istringstream lines(text);
+    int number = 1;
+    for (std::string line; std::getline(lines, line); ++number)
+        if (!is_utf8(line)) return number;
+    return {};
+}
+
 toml::array array_of(const std::vector<std::string>& texts) {
     toml::array array;
     for (const std::string& text : texts) array.push_back(text);
@@ -180,14 +199,16 @@ toml::array array_of(const std::vector<std::string>& texts) {
 std::variant<Profile, ProfileError> read_profile(const std::string& path) {
     const Result<std::string> bytes = read_file(path);
     if (!bytes) return ProfileError{path, reason_in_language(bytes.failure())};
-    if (const auto mistake = mistake_before_parsing(*bytes); mistake)
-        return ProfileError{path + ':' + std::to_string(mistake->line), text_of(mistake->what)};
+    if (const auto line = line_that_is_not_utf8(*bytes); line)
+        return ProfileError{path + ':' + std::to_string(*line), text_of(Message::SAYS_NOT_UTF8)};
+    const std::optional<AsciiText> text = AsciiText::from(without_byte_order_mark(*bytes));
+    if (!text) return ProfileError{path, text_of(Message::SAYS_TOO_MANY_CHARACTERS, {AsciiText::MARKS})};
     try {
-        const toml::table table = toml::parse(*bytes, path);
-        return read(Reader(path), table);
+        const toml::table table = toml::parse(text->text(), path);
+        return read(Reader(path, *text), table);
     } catch (const toml::parse_error& error) {
         return ProfileError{path + ':' + std::to_string(error.source().begin.line),
-                            std::string(error.description())};
+                            text->original(error.description())};
     } catch (const ProfileError& error) {
         return error;
     }
