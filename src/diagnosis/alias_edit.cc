@@ -66,7 +66,7 @@ Outcome edit_aliases(const std::string& directory, bool makes_index, const Alias
         if (!before) return before.failure();
         const Result<std::string> text = edited(before->text);
         if (!text) return text.failure();
-        if (*text == before->text) return done();
+        if (*text == before->text) return makes_index ? (*change)->commit() : done();
         struct stat now = {};
         const bool is_there = (*change)->dir().look_at(ALIASES, now);
         if (is_there != before->info.has_value() || (is_there && !is_same(now, *before->info))) continue;

@@ -130,7 +130,7 @@ Result<std::string> with_alias(const std::string& text, AddedAlias& added) {
     const AliasEntry* known = entry_of(*entries, added.alias);
     if (known == nullptr) return checked(with_our_alias(text, added.alias, added.font), added);
     if (server_lower_case(known->font) == server_lower_case(added.font)) {
-        added.is_ours = known->is_ours;
+        added.is_new = false;
         return text;
     }
     if (!known->is_ours) return Failure{added.alias, Reason::IS_AN_ALIAS};
@@ -220,7 +220,7 @@ bool has_newer_aliases(const AddedAlias& added) {
 }
 
 Outcome remove_own_alias(const AddedAlias& added) {
-    if (!added.is_ours) return done();
+    if (!added.is_new) return done();
     struct stat info = {};
     if (::stat(added.directory.c_str(), &info) != 0 && errno == ENOENT)
         return Failure{added.directory, Reason::CHANGED_SINCE};

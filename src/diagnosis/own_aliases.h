@@ -17,7 +17,7 @@ struct AddedAlias {
     std::string directory;
     std::string alias;
     std::string font;
-    bool is_ours = true;           ///< false when somebody's own line says just that; nothing was added then
+    bool is_new = true;            ///< false when a line said just that before; nothing was added then
     std::string font_before = {};  ///< what the alias stood for; "" when it was not there
     std::vector<std::string> made_directories = {};  ///< the outer one first
     std::vector<std::string> known = {};             ///< the aliases that were there already, in lower case

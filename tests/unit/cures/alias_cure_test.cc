@@ -97,6 +97,16 @@ TEST_F(AliasCure, AnAliasOfOursIsReplacedAndComesBack) {
     EXPECT_EQ(aliases(), "a b\n" + ours("fancy", OTHER) + "c d\n");
 }
 
+TEST_F(AliasCure, AnAliasThatWasThereGetsItsIndexAndStays) {
+    home.write("glyphwd_fonts/aliases/fonts.alias", ours("fancy", FONT));
+    const auto deed = carry_out(naming("fancy", FONT));
+    ASSERT_TRUE(deed) << deed.failure().text();
+    EXPECT_EQ(gw::test::TempDir::read_bytes(dir() + "fonts.dir"), "0\n");
+    EXPECT_THAT(server.path, ElementsAre("built-ins", dir()));
+    ASSERT_TRUE(deed->undo());
+    EXPECT_EQ(aliases(), ours("fancy", FONT));
+}
+
 TEST_F(AliasCure, OneOfTheUsersOwnIsNot) {
     write_aliases("Fancy " + std::string(OTHER) + '\n');
     EXPECT_EQ(reason_of(naming("fancy", FONT)), Reason::IS_AN_ALIAS);
