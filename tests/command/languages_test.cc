@@ -84,6 +84,15 @@ TEST(CommandLanguageOfOldLocales, HaveTheirBytes) {
     EXPECT_THAT(fonts_command({"list", "no-such-font"}).err, HasSubstr("keine Schrift hei\xDFt so"));
 }
 
+// The characters of the locale that is asked about are those of other programs.
+TEST(CommandLanguageOfOldLocales, IsNotThatOfTheFontset) {
+    const gw::test::Variable locale("LC_ALL", "ja_JP.eucJP");
+    const Ran ran = fonts_command({"fontset", "en_US.UTF-8", "--server", ":77"});
+    EXPECT_EQ(ran.status, 4);
+    EXPECT_THAT(ran.err, testing::ContainsRegex("[\xA1-\xFE]")) << "it is in Japanese";
+    EXPECT_THAT(ran.err, Not(HasSubstr("\\x")));
+}
+
 TEST(CommandNames, HaveNoMarkOfTheWindow) {
     const gw::test::OwnHome home;
     const std::string to = home.dir().make_dir("to");

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <clocale>
 #include <cstdlib>
+#include <string>
 
 #include "core/text.h"
 #include "diagnosis/answer.h"
@@ -56,6 +57,31 @@ Json in_json(const NamedFontset& set, const Answer& answer) {
             {"charsets", charsets}};
 }
 
+/// The characters are those of another locale, as long as this exists.
+class CharactersOf {
+  public:
+    explicit CharactersOf(const std::string& locale) { std::setlocale(LC_CTYPE, locale.c_str()); }
+    ~CharactersOf() { std::setlocale(LC_CTYPE, own_.c_str()); }
+    CharactersOf(const CharactersOf&) = delete;
+    CharactersOf& operator=(const CharactersOf&) = delete;
+
+  private:
+    std::string own_ = std::setlocale(LC_CTYPE, nullptr);
+};
+
+/// What programs in that locale get. They have its characters; what is printed about it has the user's.
+Answer answer_in(const std::string& locale, const diagnosis::Question& question, ServerView& server) {
+    const CharactersOf characters(locale);
+    return diagnosis::answer(question, server, diagnosis::find_surroundings());
+}
+
+bool has_locale(const std::string& locale) {
+    const std::string own = std::setlocale(LC_CTYPE, nullptr);
+    const bool has = std::setlocale(LC_CTYPE, locale.c_str()) != nullptr;
+    std::setlocale(LC_CTYPE, own.c_str());
+    return has;
+}
+
 void show(const NamedFontset& set, const Answer& answer, Report& report) {
     report.line(escaped(set.name.empty() ? set.base_names : set.name) + ':');
     for (const CharsetCoverage& coverage : answer.charsets) {
@@ -76,7 +102,7 @@ void show(const NamedFontset& set, const Answer& answer, Report& report) {
 
 Status fontset(const FontsetOptions& options, Report& report) {
     const std::string& locale = options.locale;
-    if (std::setlocale(LC_CTYPE, locale.c_str()) == nullptr) {
+    if (!has_locale(locale)) {
         report.trouble(locale, Message::SAYS_NO_LOCALE);
         return Status::COULD_NOT;
     }
@@ -92,7 +118,7 @@ Status fontset(const FontsetOptions& options, Report& report) {
         diagnosis::Question question;
         question.wanted = diagnosis::Wanted::FONTSET;
         question.name = set.base_names;
-        const Answer answer = diagnosis::answer(question, *server, diagnosis::find_surroundings());
+        const Answer answer = answer_in(locale, question, *server);
         answer.works ? tally.done() : tally.failed();
         show(set, answer, report);
         all.push_back(in_json(set, answer));
