@@ -40,9 +40,9 @@ bool is_control(char32_t code) {
         char32_t first;
         char32_t last;
     };
-    // The last three are line separators, and what turns the direction of writing.
-    constexpr std::array<Range, 5> CONTROLS = {
-        {{0, 0x1F}, {0x7F, 0x9F}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}}};
+    // The last four are line separators, and what turns the direction of writing.
+    constexpr std::array<Range, 6> CONTROLS = {
+        {{0, 0x1F}, {0x7F, 0x9F}, {0x61C, 0x61C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}}};
     return std::any_of(CONTROLS.begin(), CONTROLS.end(),
                        [code](const Range& range) { return code >= range.first && code <= range.last; });
 }

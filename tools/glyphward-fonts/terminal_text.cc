@@ -38,8 +38,8 @@ Character first_of_locale(std::string_view text) {
 
 /// Controls of the second set, separators of lines, and what turns the direction of writing.
 bool is_control(char32_t code) {
-    static constexpr std::array<std::pair<char32_t, char32_t>, 4> CONTROLS = {
-        {{0x80, 0x9F}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}}};
+    static constexpr std::array<std::pair<char32_t, char32_t>, 5> CONTROLS = {
+        {{0x80, 0x9F}, {0x61C, 0x61C}, {0x200E, 0x200F}, {0x2028, 0x202E}, {0x2066, 0x2069}}};
     return std::any_of(CONTROLS.begin(), CONTROLS.end(),
                        [code](const auto& range) { return code >= range.first && code <= range.second; });
 }
