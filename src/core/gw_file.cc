@@ -101,7 +101,9 @@ int GW_FILE::file_flush() {
 
 void GW_FILE::read_far_ahead() {
     constexpr std::size_t PIECE = 65536;
-    if (fp) std::setvbuf(fp.get(), nullptr, _IOFBF, PIECE);
+    if (!fp) return;
+    ahead.resize(PIECE);
+    std::setvbuf(fp.get(), ahead.data(), _IOFBF, ahead.size());
 }
 
 int GW_FILE::read(char* buf, int n) {

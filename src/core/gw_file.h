@@ -5,6 +5,7 @@
 
 #include <cstdio>
 #include <memory>
+#include <vector>
 
 #include "core/directory.h"
 #include "core/failure.h"
@@ -64,6 +65,7 @@ class GW_FILE : public GW_FILE_SPEC {
     std::FILE* opened(const char* mode);
     gw::Result<gw::Descriptor> open_for_reading();
 
+    std::vector<char> ahead;  // the stream's own buffer, which outlives it
     std::unique_ptr<std::FILE, Closer> fp;
     gw::Outcome failed;
     gw::Outcome copying;
