@@ -134,10 +134,12 @@ bool is_taken(const EveryoneAnswer::Font& font) {
     return font.why.code == EveryoneAnswer::NAME_TAKEN;
 }
 
-bool is_in_conflict(const EveryoneAnswer::Font& font) {
+bool is_in_conflict(const EveryoneAnswer::Font& font, const EveryoneAnswer& answer) {
     return is_taken(font) &&
            std::any_of(the_conflict_list.begin(), the_conflict_list.end(), [&](const GWConflict* conflict) {
-               return plain_name(conflict->get_name()) == plain_name(font.font);
+               const std::vector<const EveryoneAnswer::Font*> fonts =
+                   answers_about(conflict->get_name(), answer);
+               return std::find(fonts.begin(), fonts.end(), &font) != fonts.end();
            });
 }
 
@@ -146,7 +148,7 @@ bool is_in_conflict(const EveryoneAnswer::Font& font) {
 std::vector<gw::FailureText> failures_in(const EveryoneAnswer& answer) {
     std::vector<gw::FailureText> failures = failures_before();
     for (const EveryoneAnswer::Font& font : answer.fonts) {
-        if (!is_done(font) && !is_in_conflict(font))
+        if (!is_done(font) && !is_in_conflict(font, answer))
             failures.push_back({gw::escaped(font.font), reason_of(font), {}});
     }
     // Each font that failed is a problem too.
@@ -334,6 +336,12 @@ void show_what_goes_on(int count) {
 void start_request(const std::vector<const GWHRNElement*>& entries, gw::NameTaken decision) {
     std::vector<gw::SentFile> files = gw::files_of(entries);
     work().left_out = gw::leave_out_unsendable(files);
+    if (files.empty()) {
+        // Nobody is asked for a password for nothing.
+        EveryoneAnswer nothing;
+        nothing.kind = EveryoneAnswer::Kind::ANSWERED;
+        return work().planned.empty() ? tell(nothing) : tell_replaced(nothing);
+    }
     work().request = std::make_unique<gw::EveryoneRequest>(std::move(files), decision);
     if (const gw::Outcome started = work().request->start(gw::everyones_command()); !started) {
         gw::tell(started.failure());
