@@ -146,9 +146,10 @@ void remove_begun(const Directory& fonts, const std::string& name) {
     {
         const Result<Directory> dir = fonts.below(name);
         if (dir) {
-            (void)file_calls().unlink(dir->fd(), LOCK, 0);
             for (const char* part : {MADE, SET_ASIDE})
                 (void)file_calls().unlink(dir->fd(), part, AT_REMOVEDIR);
+            // Last: without it, somebody else could make one and begin.
+            (void)file_calls().unlink(dir->fd(), LOCK, 0);
         }
     }
     (void)file_calls().unlink(fonts.fd(), name.c_str(), AT_REMOVEDIR);
