@@ -15,18 +15,29 @@ std::string contents(const std::string& path) {
     return text.str();
 }
 
-}  // namespace
-
 // The name of the program comes before its state, in parentheses.
-char ProcessWatch::state() const {
-    const std::string stat = contents(directory_ + "stat");
+char state_in(const std::string& directory) {
+    const std::string stat = contents(directory + "stat");
     const std::size_t end = stat.rfind(')');
     return end == std::string::npos || end + 2 >= stat.size() ? 'X' : stat[end + 2];
 }
 
+}  // namespace
+
+char ProcessWatch::state() const {
+    return state_in(directory_);
+}
+
 std::string ProcessWatch::children() const {
     const std::string pid = std::filesystem::path(directory_).parent_path().filename();
-    return contents(directory_ + "task/" + pid + "/children");
+    std::istringstream all(contents(directory_ + "task/" + pid + "/children"));
+    std::string living;
+    for (std::string child; all >> child;) {
+        // The program kills those that do not answer, and collects them when it starts the next.
+        const char state = state_in("/proc/" + child + '/');
+        if (state != 'X' && state != 'Z') living += (living.empty() ? "" : " ") + child;
+    }
+    return living;
 }
 
 bool ProcessWatch::has_ended() const {
