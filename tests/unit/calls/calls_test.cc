@@ -160,7 +160,7 @@ TEST_F(CallsForAFont, ThatIsInstalled) {
                                                                {"fcntl", 200},
                                                                {"fsync", 400},
                                                                {"lseek", 400},
-                                                               {"newfstatat", 3900},
+                                                               {"newfstatat", 3700},
                                                                {"openat", 1600},
                                                                {"read", 500},
                                                                {"renameat", 200},
