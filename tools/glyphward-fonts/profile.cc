@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "glyphward-fonts/profile.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <optional>
@@ -179,12 +180,23 @@ std::string_view without_byte_order_mark(std::string_view text) {
     return text.starts_with(MARK) ? text.substr(MARK.size()) : text;
 }
 
-/// The first such line, from 1.
-std::optional<int> line_that_is_not_utf8(const std::string& text) {
+/// A dot between keys is a table within a table, and those that lie very deep overrun the stack when they go.
+constexpr int MOST_DOTS = 200;
+
+/// What is wrong with a line, if anything is, before it is parsed.
+std::optional<std::string> mistake_in(const std::string& line) {
+    if (!is_utf8(line)) return text_of(Message::SAYS_NOT_UTF8);
+    if (std::count(line.begin(), line.end(), '.') > MOST_DOTS)
+        return text_of(Message::SAYS_TOO_MANY_DOTS, {std::to_string(MOST_DOTS)});
+    return {};
+}
+
+std::optional<ProfileError> mistake_in_lines(const std::string& text, const std::string& path) {
     std::istringstream lines(text);
     int number = 1;
     for (std::string line; std::getline(lines, line); ++number)
-        if (!is_utf8(line)) return number;
+        if (const auto mistake = mistake_in(line); mistake)
+            return ProfileError{path + ':' + std::to_string(number), *mistake};
     return {};
 }
 
@@ -199,8 +211,7 @@ toml::array array_of(const std::vector<std::string>& texts) {
 std::variant<Profile, ProfileError> read_profile(const std::string& path) {
     const Result<std::string> bytes = read_file(path);
     if (!bytes) return ProfileError{path, reason_in_language(bytes.failure())};
-    if (const auto line = line_that_is_not_utf8(*bytes); line)
-        return ProfileError{path + ':' + std::to_string(*line), text_of(Message::SAYS_NOT_UTF8)};
+    if (const auto mistake = mistake_in_lines(*bytes, path); mistake) return *mistake;
     const std::optional<AsciiText> text = AsciiText::from(without_byte_order_mark(*bytes));
     if (!text) return ProfileError{path, text_of(Message::SAYS_TOO_MANY_CHARACTERS, {AsciiText::MARKS})};
     try {
