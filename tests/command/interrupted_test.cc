@@ -193,6 +193,7 @@ class InterruptedCommand : public testing::TestWithParam<Operation> {
     void SetUp() override {
         if (GetParam().is_for_users && ::geteuid() == 0)
             GTEST_SKIP() << "the superuser has no path of an own";
+        carry_out_before();
         OwnMachine machine;
         GetParam().prepare(machine);
         before = std::make_unique<State>(machine);
@@ -202,6 +203,12 @@ class InterruptedCommand : public testing::TestWithParam<Operation> {
         after = std::make_unique<State>(machine);
         ASSERT_FALSE(*before == *after);
         ASSERT_GT(calls, 3);
+    }
+    /// What is made once, as the places of locks beside files of the system, costs no calls later.
+    static void carry_out_before() {
+        OwnMachine machine;
+        GetParam().prepare(machine);
+        expect_done(GetParam().words(machine));
     }
     void expect_whole(const State& now, int at) const {
         EXPECT_TRUE(now.fonts == before->fonts || now.fonts == after->fonts)
