@@ -24,7 +24,6 @@ using gw::test::Ran;
 using gw::test::SANS;
 using gw::test::TempDir;
 using gw::test::Variable;
-using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 
