@@ -95,6 +95,8 @@ void cancel_cb(Widget, XtPointer, XtPointer) {
 
 void refresh_on_popup_cb(Widget, XtPointer, XtPointer) {
     show_space_on_opening();
+    // Larger numbers may have made it wider.
+    popup_cb(wi_install_dlg, nullptr, nullptr);
     if (!gw::is_lookup_pending()) gw::start_source_checks();
 }
 
