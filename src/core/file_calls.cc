@@ -29,8 +29,9 @@ int set_mode(int fd, mode_t mode) {
     return ::chmod(("/proc/self/fd/" + std::to_string(fd)).c_str(), mode);
 }
 
-constexpr FileCalls SYSTEM = {open_file,   ::mkdirat,         ::renameat, link_file, ::unlinkat, ::write,
-                              ::ftruncate, ::posix_fallocate, ::fsync,    set_mode,  ::fchown,   ::futimens};
+constexpr FileCalls SYSTEM = {open_file, ::mkdirat,   ::renameat,        link_file, ::unlinkat,
+                              ::write,   ::ftruncate, ::posix_fallocate, ::fsync,   set_mode,
+                              ::fchown,  ::futimens,  ::syncfs};
 
 const FileCalls*& current() {
     static const FileCalls* calls = &SYSTEM;

@@ -27,6 +27,8 @@ struct FileCalls {
     int (*set_mode)(int fd, mode_t mode);
     int (*set_owner)(int fd, uid_t owner, gid_t group);
     int (*set_times)(int fd, const timespec times[2]);
+    /// All that was written to the file system of `fd`: `syncfs`.
+    int (*sync_all)(int fd);
 };
 
 /// The system's own calls.

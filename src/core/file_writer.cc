@@ -52,9 +52,10 @@ Outcome FileWriter::finish() {
         (void)file_calls().set_times(fd_.get(), times);
     }
     // Otherwise an index that names the file could reach the disk before the file.
-    if (file_calls().set_mode(fd_.get(), mode_) != 0 || file_calls().sync(fd_.get()) != 0) fail(errno);
+    if (file_calls().set_mode(fd_.get(), mode_) != 0) fail(errno);
+    if (!is_left_to_others_ && file_calls().sync(fd_.get()) != 0) fail(errno);
     if (::fstat(fd_.get(), &info_) != 0) fail(errno);
-    close();
+    if (!is_left_to_others_) close();
     return outcome();
 }
 

@@ -50,6 +50,12 @@ class FileWriter {
     [[nodiscard]] const struct stat& info() const { return info_; }
 
   protected:
+    /// `finish` leaves it to others to write the file to the disk, and keeps it open for them.
+    void leave_to_others() { is_left_to_others_ = true; }
+    [[nodiscard]] bool is_left_to_others() const { return is_left_to_others_; }
+    [[nodiscard]] const Descriptor& descriptor() const { return fd_; }
+    /// Gives the open file away.
+    [[nodiscard]] Descriptor take_descriptor() { return std::move(fd_); }
     /// Remembers the first failure; false.
     bool fail(int error);
     /// Forgets the file: what has no descriptor any more is not written to.
@@ -66,6 +72,7 @@ class FileWriter {
     mode_t mode_ = 0644;
     struct stat info_ = {};
     int error_ = 0;
+    bool is_left_to_others_ = false;
 };
 
 }  // namespace gw

@@ -44,7 +44,7 @@ Outcome FontInstallation::finish() {
     const std::string name = font.name_in_copy(first);
     const Result<IndexLines> found = index_lines(font, name);
     if (!found) return found.failure();
-    for (const DirectoryChange::StagedFile& copy : copies) {
+    for (DirectoryChange::StagedFile& copy : copies) {
         if (Outcome put = change.put(copy); !put) return put;
     }
     for (const std::string& line : found->lines) change.enter(line);

@@ -91,11 +91,17 @@ Outcome DirectoryChange::cut_journal(off_t size) {
     return *broken_;
 }
 
+/// The records are on the disk then, with all before them.
 Outcome DirectoryChange::note(const std::vector<journal::Record>& records) {
-    return with_room([&] { return note_once(records); });
+    return with_room([&] { return append_once(records, true); });
 }
 
-Outcome DirectoryChange::note_once(const std::vector<journal::Record>& records) {
+/// The records are in the journal, and on the disk with the next ones that are noted.
+Outcome DirectoryChange::append(const std::vector<journal::Record>& records) {
+    return with_room([&] { return append_once(records, false); });
+}
+
+Outcome DirectoryChange::append_once(const std::vector<journal::Record>& records, bool goes_to_disk) {
     if (broken_) return *broken_;
     if (!journal_.is_open()) {
         Result<Descriptor> file = own_->create(own_->dir(), OwnDirectory::JOURNAL, dir_.path());
@@ -111,7 +117,7 @@ Outcome DirectoryChange::note_once(const std::vector<journal::Record>& records) 
     if (end + static_cast<off_t>(lines.size()) > journal::MOST_BYTES)
         return Failure::of_system(dir_.path(), EFBIG);
     int error = write_all(journal_.get(), lines);
-    if (error == 0 && file_calls().sync(journal_.get()) != 0) error = errno;
+    if (error == 0 && goes_to_disk && file_calls().sync(journal_.get()) != 0) error = errno;
     if (error != 0) {
         if (Outcome cut = cut_journal(end); !cut) return cut;
         return Failure::of_system(dir_.path(), error);
@@ -161,6 +167,7 @@ Result<DirectoryChange::StagedFile> DirectoryChange::stage(const std::string& na
     if (name == SCALABLE) own_->lend_to_group(fd->get());
     StagedFile file(std::move(*fd), path, name, number);
     file.set_room_maker([this] { return give_way(); });
+    if (gathers_ && name != SCALABLE) file.leave_to_others();
     struct stat old = {};
     const Result<PlaceBelow> place = PlaceBelow::of(dir_, name);
     if (place && place->dir().look_at(place->name(), old)) file.set_owner({old.st_uid, old.st_gid});
@@ -173,10 +180,6 @@ bool DirectoryChange::changes_a_file(const StagedFile& file) const {
     const Result<std::string> old = place->dir().read(place->name());
     const Result<std::string> made = own_->made().read(file.number_);
     return !old || !made || *old != *made;
-}
-
-Outcome DirectoryChange::put(const StagedFile& file) {
-    return put_if(file, [] { return true; });
 }
 
 /// Fails with EAGAIN when `still` says, at the last moment, that the file is not to be replaced.
@@ -211,11 +214,16 @@ Outcome DirectoryChange::move_in(const Directory& from, const std::string& from_
     }
     if (calls.rename(from.fd(), from_name.c_str(), old_place, place->name().c_str()) != 0)
         return Failure::of_system(path, errno);
+    stay_where_something_comes(name);
+    return done();
+}
+
+/// What was to go stays when another file has its name.
+void DirectoryChange::stay_where_something_comes(const std::string& name) {
     for (auto [found, end] = places_of_leaving_.equal_range(name); found != end; ++found) {
         if (std::exchange(leaving_[found->second].stays, true)) continue;
         staying_.push_back(found->second);
     }
-    return done();
 }
 
 bool DirectoryChange::take_out(const std::string& name, bool may_stay) {
@@ -270,28 +278,34 @@ void DirectoryChange::forget_leaving(std::size_t leaving, std::size_t staying) {
 
 /// Files that were begun and have no name go at once: where the disk is full, the next font needs their room.
 void DirectoryChange::drop_staged(unsigned first) {
+    std::erase_if(arrivals_, [first](const Arrival& arrival) { return arrival.number >= first; });
     for (auto number = staged_.lower_bound(first); number != staged_.end(); number = staged_.erase(number)) {
         if (own_) (void)file_calls().unlink(own_->made().fd(), std::to_string(*number).c_str(), 0);
     }
 }
 
+// As long as a file has both names, it can be found without its record.
 void DirectoryChange::take_back_to(const Mark& mark) {
     edit_->take_back_to(mark.edits);
     forget_leaving(mark.leaving, mark.staying);
     afterwards_.resize(mark.afterwards);
     scalable_lines_.resize(mark.scalable_lines);
     makes_index_ = mark.makes_index;
+    take_back_records(mark.records);
     drop_staged(mark.next_number);
-    if (records_.size() <= mark.records) return;
-    const auto first = records_.begin() + static_cast<std::ptrdiff_t>(mark.records);
+}
+
+void DirectoryChange::take_back_records(std::size_t first) {
+    if (records_.size() <= first) return;
+    const auto begin = records_.begin() + static_cast<std::ptrdiff_t>(first);
     // What cannot be taken back stays in the journal, for the next time.
-    if (const Outcome taken = take_back(dir_, *own_, {first, records_.end()}); !taken) {
+    if (const Outcome taken = take_back(dir_, *own_, {begin, records_.end()}); !taken) {
         broken_ = taken.failure();
         return;
     }
-    (void)cut_journal(offsets_[mark.records]);
-    records_.resize(mark.records);
-    offsets_.resize(mark.records);
+    (void)cut_journal(offsets_[first]);
+    records_.resize(first);
+    offsets_.resize(first);
 }
 
 Outcome DirectoryChange::set_aside(const std::string& name, unsigned number) const {
@@ -379,6 +393,7 @@ void DirectoryChange::undo_on_disk() {
     Mark all = mark();
     all.records = 0;
     take_back_to(all);
+    arrivals_.clear();
     drop_journal();
 }
 

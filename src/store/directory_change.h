@@ -4,7 +4,9 @@
 // not at all, also when the process is killed in the middle: the next change, or the next `settle`, takes
 // back what was begun.
 //
-// New files are made in our own directory (see own_directory.h) and get their names font by font. What goes,
+// New files are made in our own directory (see own_directory.h) and get their names font by font. Those of a
+// longer action keep their names in our directory too, until they have been written to the disk with others:
+// what has two names and no record goes when the change is taken back. What goes,
 // and the index, follow when the change is committed: first the index, in one write, then the files. What
 // went can be kept in the trash (see trash.h).
 #pragma once
@@ -30,6 +32,8 @@
 #include "store/trash_manifest.h"
 
 namespace gw {
+
+class PlaceBelow;
 
 class DirectoryChange {
   public:
@@ -67,7 +71,10 @@ class DirectoryChange {
     /// Whether the finished file will replace one with other bytes.
     [[nodiscard]] bool changes_a_file(const StagedFile& file) const;
     /// Gives the finished file its name.
-    Outcome put(const StagedFile& file);
+    Outcome put(StagedFile& file);
+    /// From now on many new files are written to the disk at once, in the end when the change is committed,
+    /// where the file system allows it.
+    void gather_arrivals();
     /// The file NAME goes when the change is committed; one that is missing counts as gone. With `may_stay`
     /// the change succeeds although the file cannot be removed, and the listener for failures is told. False
     /// for a name that a journal cannot have; nothing is done then.
@@ -180,6 +187,13 @@ class DirectoryChange {
         std::function<void()> run;
     };
 
+    /// A new file that may not be on the disk yet, and not its record: it keeps the number in our directory.
+    struct Arrival {
+        Descriptor file;
+        std::string name;
+        unsigned number;
+    };
+
     DirectoryChange(Directory dir, std::unique_ptr<OwnDirectory> own);
     /// The same failure, of a file that the user knows.
     static Failure about(std::string path, Failure failure);
@@ -191,7 +205,8 @@ class DirectoryChange {
     [[nodiscard]] Outcome may_write_index() const;
     [[nodiscard]] Outcome may_be_replaced(const std::string& name) const;
     Outcome note(const std::vector<journal::Record>& records);
-    Outcome note_once(const std::vector<journal::Record>& records);
+    Outcome append(const std::vector<journal::Record>& records);
+    Outcome append_once(const std::vector<journal::Record>& records, bool goes_to_disk);
     /// Tries the work again as long as there is no room for it and the trash gives way.
     template <class Work>
     auto with_room(const Work& work) -> decltype(work()) {
@@ -205,6 +220,13 @@ class DirectoryChange {
     Outcome write_manifest(const trash::Manifest& manifest);
     void prepare_trash();
     void drop_staged(unsigned first);
+    void take_back_records(std::size_t first);
+    [[nodiscard]] bool has_arrival(const std::string& name) const;
+    void stay_where_something_comes(const std::string& name);
+    Outcome put_at_once(StagedFile& file);
+    Outcome link_in(StagedFile& file, const PlaceBelow& place);
+    Outcome write_arrivals_to_disk();
+    Outcome settle_arrivals();
     void forget_leaving(std::size_t leaving, std::size_t staying);
     Outcome write_index();
     Outcome put_if(const StagedFile& file, const std::function<bool()>& still);
@@ -243,7 +265,10 @@ class DirectoryChange {
     Descriptor journal_;
     std::vector<journal::Record> records_;
     std::vector<off_t> offsets_;  // of the records in the journal
-    std::set<unsigned> staged_;   // the numbers of files that were begun and have no name
+    std::set<unsigned> staged_;   // the numbers that files have in our directory
+    bool gathers_ = false;
+    std::vector<Arrival> arrivals_;
+    off_t bytes_of_arrivals_ = 0;
     std::vector<Leaving> leaving_;
     std::unordered_multimap<std::string, std::size_t> places_of_leaving_;
     std::vector<std::size_t> staying_;  // in the order in which they were found to stay

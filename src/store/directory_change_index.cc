@@ -300,6 +300,8 @@ Outcome DirectoryChange::write_indexes() {
 
 Outcome DirectoryChange::commit_index() {
     collect_edits();
+    // No index names a file that is not on the disk.
+    if (Outcome settled = settle_arrivals(); !settled) return settled;
     lost_scalable_lines_.clear();
     const Mark before = mark();
     return with_room([&] {

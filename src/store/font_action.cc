@@ -34,6 +34,7 @@ Result<std::unique_ptr<DirectoryChange>> FontAction::begin(Directory dir) {
     if (const auto known = in_use_.find(identity); known != in_use_.end()) return known->second;
     Result<std::unique_ptr<DirectoryChange>> begun = DirectoryChange::begin(std::move(dir));
     if (begun) (*begun)->set_action(token_);
+    if (begun) (*begun)->gather_arrivals();
     if (!begun && begun.failure().reason == Reason::IN_USE) in_use_.emplace(identity, begun.failure());
     return begun;
 }

@@ -123,6 +123,8 @@ Result<std::vector<Record>> parse(std::string_view text, const std::string& subj
     if (!is_old && !text.starts_with(HEADING)) return Failure{subject, Reason::NOT_A_JOURNAL};
     const Reader record_in(!is_old);
     text.remove_prefix(HEADING.size());
+    // A part that did not reach the disk when the power failed is read as zeros.
+    text = text.substr(0, text.find('\0'));
     for (std::size_t newline = text.find('\n'); newline != std::string_view::npos;
          newline = text.find('\n')) {
         std::optional<Record> record = record_in(text.substr(0, newline));

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 //
 // The journal of a change of a font directory: what has to be taken back if the change does not come to its
-// end. Each record is on the disk before what it describes is done. Format: the line "glyphward-journal 2",
-// then a line for each record:
+// end. Each record is on the disk before what it describes is done, but for some of "put". Format: the line
+// "glyphward-journal 2", then a line for each record:
 //
 //     put STAMP NAME         this file gets the name NAME
 //     out NUMBER NAME        the file NAME is set aside as "old/NUMBER"
@@ -20,6 +20,10 @@
 // A stamp is a file's number, its size, and the seconds and nanoseconds of its last change (in the first
 // version of the format, the number alone). A name is that of a file in the directory, or of one in its
 // subdirectory "afm". A last line without its newline was not written to its end, so nothing of it was done.
+// What follows a zero byte did not all reach the disk, and nothing of it was done either.
+//
+// The "put" of a file that comes with others may be written to the disk together with theirs. Until then the
+// file keeps its name in "new", and what has a name there and another one is taken back without a record.
 #pragma once
 
 #include <sys/types.h>

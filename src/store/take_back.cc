@@ -7,6 +7,8 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <set>
+#include <utility>
 
 #include "core/file_calls.h"
 #include "fontfiles/index_text.h"
@@ -228,6 +230,47 @@ Outcome take_back(const Directory& fonts, const OwnDirectory& own,
     return first_failure;
 }
 
+namespace {
+
+using FileNumbers = std::set<std::pair<dev_t, ino_t>>;
+
+/// The files that have a name in our directory and another one.
+FileNumbers files_with_two_names(const Directory& made) {
+    FileNumbers files;
+    for (const std::string& name : made.names()) {
+        struct stat info = {};
+        if (made.look_at(name, info) && S_ISREG(info.st_mode) && info.st_nlink > 1)
+            files.emplace(info.st_dev, info.st_ino);
+    }
+    return files;
+}
+
+Outcome remove_names_of(const FileNumbers& files, const Directory& dir) {
+    Outcome first_failure;
+    for (const std::string& name : dir.names()) {
+        struct stat info = {};
+        if (!dir.look_at(name, info) || !files.contains({info.st_dev, info.st_ino})) continue;
+        const Outcome gone =
+            fails_unless(file_calls().unlink(dir.fd(), name.c_str(), 0) == 0, dir.path_of(name));
+        if (!gone && first_failure) first_failure = gone;
+    }
+    return first_failure;
+}
+
+/// A file that came with many others has both names until it is on the disk with its record. Where the power
+/// failed before, the journal does not say what has come.
+Outcome take_back_arrivals(const Directory& fonts, const OwnDirectory& own) {
+    const FileNumbers files = files_with_two_names(own.made());
+    if (files.empty()) return done();
+    Outcome gone = remove_names_of(files, fonts);
+    const Result<Directory> metrics = fonts.below(std::string(journal::METRICS));
+    if (gone && metrics) gone = remove_names_of(files, *metrics);
+    (void)file_calls().sync(fonts.fd());
+    return gone;
+}
+
+}  // namespace
+
 Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     struct stat info = {};
     if (!own.dir().look_at(OwnDirectory::JOURNAL, info)) {
@@ -248,6 +291,7 @@ Outcome recover(const Directory& fonts, const OwnDirectory& own) {
     if (!is_done) return is_done.failure();
     if (!*is_done) {
         if (Outcome taken = take_back(fonts, own, *records); !taken) return taken;
+        if (Outcome taken = take_back_arrivals(fonts, own); !taken) return taken;
         if (Outcome forgotten = own.forget_trash(); !forgotten) return forgotten;
     }
     if (Outcome gone = own.remove_journal(); !gone) return gone;

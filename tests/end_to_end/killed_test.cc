@@ -34,9 +34,9 @@ using namespace gw::e2e;
 using gw::test::TempDir;
 
 constexpr const char* WARNING = "Glyph Warden - Deletion Confirmation";
-constexpr std::array CALLS = {"mkdir",  "mkdirat",  "renameat2", "rename",    "renameat", "linkat",
-                              "unlink", "unlinkat", "symlinkat", "write",     "pwrite64", "fsync",
-                              "fchmod", "fchown",   "utimensat", "ftruncate", "fallocate"};
+constexpr std::array CALLS = {"mkdir",  "mkdirat",  "renameat2", "rename",    "renameat",  "linkat",
+                              "unlink", "unlinkat", "symlinkat", "write",     "pwrite64",  "fsync",
+                              "syncfs", "fchmod",   "fchown",    "utimensat", "ftruncate", "fallocate"};
 constexpr const char* HINT = "Glyph Warden - Information";
 constexpr int STEP = 7;
 constexpr const char* NOT_TRACED = "this machine lets no process be traced";

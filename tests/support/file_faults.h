@@ -105,6 +105,7 @@ class FileFaults {
             return goes_wrong() ? -1 : real().set_owner(fd, owner, group);
         },
         [](int fd, const timespec times[2]) { return goes_wrong() ? -1 : real().set_times(fd, times); },
+        [](int fd) { return goes_wrong() ? -1 : real().sync_all(fd); },
     };
 };
 

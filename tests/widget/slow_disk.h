@@ -34,6 +34,10 @@ class SlowDisk {
             hook()(new_name);
             return system_file_calls().rename(old_dir, old_name, new_dir, new_name);
         };
+        table.link = [](int old_dir, const char* old_name, int new_dir, const char* new_name) {
+            hook()(new_name);
+            return system_file_calls().link(old_dir, old_name, new_dir, new_name);
+        };
         table.unlink = [](int dir, const char* name, int flags) {
             hook()(name);
             return system_file_calls().unlink(dir, name, flags);
