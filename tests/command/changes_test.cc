@@ -19,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using namespace gw::test;
 using testing::HasSubstr;
+using testing::Not;
 
 /// With the X server, which is told of changes.
 class CommandChanges : public OwnFonts {
@@ -65,6 +66,23 @@ TEST_F(CommandChanges, InstallingAgainChangesNothing) {
     EXPECT_EQ(again.json()["changed"], false);
     EXPECT_EQ(again.json()["fonts"][0]["result"], "already there");
     EXPECT_EQ(content(to_), before);
+}
+
+// As after a run that was killed when its fonts were there and the font path was not written.
+TEST_F(CommandChanges, InstallingAgainPutsTheDirectoryOnThePath) {
+    ASSERT_EQ(install({SANS}).status, 0);
+    ASSERT_EQ(fonts_command({"path", "remove", "--of", whose(), to_}).status, 0);
+    const auto before = content(to_);
+    const Ran dry = install({"--json", "--dry-run", SANS});
+    EXPECT_EQ(dry.status, 0) << dry.err;
+    EXPECT_EQ(dry.json()["changed"], true);
+    EXPECT_THAT(fonts_command({"path", "show", "--of", whose()}).out, Not(HasSubstr(to_)));
+    const Ran again = install({SANS});
+    EXPECT_EQ(again.status, 0) << again.err;
+    EXPECT_EQ(again.out, SANS_ROW + std::string(": already there\nfont path: ") + to_ + '\n');
+    EXPECT_THAT(fonts_command({"path", "show", "--of", whose()}).out, HasSubstr(to_));
+    EXPECT_EQ(content(to_), before);
+    EXPECT_EQ(install({SANS}).status, 3);
 }
 
 TEST_F(CommandChanges, InstallTakesOnlyTheFilesThatAreNamed) {

@@ -17,8 +17,10 @@ using gw::test::fonts_command;
 using gw::test::Ran;
 using gw::test::TempDir;
 using gw::test::Variable;
+using testing::ContainsRegex;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Not;
 
 const std::vector<std::string> COMMANDS = {"list",   "verify", "why",   "fontset", "doctor", "install",
                                            "delete", "undo",   "trash", "apply",   "export", "path"};
@@ -49,6 +51,15 @@ TEST(CommandLine, OfTheWindowsAnswersWithoutADisplayToo) {
 std::set<std::string> options_in(const std::string& text) {
     static const std::regex OPTION("--[a-z][-a-z]*");
     return {std::sregex_token_iterator(text.begin(), text.end(), OPTION), std::sregex_token_iterator()};
+}
+
+TEST(CommandLine, SaysWhatIsMeantAndNotOfWhichKindItIs) {
+    const std::string install = fonts_command({"install", "--help"}).out;
+    EXPECT_THAT(install, ContainsRegex("\n  FILE \\.\\.\\. REQUIRED +font files"));
+    EXPECT_THAT(fonts_command({"list", "--help"}).out, HasSubstr("--format FORMAT:{type1,"));
+    for (const std::string& command : COMMANDS)
+        EXPECT_THAT(fonts_command({command, "--help"}).out, Not(ContainsRegex("( INT |[A-Z] TEXT |TEXT:)")))
+            << command;
 }
 
 /// What the help of all commands names.

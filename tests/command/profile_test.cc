@@ -62,6 +62,20 @@ TEST_F(CommandProfile, IsAppliedOnce) {
     EXPECT_EQ(fonts_command({"why", "cadfont"}).status, 0);
 }
 
+TEST_F(CommandProfile, PutsItsDestinationOnThePathWhereARunBeforeDidNot) {
+    write();
+    ASSERT_EQ(apply().status, 0);
+    for (const char* whose : {"me", "host", "installation"})
+        (void)fonts_command({"path", "remove", "--of", whose, to_});
+    EXPECT_EQ(apply({"--check"}).status, 1);
+    const Ran again = apply({"--json"});
+    EXPECT_EQ(again.status, 0) << again.err;
+    const Json change = {{"what", "path"}, {"subject", to_}, {"before", ""}, {"after", to_}};
+    EXPECT_EQ(again.json()["changes"], Json::array({change}));
+    EXPECT_THAT(fonts_command({"path", "show"}).out, HasSubstr(to_));
+    EXPECT_EQ(apply().status, 3);
+}
+
 TEST_F(CommandProfile, TakesAwayWhatIsToBeAbsent) {
     write();
     ASSERT_EQ(apply().status, 0);

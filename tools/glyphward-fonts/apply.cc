@@ -55,6 +55,8 @@ class Application {
     void apply_fonts();
     void delete_absent(Deletion& deletion, Host& host) const;
     void note_fonts(const FontNotes& notes);
+    [[nodiscard]] bool is_destination(const std::string& element) const;
+    [[nodiscard]] bool is_destination_on_wanted_path() const;
     [[nodiscard]] std::vector<std::string> with_destination(std::vector<std::string> elements,
                                                             const std::vector<std::string>& before) const;
     void apply_path(const std::string& whose, const std::vector<std::string>& elements);
@@ -147,21 +149,35 @@ void Application::apply_fonts() {
     note_fonts(deletion.notes());
     note_fonts(installation.notes());
     const bool changed = deletion.notes().has_change() || installation.notes().has_change();
-    if (is_dry() || !changed) return;
+    // A path of the profile that names the destination is not extended.
+    const bool is_left_off = installation.is_left_off_path() && !is_destination_on_wanted_path();
+    if (!changed && !is_left_off) return;
+    if (is_left_off) note("path", directory_, "", directory_);
+    if (is_dry()) return;
     made.keep();
     put_in_force(directory_, report_);
 }
 
 // --- font paths --------------------------------------------------------------
 
+bool Application::is_destination(const std::string& element) const {
+    return identity_of_element(directory_of_element(element)) == identity_of_element(directory_);
+}
+
+bool Application::is_destination_on_wanted_path() const {
+    return std::any_of(profile_.paths.begin(), profile_.paths.end(), [this](const auto& path) {
+        const auto& elements = path.second;
+        return std::any_of(elements.begin(), elements.end(),
+                           [this](const std::string& element) { return is_destination(element); });
+    });
+}
+
 /// The destination stays on a path that does not name it: the installation has put it there.
 std::vector<std::string> Application::with_destination(std::vector<std::string> elements,
                                                        const std::vector<std::string>& before) const {
-    const auto is_destination = [&](const std::string& element) {
-        return identity_of_element(directory_of_element(element)) == identity_of_element(directory_);
-    };
-    const auto there = std::find_if(before.begin(), before.end(), is_destination);
-    const bool is_named = std::any_of(elements.begin(), elements.end(), is_destination);
+    const auto is_it = [this](const std::string& element) { return is_destination(element); };
+    const auto there = std::find_if(before.begin(), before.end(), is_it);
+    const bool is_named = std::any_of(elements.begin(), elements.end(), is_it);
     if (!profile_.files.empty() && there != before.end() && !is_named) elements.push_back(*there);
     return elements;
 }

@@ -123,6 +123,16 @@ void translate_headings(CLI::FormatterBase& formatter) {
     formatter.label("REQUIRED", text_of(Message::HELP_REQUIRED));
 }
 
+/// What is not an option is called by its name; the library would also say of what kind the value is.
+void leave_kinds_out(CLI::App& parent) {
+    for (CLI::App* command : parent.get_subcommands([](CLI::App*) { return true; })) {
+        for (CLI::Option* option : command->get_options()) {
+            if (option->get_positional()) option->type_name("");
+        }
+        leave_kinds_out(*command);
+    }
+}
+
 /// All commands with their options. What the options say is here after parsing.
 class CommandLine {
   public:
@@ -237,8 +247,10 @@ void CommandLine::add_looking() {
     list->add_option("PATTERN", filter_.patterns, text_of(Message::HELP_PATTERN));
     list->add_flag("-l,--long", filter_.is_long, text_of(Message::HELP_LONG));
     list->add_option("--format", filter_.format, text_of(Message::HELP_FORMAT))
+        ->type_name("FORMAT")
         ->check(one_of({"type1", "truetype", "opentype", "bitmap", "alias"}));
     list->add_option("--scope", filter_.scope, text_of(Message::HELP_SCOPE))
+        ->type_name("SCOPE")
         ->check(one_of({"mine", "everyone"}));
     list->add_option("--charset", filter_.charset, text_of(Message::HELP_CHARSET))
         ->type_name("REGISTRY-ENCODING");
@@ -256,7 +268,7 @@ void CommandLine::add_looking() {
         return fonts::why(why_, report);
     });
     why->add_option("TEXT", why_.text, text_of(Message::HELP_TEXT))->required();
-    why->add_option("--cure", why_.cure, text_of(Message::HELP_CURE))->check(from_one());
+    why->add_option("--cure", why_.cure, text_of(Message::HELP_CURE))->type_name("NUMBER")->check(from_one());
     add_display(why);
 
     CLI::App* fontset = add(app_, "fontset", text_of(Message::HELP_FONTSET), [this](Report& report) {
@@ -343,6 +355,7 @@ CLI::App* CommandLine::add_path_command(CLI::App& path, const std::string& name,
                                         const Command& command) {
     CLI::App* added = add(path, name, about, command);
     added->add_option("--of", whose_, text_of(Message::HELP_OF))
+        ->type_name("WHOSE")
         ->check(one_of({"me", "host", "installation", "session"}));
     add_display(added);
     return added;
@@ -389,6 +402,7 @@ CommandLine::CommandLine() {
     add_looking();
     add_changing();
     add_path();
+    leave_kinds_out(app_);
 }
 
 int CommandLine::execute() {

@@ -57,17 +57,23 @@ void renew_resource_file(const std::string& directory) {
     if (!runs_as_superuser()) GW_DIR(directory.c_str()).make_upr_file(0, nullptr);
 }
 
+bool is_on_path(const std::string& directory) {
+    const std::vector<std::string> path = elements_of(GWFontPath::ALL_FP);
+    return std::any_of(path.begin(), path.end(),
+                       [&](const std::string& element) { return stands_for(element, directory); });
+}
+
+GWFontPath::TYPE path_for_destinations() {
+    if (!runs_as_superuser()) return GWFontPath::USER_APPEND_FP;
+    // The superuser's fonts are everybody's.
+    const bool has_host = !elements_of(GWFontPath::HOST_FP).empty();
+    return has_host ? GWFontPath::HOST_FP : GWFontPath::INSTALLATION_FP;
+}
+
 void put_in_force(const std::string& directory, Report& report) {
     renew_resource_file(directory);
-    const std::vector<std::string> path = elements_of(GWFontPath::ALL_FP);
-    const bool is_there = std::any_of(
-        path.begin(), path.end(), [&](const std::string& element) { return stands_for(element, directory); });
-    if (!is_there) {
-        // The superuser's fonts are everybody's.
-        const bool has_host = !elements_of(GWFontPath::HOST_FP).empty();
-        const GWFontPath::TYPE list = !runs_as_superuser() ? GWFontPath::USER_APPEND_FP
-                                      : has_host           ? GWFontPath::HOST_FP
-                                                           : GWFontPath::INSTALLATION_FP;
+    if (!is_on_path(directory)) {
+        const GWFontPath::TYPE list = path_for_destinations();
         std::vector<std::string> elements = elements_of(list);
         elements.push_back(directory);
         if (const Outcome added = store_elements(list, elements); !added)

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "core/failure.h"
+#include "fontpath/gw_font_path.h"
 
 #include "glyphward-fonts/commands.h"
 #include "glyphward-fonts/made_directories.h"
@@ -20,6 +21,12 @@ Outcome prepare(const std::string& directory, bool dry_run, MadeDirectories& mad
 
 /// As after the work of the windows: an ordinary user's directory gets an index of its PostScript resources.
 void renew_resource_file(const std::string& directory);
+
+/// Whether a configured font path has the directory.
+[[nodiscard]] bool is_on_path(const std::string& directory);
+
+/// The font path that gets a destination: the user's own, or one of the machine's for the superuser.
+[[nodiscard]] GWFontPath::TYPE path_for_destinations();
 
 /// After an installation: an ordinary user's directory comes to the font path, and the running server reads
 /// all its directories again. What cannot be done is a trouble.

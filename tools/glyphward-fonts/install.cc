@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include "core/text.h"
+
 #include "glyphward-fonts/commands.h"
 #include "glyphward-fonts/destination.h"
 #include "glyphward-fonts/everyone.h"
@@ -30,16 +32,23 @@ Status install(const InstallOptions& options, Report& report) {
     Installation work(directory, options.if_there, host, report);
     find_sources(options.sources, sources, report, work.tally);
     work.install(sources);
-    if (!report.settings().dry_run) {
+    const bool is_dry = report.settings().dry_run;
+    if (!is_dry) {
         report.document()["undo"] = commit(action, {&work.failures()}, Sequel::FONT_LEFT_OUT, report);
         work.note_failures_of_commit();
-        if (work.notes().has_change()) {
-            made.keep();
-            put_in_force(directory, report);
-        }
+    }
+    const bool is_left_off_path = work.is_left_off_path();
+    if (!is_dry && (is_left_off_path || work.notes().has_change())) {
+        made.keep();
+        put_in_force(directory, report);
     }
     report_heard(report);
     work.notes().tell(report);
+    if (is_left_off_path) {
+        work.tally.done();
+        report.line(text_of(Message::SAYS_CHANGES_PATH, {escaped(directory)}));
+        report.document()["changed"] = true;
+    }
     report.document()["directory"] = in_json(directory);
     return work.tally.status();
 }

@@ -115,6 +115,7 @@ void Installation::decide(GWConflict& conflict) {
     const std::string name = without_marks(conflict.get_name());
     if (is_there_already(conflict)) {
         tally.already();
+        found_in_directory_ = found_in_directory_ || is_all_in(directory_, conflict);
         return notes_.add({name, FontNotes::Result::ALREADY_THERE});
     }
     const std::string why = why_in_conflict(conflict, may_replace(conflict));

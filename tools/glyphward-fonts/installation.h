@@ -13,6 +13,7 @@
 #include "store/font_action.h"
 
 #include "glyphward-fonts/commands.h"
+#include "glyphward-fonts/destination.h"
 #include "glyphward-fonts/font_notes.h"
 #include "glyphward-fonts/host.h"
 
@@ -37,6 +38,9 @@ class Installation {
     [[nodiscard]] FontReport& failures() { return failures_; }
     /// What happened to each font.
     [[nodiscard]] const FontNotes& notes() const { return notes_; }
+    /// Whether the directory, which has one of the fonts already, is on no font path: a run before this one
+    /// did not come to its end.
+    [[nodiscard]] bool is_left_off_path() const { return found_in_directory_ && !is_on_path(directory_); }
     Tally tally;
 
   private:
@@ -55,6 +59,7 @@ class Installation {
     Host& host_;
     Report& report_;
     bool is_superusers_ = false;
+    bool found_in_directory_ = false;
     std::set<std::string> not_sent_;
     FontReport failures_;
     FontNotes notes_;
