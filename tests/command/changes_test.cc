@@ -24,7 +24,10 @@ using testing::Not;
 /// With the X server, which is told of changes.
 class CommandChanges : public OwnFonts {
   protected:
-    ~CommandChanges() override { (void)fonts_command({"path", "remove", "--of", "session", to_}); }
+    void TearDown() override {
+        (void)fonts_command({"path", "remove", "--of", "session", to_});
+        OwnFonts::TearDown();
+    }
 
   private:
     gw::test::Variable display_{"DISPLAY", no_display_.before().c_str()};

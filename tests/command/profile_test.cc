@@ -24,7 +24,7 @@ class CommandProfile : public testing::Test {
         fs::create_directory(dir_.file("fonts"));
         fs::copy_file(SANS, dir_.file("fonts/DejaVuSans.ttf"));
     }
-    ~CommandProfile() override {
+    void TearDown() override {
         for (const char* whose : {"session", "me", "installation"})
             (void)fonts_command({"path", "remove", "--of", whose, to_});
     }

@@ -239,7 +239,8 @@ TEST(ABatch, WhoseRecordsAreLostWithThePowerIsTakenBackByItsSecondNames) {
             for (int i = 0; i < FEW; ++i) (void)batch.install(i);
             ::kill(::getpid(), SIGKILL);
         }));
-        EXPECT_EQ(batch.state().size(), before.size() + 2U * FEW) << "the files have their names at once";
+        EXPECT_EQ(batch.state().size(), before.size() + std::size_t{2} * FEW)
+            << "the files have their names at once";
         lose_the_end_of_the_journal(batch, how);
         EXPECT_TRUE(gw::settle(batch.fonts()));
         EXPECT_TRUE(batch.whole_fonts("the power failed").empty());

@@ -210,6 +210,7 @@ test "$($command path show --of session | head -n 1)" = catalogue:/etc/X11/fontp
 $command why -- '-misc-fixed-medium-r-semicondensed--13-120-75-75-c-60-iso8859-1'
 $command why catalogue:/etc/X11/fontpath.d
 $command why /usr/share/X11/fonts/misc
+$command doctor
 status=0
 $command path apply || status=$?
 test $status -eq 3
