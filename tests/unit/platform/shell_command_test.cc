@@ -76,11 +76,11 @@ TEST(RunCommand, OneThatHangsIsStoppedWithAllThatItStarted) {
     ASSERT_FALSE(run);
     EXPECT_EQ(run.failure().reason, gw::Reason::NO_ANSWER);
     const auto started = static_cast<pid_t>(std::stol(dir.read("started")));
-    // It is gone when its new parent has collected it.
+    // It is gone when its new parent has collected it; until then it is a zombie, and at the very end dead.
     const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
     const auto is_alive = [&] {
         const gw::Result<std::string> state = gw::read_file("/proc/" + std::to_string(started) + "/stat");
-        return state && state->find(") Z ") == std::string::npos;
+        return state && state->find(") Z ") == std::string::npos && state->find(") X ") == std::string::npos;
     };
     while (is_alive() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
     EXPECT_FALSE(is_alive());
