@@ -48,6 +48,7 @@
 #include "app/start/fallback_resources.h"
 #include "app/start/initdlg.h"
 #include "app/start/interface_font.h"
+#include "app/start/later_dialogs.h"
 #include "app/start/toolkit_warnings.h"
 #include "app/start/window_icon.h"
 #include "core/font_policy.h"
@@ -118,35 +119,40 @@ void forget_killed_previews() {
     }
 }
 
-void create_dialogs() {
+/// The steps that make them.
+void prepare_dialogs() {
     if (gw::user_is_superuser() || gw::window_policy().shows_live_path())
-        create_modify_fp_dlg("modify_fp_dlg", wi_toplevel);
-    create_install_dlg("install_dlg", wi_toplevel);
-    create_rmedia_dlg("rmedia_dlg", wi_toplevel);
+        gw::make_later([] { create_modify_fp_dlg("modify_fp_dlg", wi_toplevel); });
+    gw::make_later([] { create_install_dlg("install_dlg", wi_toplevel); });
+    gw::make_later([] { create_rmedia_dlg("rmedia_dlg", wi_toplevel); });
     if (gw::window_policy().shows_what_is_not_offered())
-        create_not_offered_dlg("not_offered_dlg", wi_toplevel);
-    if (gw::window_policy().takes_given_files()) create_not_taken_dlg("not_taken_dlg", wi_toplevel);
-    if (gw::window_policy().asks_before_converting()) create_convert_dlg("convert_dlg", wi_toplevel);
-    create_dir_dlg("dir_dlg", wi_toplevel);
-    create_attr_dlg("attr_dlg", wi_toplevel);
-    create_props_dlg("props_dlg", wi_toplevel);
-    create_progress_dlg("progress_dlg", wi_toplevel);
-    if (gw::window_policy().controls_work()) create_problem_dlg("problem_dlg", wi_toplevel);
-    create_working_dlg("working_dlg", wi_toplevel);
-    create_del_warning_dlg("del_warning_dlg", wi_toplevel);
-    create_warning_dlg("warning_dlg", wi_toplevel);
-    create_about_dlg("about_dlg", wi_toplevel);
-    create_conflict_dlg("conflict_dlg", wi_toplevel);
-    create_preconflict_dlg("preconflict_dlg", wi_toplevel);
-    create_fp_info_dlg("fp_info_dlg", wi_toplevel);
-    create_help_dlg("help_dlg", wi_toplevel);
-    if (gw::has_fontsets()) create_fontsets_dlg("fontsets_dlg", wi_toplevel);
-    create_pr_install_dlg("pr_install_dlg", wi_toplevel);
-    create_pr_delete_dlg("pr_delete_dlg", wi_toplevel);
-    create_pr_modify_fp_dlg("pr_modify_fp_dlg", wi_toplevel);
-    if (gw::window_policy().finds_missing_fonts()) create_doctor_dlg("doctor_dlg", wi_toplevel);
+        gw::make_later([] { create_not_offered_dlg("not_offered_dlg", wi_toplevel); });
+    if (gw::window_policy().takes_given_files())
+        gw::make_later([] { create_not_taken_dlg("not_taken_dlg", wi_toplevel); });
+    if (gw::window_policy().asks_before_converting())
+        gw::make_later([] { create_convert_dlg("convert_dlg", wi_toplevel); });
+    gw::make_later([] { create_dir_dlg("dir_dlg", wi_toplevel); });
+    gw::make_later([] { create_attr_dlg("attr_dlg", wi_toplevel); });
+    gw::make_later([] { create_props_dlg("props_dlg", wi_toplevel); });
+    gw::make_later([] { create_progress_dlg("progress_dlg", wi_toplevel); });
+    if (gw::window_policy().controls_work())
+        gw::make_later([] { create_problem_dlg("problem_dlg", wi_toplevel); });
+    gw::make_later([] { create_working_dlg("working_dlg", wi_toplevel); });
+    gw::make_later([] { create_del_warning_dlg("del_warning_dlg", wi_toplevel); });
+    gw::make_later([] { create_warning_dlg("warning_dlg", wi_toplevel); });
+    gw::make_later([] { create_about_dlg("about_dlg", wi_toplevel); });
+    gw::make_later([] { create_conflict_dlg("conflict_dlg", wi_toplevel); });
+    gw::make_later([] { create_preconflict_dlg("preconflict_dlg", wi_toplevel); });
+    gw::make_later([] { create_fp_info_dlg("fp_info_dlg", wi_toplevel); });
+    gw::make_later([] { create_help_dlg("help_dlg", wi_toplevel); });
+    if (gw::has_fontsets()) gw::make_later([] { create_fontsets_dlg("fontsets_dlg", wi_toplevel); });
+    gw::make_later([] { create_pr_install_dlg("pr_install_dlg", wi_toplevel); });
+    gw::make_later([] { create_pr_delete_dlg("pr_delete_dlg", wi_toplevel); });
+    gw::make_later([] { create_pr_modify_fp_dlg("pr_modify_fp_dlg", wi_toplevel); });
+    if (gw::window_policy().finds_missing_fonts())
+        gw::make_later([] { create_doctor_dlg("doctor_dlg", wi_toplevel); });
     if (gw::window_policy().brings_deleted_fonts_back())
-        create_deleted_fonts_dlg("deleted_fonts_dlg", wi_toplevel);
+        gw::make_later([] { create_deleted_fonts_dlg("deleted_fonts_dlg", wi_toplevel); });
 }
 
 }  // namespace
@@ -184,13 +190,14 @@ void init_gui(int* argc, char** argv) {
     process_xt_events();
 }
 
-void build_program() {
+void build_program(bool makes_dialogs_later) {
     the_font_path = new GWFontPath(gw::INSTALLATION_ROOT);
     forget_killed_previews();
     gw::append_font_modules(the_fsm_list);
     fill_program_lists();
     create_font_admin_main_window();
-    create_dialogs();
+    prepare_dialogs();
+    if (!makes_dialogs_later) gw::make_dialogs_now();
     gw::assign_mnemonics(wi_mainwindow);
     if (gw::user_is_superuser()) user_is_root = 1;
     stop_init_dlg();
@@ -199,15 +206,18 @@ void build_program() {
     gw::set_window_icon(wi_toplevel);
     gw::name_windows(wi_toplevel);
     gw::tell_title(wi_toplevel, gw::text_of(gw::Message::MAIN_TITLE));
-    gw::end_on_signals(app, [] { exit_btn_cb(nullptr, nullptr, nullptr); });
+    gw::end_on_signals(app, [] {
+        gw::make_dialogs_now();
+        exit_btn_cb(nullptr, nullptr, nullptr);
+    });
 }
 
 int gw_main(int argc, char** argv) {
     if (gw::answers_on_the_terminal(argc, argv)) return 0;
     begin_program();
     init_gui(&argc, argv);
-    build_program();
+    // With files to install, a dialog comes at once.
+    build_program(argc == 1 && gw::window_policy().makes_dialogs_later());
     gw::take_arguments(argc, argv);
-    XtAppMainLoop(app);
-    return 0;
+    gw::run_with_dialogs(app);
 }

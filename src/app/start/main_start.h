@@ -6,7 +6,7 @@
 
 #include <string_view>
 
-/// The whole program. Returns only if the event loop does.
+/// The whole program. Returns only when its arguments were answered on the terminal.
 int gw_main(int argc, char** argv);
 
 /// The very first steps: handlers for the end of memory and for exit, and the question who runs the program.
@@ -19,6 +19,6 @@ void init_gui(int* argc, char** argv);
 /// commands to PATH.
 void set_env();
 
-/// The steps after `init_gui`: font path, modules, lists, the main window, every dialog. Then hides the
-/// notice and shows the window.
-void build_program();
+/// The steps after `init_gui`: font path, modules, lists, the main window, every dialog unless these are left
+/// to `run_with_dialogs`. Then hides the notice and shows the window.
+void build_program(bool makes_dialogs_later = false);
