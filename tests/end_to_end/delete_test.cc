@@ -65,7 +65,8 @@ TEST_F(Delete, DeletesTheSelectedFont) {
     desktop.picture("delete-warning");
     ASSERT_TRUE(confirm());
     EXPECT_TRUE(lists(mine.path(), "0\n"));
-    EXPECT_FALSE(mine.exists(AARDVARKS.file_name()));
+    // The file follows the index.
+    EXPECT_TRUE(wait_until([&] { return !mine.exists(AARDVARKS.file_name()); }));
     // The next font is on that line now.
     EXPECT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }));
     desktop.picture("deleted");

@@ -70,7 +70,7 @@ TEST_F(SilentDirectory, TheProgramComesUpWithoutItAndSaysSo) {
     start(asleep(silent));
     EXPECT_EQ(program->errors(),
               "glyphward: " + silent + ": this directory does not answer; its fonts are not listed\n");
-    EXPECT_GT(desktop.ink(status_line()), 100);
+    EXPECT_TRUE(wait_until([&] { return desktop.ink(status_line()) > 100; }));
     desktop.picture("silent-directory");
     EXPECT_TRUE(follows([&] { return main->sample_is_drawn(); }, [&] { main->click_line(0); }))
         << "the others are listed";
