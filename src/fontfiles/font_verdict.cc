@@ -2,8 +2,8 @@
 #include "fontfiles/font_verdict.h"
 
 #include <algorithm>
+#include <utility>
 
-#include "fontfiles/font_face.h"
 #include "fontfiles/time_limit.h"
 #include "fontfiles/whole_font.h"
 
@@ -56,13 +56,14 @@ bool is_for_servers(FontFormat format) {
 }
 
 /// A font that is both damaged and not for servers is damaged.
-Outcome check_faces(const std::shared_ptr<const FontBytes>& bytes) {
+Outcome check_faces(const std::shared_ptr<const FontBytes>& bytes, std::optional<FaceFacts>& first) {
     const TimeLimit limit(SECONDS);
     bool are_for_servers = true;
     long faces = 1;
     for (long number = 0; number < std::min(faces, MOST_FACES) && !limit.is_over(); ++number) {
         const Result<FontFace> font = FontFace::open(bytes, number);
         if (!font) return font.failure();
+        if (number == 0) first = font->facts();
         faces = font->facts().faces;
         are_for_servers = are_for_servers && is_for_servers(font->facts().format);
         if (Outcome checked = check_face(*font, *bytes, limit); !checked) return checked;
@@ -93,7 +94,7 @@ Verdict::Kind kind_of(Reason reason) {
 }  // namespace
 
 Verdict verdict_of(const Failure& failure) {
-    return {kind_of(failure.reason), failure};
+    return {.kind = kind_of(failure.reason), .why = failure};
 }
 
 Verdict judge(const std::string& path) {
@@ -104,8 +105,11 @@ Verdict judge(const std::string& path) {
 
 Verdict judge(const std::shared_ptr<const FontBytes>& bytes) {
     if (const Outcome whole = is_whole(*bytes); !whole) return verdict_of(whole.failure());
-    const Outcome checked = check_faces(bytes);
-    return checked ? Verdict{} : verdict_of(checked.failure());
+    std::optional<FaceFacts> facts;
+    const Outcome checked = check_faces(bytes, facts);
+    Verdict verdict = checked ? Verdict{} : verdict_of(checked.failure());
+    verdict.facts = std::move(facts);
+    return verdict;
 }
 
 }  // namespace gw

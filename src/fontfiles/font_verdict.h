@@ -4,9 +4,11 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "fontfiles/font_bytes.h"
+#include "fontfiles/font_face.h"
 
 namespace gw {
 
@@ -21,6 +23,8 @@ struct Verdict {
     };
     Kind kind = Kind::OK;
     Failure why = {};  ///< unless it is `OK`
+    /// What the first face says of itself; none when the look at the file did not come so far.
+    std::optional<FaceFacts> facts = {};
 };
 
 /// Looks at all of a file: whether it is complete, whether FreeType opens its faces (the first hundred), and

@@ -2,6 +2,7 @@
 #include "modules/source_fonts.h"
 
 #include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 
@@ -24,13 +25,33 @@ GWFont::Conversion conversion() {
 }
 
 /// What the font itself says, besides the names in the index.
-void look_inside(GWFont& font) {
+void take_facts(GWFont& font, const FaceFacts& facts) {
     if (font.is_bitmap()) return;
-    const Result<FontFace> face = FontFace::open(first_file(font)->get_path());
-    if (!face) return;
-    const FaceFacts& facts = face->facts();
     if (!facts.family.empty()) font.set_family_in_font(facts.family);
     if (facts.format == FontFormat::OPENTYPE_CFF) font.set_conversion(conversion());
+}
+
+/// What a look at the file has found, before the names of the font are known.
+struct Look {
+    std::optional<FaceFacts> facts;
+    std::optional<Verdict> verdict;  // when fonts are judged at once
+};
+
+Look look_at(const GWFont& font, bool is_judged) {
+    const std::string& path = first_file(font)->get_path();
+    Look look;
+    if (is_given_up()) return look;
+    if (is_judged) {
+        Verdict verdict = judge(path);
+        // What was given up in the middle says nothing about the font.
+        if (is_given_up()) return look;
+        look.facts = std::exchange(verdict.facts, std::nullopt);
+        look.verdict = std::move(verdict);
+    }
+    if (look.facts || font.is_bitmap()) return look;
+    const Result<FontFace> face = FontFace::open(path);
+    if (face) look.facts = face->facts();
+    return look;
 }
 
 /// Whether the module has found a name in the header of a Type 1 font, which the tools do not list.
@@ -47,14 +68,26 @@ void refuse(GWFont& font, const Failure& why, const std::string& mark) {
 
 /// Without the tools only those fonts have names that bring their own.
 void refuse_nameless(const std::vector<GWFont*>& fonts, const Failure& why) {
-    tell(why.with(Sequel::NOT_USED));
+    if (why.reason != Reason::GIVEN_UP) tell(why.with(Sequel::NOT_USED));
     for (GWFont* font : fonts) {
         if (!has_name_in_header(*font)) refuse(*font, why, "[No Name]");
     }
 }
 
+/// The font is judged from now on, and by this.
+Outcome take_verdict(GWFont& font, const Verdict& verdict) {
+    font.set_checked();
+    const bool is_for_conversion = verdict.kind == Verdict::Kind::NOT_FOR_SERVERS && font.get_conversion();
+    if (verdict.kind == Verdict::Kind::OK) return done();
+    Outcome converter = is_for_conversion ? can_convert() : Outcome(verdict.why);
+    if (!converter) refuse(font, converter.failure(), mark_of(verdict));
+    return converter;
+}
+
 /// What notes the fonts now; null when they are named at once.
 NamedTogether* named_together = nullptr;
+
+bool are_judged_when_named = false;
 
 }  // namespace
 
@@ -65,6 +98,14 @@ NamedTogether::NamedTogether() {
 NamedTogether::~NamedTogether() {
     named_together = nullptr;
     name_source_fonts(fonts_);
+}
+
+JudgedWhenNamed::JudgedWhenNamed() {
+    are_judged_when_named = true;
+}
+
+JudgedWhenNamed::~JudgedWhenNamed() {
+    are_judged_when_named = false;
 }
 
 std::string mark_of(const Verdict& verdict) {
@@ -93,14 +134,18 @@ void name_source_fonts(const std::vector<GWFont*>& fonts) {
     std::vector<std::string> paths;
     paths.reserve(fonts.size());
     for (const GWFont* font : fonts) paths.emplace_back(first_file(*font)->get_path());
-    Result<std::vector<std::vector<IndexName>>> names = tool_names(paths);
+    const bool is_judged = are_judged_when_named && font_policy().checks_source_fonts();
+    std::vector<Look> looks(fonts.size());
+    Result<std::vector<std::vector<IndexName>>> names =
+        tool_names(paths, {}, [&](std::size_t i) { looks[i] = look_at(*fonts[i], is_judged); });
     if (!names) return refuse_nameless(fonts, names.failure());
     for (std::size_t i = 0; i < fonts.size(); ++i) {
         GWFont& font = *fonts[i];
         std::vector<IndexName>& found = (*names)[i];
         if (!found.empty()) {
             font.set_index_names(std::move(found));
-            look_inside(font);
+            if (looks[i].facts) take_facts(font, *looks[i].facts);
+            if (looks[i].verdict) (void)take_verdict(font, *looks[i].verdict);
         } else if (!has_name_in_header(font)) {
             if (check_source_font(font))
                 refuse(font, {first_file(font)->get_path(), Reason::NO_NAMES}, "[No Name]");
@@ -114,12 +159,7 @@ Outcome check_source_font(GWFont& font) {
         return done();
     const Verdict verdict = judge(first_file(font)->get_path());
     if (is_given_up()) return Failure{first_file(font)->get_path(), Reason::GIVEN_UP};
-    font.set_checked();
-    const bool is_for_conversion = verdict.kind == Verdict::Kind::NOT_FOR_SERVERS && font.get_conversion();
-    if (verdict.kind == Verdict::Kind::OK) return done();
-    Outcome converter = is_for_conversion ? can_convert() : Outcome(verdict.why);
-    if (!converter) refuse(font, converter.failure(), mark_of(verdict));
-    return converter;
+    return take_verdict(font, verdict);
 }
 
 }  // namespace gw

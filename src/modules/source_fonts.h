@@ -34,6 +34,16 @@ class NamedTogether {
     friend void name_source_fonts(const std::vector<GWFont*>& fonts);
 };
 
+/// As long as one exists, fonts are judged when they are named, while the tools run: that is where no list
+/// waits to be shown, and every font is to be judged anyhow.
+class JudgedWhenNamed {
+  public:
+    JudgedWhenNamed();
+    ~JudgedWhenNamed();
+    JudgedWhenNamed(const JudgedWhenNamed&) = delete;
+    JudgedWhenNamed& operator=(const JudgedWhenNamed&) = delete;
+};
+
 /// Looks into the font's file, at the first call: damaged files, and files that are no fonts, are an obstacle
 /// from then on. A success if the font policy does not ask for it.
 Outcome check_source_font(GWFont& font);

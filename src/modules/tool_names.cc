@@ -31,6 +31,7 @@ namespace {
 
 using Names = std::vector<std::vector<IndexName>>;
 using Progress = std::function<bool(std::size_t)>;
+using Meanwhile = std::function<void(std::size_t)>;
 using Clock = std::chrono::steady_clock;
 
 enum Tool : std::uint8_t { OUTLINES, BITMAPS };
@@ -211,8 +212,8 @@ class Pace {
 /// The questions to one tool.
 class Questions {
   public:
-    Questions(Tool tool, const std::vector<std::string>& paths, Names& names)
-        : tool_(tool), paths_(paths), names_(names) {}
+    Questions(Tool tool, const std::vector<std::string>& paths, const Meanwhile& meanwhile, Names& names)
+        : tool_(tool), paths_(paths), meanwhile_(meanwhile), names_(names) {}
 
     void add(FontFile file) { files_.push_back(std::move(file)); }
 
@@ -223,7 +224,11 @@ class Questions {
         for (std::size_t next = 0; next < files_.size();) {
             const std::size_t count = std::min(pace.files(), files_.size() - next);
             const Clock::time_point start = Clock::now();
-            if (const Outcome asked = ask_about(files_.data() + next, count); !asked) return asked.failure();
+            const FontFile* const first = files_.data() + next;
+            const Outcome asked = ask_about(first, count, [&] {
+                for (std::size_t i = 0; meanwhile_ && i < count; ++i) meanwhile_(first[i].place);
+            });
+            if (!asked) return asked.failure();
             pace.took(count, Clock::now() - start);
             next += count;
             if (!goes_on(next)) return false;
@@ -232,8 +237,9 @@ class Questions {
     }
 
   private:
-    Outcome ask_about(const FontFile* first, std::size_t count) {
-        Result<Answer> answer = run(first, count);
+    Outcome ask_about(const FontFile* first, std::size_t count,
+                      const std::function<void()>& while_it_runs = {}) {
+        Result<Answer> answer = run(first, count, LONG_WORK, while_it_runs);
         if (!answer) return answer.failure();
         if (answer->was_stopped) {
             if (Outcome answers = answers_at_all(); !answers) return answers;
@@ -258,7 +264,7 @@ class Questions {
     /// Whether it is a font that takes so long, and not the tool itself.
     Outcome answers_at_all() {
         if (answers_) return done();
-        const Result<Answer> answer = run(nullptr, 0, MOMENTS);
+        const Result<Answer> answer = run(nullptr, 0, MOMENTS, {});
         if (!answer) return answer.failure();
         if (answer->was_stopped) return Failure{COMMANDS[tool_], Reason::NO_ANSWER};
         answers_ = true;
@@ -266,12 +272,15 @@ class Questions {
     }
 
     [[nodiscard]] Result<Answer> run(const FontFile* first, std::size_t count,
-                                     std::chrono::milliseconds limit = LONG_WORK) const {
+                                     std::chrono::milliseconds limit,
+                                     const std::function<void()>& while_it_runs) const {
         Links links;
         if (const Outcome made = links.make(first, count, paths_); !made) return made.failure();
         const UnnamedScratchFile output;
         if (output.path().empty()) return Failure::of_system(COMMANDS[tool_], ENOMEM);
-        const Outcome ended = run_command(command_over(tool_, count, links.path(), output.path()), {}, limit);
+        RunningCommand command(command_over(tool_, count, links.path(), output.path()));
+        if (while_it_runs) while_it_runs();
+        const Outcome ended = command.end(limit);
         if (!has_run(ended)) {
             Failure failure = ended.failure();
             failure.subject = COMMANDS[tool_];
@@ -284,6 +293,7 @@ class Questions {
 
     Tool tool_;
     const std::vector<std::string>& paths_;
+    const Meanwhile& meanwhile_;
     Names& names_;
     FontFiles files_;
     bool answers_ = false;
@@ -309,10 +319,11 @@ bool is_for_tool(const std::string& path, const Extension& extension) {
 
 }  // namespace
 
-Result<Names> tool_names(const std::vector<std::string>& paths, const Progress& progress) {
+Result<Names> tool_names(const std::vector<std::string>& paths, const Progress& progress,
+                         const Meanwhile& meanwhile) {
     constexpr std::size_t FILES_BETWEEN = 64;
     Names names(paths.size());
-    Questions questions[] = {{OUTLINES, paths, names}, {BITMAPS, paths, names}};
+    Questions questions[] = {{OUTLINES, paths, meanwhile, names}, {BITMAPS, paths, meanwhile, names}};
     std::size_t done = 0;
     for (std::size_t place = 0; place < paths.size(); ++place) {
         const Extension* extension = extension_of(paths[place]);

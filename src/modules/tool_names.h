@@ -26,8 +26,12 @@ namespace gw {
 /// `progress` (may be empty) is called from time to time with the number of files that are done; when it
 /// answers false, the others stay without names. A failure only when a tool could not be run at all: it is
 /// missing, it does not end even without a font, or there is no room for its index.
-Result<std::vector<std::vector<IndexName>>> tool_names(const std::vector<std::string>& paths,
-                                                       const std::function<bool(std::size_t)>& progress = {});
+///
+/// `meanwhile` (may be empty) is called once with the place of each file that a tool is asked about, while
+/// the tool is at work on another processor.
+Result<std::vector<std::vector<IndexName>>> tool_names(
+    const std::vector<std::string>& paths, const std::function<bool(std::size_t)>& progress = {},
+    const std::function<void(std::size_t)>& meanwhile = {});
 
 /// The names of one file.
 Result<std::vector<IndexName>> tool_names_of(const std::string& path);

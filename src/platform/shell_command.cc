@@ -11,6 +11,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 #include "core/long_work.h"
 #include "core/text.h"
@@ -77,11 +78,15 @@ int start_shell(const std::string& text, pid_t& child) {
     return error;
 }
 
-/// A command that cannot be killed at once is left behind.
+/// A command that cannot be killed at once is left behind. Returns its wait status.
+int kill_shell(pid_t child) {
+    ::kill(-child, SIGKILL);
+    return end_of_killed_child(child, Clock::now() + LAST_MOMENT).value_or(SIGKILL);
+}
+
 Ended wait_for(pid_t child, std::chrono::milliseconds limit) {
     if (const std::optional<int> status = end_of_child(child, Clock::now() + limit)) return {*status, false};
-    ::kill(-child, SIGKILL);
-    return {end_of_killed_child(child, Clock::now() + LAST_MOMENT).value_or(SIGKILL), true};
+    return {kill_shell(child), true};
 }
 
 Ended run_text(const std::string& text, std::chrono::milliseconds limit) {
@@ -136,20 +141,38 @@ int run_shell(std::string_view format, std::initializer_list<std::string_view> a
 }
 
 Result<int> run_shell_text(const std::string& text, std::chrono::milliseconds limit) {
-    const Ended ended = run_text(text, limit);
-    if (ended.status == -1) return Failure::of_system(text, errno);
-    if (ended.was_killed)
-        return Failure{.subject = text, .reason = is_given_up() ? Reason::GIVEN_UP : Reason::NO_ANSWER};
-    return WIFEXITED(ended.status) ? WEXITSTATUS(ended.status) : FIRST_SIGNAL + WTERMSIG(ended.status);
+    return RunningCommand(text).number(limit);
 }
 
 Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
                     std::chrono::milliseconds limit) {
-    const std::string text = shell_text(format, arguments);
-    const Result<int> number = run_shell_text(text, limit);
-    if (!number) return number.failure();
-    if (*number == 0) return done();
-    return Failure{.subject = text, .reason = Reason::COMMAND_FAILED, .detail = std::to_string(*number)};
+    return RunningCommand(shell_text(format, arguments)).end(limit);
+}
+
+RunningCommand::RunningCommand(std::string text) : text_(std::move(text)) {
+    collect_killed_children();
+    error_ = start_shell(text_, child_);
+    if (error_ != 0) child_ = 0;
+}
+
+RunningCommand::~RunningCommand() {
+    if (child_ != 0) kill_shell(child_);
+}
+
+Result<int> RunningCommand::number(std::chrono::milliseconds limit) {
+    if (error_ != 0) return Failure::of_system(text_, error_);
+    const Ended ended = wait_for(std::exchange(child_, 0), std::min(limit, patience));
+    if (ended.was_killed)
+        return Failure{.subject = text_, .reason = is_given_up() ? Reason::GIVEN_UP : Reason::NO_ANSWER};
+    if (ended.status == -1) return Failure::of_system(text_, ECHILD);
+    return WIFEXITED(ended.status) ? WEXITSTATUS(ended.status) : FIRST_SIGNAL + WTERMSIG(ended.status);
+}
+
+Outcome RunningCommand::end(std::chrono::milliseconds limit) {
+    const Result<int> ended = number(limit);
+    if (!ended) return ended.failure();
+    if (*ended == 0) return done();
+    return Failure{.subject = text_, .reason = Reason::COMMAND_FAILED, .detail = std::to_string(*ended)};
 }
 
 void set_command_patience(std::chrono::milliseconds longest) {

@@ -3,6 +3,8 @@
 // The one place that runs the shell. Texts from users and files reach the shell as quoted arguments only.
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <initializer_list>
 #include <string>
@@ -45,6 +47,28 @@ Result<int> run_shell_text(const std::string& text, std::chrono::milliseconds li
 /// The same with a failure instead of the number, which is another one than 0 (`Reason::COMMAND_FAILED`).
 Outcome run_command(std::string_view format, std::initializer_list<std::string_view> arguments,
                     std::chrono::milliseconds limit);
+
+/// A command that runs while its owner does something else.
+class RunningCommand {
+  public:
+    /// Starts it; `text` is a whole command already, with its arguments quoted.
+    explicit RunningCommand(std::string text);
+    /// Kills one whose end nobody has waited for.
+    ~RunningCommand();
+    RunningCommand(const RunningCommand&) = delete;
+    RunningCommand& operator=(const RunningCommand&) = delete;
+
+    /// Waits for its end, at most `limit` from now on. Returns what `run_shell_text` returns. To be called
+    /// once.
+    Result<int> number(std::chrono::milliseconds limit);
+    /// The same, as `run_command` has it.
+    Outcome end(std::chrono::milliseconds limit);
+
+  private:
+    std::string text_;
+    pid_t child_ = 0;  // 0 when there is none to wait for
+    int error_ = 0;    // why it could not be started
+};
 
 /// For tests: no command may take longer than this.
 void set_command_patience(std::chrono::milliseconds longest);

@@ -10,6 +10,9 @@
 #include "core/text.h"
 #include "drivers/engine_globals.h"
 #include "modules/gw_fsm_list.h"
+#include "modules/source_fonts.h"
+
+#include "glyphward-fonts/interruption.h"
 
 namespace gw::fonts {
 
@@ -73,6 +76,8 @@ void find_fonts(const std::string& directory, Wanted wanted, GWHRNList& out, Rep
 }  // namespace
 
 void find_sources(const std::vector<std::string>& paths, GWHRNList& out, Report& report, Tally& tally) {
+    const Interruptible search;
+    const JudgedWhenNamed at_once;
     for (const auto& [directory, wanted] : sources_of(paths, report, tally))
         find_fonts(directory, wanted, out, report, tally);
     out.tell_apart();

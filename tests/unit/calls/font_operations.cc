@@ -19,6 +19,7 @@
 #include "model/gw_hrn_list.h"
 #include "modules/font_modules.h"
 #include "modules/gw_fsm_list.h"
+#include "modules/source_fonts.h"
 #include "store/font_action.h"
 
 namespace {
@@ -93,7 +94,10 @@ class Operations {
 bool carry_out(Operations& operations, const std::vector<std::string>& words) {
     if (words.size() < 2) return false;
     const std::string& operation = words[0];
-    if (operation == "source" || operation == "install") {
+    if (operation == "source") {
+        operations.source(words[1]);
+    } else if (operation == "install") {
+        const gw::JudgedWhenNamed at_once;  // as the command does
         operations.source(words[1]);
     } else if (operation == "list" || operation == "delete") {
         operations.list(words[1]);

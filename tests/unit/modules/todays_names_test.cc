@@ -15,6 +15,7 @@
 #include "model/gw_font.h"
 #include "modules/font_modules.h"
 #include "modules/gw_fsm_list.h"
+#include "modules/source_fonts.h"
 #include "support/heard_failures.h"
 #include "support/sfnt_maker.h"
 #include "support/temp_dir.h"
@@ -212,6 +213,40 @@ TEST_F(TodaysNames, ThatAreTooLongAreLeftOut) {
     }
     EXPECT_THAT(files(), ElementsAre("some.ttf"));
     EXPECT_THAT(fields("fonts.dir"), ElementsAre("some.ttf"));
+}
+
+/// What is known of a font of a source: its names, its family, its mark, and whether it may be installed.
+std::string known_of(GWFont& font) {
+    const gw::Outcome sound = gw::check_source_font(font);
+    std::string known = font.get_hrn_name() + (font.get_conversion() ? " converted" : "");
+    for (const gw::IndexName& name : font.get_index_names()) known += ' ' + name.xlfd;
+    return known + (sound ? " good" : ' ' + sound.failure().text());
+}
+
+TEST_F(TodaysNames, AreTheSameForFontsThatAreJudgedWhenNamed) {
+    const std::string whole = named("Alpha");
+    source.write("whole.ttf", whole);
+    source.write("cut.ttf", whole.substr(0, whole.size() - 40));
+    source.write("noise.ttf", std::string(300, 'x'));
+    source.write("empty.pfb", "");
+    for (const char* font :
+         {"X11/Type1/c0419bt_.pfb", "opentype/urw-base35/P052-Roman.otf", "X11/misc/6x13-ISO8859-1.pcf.gz"})
+        std::filesystem::copy(std::string("/usr/share/fonts/") + font, source.path());
+    std::vector<std::string> later;
+    for (GWFont* font : list_source()) {
+        EXPECT_FALSE(font->is_checked());
+        later.push_back(known_of(*font));
+    }
+    const gw::JudgedWhenNamed at_once;
+    std::vector<std::string> now;
+    int judged = 0;
+    for (GWFont* font : list_source()) {
+        judged += font->is_checked() ? 1 : 0;
+        now.push_back(known_of(*font));
+    }
+    EXPECT_EQ(now, later);
+    EXPECT_GE(judged, 4) << "those with a name";
+    EXPECT_THAT(now, testing::Contains(HasSubstr("cut.ttf")));
 }
 
 /// They were installed under a name of fourteen hyphens.

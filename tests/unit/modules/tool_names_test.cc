@@ -352,6 +352,18 @@ TEST_F(ToolNames, ProgressIsToldAndCanEndTheWork) {
     EXPECT_EQ(names->size(), paths.size());
 }
 
+TEST_F(ToolNames, TheCallerHasTimeForEachFileOnce) {
+    std::vector<std::string> paths = {dir.write("notes.txt", "no font")};
+    for (int i = 0; i < 300; ++i) paths.push_back(dir.write(std::to_string(i) + ".bdf", bdf(box("same"))));
+    // With this one the tool has to be asked again.
+    paths.push_back(dir.write("line\nfeed.bdf", "no font"));
+    std::vector<int> calls(paths.size());
+    ASSERT_TRUE(tool_names(paths, {}, [&](std::size_t place) { ++calls.at(place); }));
+    EXPECT_EQ(calls.front(), 0) << "no tool is asked about it";
+    calls.erase(calls.begin());
+    EXPECT_EQ(calls, std::vector<int>(paths.size() - 1, 1));
+}
+
 TEST_F(ToolNames, AToolThatCannotBeRunIsAFailure) {
     const std::string path = dir.write("a.bdf", bdf(box("a")));
     const auto failure = [&] {

@@ -19,6 +19,18 @@ namespace {
 
 using gw::test::TempDir;
 
+/// Whether the process comes to its end. It is gone when its parent has collected it; until then it is a
+/// zombie, and at the very end dead.
+bool dies(pid_t process) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+    const auto is_alive = [&] {
+        const gw::Result<std::string> state = gw::read_file("/proc/" + std::to_string(process) + "/stat");
+        return state && state->find(") Z ") == std::string::npos && state->find(") X ") == std::string::npos;
+    };
+    while (is_alive() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
+    return !is_alive();
+}
+
 TEST(ShellText, LeavesOrdinaryPathsAsTheyAre) {
     EXPECT_EQ(gw::shell_text("cd %s; rm -rf %s %s~", {"/usr/fonts/75dpi/", "glyphwd.upr", "glyphwd.upr"}),
               "cd /usr/fonts/75dpi/; rm -rf glyphwd.upr glyphwd.upr~");
@@ -65,6 +77,28 @@ TEST(RunCommand, IsStoppedAtOnceWhenTheWorkIsGivenUp) {
     EXPECT_EQ(asked, 3);
 }
 
+TEST(RunningCommand, GoesOnWhileItsOwnerDoesSomethingElse) {
+    const TempDir dir;
+    ASSERT_EQ(gw::run_shell("mkfifo %s %s", {dir.file("here"), dir.file("there")}), 0);
+    gw::RunningCommand command(gw::shell_text("echo hello > %s; read answer < %s; exit \"$answer\"",
+                                              {dir.file("here"), dir.file("there")}));
+    EXPECT_EQ(gw::run_shell("read word < %s; test \"$word\" = hello", {dir.file("here")}), 0);
+    EXPECT_EQ(gw::run_shell("echo 7 > %s", {dir.file("there")}), 0);
+    const gw::Result<int> number = command.number(gw::MOMENTS);
+    ASSERT_TRUE(number) << number.failure().text();
+    EXPECT_EQ(*number, 7);
+}
+
+TEST(RunningCommand, OneWhoseEndNobodyWantsIsStopped) {
+    const TempDir dir;
+    {
+        const gw::RunningCommand command(
+            gw::shell_text("echo $$ > %s; exec sleep 1000", {dir.file("started")}));
+        while (!dir.read("started").ends_with('\n')) std::this_thread::yield();
+    }
+    EXPECT_TRUE(dies(static_cast<pid_t>(std::stol(dir.read("started")))));
+}
+
 TEST(RunCommand, ACommandHasNothingToRead) {
     EXPECT_TRUE(gw::run_command("test -z \"$(cat)\"", {}, gw::MOMENTS));
 }
@@ -76,14 +110,7 @@ TEST(RunCommand, OneThatHangsIsStoppedWithAllThatItStarted) {
     ASSERT_FALSE(run);
     EXPECT_EQ(run.failure().reason, gw::Reason::NO_ANSWER);
     const auto started = static_cast<pid_t>(std::stol(dir.read("started")));
-    // It is gone when its new parent has collected it; until then it is a zombie, and at the very end dead.
-    const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
-    const auto is_alive = [&] {
-        const gw::Result<std::string> state = gw::read_file("/proc/" + std::to_string(started) + "/stat");
-        return state && state->find(") Z ") == std::string::npos && state->find(") X ") == std::string::npos;
-    };
-    while (is_alive() && std::chrono::steady_clock::now() < end) std::this_thread::yield();
-    EXPECT_FALSE(is_alive());
+    EXPECT_TRUE(dies(started));
 }
 
 class CommandDir : public testing::Test {
