@@ -196,6 +196,8 @@ class KilledInstalling : public Killed {
             [&] { return std::filesystem::exists(default_destination() + AARDVARKS.file_name()); }));
         ASSERT_TRUE(hint_comes_and_goes());
         ASSERT_TRUE(is_root() || wait_until([&] { return is_on_font_path(default_destination()); }));
+        ASSERT_TRUE(wait_until(
+            [&] { return !std::filesystem::exists(default_destination() + ".glyphward/journal"); }));
         whole.detach();
         where = places(whole.log());
         EXPECT_EQ(leave(), 0);

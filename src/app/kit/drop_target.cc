@@ -2,7 +2,9 @@
 #include "app/kit/drop_target.h"
 
 #include <algorithm>
+#include <array>
 #include <memory>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -23,31 +25,32 @@ constexpr long MOST_TYPES = 4096;
 constexpr unsigned VERSION_SHIFT = 24;
 
 struct Atoms {
-    explicit Atoms(Display* d)
-        : aware(XInternAtom(d, "XdndAware", False)),
-          enter(XInternAtom(d, "XdndEnter", False)),
-          position(XInternAtom(d, "XdndPosition", False)),
-          status(XInternAtom(d, "XdndStatus", False)),
-          leave(XInternAtom(d, "XdndLeave", False)),
-          drop(XInternAtom(d, "XdndDrop", False)),
-          finished(XInternAtom(d, "XdndFinished", False)),
-          selection(XInternAtom(d, "XdndSelection", False)),
-          type_list(XInternAtom(d, "XdndTypeList", False)),
-          copy(XInternAtom(d, "XdndActionCopy", False)) {}
+    Atoms(Display* d, const char* type_name) {
+        // In one round trip.
+        std::array names = {
+            name_arg("XdndAware"),      name_arg("XdndEnter"),     name_arg("XdndPosition"),
+            name_arg("XdndStatus"),     name_arg("XdndLeave"),     name_arg("XdndDrop"),
+            name_arg("XdndFinished"),   name_arg("XdndSelection"), name_arg("XdndTypeList"),
+            name_arg("XdndActionCopy"), name_arg(type_name),
+        };
+        std::array<Atom, std::tuple_size_v<decltype(names)>> atoms = {};
+        XInternAtoms(d, names.data(), static_cast<int>(names.size()), False, atoms.data());
+        std::tie(aware, enter, position, status, leave, drop, finished, selection, type_list, copy, type) =
+            std::tuple_cat(atoms);
+    }
     Atom aware, enter, position, status, leave, drop, finished, selection, type_list, copy;
+    Atom type;  // of what can be dropped
 };
 
 struct Transfer;
 
 /// A window on which something can be dropped. It lives as long as the program.
 struct Target {
-    Target(Widget w, const DropClient& c)
-        : shell(w), client(c), atoms(XtDisplay(w)), type(XInternAtom(XtDisplay(w), c.type, False)) {}
+    Target(Widget w, const DropClient& c) : shell(w), client(c), atoms(XtDisplay(w), c.type) {}
 
     Widget shell;
     DropClient client;
     Atoms atoms;
-    Atom type;
     // What is over the window now.
     Window source = 0;
     bool has_our_type = false;
@@ -139,7 +142,7 @@ void enter(Target& target, const XClientMessageEvent& message) {
         for (const int place : {2, 3, 4}) types.push_back(static_cast<Atom>(message.data.l[place]));
     }
     target.has_our_type =
-        version >= OLDEST_VERSION && std::find(types.begin(), types.end(), target.type) != types.end();
+        version >= OLDEST_VERSION && std::find(types.begin(), types.end(), target.atoms.type) != types.end();
 }
 
 bool would_take(const Target& target) {
@@ -180,7 +183,7 @@ void drop(Target& target, const XClientMessageEvent& message) {
     target.has_our_type = false;
     if (target.arriving != nullptr) end_transfer(*target.arriving, false);
     target.arriving = new Transfer{&target, source};  // NOLINT(*-owning-memory): `arrived_cb` releases it
-    XtGetSelectionValueIncremental(target.shell, target.atoms.selection, target.type, arrived_cb,
+    XtGetSelectionValueIncremental(target.shell, target.atoms.selection, target.atoms.type, arrived_cb,
                                    target.arriving, static_cast<Time>(message.data.l[2]));
 }
 

@@ -61,10 +61,15 @@ void set_window_title(Widget dialog, const char* title) {
     gw::tell_title(XtParent(dialog), title);
 }
 
-void set_watch_cursor(Widget w, int on) {
+void show_watch_cursor(Widget w, bool on) {
     if (watch_cursor == 0) watch_cursor = XCreateFontCursor(display, XC_watch);
     if (w == nullptr || !XtIsManaged(w) || XtWindow(w) == None) return;
-    XDefineCursor(display, XtWindow(w), on != 0 ? watch_cursor : None);
+    XDefineCursor(display, XtWindow(w), on ? watch_cursor : None);
+}
+
+void set_watch_cursor(Widget w, int on) {
+    if (w == nullptr || !XtIsManaged(w) || XtWindow(w) == None) return;
+    show_watch_cursor(w, on != 0);
     process_xt_events();
 }
 

@@ -9,7 +9,9 @@
 void popup_cb(Widget w, void* client_data, void* call_data);
 /// Sets the dialog's title, in the current locale.
 void set_window_title(Widget dialog, const char* title);
-/// Shows (`on` non-zero) or removes the busy cursor on `w`, if it is managed, and draws the display.
+/// Shows or removes the busy cursor on `w`, if it is managed.
+void show_watch_cursor(Widget w, bool on);
+/// The same (`on` non-zero shows it), and draws the display.
 void set_watch_cursor(Widget w, int on);
 /// Sets the widget's sensitivity.
 void activate(Widget w, char on);

@@ -23,11 +23,11 @@ Widget create_init_dlg(const char* name, Widget parent) {
 
 void start_init_dlg() {
     XtManageChild(wi_init_dlg);
+    show_watch_cursor(wi_init_dlg, true);
     gw::draw_at_once(wi_init_dlg);
-    set_watch_cursor(wi_init_dlg, 1);
 }
 
 void stop_init_dlg() {
-    set_watch_cursor(wi_init_dlg, 0);
+    show_watch_cursor(wi_init_dlg, false);
     XtUnmanageChild(wi_init_dlg);
 }

@@ -27,6 +27,7 @@
 #include "app/installing/notoffereddlg.h"
 #include "app/installing/nottakendlg.h"
 #include "app/installing/rmediadlg.h"
+#include "app/kit/atoms.h"
 #include "app/kit/dialogs.h"
 #include "app/kit/events.h"
 #include "app/kit/handles.h"
@@ -184,10 +185,10 @@ void init_gui(int* argc, char** argv) {
     display = XtDisplay(wi_toplevel);
     screen = XtScreen(wi_toplevel);
     gw::set_font_path_display(display);
+    gw::ask_for_atoms(display);
     if (gw::window_policy().has_keys_for_all_controls()) gw::use_mnemonics(display);
     create_init_dlg("init_dlg", wi_toplevel);
     start_init_dlg();
-    process_xt_events();
 }
 
 void build_program(bool makes_dialogs_later) {
