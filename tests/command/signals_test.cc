@@ -5,7 +5,10 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -211,6 +214,31 @@ TEST_F(CommandSignals, EndAConversionAndWhatItHasBegun) {
         EXPECT_THAT(content(to_), testing::IsEmpty());
     }
     EXPECT_EQ(fonts_command({"install", "--to", to_, fonts.path()}).status, 0);
+}
+
+TEST_F(CommandSignals, EndTheSearchForNamesOfTheFonts) {
+    const TempDir tools;
+    const std::string started = tools.file("started");
+    ::chmod(tools.write("mkfontscale", "#!/bin/sh\n: > " + started + "\nexec sleep 600\n").c_str(), 0755);
+    const std::string path = std::getenv("PATH");
+    const auto interrupted_search = [&](int signal) {
+        ::setenv("PATH", (tools.path() + ':' + path).c_str(), 1);
+        Running command({"install", "--to", to_, many_.path()});
+        ::setenv("PATH", path.c_str(), 1);
+        while (!command.has_ended() && !fs::exists(started)) ::usleep(500);
+        command.send(signal);
+        EXPECT_EQ(command.wait(), 1) << command.err();
+        return command.err();
+    };
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        fs::remove(started);
+        const std::set<std::string> before = scratch();
+        const std::string said = interrupted_search(signal);
+        EXPECT_THAT(said, HasSubstr("it was interrupted"));
+        EXPECT_THAT(said, testing::Not(HasSubstr("mkfontscale")));
+        EXPECT_EQ(scratch(), before);
+        EXPECT_THAT(content(to_), testing::IsEmpty());
+    }
 }
 
 /// Another process changes the directory, as long as this exists.

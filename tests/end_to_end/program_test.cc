@@ -47,6 +47,8 @@ void ProgramTest::start(const std::map<std::string, std::optional<std::string>>&
     main = std::make_unique<MainWindow>(desktop);
     ASSERT_TRUE(main->is_there()) << program->errors();
     ASSERT_TRUE(gets_keyboard(MainWindow::TITLE));
+    // The window may be there before its lists are drawn.
+    desktop.settle();
 }
 
 std::string ProgramTest::seen() const {
