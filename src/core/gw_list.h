@@ -8,10 +8,12 @@
 // point with an index.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <iterator>
 #include <memory>
 #include <set>
+#include <vector>
 
 class GW_FILE;
 
@@ -265,6 +267,15 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         index_.insert(next, this->link_after(before, e));
         index_state_ = state();
         return 1;
+    }
+
+    /// Puts the elements into the order of their keys, as they are now. Equal ones keep their order.
+    void sort_again() {
+        std::vector<T*> elements(this->begin(), this->end());
+        std::stable_sort(elements.begin(), elements.end(),
+                         [this](T* a, T* b) { return index_.key_comp().order(a, b) < 0; });
+        this->clear();
+        for (T* e : elements) this->link_after(this->tail, e);
     }
 
     /// Changes whenever an index over the elements may have gone out of date.

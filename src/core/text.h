@@ -36,6 +36,11 @@ std::size_t copy_text(char (&dst)[N], std::string_view src) {
 /// `text` with the first letter of each word in upper case.
 [[nodiscard]] std::string capitalized_words(std::string_view text);
 
+/// An ASCII letter in lower case; any other byte as it is.
+[[nodiscard]] constexpr char ascii_lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
 /// `text` with its ASCII letters in lower case; equal results mean equal for `strcasecmp` in the C locale.
 [[nodiscard]] std::string lower_case(std::string_view text);
 

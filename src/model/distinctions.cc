@@ -1,8 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "model/distinctions.h"
 
+#include <algorithm>
 #include <map>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "core/text.h"
 #include "model/gw_alias.h"
@@ -42,26 +45,47 @@ void distinguish(const Group<T>& group, std::size_t feature) {
     }
 }
 
+bool reads_before(std::string_view a, std::string_view b) {
+    return std::lexicographical_compare(a.begin(), a.end(), b.begin(), b.end(),
+                                        [](char x, char y) { return ascii_lower(x) < ascii_lower(y); });
+}
+
+template <class T>
+void tell_equal_apart(std::vector<Entry<T>>& entries) {
+    Group<T> group;
+    for (Entry<T>& entry : entries) group.push_back(&entry);
+    distinguish(group, 0);
+    for (const Entry<T>& entry : entries) entry.item->set_distinction(entry.distinction);
+}
+
 template <class T, class Describe>
 void tell_all_apart(const std::vector<T*>& items, Describe describe) {
-    std::map<std::string, std::vector<T*>> by_name;
     for (T* item : items) {
         if (!item->get_distinction().empty()) item->set_distinction("");
-        by_name[lower_case(describe.name(*item))].push_back(item);
     }
-    for (const auto& [name, equal] : by_name) {
-        if (equal.size() < 2) continue;
-        std::vector<Entry<T>> entries;
-        for (T* item : equal) entries.push_back({item, describe.features(*item)});
-        Group<T> group;
-        for (Entry<T>& entry : entries) group.push_back(&entry);
-        distinguish(group, 0);
-        for (const Entry<T>& entry : entries) entry.item->set_distinction(entry.distinction);
+    using Name = decltype(describe.name(*items.front()));
+    std::vector<std::pair<Name, T*>> named;
+    named.reserve(items.size());
+    for (T* item : items) named.emplace_back(describe.name(*item), item);
+    const auto before = [](const auto& a, const auto& b) { return reads_before(a.first, b.first); };
+    // A list that is shown is sorted already.
+    if (!std::is_sorted(named.begin(), named.end(), before))
+        std::stable_sort(named.begin(), named.end(), before);
+    for (auto first = named.begin(); first != named.end();) {
+        const auto end =
+            std::find_if(first, named.end(), [&](const auto& other) { return before(*first, other); });
+        if (end - first > 1) {
+            std::vector<Entry<T>> entries;
+            for (auto equal = first; equal != end; ++equal)
+                entries.push_back({equal->second, describe.features(*equal->second)});
+            tell_equal_apart(entries);
+        }
+        first = end;
     }
 }
 
 struct FontDescription {
-    static std::string name(const GWHRNElement& elem) { return elem.get_name(); }
+    static std::string_view name(const GWHRNElement& elem) { return elem.get_name(); }
     static Features features(const GWHRNElement& elem) {
         GWFont* font = elem.get_representative();
         if (font == nullptr) return Features(5);

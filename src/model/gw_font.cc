@@ -109,8 +109,8 @@ GWFont::GWFont(GW_FONT_TYPE type) : font_type(type) {}
 
 GWFont::GWFont(GWFont& other, const char* dir)
     : RefCounted(),
-      font_type(other.conversion ? other.conversion->type : other.font_type),
-      disk_space(other.conversion ? 0 : other.get_disk_space()),
+      font_type(other.get_conversion() ? other.get_conversion()->type : other.font_type),
+      disk_space(other.get_conversion() ? 0 : other.get_disk_space()),
       xlfd_name(other.get_xlfd_name()),
       index_names(other.index_names),
       ps_name(other.ps_name),
@@ -152,7 +152,7 @@ void GWFont::set_field(FIELD f, const char* value) {
     for (char& c : text) {
         if (c == '-') c = ' ';
     }
-    fields[static_cast<std::size_t>(f)] = std::move(text);
+    fields.set(static_cast<std::size_t>(f), text);
 }
 
 // Kept: reading a wrong field is reported in the words for writing one.
@@ -161,26 +161,18 @@ const char* GWFont::get_field(FIELD f) const {
         std::fputs("GWFont::set_field : Incorrect field specified\n", stdout);
         return nullptr;
     }
-    return fields[static_cast<std::size_t>(f)].c_str();
+    return fields.c_str(static_cast<std::size_t>(f));
 }
 
 void GWFont::set_xlfd_name(const char* name) {
     const std::string given = name;  // `name` may point to this record's own text
     xlfd_name.assign(given, 0, NAME_LIMIT);
-    if (is_xlfd_name(given.c_str()) == 0) return;
-    std::string_view rest(given);
-    rest.remove_prefix(rest.find('-') + 1);
-    for (std::string& field : fields) {
-        const std::size_t dash = std::min(rest.find('-'), rest.size());
-        field = rest.substr(0, std::min(dash, FIELD_LIMIT));
-        rest.remove_prefix(std::min(dash + 1, rest.size()));
-    }
+    if (is_xlfd_name(given.c_str()) != 0) fields.take(given);
 }
 
-std::string GWFont::composed_xlfd_name() const {
-    std::string name;
-    for (const std::string& field : fields) name += '-' + field;
-    return name;
+const GWFont::SourceFacts& GWFont::known_facts() const {
+    static const SourceFacts NONE;
+    return source_facts ? *source_facts : NONE;
 }
 
 void GWFont::set_index_names(std::vector<gw::IndexName> names) {
@@ -231,11 +223,12 @@ std::string GWFont::name_in_copy(const GW_FILE_SPEC& file) const {
         name.begin(), name.end(), [](char c) { return static_cast<unsigned char>(c) <= ' '; }, '_');
     if (name.front() == ':') name.front() = '_';  // options would begin here
     const std::string extension = gw::font_extension(name);
-    return name.substr(0, name.size() - extension.size()) + (conversion ? conversion->extension : extension);
+    return name.substr(0, name.size() - extension.size()) +
+           (get_conversion() ? get_conversion()->extension : extension);
 }
 
 const char* GWFont::get_xlfd_name() {
-    if (xlfd_name.empty()) xlfd_name = gw::truncated(composed_xlfd_name(), NAME_LIMIT);
+    if (xlfd_name.empty()) xlfd_name = gw::truncated(fields.name(), NAME_LIMIT);
     return xlfd_name.c_str();
 }
 
@@ -244,7 +237,7 @@ void GWFont::construct_xlfd_name(const char* /*ignored*/, char* dst, unsigned le
         gw::copy_text(dst, std::size_t{len} + 1, xlfd_name);
         return;
     }
-    const std::string name = composed_xlfd_name();
+    const std::string name = fields.name();
     if (name.size() > len) {
         // Kept: the library reports on standard output.
         std::fputs("Not enough space in the xlfd_name string\n", stdout);
@@ -323,6 +316,7 @@ std::string GWFont::get_hrn_name() {
         const NamePieces pieces = name_pieces();
         name = pieces.family + pieces.weight + pieces.add_style + pieces.slant + listed_charset() + tag;
     }
+    const std::string& mark = known_facts().mark;
     if (!mark.empty()) gw::append_at_column(name, mark);
     if (read_only && mark.empty()) set_read_only_str(name);
     return name;
@@ -330,7 +324,7 @@ std::string GWFont::get_hrn_name() {
 
 /// A font of a source of which nothing is known but its file.
 bool GWFont::is_nameless() const {
-    return obstacle && fields[TYPEFACE_NAME].empty() && file_list && !file_list->is_empty();
+    return get_obstacle() && fields[TYPEFACE_NAME].empty() && file_list && !file_list->is_empty();
 }
 
 // Kept: names of bitmap fonts have no charset.
@@ -353,7 +347,8 @@ std::string GWFont::get_cli_hrn_name() {
 
 const char* GWFont::get_charset_hrn_name() {
     if (!charset_hrn_name.empty()) return charset_hrn_name.c_str();
-    const std::string charset = fields[CHARSET_REGISTRY] + '-' + fields[CHARSET_ENCODING];
+    const std::string charset =
+        std::string(fields[CHARSET_REGISTRY]).append("-").append(fields[CHARSET_ENCODING]);
     charset_hrn_name = ' ' + charset;
     for (const CharsetName& known : CHARSET_NAMES) {
         if (known.charset != gw::lower_case(charset)) continue;
@@ -366,7 +361,7 @@ const char* GWFont::get_charset_hrn_name() {
 int GWFont::compare_hrn(const GWFont* other) const {
     if (font_type != other->font_type) return 0;
     for (const std::size_t f : HRN_FIELDS) {
-        if (::strcasecmp(fields[f].c_str(), other->fields[f].c_str()) != 0) return 0;
+        if (::strcasecmp(fields.c_str(f), other->fields.c_str(f)) != 0) return 0;
     }
     return 1;
 }

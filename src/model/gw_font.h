@@ -6,7 +6,6 @@
 // Owner of the file specifications in the file list: this record.
 #pragma once
 
-#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -20,6 +19,7 @@
 #include "core/gw_list.h"
 #include "core/ref.h"
 #include "model/index_name.h"
+#include "model/xlfd_fields.h"
 
 class GW_FSM_LIST;
 
@@ -53,8 +53,8 @@ class GWFont : public GW_BASE, public gw::RefCounted {
         CHARSET_REGISTRY,
         CHARSET_ENCODING,
     };
-    static constexpr int FIELD_COUNT = 14;
-    static constexpr std::size_t FIELD_LIMIT = 127;  ///< characters of a field
+    static constexpr int FIELD_COUNT = gw::XlfdFields::COUNT;
+    static constexpr std::size_t FIELD_LIMIT = gw::XlfdFields::LIMIT;  ///< characters of a field
     static constexpr std::size_t NAME_LIMIT =
         1792;  ///< characters of an XLFD, PostScript or human-readable name
 
@@ -115,10 +115,10 @@ class GWFont : public GW_BASE, public gw::RefCounted {
         const char* extension;  ///< of the copy's file, for example ".ttf"
     };
     void set_conversion(const Conversion& how) {
-        conversion = how;
+        own_facts().conversion = how;
     }
     [[nodiscard]] const std::optional<Conversion>& get_conversion() const {
-        return conversion;
+        return known_facts().conversion;
     }
     /// The name of the file in a copy of the font. If the font policy says so, a blank in it is "_" and the
     /// extension is in lower case; a file that is converted has its new extension.
@@ -126,28 +126,28 @@ class GWFont : public GW_BASE, public gw::RefCounted {
 
     /// Why the font cannot be installed, whatever the destination; none if it can, as far as is known.
     void set_obstacle(const gw::Failure& why) {
-        obstacle = why;
+        own_facts().obstacle = why;
     }
     [[nodiscard]] const std::optional<gw::Failure>& get_obstacle() const {
-        return obstacle;
+        return known_facts().obstacle;
     }
     /// A word in brackets behind the name in lists, where "[Read Only]" is for others ("[Damaged]").
     void set_mark(std::string_view text) {
-        mark = text;
+        own_facts().mark = text;
     }
     /// Whether somebody has looked into the font's file.
     [[nodiscard]] bool is_checked() const {
-        return checked;
+        return known_facts().is_checked;
     }
     void set_checked() {
-        checked = true;
+        own_facts().is_checked = true;
     }
     /// Something that the user should know of an installation that is a success.
     void remark(const gw::Failure& what) {
-        remarks.push_back(what);
+        own_facts().remarks.push_back(what);
     }
     std::vector<gw::Failure> take_remarks() {
-        return std::exchange(remarks, {});
+        return source_facts ? std::exchange(source_facts->remarks, {}) : std::vector<gw::Failure>();
     }
 
     /// The family as the font itself writes it ("DejaVu Sans Mono"), for the name in lists.
@@ -196,10 +196,24 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] bool is_read_only() const;
 
   private:
+    /// What only fonts of a source have, or few of them.
+    struct SourceFacts {
+        std::optional<Conversion> conversion = {};
+        std::optional<gw::Failure> obstacle = {};
+        std::vector<gw::Failure> remarks = {};
+        std::string mark = {};
+        bool is_checked = false;
+    };
+    /// To be changed.
+    SourceFacts& own_facts() {
+        if (!source_facts) source_facts = std::make_unique<SourceFacts>();
+        return *source_facts;
+    }
+    [[nodiscard]] const SourceFacts& known_facts() const;
+
     struct NamePieces;
     [[nodiscard]] NamePieces name_pieces() const;
     std::string listed_charset();
-    [[nodiscard]] std::string composed_xlfd_name() const;
     void update_read_only();
     [[nodiscard]] bool is_nameless() const;
     const std::vector<std::size_t>& hashes();
@@ -215,15 +229,11 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     std::vector<gw::IndexName> index_names;
     std::vector<std::size_t>
         name_hashes;  // of all names in lower case, ascending; empty until they are needed
-    std::optional<Conversion> conversion;
-    std::optional<gw::Failure> obstacle;
-    std::vector<gw::Failure> remarks;
+    std::unique_ptr<SourceFacts> source_facts;  // null until there is one
     std::string family_in_font;
     std::string distinction;
-    std::string mark;
-    bool checked = false;
     std::string ps_name;
-    std::array<std::string, FIELD_COUNT> fields;
+    gw::XlfdFields fields;
 };
 
 /// Font lists are sorted by the bracketed name, ignoring case.

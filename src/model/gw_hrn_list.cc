@@ -9,6 +9,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "core/font_policy.h"
 #include "core/long_work.h"
@@ -44,6 +45,7 @@ bool is_system_font(const GWFont& font) {
 }  // namespace
 
 unsigned long GWHRNElement::renamings = 0;
+unsigned long GWHRNElement::regroupings = 0;
 
 GWHRNElement::GWHRNElement(GWFont* font) {
     _initialize_hrn_element(font);
@@ -73,7 +75,8 @@ void GWHRNElement::_initialize_hrn_element(GWFont* font) {
         slot.resolutions.emplace_back("0");
     }
     slot.fonts.push_back(shared);
-    slots.assign(1, slot);
+    slots.clear();
+    slots.push_back(std::move(slot));
     name = font->get_hrn_name();
     read_only = font->is_read_only() ? 1 : 0;
 }
@@ -87,6 +90,9 @@ int GWHRNElement::add_font(GWFont* font, int force) {
         return force != 0 ? 1 : 0;
     }
 
+    ++regroupings;
+    // It may come to represent the entry.
+    font->set_distinction(representative->get_distinction());
     const std::string point_size = size_text(*font);
     auto slot = std::find_if(slots.begin(), slots.end(),
                              [&](const PointSize& known) { return known.point_size == point_size; });
@@ -108,6 +114,7 @@ int GWHRNElement::add_font(GWFont* font, int force) {
 }
 
 int GWHRNElement::del_font(GWFont* font) {
+    ++regroupings;
     for (PointSize& slot : slots) {
         for (std::size_t i = 0; i < slot.fonts.size(); ++i) {
             if (slot.fonts[i].get() != font) continue;
@@ -178,9 +185,10 @@ void GWHRNElement::compose_name() {
     ++renamings;
 }
 
-std::string GWHRNElement::get_distinction() const {
+const std::string& GWHRNElement::get_distinction() const {
+    static const std::string NONE;
     const GWFont* font = get_representative();
-    return font != nullptr ? font->get_distinction() : "";
+    return font != nullptr ? font->get_distinction() : NONE;
 }
 
 int GWHRNElement::compare(const GWHRNElement* other) const {
@@ -457,13 +465,11 @@ void GWHRNList::merge(const GWHRNList& other) {
 }
 
 void GWHRNList::tell_apart() {
-    if (!gw::font_policy().tells_names_apart()) return;
-    const std::vector<GWHRNElement*> elements(begin(), end());
-    gw::tell_apart(elements);
-    // Back to front, so that equal names keep their order.
-    GW_SORTED_LIST<GWHRNElement>::clear();
-    for (auto elem = elements.rbegin(); elem != elements.rend(); ++elem)
-        GW_SORTED_LIST<GWHRNElement>::insert(*elem);
+    if (!gw::font_policy().tells_names_apart() || told_apart == known_state()) return;
+    const gw::ListState before = state();
+    gw::tell_apart(std::vector<GWHRNElement*>(begin(), end()));
+    if (state() != before) sort_again();
+    told_apart = known_state();
 }
 
 void GWHRNList::delete_hrn_elem(GWHRNElement* elem) {

@@ -11,6 +11,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "core/gw_base.h"
@@ -98,7 +99,7 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
 
     /// Adds `text` to the names of the fonts; "" takes it away. The element's name follows.
     void set_distinction(const std::string& text);
-    [[nodiscard]] std::string get_distinction() const;
+    [[nodiscard]] const std::string& get_distinction() const;
     /// Composes the name again, because the mark of a font has changed.
     void compose_name();
 
@@ -114,6 +115,8 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
 
     /// Incremented whenever the name of any element may have changed.
     [[nodiscard]] static unsigned long get_renamings() { return renamings; }
+    /// Incremented whenever any element may have got or lost a font.
+    [[nodiscard]] static unsigned long get_regroupings() { return regroupings; }
 
   private:
     bool has_conflict_of_type(GWHRNList& installed, GW_LIST<GWConflict>& conflicts, const char* dir);
@@ -122,6 +125,7 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] bool is_named_like(const GW_SORTED_LIST<GWAlias>& aliases, gw::FontReport& report) const;
 
     static unsigned long renamings;
+    static unsigned long regroupings;
 
     int read_only = 0;
     mutable std::optional<unsigned> disk_space;  // none until somebody asks
@@ -176,6 +180,11 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     [[nodiscard]] gw::FontReport& get_report() { return report; }
 
   private:
+    /// What the names depend on: the list and its elements, and the fonts of these.
+    using KnownState = std::pair<gw::ListState, unsigned long>;
+    [[nodiscard]] KnownState known_state() const { return {state(), GWHRNElement::get_regroupings()}; }
+
+    std::optional<KnownState> told_apart;  // the state in which no names are to be told apart
     gw::BitmapIndex index;
     gw::FontReport report;
 };

@@ -4,6 +4,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <strings.h>
+
+#include <algorithm>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -148,6 +152,42 @@ TEST_F(ToldApart, AnewWhenTheListHasChanged) {
     EXPECT_THAT(names(), ElementsAre("Sans Medium (X) [TrueType]", "Sans Medium (Y) [TrueType]"));
     list.release_at_pos(1);
     EXPECT_THAT(names(), ElementsAre("Sans Medium [TrueType]"));
+}
+
+/// Entries that join others, and smaller sizes that come to represent their entry, are told apart as if all
+/// had been there from the beginning.
+TEST_F(ToldApart, TheSameHoweverOftenItIsDone) {
+    std::mt19937 random(7);
+    const auto one_of = [&](const std::vector<std::string>& words) { return words[random() % words.size()]; };
+    for (int round = 0; round < 50; ++round) {
+        list.clear();
+        GWHRNList at_once(0);
+        for (int i = 0; i < 30; ++i) {
+            const std::string size = one_of({"80", "100", "120"});
+            const std::string xlfd = "-" + one_of({"x", "y"}) + "-" + one_of({"sans", "Sans", "serif"}) +
+                                     "-medium-r-normal--0-" + size + "-75-75-p-0-" +
+                                     one_of({"iso8859-1", "koi8-r"});
+            const std::string file = size + one_of({"a", "b"}) + ".pcf";
+            const std::string dir = one_of({"/a/", "/b/"});
+            for (GWHRNList* each : {&list, &at_once}) {
+                const Ref<GWFont> font(new GWFont(GWFont::BITMAP_FONT));
+                font->set_xlfd_name(xlfd.c_str());
+                gw::test::place(*font, dir, {file});
+                each->add_font(font.get());
+            }
+            if (random() % 4 == 0) list.tell_apart();
+        }
+        list.tell_apart();
+        at_once.tell_apart();
+        std::vector<std::string> often = gw::test::names_of(list);
+        std::vector<std::string> once = gw::test::names_of(at_once);
+        EXPECT_TRUE(std::is_sorted(often.begin(), often.end(), [](const auto& a, const auto& b) {
+            return ::strcasecmp(a.c_str(), b.c_str()) < 0;
+        }));
+        std::sort(often.begin(), often.end());
+        std::sort(once.begin(), once.end());
+        EXPECT_EQ(often, once) << round;
+    }
 }
 
 TEST_F(ToldApart, NotWithoutThePolicy) {
