@@ -29,6 +29,7 @@ constexpr const char* USAGE =
     "\n"
     "  list     the fonts that the index of DIR lists, under their names\n"
     "  source   the fonts of DIR, whether an index lists them or not, under their names\n"
+    "  judge    the same, and whether each is sound\n"
     "  install  those of the source DIR into TARGET, as one action\n"
     "  delete   every second font that the index of DIR lists, or every STEP-th, as one action\n";
 
@@ -96,7 +97,7 @@ bool carry_out(Operations& operations, const std::vector<std::string>& words) {
     const std::string& operation = words[0];
     if (operation == "source") {
         operations.source(words[1]);
-    } else if (operation == "install") {
+    } else if (operation == "install" || operation == "judge") {
         const gw::JudgedWhenNamed at_once;  // as the command does
         operations.source(words[1]);
     } else if (operation == "list" || operation == "delete") {
