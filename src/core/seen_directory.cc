@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <climits>
 #include <utility>
+#include <vector>
 
 namespace gw {
 
@@ -36,7 +37,7 @@ std::optional<SeenFile> look_at(int fd, const char* name, std::uint64_t* size = 
                     (info.stx_attributes & WRITING_IS_DOUBTFUL) != 0 || !S_ISREG(info.stx_mode)};
 }
 
-bool is_plain(const std::string& name) {
+bool is_plain(std::string_view name) {
     return !name.empty() && name.size() <= NAME_MAX && name != "." && name != ".." &&
            std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < '\x7f' && c != '/'; });
 }
@@ -103,12 +104,16 @@ void SeenDirectory::read_names() {
         return;
     }
     errno = 0;
+    std::vector<std::pair<std::size_t, Entry>> found;  // where each name begins
     while (const dirent* entry = ::readdir(entries)) {
         const bool is_there = entry->d_type == DT_REG || entry->d_type == DT_DIR;
-        names_.emplace(entry->d_name, is_there ? Entry::FILE : Entry::OTHER);
+        found.emplace_back(names_text_.size(), is_there ? Entry::FILE : Entry::OTHER);
+        (names_text_ += entry->d_name) += '\0';
     }
     const bool is_complete = errno == 0;
     ::closedir(entries);
+    names_.reserve(found.size());
+    for (const auto& [begin, entry] : found) names_.emplace(names_text_.data() + begin, entry);
     // Where files cannot be looked at, nobody knows that one is missing.
     names_answer_ = is_complete && path_.ends_with('/') &&
                     ::faccessat(fd_.get(), ".", X_OK, AT_EACCESS) == 0 && knows_case();
@@ -118,10 +123,10 @@ void SeenDirectory::read_names() {
 bool SeenDirectory::knows_case() const {
     const auto sample = std::find_if(names_.begin(), names_.end(), [](const auto& entry) {
         return entry.second == Entry::FILE && is_plain(entry.first) &&
-               with_other_case(entry.first) != entry.first;
+               with_other_case(std::string(entry.first)) != entry.first;
     });
     if (sample == names_.end()) return false;
-    const std::string other = with_other_case(sample->first);
+    const std::string other = with_other_case(std::string(sample->first));
     return names_.contains(other) || !ask_for(other);
 }
 

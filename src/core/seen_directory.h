@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "core/directory.h"
@@ -34,6 +35,8 @@ class SeenDirectory {
   public:
     /// `path` is used unchanged; the paths of files are made of it and of their names.
     explicit SeenDirectory(std::string path);
+    SeenDirectory(const SeenDirectory&) = delete;
+    SeenDirectory& operator=(const SeenDirectory&) = delete;
 
     [[nodiscard]] const std::string& path() const { return path_; }
 
@@ -65,7 +68,8 @@ class SeenDirectory {
     int asked_ = 0;
     bool are_names_read_ = false;
     bool names_answer_ = false;
-    std::unordered_map<std::string, Entry> names_;
+    std::string names_text_;  // the names in the directory, which the keys of `names_` are parts of
+    std::unordered_map<std::string_view, Entry> names_;
     std::unordered_map<std::string, std::optional<SeenFile>> seen_;
     std::map<std::string, std::unique_ptr<SeenDirectory>> below_;
 };

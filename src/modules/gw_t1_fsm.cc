@@ -225,8 +225,13 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
     const gw::ElementsOwner owner(files);
     list_installed_font_file_names(files, fpe);
     if (files.is_empty()) return;
-    const auto names = gw::font_names_by_file(*fpe);
-    auto all_names = gw::font_policy().enters_all_names() ? all_names_by_file(*fpe) : NamesByFile();
+    NamesByFile all_names;
+    std::unordered_map<std::string, std::string> names;
+    if (gw::font_policy().enters_all_names()) {
+        all_names = all_names_by_file(*fpe);
+    } else {
+        names = gw::font_names_by_file(*fpe);
+    }
     gw::FontPlaces places;
     for (const GW_FILE_SPEC* spec : files) {
         gw::FontPlace& place = places.at(spec->get_dir());

@@ -231,12 +231,13 @@ void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<c
 std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::string_view)>& takes) {
     const auto index = fpe.get_fontdir_file().contents();
     std::vector<ListedFile> files;
-    std::unordered_map<std::string, std::size_t> places;
+    std::unordered_map<std::string_view, std::size_t> places;
+    places.reserve(index->entries.size());
     for (const IndexEntryView& entry : index->entries) {
         const IndexedFile file = indexed_file(entry.file_name);
         if (!takes(file.name)) continue;
-        const auto [place, is_new] = places.try_emplace(std::string(file.name), files.size());
-        if (is_new) files.push_back({place->first, {}});
+        const auto [place, is_new] = places.try_emplace(file.name, files.size());
+        if (is_new) files.push_back({std::string(file.name), {}});
         files[place->second].names.push_back(
             {file.face, std::string(entry.font_name), std::string(file.options)});
     }
