@@ -25,7 +25,6 @@ namespace {
 namespace fs = std::filesystem;
 using gw::test::content;
 using gw::test::fonts_command;
-using gw::test::Ran;
 using gw::test::TempDir;
 using testing::HasSubstr;
 

@@ -21,9 +21,7 @@ namespace {
 using gw::Ref;
 using gw::test::make_font;
 using gw::test::UnderPolicy;
-using gw::test::Xlfd;
 using testing::ElementsAre;
-using testing::SizeIs;
 
 Ref<GWFont> outline(const std::string& family, const std::vector<std::string>& charsets,
                     const std::string& foundry = "x") {
