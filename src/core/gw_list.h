@@ -13,6 +13,7 @@
 #include <iterator>
 #include <memory>
 #include <set>
+#include <utility>
 #include <vector>
 
 class GW_FILE;
@@ -269,13 +270,17 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         return 1;
     }
 
+    /// Inserts the elements one after the other into a list that is empty; they are sorted once.
+    void insert_all(std::vector<T*> elements) {
+        std::reverse(elements.begin(), elements.end());  // of equal ones the newest comes first
+        take_sorted(std::move(elements));
+    }
+
     /// Puts the elements into the order of their keys, as they are now. Equal ones keep their order.
     void sort_again() {
         std::vector<T*> elements(this->begin(), this->end());
-        std::stable_sort(elements.begin(), elements.end(),
-                         [this](T* a, T* b) { return index_.key_comp().order(a, b) < 0; });
         this->clear();
-        for (T* e : elements) this->link_after(this->tail, e);
+        take_sorted(std::move(elements));
     }
 
     /// Changes whenever an index over the elements may have gone out of date.
@@ -294,6 +299,12 @@ class GW_SORTED_LIST : public GW_LIST_BASE<T> {
         bool operator()(const Node* a, T* b) const { return order(a->elem, b) < 0; }
         bool operator()(T* a, const Node* b) const { return order(a, b->elem) < 0; }
     };
+
+    void take_sorted(std::vector<T*> elements) {
+        std::stable_sort(elements.begin(), elements.end(),
+                         [this](T* a, T* b) { return index_.key_comp().order(a, b) < 0; });
+        for (T* e : elements) this->link_after(this->tail, e);
+    }
 
     // When an element's key changed while it was in the list, the list may be unsorted. Such a list cannot
     // have an index; a new element's place is then found by walking.

@@ -42,6 +42,11 @@ bool is_plain(std::string_view name) {
            std::all_of(name.begin(), name.end(), [](char c) { return c > ' ' && c < '\x7f' && c != '/'; });
 }
 
+std::string_view extension_of(std::string_view name) {
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string_view::npos ? std::string_view() : name.substr(dot);
+}
+
 std::string with_other_case(std::string name) {
     for (char& c : name) {
         const auto letter = static_cast<unsigned char>(c);
@@ -66,16 +71,28 @@ int SeenDirectory::place_of(const std::string& name, std::string& place) const {
     return is_below ? fd_.get() : AT_FDCWD;
 }
 
-const std::optional<SeenFile>& SeenDirectory::look(const std::string& name) {
-    const auto [known, is_new] = seen_.try_emplace(name);
-    if (!is_new) return known->second;
+std::optional<SeenFile> SeenDirectory::ask_about(const std::string& name) const {
     std::string place;
     const int fd = place_of(name, place);
-    if (!place.empty()) known->second = look_at(fd, place.c_str());
-    return known->second;
+    return place.empty() ? std::nullopt : look_at(fd, place.c_str());
+}
+
+const std::optional<SeenFile>& SeenDirectory::look(const std::string& name) {
+    if (const std::optional<SeenFile>* answer = known(name); answer != nullptr) return *answer;
+    return remember(name, ask_about(name));
+}
+
+const std::optional<SeenFile>& SeenDirectory::remember(const std::string& name,
+                                                       std::optional<SeenFile> answer) {
+    const auto entry = names_.find(name);
+    if (entry == names_.end()) return seen_[name] = answer;
+    entry->second.is_seen = true;
+    return entry->second.seen = answer;
 }
 
 const std::optional<SeenFile>* SeenDirectory::known(const std::string& name) const {
+    if (const auto entry = names_.find(name); entry != names_.end() && entry->second.is_seen)
+        return &entry->second.seen;
     const auto found = seen_.find(name);
     return found != seen_.end() ? &found->second : nullptr;
 }
@@ -90,9 +107,10 @@ bool SeenDirectory::ask_for(const std::string& name) const {
 bool SeenDirectory::has(const std::string& name) {
     if (!are_names_read_ && ++asked_ > FEW_QUESTIONS) read_names();
     if (!names_answer_ || !is_plain(name)) return ask_for(name);
+    if (!extensions_.contains(extension_of(name))) return false;
     const auto found = names_.find(name);
     if (found == names_.end()) return false;
-    return found->second == Entry::FILE || ask_for(name);
+    return found->second.is_file || ask_for(name);
 }
 
 void SeenDirectory::read_names() {
@@ -104,16 +122,19 @@ void SeenDirectory::read_names() {
         return;
     }
     errno = 0;
-    std::vector<std::pair<std::size_t, Entry>> found;  // where each name begins
+    std::vector<std::pair<std::size_t, bool>> found;  // where each name begins
     while (const dirent* entry = ::readdir(entries)) {
-        const bool is_there = entry->d_type == DT_REG || entry->d_type == DT_DIR;
-        found.emplace_back(names_text_.size(), is_there ? Entry::FILE : Entry::OTHER);
+        found.emplace_back(names_text_.size(), entry->d_type == DT_REG || entry->d_type == DT_DIR);
         (names_text_ += entry->d_name) += '\0';
     }
     const bool is_complete = errno == 0;
     ::closedir(entries);
     names_.reserve(found.size());
-    for (const auto& [begin, entry] : found) names_.emplace(names_text_.data() + begin, entry);
+    for (const auto& [begin, is_file] : found) {
+        const std::string_view name(names_text_.data() + begin);
+        names_.emplace(name, Entry{is_file});
+        extensions_.insert(extension_of(name));
+    }
     // Where files cannot be looked at, nobody knows that one is missing.
     names_answer_ = is_complete && path_.ends_with('/') &&
                     ::faccessat(fd_.get(), ".", X_OK, AT_EACCESS) == 0 && knows_case();
@@ -122,7 +143,7 @@ void SeenDirectory::read_names() {
 /// Whether the directory can have two names that differ in case alone.
 bool SeenDirectory::knows_case() const {
     const auto sample = std::find_if(names_.begin(), names_.end(), [](const auto& entry) {
-        return entry.second == Entry::FILE && is_plain(entry.first) &&
+        return entry.second.is_file && is_plain(entry.first) &&
                with_other_case(std::string(entry.first)) != entry.first;
     });
     if (sample == names_.end()) return false;
@@ -140,7 +161,7 @@ Result<Descriptor> SeenDirectory::open_to_read(const std::string& name) {
         std::uint64_t size = 0;
         const std::optional<SeenFile> info = file.is_open() ? look_at(file.get(), "", &size) : std::nullopt;
         if (info && S_ISREG(info->mode) && size <= static_cast<std::uint64_t>(Directory::FILE_LIMIT)) {
-            seen_.insert_or_assign(name, info);
+            remember(name, info);
             return file;
         }
     }

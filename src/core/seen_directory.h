@@ -13,6 +13,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "core/directory.h"
 #include "core/failure.h"
@@ -59,7 +60,14 @@ class SeenDirectory {
     void read_names();
     [[nodiscard]] bool knows_case() const;
 
-    enum class Entry { FILE, OTHER };
+    /// A name in the directory.
+    struct Entry {
+        bool is_file = false;  ///< or a directory; of anything else, such as a link, only the disk knows
+        bool is_seen = false;  ///< `seen` is the answer of `look`
+        std::optional<SeenFile> seen = {};
+    };
+    [[nodiscard]] std::optional<SeenFile> ask_about(const std::string& name) const;
+    const std::optional<SeenFile>& remember(const std::string& name, std::optional<SeenFile> answer);
 
     std::string path_;
     Descriptor fd_;                  // only for looking
@@ -70,7 +78,8 @@ class SeenDirectory {
     bool names_answer_ = false;
     std::string names_text_;  // the names in the directory, which the keys of `names_` are parts of
     std::unordered_map<std::string_view, Entry> names_;
-    std::unordered_map<std::string, std::optional<SeenFile>> seen_;
+    std::unordered_set<std::string_view> extensions_;  // of the names: most questions are about others
+    std::unordered_map<std::string, std::optional<SeenFile>> seen_;  // what is not in `names_`
     std::map<std::string, std::unique_ptr<SeenDirectory>> below_;
 };
 

@@ -15,12 +15,12 @@ void GWInstalledFontsDriver::get_hrn_list(GWHRNList& out) {
     const GW_LIST<GW_STRING>& path = *the_font_path->get_fpe_list(GWFontPath::ALL_FP, count);
     for (const std::string& dir : gw::find_silent(path))
         gw::tell(gw::Failure{dir, gw::Reason::SILENT}.with(gw::Sequel::FONTS_NOT_LISTED));
+    GW_LIST<GWFont> fonts;
     for (const std::string& dir : gw::directories_to_list(path)) {
         gw::tell_unless_done(gw::settle(dir));
         GW_FPE fpe(dir.c_str());
-        GW_LIST<GWFont> fonts;
         the_fsm_list.make_installed_font_list(fonts, &fpe);
-        for (GWFont* font : fonts) out.add_font(font);
     }
+    out.add_fonts(fonts);
     out.tell_apart();
 }

@@ -46,14 +46,16 @@ void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, std::deque<GW_DIR>& sourc
     }
     GWStagingFpe fpe(staging.c_str());
     GW_FONTDIR_FILE::Batch lines(fpe.get_fontdir_file());
+    GW_LIST<GWFont> kept;
     for (GWFont* font : fonts) {
         if (font->get_obstacle() && !font_policy().marks_what_is_unfit()) {
             const Ref<GWFont> dropped(font);
             continue;
         }
         modules.make_font_visible(font, &fpe);
-        out.add_font(font);
+        kept.append(font);
     }
+    out.add_fonts(kept);
     out.tell_apart();
     tell_unless_done(lines.write().with(Sequel::NO_SAMPLES));
 }

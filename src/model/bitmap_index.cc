@@ -38,14 +38,22 @@ const BitmapIndex::Elements& BitmapIndex::elements_for(const GWFont& font, const
     return by_key[font.hrn_key()];
 }
 
+const BitmapIndex::Elements& BitmapIndex::added_for(const GWFont& font) {
+    return by_key[font.hrn_key()];
+}
+
+void BitmapIndex::add(GWHRNElement* elem, const GWHRNList& list) {
+    const GWFont* font = bitmap_of(*elem);
+    if (font == nullptr) return;
+    // In a sorted list, the new element comes before the first one that does not sort before it.
+    Elements& elements = by_key[font->hrn_key()];
+    const auto next = std::find_if(elements.begin(), elements.end(),
+                                   [&](GWHRNElement* other) { return list.compare(elem, other) != 0; });
+    elements.insert(next, elem);
+}
+
 void BitmapIndex::follow_insertion(GWHRNElement* elem, const GWHRNList& list) {
-    if (const GWFont* font = bitmap_of(*elem); font != nullptr) {
-        // In a sorted list, the new element comes before the first one that does not sort before it.
-        Elements& elements = by_key[font->hrn_key()];
-        const auto next = std::find_if(elements.begin(), elements.end(),
-                                       [&](GWHRNElement* other) { return list.compare(elem, other) != 0; });
-        elements.insert(next, elem);
-    }
+    add(elem, list);
     indexed = list.state();
 }
 

@@ -23,6 +23,10 @@ class BitmapIndex {
 
     /// The elements of `list` whose fonts differ from `font` only in sizes and resolutions.
     const Elements& elements_for(const GWFont& font, const GWHRNList& list);
+    /// The elements that were given to `add` for this key, whatever has become of the list.
+    [[nodiscard]] const Elements& added_for(const GWFont& font);
+    /// Adds `elem`, which is in the list or will be.
+    void add(GWHRNElement* elem, const GWHRNList& list);
     /// Whether the index is up to date for the list.
     [[nodiscard]] bool is_current(const GWHRNList& list) const;
     /// Adds `elem`, which must be the only change of the list since the index was up to date.

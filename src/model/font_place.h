@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "core/gw_fspec_list.h"
@@ -17,7 +18,7 @@ namespace gw {
 class FontPlace {
   public:
     /// `dir` is the directory as the files' specifications have it.
-    explicit FontPlace(const std::string& dir) : seen_(dir) {}
+    explicit FontPlace(std::string_view dir) : seen_(std::string(dir)) {}
 
     [[nodiscard]] SeenDirectory& seen() { return seen_; }
 
@@ -44,7 +45,11 @@ class FontPlace {
 /// The directories that a listing comes to.
 class FontPlaces {
   public:
-    FontPlace& at(const std::string& dir) { return places_.try_emplace(dir, dir).first->second; }
+    FontPlace& at(std::string_view dir) {
+        const auto known = places_.find(dir);
+        return known != places_.end() ? known->second
+                                      : places_.try_emplace(std::string(dir), dir).first->second;
+    }
 
   private:
     std::map<std::string, FontPlace, std::less<>> places_;

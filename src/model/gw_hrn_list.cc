@@ -37,6 +37,12 @@ bool is_bitmap(const GWFont* font) {
     return font != nullptr && font->is_bitmap();
 }
 
+/// Whether one of the elements has taken the font.
+bool is_taken(GWFont* font, const gw::BitmapIndex::Elements& elements) {
+    return std::any_of(elements.begin(), elements.end(),
+                       [font](GWHRNElement* elem) { return elem->add_font(font, 0) != 0; });
+}
+
 bool is_system_font(const GWFont& font) {
     const char* dir = font.get_dir_name();
     return dir != nullptr && std::string_view(dir).find(gw::SYSTEM_FONT_DIR) != std::string_view::npos;
@@ -417,14 +423,27 @@ gw::Ref<GWHRNElement> GWHRNList::release_at_pos(int pos) {
 // Only elements of the font's key can take it, so only these are asked, in list order.
 void GWHRNList::add_font(GWFont* font) {
     const gw::Ref<GWFont> shared(font);
-    if (is_bitmap(font)) {
-        const gw::BitmapIndex::Elements& elements = index.elements_for(*font, *this);
-        if (std::any_of(elements.begin(), elements.end(),
-                        [font](GWHRNElement* elem) { return elem->add_font(font, 0) != 0; })) {
-            return;
-        }
-    }
+    if (is_bitmap(font) && is_taken(font, index.elements_for(*font, *this))) return;
     insert(new GWHRNElement(font));
+}
+
+void GWHRNList::add_fonts(const GW_LIST<GWFont>& fonts) {
+    if (!is_empty()) {
+        for (GWFont* font : fonts) add_font(font);
+        return;
+    }
+    gw::BitmapIndex bitmaps;
+    std::vector<gw::Ref<GWHRNElement>> owned;
+    std::vector<GWHRNElement*> elements;
+    for (GWFont* font : fonts) {
+        const gw::Ref<GWFont> shared(font);
+        if (is_bitmap(font) && is_taken(font, bitmaps.added_for(*font))) continue;
+        owned.emplace_back(new GWHRNElement(font));
+        elements.push_back(owned.back().get());
+        bitmaps.add(elements.back(), *this);
+    }
+    insert_all(std::move(elements));
+    for (gw::Ref<GWHRNElement>& element : owned) element.leave();
 }
 
 int GWHRNList::delete_at_pos(unsigned pos, GW_FSM_LIST& modules, GW_LIST<GWConflict>& conflicts) {

@@ -148,6 +148,8 @@ class GWHRNList : public GW_SORTED_LIST<GWHRNElement> {
     /// Puts the font under its name: into the first element that takes it, or into a new one. The font
     /// belongs to the elements.
     void add_font(GWFont* font);
+    /// `add_font` for each of them, in a fraction of the time if the list is empty.
+    void add_fonts(const GW_LIST<GWFont>& fonts);
     /// Takes `elem` into the list, which owns it from now on; returns 1.
     int insert(GWHRNElement* elem);
     /// Unlinks the element at `pos` and returns it; the caller owns it from now on. Null for a position

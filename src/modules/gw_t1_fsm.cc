@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <optional>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -149,14 +150,34 @@ gw::Outcome copy_outlines_and_metrics(gw::FontInstallation& installation, GWFont
                                                        : installation.copy_files<GW_T1_BUF_FILE>();
 }
 
-using NamesByFile = std::unordered_map<std::string, std::vector<gw::IndexName>>;
+/// All names that an index has, by file.
+class NamesByFile {
+  public:
+    explicit NamesByFile(GW_FPE& fpe)
+        : files_(gw::listed_files(fpe, [](std::string_view) { return true; })) {}
+    /// Those of one file, which are taken out.
+    [[nodiscard]] std::vector<gw::IndexName> take(std::string_view file) {
+        // Mostly it is asked for in the order of the index.
+        if (next_ < files_.size() && files_[next_].name == file) return std::move(files_[next_++].names);
+        const auto found = places().find(file);
+        if (found == places().end()) return {};
+        next_ = found->second + 1;
+        return std::move(files_[found->second].names);
+    }
 
-NamesByFile all_names_by_file(GW_FPE& fpe) {
-    NamesByFile names;
-    for (gw::ListedFile& file : gw::listed_files(fpe, [](std::string_view) { return true; }))
-        names.emplace(std::move(file.name), std::move(file.names));
-    return names;
-}
+  private:
+    const std::unordered_map<std::string_view, std::size_t>& places() {
+        if (places_.empty()) {
+            places_.reserve(files_.size());
+            for (std::size_t i = 0; i < files_.size(); ++i) places_.emplace(files_[i].name, i);
+        }
+        return places_;
+    }
+
+    std::vector<gw::ListedFile> files_;
+    std::size_t next_ = 0;
+    std::unordered_map<std::string_view, std::size_t> places_;
+};
 
 }  // namespace
 
@@ -225,10 +246,10 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
     const gw::ElementsOwner owner(files);
     list_installed_font_file_names(files, fpe);
     if (files.is_empty()) return;
-    NamesByFile all_names;
+    std::optional<NamesByFile> all_names;
     std::unordered_map<std::string, std::string> names;
     if (gw::font_policy().enters_all_names()) {
-        all_names = all_names_by_file(*fpe);
+        all_names.emplace(*fpe);
     } else {
         names = gw::font_names_by_file(*fpe);
     }
@@ -242,8 +263,7 @@ void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
         if (const auto name = names.find(spec->get_name()); name != names.end()) {
             font->set_xlfd_name(name->second.c_str());
         }
-        if (const auto all = all_names.find(spec->get_name()); all != all_names.end())
-            font->set_index_names(std::move(all->second));
+        if (all_names) font->set_index_names(all_names->take(spec->get_name()));
         out.append(font.release());
     }
 }

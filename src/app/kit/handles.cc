@@ -23,6 +23,11 @@ XmText xm_text(const std::string& text) {
     return XmText(XmStringCreateLocalized(name_arg(text.c_str())));
 }
 
+XmText xm_row(const std::string& text) {
+    // The other one looks at each character for what a parse table might say about it.
+    return XmText(XmStringCreate(name_arg(text.c_str()), name_arg(XmFONTLIST_DEFAULT_TAG)));
+}
+
 namespace {
 
 struct ParseMappingDeleter {

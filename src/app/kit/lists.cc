@@ -59,8 +59,10 @@ void set_top_position(Widget list, int position) {
 }
 
 XmTexts::XmTexts(const std::vector<std::string>& lines) {
+    owners_.reserve(lines.size());
+    table_.reserve(lines.size());
     for (const std::string& line : lines) {
-        owners_.push_back(xm_text(line));
+        owners_.push_back(xm_row(line));
         table_.push_back(owners_.back().get());
     }
 }

@@ -43,11 +43,13 @@ ElementIdentity ServedDirectories::identity(const std::string& directory) const 
     return identity_of_element(directory, host_);
 }
 
-bool ServedDirectories::has(const std::string& directory) {
+bool ServedDirectories::has(std::string_view directory) {
     if (is_open_) return true;
-    const auto [known, is_new] = known_.try_emplace(directory, false);
-    if (is_new) known->second = served_.contains(identity(directory));
-    return known->second;
+    if (directory == last_ && !known_.empty()) return has_last_;
+    last_ = directory;
+    const auto [known, is_new] = known_.try_emplace(last_, false);
+    if (is_new) known->second = served_.contains(identity(last_));
+    return has_last_ = known->second;
 }
 
 bool ServedDirectories::has_some_of(const GWHRNElement& element) {

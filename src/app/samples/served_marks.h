@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "fontpath/path_element.h"
@@ -23,7 +24,7 @@ class ServedDirectories {
 
     /// Whether fonts of the directory may be had. True for every one if the path has an element that does not
     /// say which fonts it brings, such as a font server.
-    [[nodiscard]] bool has(const std::string& directory);
+    [[nodiscard]] bool has(std::string_view directory);
     /// Whether one of the element's fonts may be had. True for an element without fonts.
     [[nodiscard]] bool has_some_of(const GWHRNElement& element);
 
@@ -35,6 +36,8 @@ class ServedDirectories {
     bool is_open_ = false;
     std::set<ElementIdentity> served_;
     std::map<std::string, bool> known_;
+    std::string last_;  // what was asked last: mostly, the next row has the same directory
+    bool has_last_ = false;
 };
 
 /// The rows of the list of installed fonts, fonts first, each with its mark. Nothing is marked when the

@@ -218,6 +218,25 @@ TEST(SortedList, AgreesWithWalkingOnRandomInput) {
     }
 }
 
+TEST(SortedList, AllAtOnceIsOneAfterTheOther) {
+    std::mt19937 random(21);
+    for (const int descending : {0, 1}) {
+        std::vector<Item> items(401);
+        GW_SORTED_LIST<Item> one_by_one(descending);
+        GW_SORTED_LIST<Item> together(descending);
+        std::vector<Item*> most;
+        for (Item& item : items) {
+            item.key = static_cast<int>(random() % 40);
+            one_by_one.insert(&item);
+            if (&item != &items.back()) most.push_back(&item);
+        }
+        together.insert_all(most);
+        together.insert(&items.back());
+        EXPECT_TRUE(std::equal(together.begin(), together.end(), one_by_one.begin(), one_by_one.end()))
+            << descending;
+    }
+}
+
 TEST(SortedList, AnElementWhoseKeyChangedDoesNotSpoilLaterInsertions) {
     Item first{1, "1"};
     Item second{2, "2"};

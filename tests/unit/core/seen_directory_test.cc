@@ -98,6 +98,14 @@ TEST(SeenDirectory, LooksBehindLinksAndRemembers) {
     ASSERT_TRUE(seen.look("fifo"));
     EXPECT_TRUE(seen.look("fifo")->is_unchangeable) << "only of a file it is known that it can be written to";
 
+    // The names are read meanwhile; what was seen stays so.
+    for (const std::string& name : names_to_ask_for()) (void)seen.has(name);
+    ASSERT_EQ(::chmod(dir.file("a.pfb").c_str(), S_IRWXU), 0);
+    EXPECT_EQ(seen.look("a.pfb")->mode, S_IFREG | S_IRUSR);
+    ASSERT_TRUE(seen.look("two words"));
+    ASSERT_NE(seen.known("two words"), nullptr);
+    EXPECT_EQ(seen.known("\xC3\xA9.pfb"), nullptr) << "that it is there is known, and nothing else";
+
     dir.write("missing.afm", "");
     EXPECT_FALSE(seen.look("missing.afm"));
     ASSERT_NE(seen.known("missing.afm"), nullptr);

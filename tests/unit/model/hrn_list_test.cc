@@ -312,6 +312,18 @@ class HrnListProperty : public testing::TestWithParam<int> {
         return below(6) == 0 ? make_read_only_font(name, type) : make_font(name, type);
     }
 
+    /// Many fonts at once, as into a list that is just made.
+    void begin() {
+        GW_LIST<GWFont> fonts;
+        for (std::size_t i = below(400); i > 0; --i) {
+            const Ref<GWFont> font = random_font();
+            plain.add_font(font.get());
+            begun.push_back(font);
+            fonts.append(font.get());
+        }
+        list.add_fonts(fonts);
+    }
+
     void step() {
         // After an element was renamed the list stays unsorted, so some runs only add fonts.
         const std::size_t what = GetParam() % 4 == 0 ? 60 : below(60);
@@ -363,6 +375,7 @@ class HrnListProperty : public testing::TestWithParam<int> {
     std::mt19937 random;
     GWHRNList list;
     PlainList plain;
+    std::vector<Ref<GWFont>> begun;
 };
 
 TEST_P(HrnListProperty, GroupsAndSortsAsThePlainRule) {
@@ -371,6 +384,15 @@ TEST_P(HrnListProperty, GroupsAndSortsAsThePlainRule) {
         if (i % 50 == 0) expect_equal();
         if (HasFatalFailure()) FAIL() << "after step " << i;
     }
+}
+
+TEST_P(HrnListProperty, ManyFontsAtOnceAreOneAfterTheOther) {
+    begin();
+    ASSERT_NO_FATAL_FAILURE(expect_equal());
+    for (int i = 1; i <= 100; ++i) step();
+    expect_equal();
+    begin();
+    expect_equal();
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, HrnListProperty, testing::Range(1, 25));

@@ -51,6 +51,19 @@ TEST_F(Lists, NumbersStandAtTheRightOfTheirColumn) {
     EXPECT_NEAR(width(padded), width("1234"), width(" "));
 }
 
+TEST_F(Lists, ARowIsWhatOtherTextsAre) {
+    XmRenderTable fonts = nullptr;
+    XtVaGetValues(list, XmNrenderTable, &fonts, nullptr);
+    for (const std::string text : {"", "Courier Medium [Bitmap]", "Gr\xC3\xB6\xC3\x9F", "caf\xE9"}) {
+        const gw::XmText row = gw::xm_row(text);
+        const gw::XmText other = gw::xm_text(text);
+        EXPECT_TRUE(XmStringCompare(row.get(), other.get())) << text;
+        EXPECT_EQ(gw::text_of(row.get()), gw::text_of(other.get()));
+        EXPECT_EQ(XmStringWidth(fonts, row.get()), XmStringWidth(fonts, other.get())) << text;
+        EXPECT_EQ(XmStringHeight(fonts, row.get()), XmStringHeight(fonts, other.get())) << text;
+    }
+}
+
 // Names in indexes are in Latin-1; the toolkit draws nothing behind a byte that is not UTF-8.
 TEST_F(Lists, RowsInAScalableFontAreUtf8) {
     const gw::Looks before = gw::looks();

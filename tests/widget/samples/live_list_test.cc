@@ -191,6 +191,8 @@ TEST(ServedDirectoriesTest, AreTheSameByEveryName) {
     EXPECT_TRUE(served.has(fonts));
     EXPECT_TRUE(served.has(dir.file("link")));
     EXPECT_FALSE(served.has(dir.path()));
+    for (int twice = 0; twice < 2; ++twice) EXPECT_FALSE(served.has(dir.path()));
+    for (int twice = 0; twice < 2; ++twice) EXPECT_TRUE(served.has(fonts));
 }
 
 TEST(ServedDirectoriesTest, ACatalogueLeadsToOthers) {
