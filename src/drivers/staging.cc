@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/font_policy.h"
+#include "drivers/first_names.h"
 #include "modules/source_fonts.h"
 #include "platform/scratch.h"
 
@@ -38,6 +39,7 @@ void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, const char* source, int r
 
 void stage_fonts(GWHRNList& out, GW_FSM_LIST& modules, std::deque<GW_DIR>& sources, int recursive,
                  const std::string& staging) {
+    FirstNamesShown::show_those_of(modules, sources);
     GW_LIST<GWFont> fonts;
     {
         std::optional<NamedTogether> all;

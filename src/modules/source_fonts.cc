@@ -4,10 +4,12 @@
 #include <algorithm>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "core/font_policy.h"
 #include "core/long_work.h"
+#include "core/text.h"
 #include "fontfiles/font_face.h"
 #include "fontfiles/font_verdict.h"
 #include "model/gw_xlfd_name.h"
@@ -74,6 +76,47 @@ void refuse_nameless(const std::vector<GWFont*>& fonts, const Failure& why) {
     }
 }
 
+/// The weight of a style, as XLFD names have it.
+const char* weight_of(std::string style) {
+    style = lower_case(style);
+    std::erase(style, ' ');
+    // A word comes before those that it has a part of.
+    static constexpr std::pair<std::string_view, const char*> WEIGHTS[] = {
+        {"extrabold", "extrabold"}, {"semibold", "semibold"},     {"demi", "semibold"}, {"bold", "bold"},
+        {"black", "black"},         {"extralight", "extralight"}, {"light", "light"},   {"thin", "thin"},
+    };
+    for (const auto& [word, weight] : WEIGHTS) {
+        if (style.find(word) != std::string::npos) return weight;
+    }
+    return "medium";
+}
+
+std::string slant_of(const std::string& style) {
+    const std::string lower = lower_case(style);
+    if (lower.find("italic") != std::string::npos) return "i";
+    return lower.find("oblique") != std::string::npos ? "o" : "r";
+}
+
+std::string name_at_sight(const FaceFacts& facts) {
+    std::string family = facts.family;
+    std::replace(family.begin(), family.end(), '-', ' ');
+    return "-misc-" + family + '-' + weight_of(facts.style) + '-' + slant_of(facts.style) +
+           "-normal--0-0-0-0-p-0-" + (facts.charset.empty() ? "iso8859-1" : facts.charset);
+}
+
+void name_at_sight(GWFont& font) {
+    if (has_name_in_header(font))
+        return font.set_field(GWFont::WEIGHT_NAME, weight_of(font.get_field(GWFont::WEIGHT_NAME)));
+    const std::string& path = first_file(font)->get_path();
+    const Result<FontFace> face = FontFace::open(path);
+    if (!face || face->facts().family.empty()) {
+        font.set_obstacle({path, Reason::NO_NAMES});
+        return;
+    }
+    font.set_xlfd_name(name_at_sight(face->facts()).c_str());
+    if (!font.is_bitmap()) font.set_family_in_font(face->facts().family);
+}
+
 /// The font is judged from now on, and by this.
 Outcome take_verdict(GWFont& font, const Verdict& verdict) {
     font.set_checked();
@@ -88,8 +131,17 @@ Outcome take_verdict(GWFont& font, const Verdict& verdict) {
 NamedTogether* named_together = nullptr;
 
 bool are_judged_when_named = false;
+bool are_named_at_sight = false;
 
 }  // namespace
+
+NamedAtSight::NamedAtSight() {
+    are_named_at_sight = true;
+}
+
+NamedAtSight::~NamedAtSight() {
+    are_named_at_sight = false;
+}
 
 NamedTogether::NamedTogether() {
     named_together = this;
@@ -127,6 +179,10 @@ std::string mark_of(const Verdict& verdict) {
 }
 
 void name_source_fonts(const std::vector<GWFont*>& fonts) {
+    if (are_named_at_sight) {
+        for (GWFont* font : fonts) name_at_sight(*font);
+        return;
+    }
     if (named_together != nullptr) {
         named_together->fonts_.insert(named_together->fonts_.end(), fonts.begin(), fonts.end());
         return;

@@ -34,6 +34,17 @@ class NamedTogether {
     friend void name_source_fonts(const std::vector<GWFont*>& fonts);
 };
 
+/// As long as one exists, `name_source_fonts` runs no tool, and is a hundred times as fast: a font gets one
+/// name, of the family and the style that it calls itself. That is for a list that waits for all names, which
+/// need not be the same. A font that does not say what it is gets an obstacle.
+class NamedAtSight {
+  public:
+    NamedAtSight();
+    ~NamedAtSight();
+    NamedAtSight(const NamedAtSight&) = delete;
+    NamedAtSight& operator=(const NamedAtSight&) = delete;
+};
+
 /// As long as one exists, fonts are judged when they are named, while the tools run: that is where no list
 /// waits to be shown, and every font is to be judged anyhow.
 class JudgedWhenNamed {

@@ -17,6 +17,7 @@
 #include "app/samples/attrdlg.h"
 #include "core/font_policy.h"
 #include "core/text.h"
+#include "drivers/first_names.h"
 #include "texts/messages.h"
 
 #include <Xm/List.h>
@@ -94,7 +95,11 @@ void look_fonts_up(GWDriverBase* driver) {
     const BusyWindows busy;
     if (lookups.is_stale(ticket)) return;
     current_hrn_list.clear();
-    driver->get_hrn_list(current_hrn_list);
+    {
+        const FirstNamesShown while_looking(
+            [](const std::vector<std::string>& names) { first_source_names().emit(names); });
+        driver->get_hrn_list(current_hrn_list);
+    }
     current_hrn_count = static_cast<unsigned>(current_hrn_list.get_count());
     if (current_hrn_count != 0) driver->start_preview();
     source_changes().emit();
@@ -108,6 +113,11 @@ void stop_source_preview() {
 Signal<>& source_changes() {
     static Signal<> changes;
     return changes;
+}
+
+Signal<const std::vector<std::string>&>& first_source_names() {
+    static Signal<const std::vector<std::string>&> names;
+    return names;
 }
 
 std::string source_label() {
@@ -134,9 +144,13 @@ const char* source_location() {
 void show_source_names(Widget list) {
     std::vector<std::string> names;
     for (const GWHRNElement* elem : current_hrn_list) names.emplace_back(elem->get_name());
-    mark_column = mark_column_for_source(names);
-    for (std::string& name : names) name = name_for_source(name, mark_column);
-    fill_list(list, names);
+    show_source_names(list, std::move(names));
+}
+
+void show_source_names(Widget list, std::vector<std::string> first) {
+    mark_column = mark_column_for_source(first);
+    for (std::string& name : first) name = name_for_source(name, mark_column);
+    fill_list(list, first);
 }
 
 void select_all_of_source(Widget list) {

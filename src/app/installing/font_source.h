@@ -44,6 +44,9 @@ void stop_source_preview();
 
 /// Emitted when the list of fonts has changed.
 Signal<>& source_changes();
+/// Emitted during the lookup of a large source, with names to look at until all are known. The list of fonts
+/// is empty then, and no event is handled before `source_changes`.
+Signal<const std::vector<std::string>&>& first_source_names();
 
 /// The label for the source: "Fonts From " and the directory or the medium.
 [[nodiscard]] std::string source_label();
@@ -54,6 +57,8 @@ Signal<>& source_changes();
 
 /// Fills `list` with the names of the source.
 void show_source_names(Widget list);
+/// The same with the first of them.
+void show_source_names(Widget list, std::vector<std::string> first);
 /// Selects all names of the source in `list`, except what is known to be unfit, without calling its selection
 /// callbacks.
 void select_all_of_source(Widget list);

@@ -105,6 +105,13 @@ void show_source() {
     set_status(gw::take_scratch_failure().c_str());
 }
 
+/// Until all names are known.
+void show_first_names(const std::vector<std::string>& names) {
+    source_search().clear();
+    gw::show_source_names(_hrn_list, names);
+    XmUpdateDisplay(_hrn_list);
+}
+
 /// Tells how many files of the source are not offered, unless the status line tells something else.
 void show_not_offered() {
     if (_not_offered_button == nullptr) return;
@@ -234,6 +241,7 @@ void connect_source(const SelectionWidgets& widgets) {
     shown_in = widgets;
     show_samples_last();
     gw::source_changes().connect(show_source);
+    gw::first_source_names().connect(show_first_names);
     gw::source_entry_changes().connect(show_verdict);
 }
 

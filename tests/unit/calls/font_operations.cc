@@ -9,12 +9,14 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <deque>
 #include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "core/font_policy.h"
+#include "drivers/first_names.h"
 #include "fontpath/gw_fpe.h"
 #include "model/gw_hrn_list.h"
 #include "modules/font_modules.h"
@@ -29,6 +31,7 @@ constexpr const char* USAGE =
     "\n"
     "  list     the fonts that the index of DIR lists, under their names\n"
     "  source   the fonts of DIR, whether an index lists them or not, under their names\n"
+    "  first    the first of these, as a list shows them until all are known\n"
     "  judge    the same, and whether each is sound\n"
     "  install  those of the source DIR into TARGET, as one action\n"
     "  delete   every second font that the index of DIR lists, or every STEP-th, as one action\n";
@@ -60,6 +63,11 @@ class Operations {
         GW_DIR from(dir.c_str());
         modules_.make_font_list(fonts_, &from, 0);
         group();
+    }
+    void first(const std::string& dir) {
+        std::deque<GW_DIR> sources;
+        sources.emplace_back(dir.c_str());
+        done_ = static_cast<int>(gw::first_names(modules_, sources).size());
     }
     void install(const std::string& dir) {
         done_ = 0;
@@ -97,6 +105,8 @@ bool carry_out(Operations& operations, const std::vector<std::string>& words) {
     const std::string& operation = words[0];
     if (operation == "source") {
         operations.source(words[1]);
+    } else if (operation == "first") {
+        operations.first(words[1]);
     } else if (operation == "install" || operation == "judge") {
         const gw::JudgedWhenNamed at_once;  // as the command does
         operations.source(words[1]);

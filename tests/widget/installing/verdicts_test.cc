@@ -192,6 +192,30 @@ TEST_F(Verdicts, NoFontOfTheDistributionIsUnfit) {
     }
 }
 
+/// What the list had when the first names of a source were shown.
+Texts& seen_first() {
+    static Texts seen;
+    return seen;
+}
+
+TEST_F(Verdicts, ALargeSourceIsShownBeforeAllNamesAreKnown) {
+    for (int i = 100; i < 120; ++i) bring(i % 2 != 0 ? SANS : BOLD, "f" + std::to_string(i) + ".ttf");
+    bring_noise("noise.ttf");
+    seen_first().clear();
+    gw::first_source_names().connect([](const Texts&) {
+        EXPECT_EQ(current_hrn_list.get_count(), 0);
+        EXPECT_TRUE(gw::is_lookup_pending());
+        seen_first() = items(source_list());
+    });
+    list_source();
+    EXPECT_THAT(seen_first(), SizeIs(20));
+    EXPECT_THAT(seen_first(), Contains("DejaVu Sans Medium (f101.ttf) [TrueType]"));
+    EXPECT_THAT(seen_first(), Contains("DejaVu Sans Mono Bold (f100.ttf) [TrueType]"));
+    EXPECT_EQ(current_hrn_list.get_count(), 21);
+    EXPECT_THAT(rows(), SizeIs(21)) << "the noise is shown with its mark";
+    for (const std::string& name : seen_first()) EXPECT_THAT(rows(), Contains(name));
+}
+
 TEST_F(Verdicts, AnotherSourceEndsTheChecking) {
     for (char c = 'a'; c < 'k'; ++c) bring(SANS, std::string(1, c) + ".ttf");
     open_install_dialog();

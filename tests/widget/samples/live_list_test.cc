@@ -33,8 +33,6 @@ namespace fs = std::filesystem;
 using gw::PathHost;
 using gw::ServedDirectories;
 using gw::test::items;
-using gw::test::make_index;
-using gw::test::pump;
 using gw::test::pump_until;
 using gw::test::run;
 using gw::test::TempDir;
