@@ -7,6 +7,18 @@
 
 namespace gw {
 
+namespace {
+
+std::vector<std::string> files_of(const GWFont& font) {
+    std::vector<std::string> paths;
+    const GW_FSPEC_LIST* files = font.get_font_file_list();
+    if (files == nullptr) return paths;
+    for (const GW_FILE_SPEC* file : *files) paths.emplace_back(file->get_path());
+    return paths;
+}
+
+}  // namespace
+
 // Up to the bracket that closes the type.
 std::string name_without_mark(const std::string& name) {
     const std::size_t type = name.find('[');
@@ -20,7 +32,7 @@ bool FontReport::note(GWFont& font, const Outcome& outcome, const std::string& d
         successes.push_back({name, with_trailing_slash(dir), font.get_xlfd_name()});
         for (const Failure& remark : font.take_remarks()) remarks_.push_back({name, remark});
     } else {
-        entries.push_back({name, outcome.failure()});
+        entries.push_back({name, outcome.failure(), files_of(font)});
     }
     return static_cast<bool>(outcome);
 }

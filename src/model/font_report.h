@@ -18,6 +18,7 @@ class FontReport {
     struct Entry {
         std::string font;  ///< its human-readable name, without the mark "[Read Only]"
         Failure why;
+        std::vector<std::string> files = {};  ///< the paths of the font's files
     };
 
     /// A font that was installed or deleted.

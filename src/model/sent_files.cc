@@ -21,7 +21,7 @@ void add_files_of(const GWFont& font, std::set<std::string>& known, std::vector<
         std::string name = spec->get_name();
         // Metrics in a directory of their own may have no extension.
         name = name.substr(name.rfind('/') + 1);
-        if (!is_first && !lower_case(name).ends_with(METRICS)) name += METRICS;
+        if (!is_first && !is_metrics_name(name)) name += METRICS;
         is_first = false;
         if (known.insert(spec->get_path()).second) files.push_back({name, spec->get_path()});
     }
@@ -38,6 +38,10 @@ std::vector<SentFile> files_of(const std::vector<const GWHRNElement*>& entries) 
         }
     }
     return files;
+}
+
+bool is_metrics_name(const std::string& name) {
+    return lower_case(name).ends_with(METRICS);
 }
 
 }  // namespace gw

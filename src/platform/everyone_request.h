@@ -61,6 +61,7 @@ struct EveryoneAnswer {
         std::string font;
         std::string result;  ///< "installed", "replaced", "kept", "already there" or "failed"
         Why why;
+        std::vector<std::string> files = {};  ///< by their names in the stream; none in an older program's
     };
     struct Problem {
         std::string subject;

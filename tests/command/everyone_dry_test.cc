@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "command/in_process.h"
+#include "command/json_schema.h"
 #include "platform/everyone_request.h"
 
 namespace {
@@ -91,6 +92,19 @@ TEST_F(DryForEveryone, LeavesOutWhatCannotBeSent) {
     EXPECT_EQ(ended.status, 1);
     EXPECT_EQ(ended.out, "Alpha Medium [TrueType]: would be installed\n");
     EXPECT_THAT(ended.err, HasSubstr("Beta.ttf"));
+}
+
+TEST_F(DryForEveryone, TheFilesOfEachFontAreCalledAsTheUserCallsThemAlsoInTheRealOne) {
+    const std::string font = machine_.source().write("Alpha.ttf", small_font("Alpha"));
+    const gw::test::Json dry = gw::test::Json::parse(tried({"--json", font}).out);
+    EXPECT_EQ(dry["fonts"][0]["files"], gw::test::Json::array({font}));
+    gw::set_everyones_command(
+        {"/bin/sh", "-c",
+         R"(echo '{"fonts": [{"font": "Alpha", "result": "installed", "files": ["Alpha.ttf", "x"]}]}')"});
+    const Ended real = run_in_child({"install", "--everyone", "--json", font});
+    EXPECT_EQ(gw::test::Json::parse(real.out)["fonts"][0]["files"], gw::test::Json::array({font}))
+        << real.out << real.err;
+    EXPECT_EQ(gw::test::complaint_about(real.out), "");
 }
 
 TEST_F(DryForEveryone, WithoutWhatAsksItSaysSoAsTheRealOne) {

@@ -19,12 +19,14 @@
 #include <filesystem>
 #include <fstream>
 #include <functional>
+#include <map>
 #include <set>
 #include <sstream>
 #include <thread>
 #include <utility>
 
 #include "command/fonts_command.h"
+#include "command/json_schema.h"
 #include "platform/font_stream.h"
 #include "platform/host_paths.h"
 
@@ -40,7 +42,6 @@ using gw::test::SANS;
 using gw::test::TempDir;
 using testing::Contains;
 using testing::HasSubstr;
-using testing::IsEmpty;
 using testing::Not;
 
 constexpr const char* BOLD = "/usr/share/fonts/truetype/dejavu/DejaVuSans-Bold.ttf";
@@ -246,6 +247,25 @@ TEST_F(ForEveryone, ABadFontFailsAloneAndIsCalledByItsName) {
     EXPECT_THAT(files_in(DESTINATION), Not(Contains("readme.txt")));
     EXPECT_THAT(ran.out, HasSubstr("\"code\": "));
     EXPECT_THAT(ran.out, Not(HasSubstr("/tmp/"))) << "where it was meanwhile is nothing to the user";
+}
+
+TEST_F(ForEveryone, EachFontHasTheNamesUnderWhichItsFilesWereSent) {
+    const std::string outlines = "/usr/share/fonts/X11/Type1/C059-Roman.pfb";
+    std::string cut = TempDir::read_bytes(BOLD);
+    cut.resize(cut.size() / 2);
+    const Ran ran =
+        answer_to(BEGINNING + file("own.pfb", TempDir::read_bytes(outlines)) +
+                  file("own.afm", "StartFontMetrics 2.0\nEndFontMetrics\n") + font(SANS) +
+                  file("same.ttf", TempDir::read_bytes(SANS) + '\0') + file("cut.ttf", cut) + END);
+    std::map<std::string, std::string> became;
+    const Json document = ran.json();
+    for (const Json& each : document["fonts"]) became[each["files"].dump()] = each["result"];
+    EXPECT_EQ(became, (std::map<std::string, std::string>{{R"(["own.pfb","own.afm"])", "installed"},
+                                                          {R"(["DejaVuSans.ttf"])", "installed"},
+                                                          {R"(["same.ttf"])", "failed"},
+                                                          {R"(["cut.ttf"])", "failed"}}))
+        << ran.out;
+    EXPECT_EQ(gw::test::complaint_about(ran.out), "");
 }
 
 TEST_F(ForEveryone, AFontOfThatNameIsRefusedKeptOrReplaced) {

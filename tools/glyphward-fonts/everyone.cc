@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <map>
 #include <set>
 #include <utility>
 #include <vector>
@@ -65,13 +66,20 @@ Json code_in_json(const EveryoneAnswer::Why& why) {
     return members;
 }
 
-Status tell_answer(const EveryoneAnswer& answer, Report& report) {
+/// The paths of the files by the names under which they are sent.
+using Paths = std::map<std::string, std::string>;
+
+Status tell_answer(const EveryoneAnswer& answer, const Paths& sent, Report& report) {
     Json fonts = Json::array();
     for (const EveryoneAnswer::Font& font : answer.fonts) {
         Json entry = {{"font", in_json(font.font)}, {"result", in_json(font.result)}};
         const std::string why = font.why.reason.empty() ? "" : reason_in_language(font.why);
         if (!why.empty()) entry["reason"] = in_json(why);
         entry.update(code_in_json(font.why));
+        for (const std::string& file : font.files) {
+            const auto path = sent.find(file);
+            if (path != sent.end()) entry["files"].push_back(in_json(path->second));
+        }
         fonts.push_back(entry);
         report.line(escaped(font.font) + ": " + escaped(result_in_language(font.result)) +
                     (why.empty() ? "" : " (" + escaped(why) + ')'));
@@ -93,10 +101,10 @@ Status nothing_done(Message why, Report& report) {
     return Status::COULD_NOT;
 }
 
-Status tell(const EveryoneAnswer& answer, Report& report) {
+Status tell(const EveryoneAnswer& answer, const Paths& sent, Report& report) {
     switch (answer.kind) {
         case EveryoneAnswer::Kind::ANSWERED:
-            return tell_answer(answer, report);
+            return tell_answer(answer, sent, report);
         case EveryoneAnswer::Kind::NOT_GIVEN:
             return nothing_done(Message::SAYS_NO_PASSWORD, report);
         case EveryoneAnswer::Kind::NOT_AUTHORISED:
@@ -161,6 +169,8 @@ Status install_for_everyone(const InstallOptions& options, Report& report) {
     }
     if (files.empty()) return Status::FAILED;
     await_interruption();
+    Paths sent;
+    for (const SentFile& file : files) sent[file.name] = file.path;
     EveryoneRequest request(std::move(files), decision_of(options.if_there));
     const TerminalAgent agent;
     if (const Outcome started = request.start(everyones_command()); !started) {
@@ -169,7 +179,7 @@ Status install_for_everyone(const InstallOptions& options, Report& report) {
     }
     await_end(request);
     const EveryoneAnswer answer = request.answer();
-    const Status status = tell(answer, report);
+    const Status status = tell(answer, sent, report);
     report.document()["directory"] = SUPERUSER_FONT_DIR;
     if (answer.changed) tell_server(SUPERUSER_FONT_DIR, report);
     return tally.status() == Status::FAILED && status != Status::COULD_NOT ? Status::FAILED : status;

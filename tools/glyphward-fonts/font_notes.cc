@@ -51,6 +51,8 @@ void FontNotes::tell(Report& report) const {
         fonts.push_back({{"font", in_json(note.font)}, {"result", english_text_of(what)}});
         if (!why.empty()) fonts.back()["reason"] = in_json(why);
         fonts.back().update(note.code);
+        for (const std::string& file : note.files)
+            fonts.back()["files"].push_back(in_json(report.as_called(file)));
     }
     report.document()["fonts"] = fonts;
     report.document()["changed"] = has_change();

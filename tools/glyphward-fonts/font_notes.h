@@ -30,7 +30,8 @@ class FontNotes {
         std::string font;  ///< as lists show it, without marks
         Result result;
         std::string why = {};
-        Json code = Json::object();  ///< see `in_code`
+        Json code = Json::object();           ///< see `in_code`
+        std::vector<std::string> files = {};  ///< paths of the files that were to be installed
         /// Whether something was done to the font, or would be.
         [[nodiscard]] bool is_change() const { return result < Result::ALREADY_THERE; }
     };

@@ -37,6 +37,12 @@ std::string file_of(const GWFont& font) {
     return files == nullptr || files->is_empty() ? "" : (*files->begin())->get_path();
 }
 
+std::vector<std::string> paths_of(const GWHRNElement& row) {
+    std::vector<std::string> paths;
+    for (const SentFile& file : files_of({&row})) paths.push_back(file.path);
+    return paths;
+}
+
 /// Whether all fonts in the way of a row have the bytes of one of its fonts.
 bool is_there_already(const GWConflict& conflict) {
     if (conflict.get_element() == nullptr || conflict.is_conflict(GWConflict::ALIAS) != 0) return false;
@@ -76,6 +82,12 @@ std::string why_in_conflict(const GWConflict& conflict, bool may_replace) {
 
 }  // namespace
 
+/// The row in work.
+void Installation::note(FontNotes::Note what) {
+    what.files = files_;
+    notes_.add(what);
+}
+
 std::vector<FontReport::Entry> Installation::take_failures() {
     std::vector<FontReport::Entry> failures = failures_.take_new();
     for (const FontReport::Entry& entry : failures) {
@@ -86,8 +98,11 @@ std::vector<FontReport::Entry> Installation::take_failures() {
 }
 
 void Installation::note_failures() {
-    for (const FontReport::Entry& entry : take_failures())
-        notes_.add({entry.font, FontNotes::Result::FAILED, in_words(entry.why), in_code(entry.why)});
+    for (const FontReport::Entry& entry : take_failures()) {
+        notes_.add(
+            {entry.font, FontNotes::Result::FAILED, in_words(entry.why), in_code(entry.why), entry.files});
+        for (const std::string& file : entry.files) std::erase(files_, file);
+    }
 }
 
 void Installation::note_failures_of_commit() {
@@ -96,7 +111,7 @@ void Installation::note_failures_of_commit() {
 
 void Installation::fail(const std::string& font, const Failure& why) {
     tally.failed(why);
-    notes_.add({font, FontNotes::Result::FAILED, reason_in_language(why), in_code(why)});
+    note({font, FontNotes::Result::FAILED, reason_in_language(why), in_code(why)});
     report_.trouble(font, in_words(why));
 }
 
@@ -108,7 +123,7 @@ void Installation::replace(GWConflict& conflict, const std::string& why) {
     note_failures();
     if (!is_dry && failures_.done().size() == before) return;
     tally.done();
-    notes_.add({name, is_dry ? FontNotes::Result::WOULD_BE_REPLACED : FontNotes::Result::REPLACED, why});
+    note({name, is_dry ? FontNotes::Result::WOULD_BE_REPLACED : FontNotes::Result::REPLACED, why});
 }
 
 void Installation::decide(GWConflict& conflict) {
@@ -116,12 +131,12 @@ void Installation::decide(GWConflict& conflict) {
     if (is_there_already(conflict)) {
         tally.already();
         found_in_directory_ = found_in_directory_ || is_all_in(directory_, conflict);
-        return notes_.add({name, FontNotes::Result::ALREADY_THERE});
+        return note({name, FontNotes::Result::ALREADY_THERE});
     }
     const std::string why = why_in_conflict(conflict, may_replace(conflict));
     if (if_there_ == IfThere::KEEP) {
         tally.already();
-        return notes_.add({name, FontNotes::Result::KEPT, why});
+        return note({name, FontNotes::Result::KEPT, why});
     }
     const bool can_be_replaced = may_replace(conflict) && conflict.is_conflict(GWConflict::ALIAS) == 0;
     const bool is_to_be_replaced = if_there_ == IfThere::REPLACE ||
@@ -130,7 +145,7 @@ void Installation::decide(GWConflict& conflict) {
     tally.failed();
     Json code = {{"code", EveryoneAnswer::NAME_TAKEN}};
     if (can_be_replaced) code["detail"] = in_json(files_in_the_way(conflict));
-    notes_.add({name, FontNotes::Result::FAILED, why, code});
+    note({name, FontNotes::Result::FAILED, why, code});
     report_.trouble(name, can_be_replaced ? text_of(Message::SAYS_REPLACE_OR_KEEP, {why}) : why);
 }
 
@@ -156,6 +171,7 @@ bool Installation::is_refused(GWHRNElement& row) {
 }
 
 void Installation::install_row(GWHRNElement& row) {
+    files_ = paths_of(row);
     if (!is_sent(row) || is_refused(row) || is_interrupted()) return;
     const std::string name = without_marks(row.get_name());
     const bool is_dry = report_.settings().dry_run;
@@ -169,11 +185,11 @@ void Installation::install_row(GWHRNElement& row) {
                                     conflicts, failures_) == GWHRNElement::DONE;
     }
     if (conflicts.get_count() > before) return decide(*conflicts.get_elem_at_pos(conflicts.get_count()));
+    note_failures();
     if (is_done) {
         tally.done();
-        notes_.add({name, is_dry ? FontNotes::Result::WOULD_BE_INSTALLED : FontNotes::Result::INSTALLED});
+        note({name, is_dry ? FontNotes::Result::WOULD_BE_INSTALLED : FontNotes::Result::INSTALLED});
     }
-    note_failures();
 }
 
 void Installation::install(GWHRNList& sources) {

@@ -51,6 +51,7 @@ class Installation {
     [[nodiscard]] bool is_sent(const GWHRNElement& row) const;
     [[nodiscard]] bool may_replace(const GWConflict& conflict) const;
     void fail(const std::string& font, const Failure& why);
+    void note(FontNotes::Note what);
     std::vector<FontReport::Entry> take_failures();
     void note_failures();
 
@@ -61,6 +62,7 @@ class Installation {
     bool is_superusers_ = false;
     bool found_in_directory_ = false;
     std::set<std::string> not_sent_;
+    std::vector<std::string> files_;  // of the row in work, without those of fonts that have failed
     FontReport failures_;
     FontNotes notes_;
 };

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <set>
 #include <utility>
 
 #include "app/common/progressdlg.h"
@@ -12,6 +13,7 @@
 #include "app/conflicts/preconflictdlg.h"
 #include "app/conflicts/work_account.h"
 #include "app/conflicts/worksummarydlg.h"
+#include "app/installing/everyones_answers.h"
 #include "app/installing/font_source.h"
 #include "app/installing/installation.h"
 #include "app/installing/source_verdicts.h"
@@ -38,6 +40,7 @@
 namespace {
 
 using gw::EveryoneAnswer;
+using gw::EveryonesAnswers;
 using gw::Message;
 
 /// The request that is going on, and how the event loop serves it.
@@ -47,7 +50,10 @@ struct Work {
     XtInputId answering = 0;
     std::vector<int> positions;  ///< of the source
     std::vector<gw::Failure> left_out;
+    std::vector<gw::SentEntry> sent;
     std::vector<gw::WorkLine> planned;  ///< what was decided; empty before anything was
+    std::vector<gw::Ref<GWHRNElement>>
+        replacing;  ///< the entries of those lines that replace, in their order
 };
 
 Work& work() {
@@ -107,53 +113,34 @@ std::vector<gw::FailureText> problems_in(const EveryoneAnswer& answer) {
     return failures;
 }
 
-/// A name as lists show it, without what tells it from others that read the same: that depends on what else
-/// is in the list, and the program for everyone knows only the fonts that it gets.
-std::string plain_name(const std::string& name) {
-    std::string plain = gw::name_without_mark(name);
-    const std::size_t type = plain.rfind(" [");
-    const std::size_t begin = plain.rfind(" (", type);
-    if (type != std::string::npos && begin != std::string::npos && plain[type - 1] == ')')
-        plain.erase(begin, type - begin);
-    return plain;
-}
-
-/// What the answer has about the entry of this name.
-std::vector<const EveryoneAnswer::Font*> answers_about(const std::string& name,
-                                                       const EveryoneAnswer& answer) {
-    std::vector<const EveryoneAnswer::Font*> exact;
-    std::vector<const EveryoneAnswer::Font*> alike;
-    for (const EveryoneAnswer::Font& font : answer.fonts) {
-        if (font.font == gw::name_without_mark(name)) exact.push_back(&font);
-        if (plain_name(font.font) == plain_name(name)) alike.push_back(&font);
-    }
-    return exact.empty() ? alike : exact;
-}
-
 bool is_taken(const EveryoneAnswer::Font& font) {
     return font.why.code == EveryoneAnswer::NAME_TAKEN;
 }
 
-bool is_in_conflict(const EveryoneAnswer::Font& font, const EveryoneAnswer& answer) {
-    return is_taken(font) &&
-           std::any_of(the_conflict_list.begin(), the_conflict_list.end(), [&](const GWConflict* conflict) {
-               const std::vector<const EveryoneAnswer::Font*> fonts =
-                   answers_about(conflict->get_name(), answer);
-               return std::find(fonts.begin(), fonts.end(), &font) != fonts.end();
-           });
+/// The fonts that the user is asked about.
+std::set<const EveryoneAnswer::Font*> fonts_in_conflict(const EveryonesAnswers& answers) {
+    std::set<const EveryoneAnswer::Font*> fonts;
+    for (const GWConflict* conflict : the_conflict_list) {
+        for (const EveryoneAnswer::Font* font :
+             answers.about(conflict->get_element(), conflict->get_name())) {
+            if (is_taken(*font)) fonts.insert(font);
+        }
+    }
+    return fonts;
 }
 
 /// The fonts that were not installed, unless the user is asked about them, and, where it could not begin,
 /// why.
-std::vector<gw::FailureText> failures_in(const EveryoneAnswer& answer) {
+std::vector<gw::FailureText> failures_in(const EveryonesAnswers& answers) {
     std::vector<gw::FailureText> failures = failures_before();
-    for (const EveryoneAnswer::Font& font : answer.fonts) {
-        if (!is_done(font) && !is_in_conflict(font, answer))
-            failures.push_back({gw::escaped(font.font), reason_of(font), {}});
+    const std::set<const EveryoneAnswer::Font*> asked_about = fonts_in_conflict(answers);
+    for (const EveryoneAnswer::Font& font : answers.all().fonts) {
+        if (is_done(font) || asked_about.contains(&font)) continue;
+        failures.push_back({gw::escaped(answers.name_of(font)), reason_of(font), {}});
     }
     // Each font that failed is a problem too.
-    if (!answer.fonts.empty()) return failures;
-    for (gw::FailureText& problem : problems_in(answer)) failures.push_back(std::move(problem));
+    if (!answers.all().fonts.empty()) return failures;
+    for (gw::FailureText& problem : problems_in(answers.all())) failures.push_back(std::move(problem));
     return failures;
 }
 
@@ -170,19 +157,19 @@ std::string files_in_the_way(const EveryoneAnswer& answer) {
 }
 
 /// Whether the answer has something about the entry but that its name is taken.
-bool is_settled(const GWHRNElement& entry, const EveryoneAnswer& answer) {
-    const std::vector<const EveryoneAnswer::Font*> fonts = answers_about(entry.get_name(), answer);
+bool is_settled(const GWHRNElement& entry, const EveryonesAnswers& answers) {
+    const std::vector<const EveryoneAnswer::Font*> fonts = answers.about(&entry, entry.get_name());
     return !fonts.empty() &&
            std::none_of(fonts.begin(), fonts.end(), [](const auto* font) { return is_taken(*font); });
 }
 
 /// The user is asked about fonts that can be replaced, as about those that this program installs itself.
-void find_conflicts(const EveryoneAnswer& answer) {
-    const std::string files = files_in_the_way(answer);
+void find_conflicts(const EveryonesAnswers& answers) {
+    const std::string files = files_in_the_way(answers.all());
     if (files.empty()) return;
     for (const int position : work().positions) {
         GWHRNElement* entry = current_hrn_list.get_elem_at_pos(position);
-        if (entry == nullptr || is_settled(*entry, answer)) continue;
+        if (entry == nullptr || is_settled(*entry, answers)) continue;
         gw::FontReport nothing_new;
         const int before = the_conflict_list.get_count();
         (void)entry->is_stopped(the_installed_hrn_list, the_alias_list, the_conflict_list,
@@ -199,17 +186,19 @@ void find_conflicts(const EveryoneAnswer& answer) {
 }
 
 /// What has become of a font that was to be replaced.
-gw::WorkLine line_after(const gw::WorkLine& planned, const EveryoneAnswer& answer) {
-    const std::vector<const EveryoneAnswer::Font*> fonts = answers_about(planned.what, answer);
+gw::WorkLine line_after(const gw::WorkLine& planned, const GWHRNElement* entry,
+                        const EveryonesAnswers& answers) {
+    const std::vector<const EveryoneAnswer::Font*> fonts = answers.about(entry, planned.what);
     for (const EveryoneAnswer::Font* font : fonts) {
         if (is_done(*font)) continue;
         const bool is_there = font->result == "already there";
         return {is_there ? gw::WorkKind::KEPT : gw::WorkKind::FAILED, planned.what, reason_of(*font)};
     }
     if (!fonts.empty()) return planned;
-    const bool has_answer = answer.kind == EveryoneAnswer::Kind::ANSWERED;
+    const EveryoneAnswer::Kind kind = answers.all().kind;
+    const bool has_answer = kind == EveryoneAnswer::Kind::ANSWERED;
     return {gw::WorkKind::FAILED, planned.what,
-            gw::text_of(has_answer ? Message::REASON_GIVEN_UP : why_nothing(answer.kind))};
+            gw::text_of(has_answer ? Message::REASON_GIVEN_UP : why_nothing(kind))};
 }
 
 /// The fonts, and the font path, as they are now.
@@ -252,10 +241,11 @@ void show_status(const EveryoneAnswer& answer) {
     update_label(wi_main_window_status_label, status.c_str(), nullptr);
 }
 
-void tell(const EveryoneAnswer& answer) {
+void tell(const EveryonesAnswers& answers) {
+    const EveryoneAnswer& answer = answers.all();
     if (answer.changed) show_changes();
-    find_conflicts(answer);
-    start_summary({GWConflict::INSTALL, count_done(answer), &the_conflict_list, failures_in(answer)});
+    find_conflicts(answers);
+    start_summary({GWConflict::INSTALL, count_done(answer), &the_conflict_list, failures_in(answers)});
     if (answer.changed) gw::show_new_fonts(gw::FontReport(), gw::SUPERUSER_FONT_DIR);
     show_status(answer);
     if (is_unexpected(answer.kind))
@@ -264,11 +254,17 @@ void tell(const EveryoneAnswer& answer) {
 }
 
 /// The summary has a line for every decision, so nothing else is needed where nobody answered.
-void tell_replaced(const EveryoneAnswer& answer) {
+void tell_replaced(const EveryonesAnswers& answers) {
+    const EveryoneAnswer& answer = answers.all();
     if (answer.changed) show_changes();
     std::vector<gw::WorkLine> lines;
-    for (const gw::WorkLine& line : std::exchange(work().planned, {}))
-        lines.push_back(line.kind == gw::WorkKind::REPLACED ? line_after(line, answer) : line);
+    const std::vector<gw::Ref<GWHRNElement>> replacing = std::exchange(work().replacing, {});
+    std::size_t next = 0;
+    for (const gw::WorkLine& line : std::exchange(work().planned, {})) {
+        const bool replaces = line.kind == gw::WorkKind::REPLACED;
+        const GWHRNElement* entry = replaces && next < replacing.size() ? replacing[next++].get() : nullptr;
+        lines.push_back(replaces ? line_after(line, entry, answers) : line);
+    }
     std::vector<gw::FailureText> failures = failures_before();
     if (answer.fonts.empty()) {
         for (gw::FailureText& problem : problems_in(answer)) failures.push_back(std::move(problem));
@@ -278,6 +274,11 @@ void tell_replaced(const EveryoneAnswer& answer) {
     gw::finish_work_summary(GWConflict::INSTALL, lines, {});
     if (answer.changed) gw::show_new_fonts(gw::FontReport(), gw::SUPERUSER_FONT_DIR);
     show_status(answer);
+}
+
+void tell_all(const EveryoneAnswer& answer) {
+    const EveryonesAnswers answers(answer, std::exchange(work().sent, {}));
+    work().planned.empty() ? tell(answers) : tell_replaced(answers);
 }
 
 // --- the event loop ------------------------------------------------------------
@@ -291,7 +292,7 @@ void finish() {
     stop_progress_dlg();
     the_wp_cl_data = {};
     permit_other_work();
-    work().planned.empty() ? tell(answer) : tell_replaced(answer);
+    tell_all(answer);
 }
 
 void send_cb(XtPointer, int*, XtInputId*) {
@@ -319,10 +320,10 @@ XtInputId listen(int end, long mask, XtInputCallbackProc callback) {
     return XtAppAddInput(app, end, reinterpret_cast<XtPointer>(mask), callback, nullptr);
 }
 
-std::vector<const GWHRNElement*> entries_at(const std::vector<int>& positions) {
-    std::vector<const GWHRNElement*> entries;
+std::vector<gw::Ref<GWHRNElement>> entries_at(const std::vector<int>& positions) {
+    std::vector<gw::Ref<GWHRNElement>> entries;
     for (const int position : positions) {
-        if (const GWHRNElement* entry = current_hrn_list.get_elem_at_pos(position)) entries.push_back(entry);
+        if (GWHRNElement* entry = current_hrn_list.get_elem_at_pos(position)) entries.emplace_back(entry);
     }
     return entries;
 }
@@ -333,20 +334,24 @@ void show_what_goes_on(int count) {
     gw::set_progress_cancel(cancel);
 }
 
-void start_request(const std::vector<const GWHRNElement*>& entries, gw::NameTaken decision) {
-    std::vector<gw::SentFile> files = gw::files_of(entries);
+void start_request(const std::vector<gw::Ref<GWHRNElement>>& entries, gw::NameTaken decision) {
+    std::vector<const GWHRNElement*> plain(entries.size());
+    std::transform(entries.begin(), entries.end(), plain.begin(),
+                   [](const auto& entry) { return entry.get(); });
+    std::vector<gw::SentFile> files = gw::files_of(plain);
     work().left_out = gw::leave_out_unsendable(files);
     if (files.empty()) {
         // Nobody is asked for a password for nothing.
         EveryoneAnswer nothing;
         nothing.kind = EveryoneAnswer::Kind::ANSWERED;
-        return work().planned.empty() ? tell(nothing) : tell_replaced(nothing);
+        return tell_all(nothing);
     }
+    work().sent = gw::sent_entries(entries, files);
     work().request = std::make_unique<gw::EveryoneRequest>(std::move(files), decision);
     if (const gw::Outcome started = work().request->start(gw::everyones_command()); !started) {
         gw::tell(started.failure());
         work().request.reset();
-        return work().planned.empty() ? tell({}) : tell_replaced({});
+        return tell_all({});
     }
     // Other work sees that something goes on.
     the_wp_cl_data = {{1}, 0, 0};
@@ -358,11 +363,10 @@ void start_request(const std::vector<const GWHRNElement*>& entries, gw::NameTake
 
 /// Another password is asked for: the administrator has not seen before that fonts would be replaced.
 void replace(const gw::EntrustedWork& decided) {
-    std::vector<const GWHRNElement*> entries;
-    for (const gw::Ref<GWHRNElement>& entry : decided.replacing) entries.push_back(entry.get());
     work().planned = decided.planned;
+    work().replacing = decided.replacing;
     gw::note_listed_fonts();
-    start_request(entries, gw::NameTaken::REPLACE);
+    start_request(decided.replacing, gw::NameTaken::REPLACE);
 }
 
 }  // namespace

@@ -113,6 +113,16 @@ TEST_F(EveryonesRequest, AnAnswerOfManyMembersThatAreNotWhatTheyShouldBeIsRead) 
     EXPECT_THAT(answer.fonts, SizeIs(2));
 }
 
+TEST_F(EveryonesRequest, TheFilesOfEachFontAreRead) {
+    const EveryoneAnswer answer = gw::read_everyones_answer(
+        R"({"fonts": [{"font": "A", "files": ["a.pfb", {"bytes": "FF2E61666D"}, 7, ""]},
+            {"font": "B", "files": "b.ttf"}, {"font": "C"}]})");
+    ASSERT_THAT(answer.fonts, SizeIs(3));
+    EXPECT_THAT(answer.fonts[0].files, ElementsAre("a.pfb", "\xFF.afm"));
+    EXPECT_THAT(answer.fonts[1].files, IsEmpty()) << "that is no list";
+    EXPECT_THAT(answer.fonts[2].files, IsEmpty());
+}
+
 TEST_F(EveryonesRequest, CancelledWhileThePasswordIsAskedForNothingIsInstalled) {
     EveryoneRequest request(files(), NameTaken::REFUSE);
     ASSERT_TRUE(request.start(shell("exec sleep 1000")));

@@ -244,6 +244,75 @@ TEST_F(NamesTaken, AFontIsKnownWhateverTellsItFromOthersInTheAnswer) {
                             AllOf(StartsWith("replaced"), HasSubstr("Alpha Medium"))));
 }
 
+/// Two fonts of the source read alike, and the answer calls them so.
+class NamesAlike : public NamesTaken {
+  protected:
+    void SetUp() override {
+        NamesTaken::SetUp();
+        source.add("other.pcf", other());
+        installed().add("old-alpha.pcf", face("alpha"));
+    }
+    static std::string other() { return "-other" + face("alpha").substr(std::string("-test").size()); }
+    /// This is answered to the first request, and that to the second.
+    void answer(const std::string& first, const std::string& second = "") {
+        show_installed();
+        const std::string mark = scratch.file("first");
+        everyones_command("if [ -e " + mark + " ]; then echo '" + second + "'; else echo '" + first +
+                          "'; touch " + mark + "; fi");
+        begin({1, 2, 3});
+        ASSERT_THAT(items(source_list()),
+                    ElementsAre(HasSubstr("(Other)"), HasSubstr("(Test)"), HasSubstr("Beta")));
+        ASSERT_TRUE(wait_for_work());
+    }
+    static std::string taken(const std::string& sent, const std::string& there) {
+        return result("failed", sent) + R"(, "reason": "x", "code": "NAME_TAKEN", "detail": ")" + there +
+               "\"}";
+    }
+    static std::string result(const std::string& result, const std::string& sent) {
+        return R"({"font": "Alpha Medium [Bitmap]", "files": [")" + sent + R"("], "result": ")" + result +
+               '"';
+    }
+    static std::string fonts(const std::string& one, const std::string& other) {
+        return R"({"fonts": [)" + one + ", " + other + "]}";
+    }
+};
+
+TEST_F(NamesAlike, OneThatIsInTheWayUnseenIsToldThoughTheUserIsAskedAboutTheOther) {
+    answer(fonts(taken("alpha.pcf", installed().file("old-alpha.pcf")), taken("other.pcf", "/unseen/o.pcf")));
+    EXPECT_THAT(items(conflicts_list()), ElementsAre(HasSubstr("Alpha Medium")));
+    EXPECT_EQ(shown_text(find(wi_conflict_dlg, "new_file")), "alpha.pcf");
+    decide(1, "keep_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(items(find(wi_preconflict_dlg, "failed_list")),
+                ElementsAre(AllOf(HasSubstr("Alpha Medium (Other)"), HasSubstr("/unseen/o.pcf")),
+                            AllOf(StartsWith("kept"), HasSubstr("as you decided"))));
+}
+
+TEST_F(NamesAlike, OneThatFailsIsToldThoughTheUserIsAskedAboutTheOther) {
+    answer(fonts(taken("alpha.pcf", installed().file("old-alpha.pcf")),
+                 result("failed", "other.pcf") + R"(, "reason": "x", "code": "DAMAGED_FONT"})"));
+    EXPECT_THAT(items(conflicts_list()), ElementsAre(HasSubstr("Alpha Medium")));
+    decide(1, "keep_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(items(find(wi_preconflict_dlg, "failed_list")),
+                ElementsAre(AllOf(HasSubstr("Alpha Medium (Other)"), HasSubstr("this font is damaged")),
+                            AllOf(StartsWith("kept"), HasSubstr("as you decided"))));
+}
+
+TEST_F(NamesAlike, OneIsReplacedAndTheOtherIsNot) {
+    installed().add("old-other.pcf", other());
+    answer(fonts(taken("alpha.pcf", installed().file("old-alpha.pcf")),
+                 taken("other.pcf", installed().file("old-other.pcf"))),
+           fonts(result("failed", "other.pcf") + R"(, "reason": "no room"})",
+                 result("replaced", "alpha.pcf") + '}'));
+    EXPECT_THAT(items(conflicts_list()), ElementsAre(HasSubstr("Alpha Medium"), HasSubstr("Alpha Medium")));
+    decide(1, "not_keep_all_button");
+    ASSERT_TRUE(finish());
+    EXPECT_THAT(items(find(wi_preconflict_dlg, "failed_list")),
+                ElementsAre(AllOf(StartsWith("failed"), HasSubstr("no room")),
+                            AllOf(StartsWith("replaced"), HasSubstr(installed().path()))));
+}
+
 TEST_F(NamesTaken, TheDecisionCanBePutOff) {
     taken(R"(echo '{"fonts": [{"font": "Beta Medium [Bitmap]", "result": "failed", "reason": "no room"}]}')");
     ASSERT_TRUE(press(find(wi_conflict_dlg, "cancel_button")));
