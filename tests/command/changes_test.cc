@@ -94,6 +94,15 @@ TEST_F(CommandChanges, InstallTakesOnlyTheFilesThatAreNamed) {
     EXPECT_FALSE(content(to_).contains("DejaVuSans-Bold.ttf"));
 }
 
+TEST_F(CommandChanges, AllFilesOfOneFontMayBeNamed) {
+    const std::string outlines = TempDir::read_bytes("/usr/share/fonts/X11/Type1/C059-Roman.pfb");
+    const Ran ran = install({"--json", source_.write("own.pfb", outlines), source_.write("own.pfa", outlines),
+                             source_.write("own.afm", "StartFontMetrics 2.0\nEndFontMetrics\n")});
+    EXPECT_EQ(ran.status, 0) << ran.err;
+    EXPECT_EQ(ran.json()["fonts"].size(), 1U) << ran.out;
+    EXPECT_THAT(content(to_), testing::IsSupersetOf({testing::Key("own.pfb"), testing::Key("own.afm")}));
+}
+
 TEST_F(CommandChanges, InstallGoesOnAfterWhatIsNoFont) {
     (void)source_.write("broken.ttf", "nothing");
     const Ran ran = install({source_.path(), source_.file("gone.ttf"), "/etc/passwd"});

@@ -64,7 +64,7 @@ void find_fonts(const std::string& directory, Wanted wanted, GWHRNList& out, Rep
     for (GWFont* font : found) {
         const Ref<GWFont> owned(font);
         if (!wanted.all && !is_of(*font, wanted.files)) continue;
-        wanted.files.erase((*font->get_font_file_list()->begin())->get_name());
+        for (const GW_FILE_SPEC* file : *font->get_font_file_list()) wanted.files.erase(file->get_name());
         out.add_font(font);
     }
     for (const std::string& file : wanted.files) {
