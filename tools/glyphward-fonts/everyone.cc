@@ -117,6 +117,42 @@ Status tell(const EveryoneAnswer& answer, const Paths& sent, Report& report) {
     return nothing_done(Message::SAYS_NO_ANSWER, report);
 }
 
+/// Files that cannot be sent are failures.
+std::vector<SentFile> files_to_send(const GWHRNList& sources, Report& report, Tally& tally) {
+    std::vector<SentFile> files = files_of({sources.begin(), sources.end()});
+    for (const Failure& failure : leave_out_unsendable(files)) {
+        report.trouble(failure);
+        tally.failed();
+    }
+    return files;
+}
+
+/// Adds the font to the list, with those of its files that are sent, if the other program finds it in them.
+/// Files in which it finds none are failures there.
+void add_as_sent(GWFont& font, const std::set<std::string>& sent, GWHRNList& out, Report& report,
+                 Tally& tally) {
+    if (leave_out_files_but(sent, font)) return out.add_font(&font);
+    const GW_FSPEC_LIST* files = font.get_font_file_list();
+    if (files == nullptr) return;
+    for (const GW_FILE_SPEC* file : *files) {
+        report.trouble(file->get_path(), Message::SAYS_NO_FONT_FILE);
+        tally.failed();
+    }
+}
+
+/// The fonts that the other program finds in these files.
+void find_arriving(const GWHRNList& sources, const std::vector<SentFile>& files, GWHRNList& out,
+                   Report& report, Tally& tally) {
+    std::set<std::string> sent;
+    for (const SentFile& file : files) sent.insert(file.path);
+    for (const GWHRNElement* row : sources) {
+        for (const GWHRNElement::PointSize& size : row->get_slots()) {
+            for (const Ref<GWFont>& font : size.fonts) add_as_sent(*font, sent, out, report, tally);
+        }
+    }
+    out.tell_apart();
+}
+
 Status explain(const InstallOptions& options, Report& report) {
     report.trouble(SUPERUSER_FONT_DIR,
                    text_of(Message::SAYS_ADMINISTRATOR_TYPES, {administrators_command(options.sources)}));
@@ -134,22 +170,18 @@ Status try_for_everyone(const InstallOptions& options, Report& report) {
     GWHRNList sources(0);
     Tally tally;
     find_sources(options.sources, sources, report, tally);
-    std::vector<SentFile> files = files_of({sources.begin(), sources.end()});
-    std::set<std::string> not_sent;
-    for (const Failure& failure : leave_out_unsendable(files)) {
-        report.trouble(failure);
-        tally.failed();
-        not_sent.insert(failure.subject);
-    }
+    const std::vector<SentFile> files = files_to_send(sources, report, tally);
     if (files.empty()) return Status::FAILED;
+    GWHRNList arriving(0);
+    find_arriving(sources, files, arriving, report, tally);
     // The superuser, who will install them, does not see what is on this user's font path only. Without any
     // home directory there would be no font path at all.
     ::setenv("HOME", "/nonexistent", 1);
     await_interruption();
     Host host(report, SUPERUSER_FONT_DIR);
     Installation work(SUPERUSER_FONT_DIR, options.if_there, host, report);
-    work.try_as_superuser(std::move(not_sent));
-    work.install(sources);
+    work.try_as_superuser();
+    work.install(arriving);
     report_heard(report);
     work.notes().tell(report);
     report.document()["directory"] = SUPERUSER_FONT_DIR;
@@ -162,11 +194,7 @@ Status install_for_everyone(const InstallOptions& options, Report& report) {
     GWHRNList sources(0);
     Tally tally;
     find_sources(options.sources, sources, report, tally);
-    std::vector<SentFile> files = files_of({sources.begin(), sources.end()});
-    for (const Failure& failure : leave_out_unsendable(files)) {
-        report.trouble(failure);
-        tally.failed();
-    }
+    std::vector<SentFile> files = files_to_send(sources, report, tally);
     if (files.empty()) return Status::FAILED;
     await_interruption();
     Paths sent;

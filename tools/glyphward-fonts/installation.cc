@@ -153,12 +153,6 @@ bool Installation::may_replace(const GWConflict& conflict) const {
     return is_superusers_ || conflict.is_conflict(GWConflict::READ_ONLY) == 0;
 }
 
-bool Installation::is_sent(const GWHRNElement& row) const {
-    const std::vector<SentFile> files = not_sent_.empty() ? std::vector<SentFile>() : files_of({&row});
-    return std::none_of(files.begin(), files.end(),
-                        [this](const SentFile& file) { return not_sent_.contains(file.path); });
-}
-
 /// Whether the font is damaged, or nothing for an X server.
 bool Installation::is_refused(GWHRNElement& row) {
     for (const GWHRNElement::PointSize& size : row.get_slots()) {
@@ -172,7 +166,7 @@ bool Installation::is_refused(GWHRNElement& row) {
 
 void Installation::install_row(GWHRNElement& row) {
     files_ = paths_of(row);
-    if (!is_sent(row) || is_refused(row) || is_interrupted()) return;
+    if (is_refused(row) || is_interrupted()) return;
     const std::string name = without_marks(row.get_name());
     const bool is_dry = report_.settings().dry_run;
     GW_LIST<GWConflict>& conflicts = host_.conflicts();

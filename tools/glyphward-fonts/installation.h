@@ -4,7 +4,6 @@
 #pragma once
 
 #include <initializer_list>
-#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,12 +26,8 @@ class Installation {
     /// Installs them, or with `dry_run` finds out what it would do. A signal (see interruption.h) ends it,
     /// and the font in work is left out.
     void install(GWHRNList& sources);
-    /// A dry run is about what the superuser would do, who may replace every font, and gets no font that has
-    /// one of these files.
-    void try_as_superuser(std::set<std::string> not_sent) {
-        is_superusers_ = true;
-        not_sent_ = std::move(not_sent);
-    }
+    /// A dry run is about what the superuser would do, who may replace every font.
+    void try_as_superuser() { is_superusers_ = true; }
     /// Fonts that could not be made final have failed.
     void note_failures_of_commit();
     [[nodiscard]] FontReport& failures() { return failures_; }
@@ -48,7 +43,6 @@ class Installation {
     void decide(GWConflict& conflict);
     void replace(GWConflict& conflict, const std::string& why);
     bool is_refused(GWHRNElement& row);
-    [[nodiscard]] bool is_sent(const GWHRNElement& row) const;
     [[nodiscard]] bool may_replace(const GWConflict& conflict) const;
     void fail(const std::string& font, const Failure& why);
     void note(FontNotes::Note what);
@@ -61,7 +55,6 @@ class Installation {
     Report& report_;
     bool is_superusers_ = false;
     bool found_in_directory_ = false;
-    std::set<std::string> not_sent_;
     std::vector<std::string> files_;  // of the row in work, without those of fonts that have failed
     FontReport failures_;
     FontNotes notes_;
