@@ -63,13 +63,14 @@ Outcome install_in_change(GWFont& font, GW_FPE& fpe,
     if (Outcome possible = can_be_indexed(font); !possible) return possible;
     if (Outcome sound = check_source_font(font); !sound) return sound;
     bool is_begun = false;
-    Outcome outcome = in_change(fpe.get_path(), [&](DirectoryChange& change) {
+    const auto install = [&](DirectoryChange& change) {
         is_begun = true;
         if (Outcome made = change.make_index(); !made) return made;
         FontInstallation installation(font, fpe, change);
         const Outcome copied = steps(installation, change);
         return copied ? installation.finish() : copied;
-    });
+    };
+    Outcome outcome = in_change(fpe.get_path(), install, IfMissing::MAKE);
     if (outcome || is_begun || outcome.failure().reason != Reason::SYSTEM) return outcome;
     if (outcome.failure().subject != fpe.get_path()) return outcome;
     // Each font that is left out has a message of its own.

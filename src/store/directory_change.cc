@@ -55,10 +55,14 @@ DirectoryChange::~DirectoryChange() {
     abandon();
 }
 
+// While the lock is waited for, the directory may go, and another one may get its name.
 Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(const std::string& path) {
-    Result<Directory> dir = Directory::open(path);
-    if (!dir) return dir.failure();
-    return begin(std::move(*dir));
+    for (int attempt = 1;; ++attempt) {
+        Result<Directory> dir = Directory::open(path);
+        if (!dir) return dir.failure();
+        Result<std::unique_ptr<DirectoryChange>> change = begin(std::move(*dir));
+        if (change || !change.failure().is_absence() || attempt == MOST_ATTEMPTS) return change;
+    }
 }
 
 Result<std::unique_ptr<DirectoryChange>> DirectoryChange::begin(Directory dir, bool waits) {

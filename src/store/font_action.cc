@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "store/font_action.h"
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -9,6 +11,8 @@
 namespace gw {
 
 namespace {
+
+constexpr int MOST_ATTEMPTS = 5;
 
 FontAction*& current_action() {
     static FontAction* action = nullptr;
@@ -108,19 +112,40 @@ void FontAction::note_kept(const DirectoryChange& change) {
     if (!change.came().empty()) came_.push_back({change.dir().path(), change.came()});
 }
 
-Outcome in_change(const std::string& path, const std::function<Outcome(DirectoryChange&)>& step) {
+Result<FontAction::Begun> FontAction::begin_in(const std::string& path, FontAction* action) {
     Result<Directory> dir = Directory::open(path);
     if (!dir) return dir.failure();
-    FontAction* action = current_action();
-    DirectoryChange* change = action != nullptr ? action->find(*dir) : nullptr;
-    std::unique_ptr<DirectoryChange> own;
-    if (change == nullptr) {
-        Result<std::unique_ptr<DirectoryChange>> begun =
-            action != nullptr ? action->begin(std::move(*dir)) : DirectoryChange::begin(std::move(*dir));
-        if (!begun) return begun.failure();
-        own = std::move(*begun);
-        change = own.get();
+    if (DirectoryChange* change = action != nullptr ? action->find(*dir) : nullptr; change != nullptr)
+        return Begun{change, nullptr};
+    Result<std::unique_ptr<DirectoryChange>> begun =
+        action != nullptr ? action->begin(std::move(*dir)) : DirectoryChange::begin(std::move(*dir));
+    if (!begun) return begun.failure();
+    DirectoryChange* change = begun->get();
+    return Begun{change, std::move(*begun)};
+}
+
+// Another process may remove the directory while this one waits for its lock: one that it has made for an
+// installation that has failed.
+Result<FontAction::Begun> FontAction::begin_anyhow(const std::string& path, FontAction* action,
+                                                   IfMissing if_missing) {
+    Result<Begun> begun = begin_in(path, action);
+    for (int attempt = 1; !begun && begun.failure().is_absence() && attempt < MOST_ATTEMPTS; ++attempt) {
+        struct stat info = {};
+        if (::stat(path.c_str(), &info) != 0) {
+            if (if_missing == IfMissing::FAIL || action == nullptr || !action->maker_) break;
+            if (Outcome made = action->maker_(path); !made) return made.failure();
+        }
+        begun = begin_in(path, action);
     }
+    return begun;
+}
+
+Outcome in_change(const std::string& path, const std::function<Outcome(DirectoryChange&)>& step,
+                  IfMissing if_missing) {
+    FontAction* action = current_action();
+    Result<FontAction::Begun> begun = FontAction::begin_anyhow(path, action, if_missing);
+    if (!begun) return begun.failure();
+    auto& [change, own] = *begun;
     const DirectoryChange::Mark mark = change->mark();
     Outcome outcome = step(*change);
     if (!outcome) {

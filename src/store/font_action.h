@@ -17,6 +17,9 @@
 
 namespace gw {
 
+/// What becomes of a change whose directory is not there: the user's action may know how to make one.
+enum class IfMissing { FAIL, MAKE };
+
 /// Everything that belongs to one action of the user. As long as there is one, changes of a directory are one
 /// change, which `commit` makes final.
 class FontAction {
@@ -31,6 +34,10 @@ class FontAction {
         std::string dir;  ///< ends in "/"
         Failure why;
     };
+    /// What makes a directory anew which is not there when a change of it that may make one begins.
+    using Maker = std::function<Outcome(const std::string& dir)>;
+    void make_missing_directories(Maker maker) { maker_ = std::move(maker); }
+
     /// Makes all changes final, or none; a process that is killed does the same. Returns the directories that
     /// are as they were before.
     std::vector<Failed> commit();
@@ -51,16 +58,25 @@ class FontAction {
     [[nodiscard]] const std::vector<Came>& came() const { return came_; }
 
   private:
-    friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
+    friend Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step,
+                             IfMissing if_missing);
     friend Outcome as_one_change(const std::function<Outcome()>& steps);
     [[nodiscard]] DirectoryChange* find(const Directory& dir) const;
     Result<std::unique_ptr<DirectoryChange>> begin(Directory dir);
+    /// A change of the directory that is going on, or one that begins, which belongs to the caller.
+    struct Begun {
+        DirectoryChange* change = nullptr;
+        std::unique_ptr<DirectoryChange> own;
+    };
+    static Result<Begun> begin_in(const std::string& path, FontAction* action);
+    static Result<Begun> begin_anyhow(const std::string& path, FontAction* action, IfMissing if_missing);
     Outcome make_final();
     std::vector<Failed> commit_each();
     void note_kept(const DirectoryChange& change);
 
     FontAction* outer_;
     std::string token_;
+    Maker maker_;
     std::vector<Kept> kept_;
     std::vector<Came> came_;
     std::vector<std::unique_ptr<DirectoryChange>> open_;
@@ -70,7 +86,8 @@ class FontAction {
 
 /// Runs the step as part of the user's action that is going on, or as a change of its own. What a failed step
 /// has done is taken back.
-Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step);
+Outcome in_change(const std::string& dir, const std::function<Outcome(DirectoryChange&)>& step,
+                  IfMissing if_missing = IfMissing::FAIL);
 
 /// The same for steps in several directories: if they fail, all that they have done is taken back.
 Outcome as_one_change(const std::function<Outcome()>& steps);

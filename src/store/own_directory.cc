@@ -261,6 +261,9 @@ Result<Descriptor> taken_lock(const Directory& own, const Directory& fonts, int 
 // The user knows nothing of this directory, unless somebody else has put something there.
 Result<std::unique_ptr<OwnDirectory>> OwnDirectory::enter(const Directory& fonts, bool waits) {
     Result<std::unique_ptr<OwnDirectory>> own = entered(fonts, waits);
+    // The one whose lock was waited for may have been removed, as unused.
+    for (int attempt = 1; !own && own.failure().error == ENOENT && attempt < MOST_ATTEMPTS; ++attempt)
+        own = entered(fonts, waits);
     if (own || own.failure().reason != Reason::SYSTEM) return own;
     return Failure::of_system(fonts.path(), own.failure().error);
 }

@@ -65,6 +65,17 @@ class Running {
         return WIFEXITED(*status_) ? WEXITSTATUS(*status_) : -WTERMSIG(*status_);
     }
     [[nodiscard]] std::string err() const { return dir_.read("err"); }
+    /// Waits until it has the file open; false when it ends before.
+    [[nodiscard]] bool comes_to_have_open(const std::string& path) {
+        const std::string process = std::to_string(child_);
+        // Until it has become the program, it has what the test has open.
+        while (!gw::test::processes_called("glyphward-fonts").contains(process) ||
+               !gw::test::has_open(process, path)) {
+            if (has_ended()) return false;
+            ::usleep(500);
+        }
+        return true;
+    }
 
   private:
     TempDir dir_;
@@ -277,6 +288,61 @@ TEST_F(CommandSignals, AndALockThatIsKeptTheyCannotBegin) {
         EXPECT_THAT(command->err(), HasSubstr(home_.dir().file("fonts")));
     }
     EXPECT_EQ(content(to_), before);
+}
+
+/// A command waits for the lock of a directory that then goes, as one goes that another command has made and
+/// into which it could install nothing.
+class DirectoryGone : public gw::test::OwnFonts {
+  protected:
+    void SetUp() override { ASSERT_EQ(install({gw::test::SANS}).status, 0); }
+    /// Returns the exit status.
+    int run(const std::vector<std::string>& words, std::string* err = nullptr) const {
+        std::optional<Locked> lock(to_);
+        Running command(words);
+        EXPECT_TRUE(command.comes_to_have_open(to_ + ".glyphward/lock")) << command.err();
+        fs::remove_all(to_);
+        lock.reset();
+        const int status = command.wait();
+        if (err != nullptr) *err = command.err();
+        return status;
+    }
+};
+
+TEST_F(DirectoryGone, AnInstallationMakesItAnew) {
+    EXPECT_EQ(run({"install", "--to", to_, gw::test::BOLD}), 0);
+    EXPECT_TRUE(content(to_).contains("DejaVuSans-Bold.ttf"));
+    EXPECT_THAT(content(to_)["fonts.dir"], testing::Not(HasSubstr("DejaVuSans.ttf")));
+    EXPECT_EQ(install({gw::test::SANS}).status, 0);
+}
+
+TEST_F(DirectoryGone, AProfileMakesItAnew) {
+    const std::string profile = source_.write(
+        "p.toml", "profile = 1\n[fonts]\nto = \"" + to_ + "\"\nfiles = [\"DejaVuSans-Bold.ttf\"]\n");
+    EXPECT_EQ(run({"apply", profile}), 0);
+    EXPECT_TRUE(content(to_).contains("DejaVuSans-Bold.ttf"));
+}
+
+TEST_F(DirectoryGone, ADeletionSaysThatThereIsNothingToDelete) {
+    std::string said;
+    EXPECT_EQ(run({"delete", "--yes", gw::test::SANS_ROW}, &said), 1);
+    EXPECT_THAT(said, HasSubstr(to_ + " is gone, so there is nothing to delete"));
+    EXPECT_FALSE(fs::exists(to_));
+}
+
+// One finds no font to install, and removes the directory that it has made.
+TEST_F(DirectoryGone, OfTwoInstallationsOneThatFailsDoesNotHarmTheOther) {
+    const std::string fresh = home_.dir().file("fresh/");
+    const std::string bad = source_.write("bad.ttf", "nothing");
+    constexpr int TIMES = 20;
+    for (int i = 0; i < TIMES; ++i) {
+        Running failing({"install", "--to", fresh, bad});
+        Running other({"install", "--to", fresh, gw::test::BOLD});
+        EXPECT_EQ(failing.wait(), 1) << failing.err();
+        EXPECT_EQ(other.wait(), 0) << other.err();
+        EXPECT_TRUE(content(fresh).contains("DejaVuSans-Bold.ttf"));
+        fs::remove_all(fresh);
+    }
+    (void)fonts_command({"path", "remove", "--of", whose(), fresh});
 }
 
 TEST_F(CommandSignals, NorDoCommandsThatRunAtOnceLoseAnything) {

@@ -124,6 +124,7 @@ void Application::apply_fonts() {
     Host host(report_, directory_);
     GWHRNList sources(0);
     FontAction action;
+    action.make_missing_directories(maker_of(directory_, made));
     Deletion deletion(true, host, report_);
     delete_absent(deletion, host);
     Installation installation(directory_, IfThere::REPLACE_HERE, host, report_);

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "glyphward-fonts/deletion.h"
 
+#include <filesystem>
+#include <system_error>
+
 #include "core/text.h"
 #include "drivers/engine_globals.h"
 #include "model/packaged_fonts.h"
@@ -17,6 +20,16 @@ std::string why_in_conflict(const GWConflict& conflict) {
     if (conflict.is_conflict(GWConflict::PACKAGE) != 0)
         return text_of(Message::SAYS_OF_PACKAGE, {conflict.get_packages()});
     return text_of(Message::SAYS_OF_SYSTEM);
+}
+
+/// Another process may have removed the whole directory since the font was listed.
+std::string why_of(const FontReport::Entry& entry) {
+    std::error_code error;
+    const bool has_file = entry.why.is_absence() && !entry.files.empty();
+    const std::filesystem::path directory =
+        has_file ? std::filesystem::path(entry.files.front()).parent_path() : std::filesystem::path();
+    if (!has_file || std::filesystem::exists(directory, error) || error) return in_words(entry.why);
+    return text_of(Message::SAYS_DIRECTORY_GONE, {with_trailing_slash(directory.string())});
 }
 
 /// The package manager is asked once about all of them.
@@ -48,14 +61,14 @@ std::vector<FontReport::Entry> Deletion::take_failures() {
     std::vector<FontReport::Entry> failures = failures_.take_new();
     for (const FontReport::Entry& entry : failures) {
         tally.failed(entry.why);
-        report_.trouble(entry.font, in_words(entry.why));
+        report_.trouble(entry.font, why_of(entry));
     }
     return failures;
 }
 
 void Deletion::note_failures() {
     for (const FontReport::Entry& entry : take_failures())
-        notes_.add({entry.font, FontNotes::Result::FAILED, in_words(entry.why)});
+        notes_.add({entry.font, FontNotes::Result::FAILED, why_of(entry)});
 }
 
 void Deletion::note_failures_of_commit() {

@@ -53,6 +53,13 @@ Outcome prepare(const std::string& directory, bool dry_run, MadeDirectories& mad
     return made.make(directory);
 }
 
+FontAction::Maker maker_of(const std::string& directory, MadeDirectories& made) {
+    return [directory, &made](const std::string& missing) {
+        const bool is_it = with_trailing_slash(missing) == with_trailing_slash(directory);
+        return is_it ? prepare(directory, false, made) : Outcome(Failure::of_system(missing, ENOENT));
+    };
+}
+
 void renew_resource_file(const std::string& directory) {
     if (!runs_as_superuser()) GW_DIR(directory.c_str()).make_upr_file(0, nullptr);
 }

@@ -7,6 +7,7 @@
 
 #include "core/failure.h"
 #include "fontpath/gw_font_path.h"
+#include "store/font_action.h"
 
 #include "glyphward-fonts/commands.h"
 #include "glyphward-fonts/made_directories.h"
@@ -18,6 +19,10 @@ namespace gw::fonts {
 
 /// Makes the destination, if it is missing and this is no dry run. Fails where nothing can be installed.
 Outcome prepare(const std::string& directory, bool dry_run, MadeDirectories& made);
+
+/// What makes the destination anew where another command has removed the one that it had made, because it
+/// could install nothing there.
+[[nodiscard]] FontAction::Maker maker_of(const std::string& directory, MadeDirectories& made);
 
 /// As after the work of the windows: an ordinary user's directory gets an index of its PostScript resources.
 void renew_resource_file(const std::string& directory);

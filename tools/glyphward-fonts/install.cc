@@ -29,6 +29,7 @@ Status install(const InstallOptions& options, Report& report) {
     Host host(report, directory);
     GWHRNList sources(0);
     FontAction action;
+    action.make_missing_directories(maker_of(directory, made));
     Installation work(directory, options.if_there, host, report);
     find_sources(options.sources, sources, report, work.tally);
     work.install(sources);

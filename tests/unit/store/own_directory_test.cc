@@ -12,14 +12,18 @@
 #include <algorithm>
 #include <cerrno>
 #include <filesystem>
+#include <functional>
 #include <set>
 #include <stdexcept>
 #include <string>
 
+#include "core/file_calls.h"
 #include "store/directory_change.h"
+#include "store/font_action.h"
 #include "support/another_run.h"
 #include "support/file_faults.h"
 #include "support/giving_up.h"
+#include "support/processes.h"
 #include "support/put_file.h"
 #include "support/temp_dir.h"
 
@@ -107,7 +111,7 @@ class Beginner {
     void start() const { ASSERT_EQ(::write(go_.get(), "x", 1), 1); }
     /// Waits until it has the file open; false when it ends before.
     [[nodiscard]] bool comes_to_have_open(const std::string& path) {
-        while (!has_open(path)) {
+        while (!gw::test::has_open(std::to_string(child_), path)) {
             if (::waitpid(child_, &status_, WNOHANG) == child_) {
                 child_ = 0;
                 return false;
@@ -123,13 +127,6 @@ class Beginner {
     }
 
   private:
-    [[nodiscard]] bool has_open(const std::string& path) const {
-        std::error_code gone;
-        std::filesystem::directory_iterator files("/proc/" + std::to_string(child_) + "/fd", gone);
-        return std::any_of(begin(files), end(files),
-                           [&](const auto& file) { return std::filesystem::equivalent(file, path, gone); });
-    }
-
     pid_t child_ = 0;
     int status_ = -1;
     gw::Descriptor go_;
@@ -150,6 +147,86 @@ TEST_F(OwnDirectory, IsLockedByTheFileThatHasTheNameOfTheLock) {
     EXPECT_TRUE(beginner.comes_to_have_open(path)) << "it has another file's lock";
     new_lock = gw::Descriptor();
     EXPECT_EQ(beginner.status(), 0);
+}
+
+/// A process that waits for the lock until `step` has removed something.
+int status_of_who_waits(const TempDir& dir, const std::function<void()>& step) {
+    { EXPECT_TRUE(DirectoryChange::begin(dir.path())); }
+    const std::string path = dir.file(".glyphward/lock");
+    Beginner beginner(dir.path());
+    gw::Descriptor lock(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+    EXPECT_EQ(::flock(lock.get(), LOCK_EX | LOCK_NB), 0);
+    beginner.start();
+    EXPECT_TRUE(beginner.comes_to_have_open(path));
+    step();
+    lock = gw::Descriptor();
+    return beginner.status();
+}
+
+TEST_F(OwnDirectory, IsMadeAnewWhereTheOneThatWasWaitedForHasGone) {
+    const auto remove = [&] { std::filesystem::remove_all(dir.file(".glyphward")); };
+    EXPECT_EQ(status_of_who_waits(dir, remove), 0);
+    EXPECT_TRUE(dir.exists(".glyphward/lock"));
+    EXPECT_EQ(names(), (std::set<std::string>{".glyphward", "a.pcf", "fonts.dir"}));
+}
+
+TEST_F(OwnDirectory, IsLookedForInTheDirectoryThatHasTheNameNow) {
+    const TempDir other;
+    const auto exchange = [&] {
+        std::filesystem::rename(dir.path(), other.file("old"));
+        std::filesystem::create_directory(dir.path());
+        std::filesystem::remove_all(other.file("old"));
+    };
+    EXPECT_EQ(status_of_who_waits(dir, exchange), 0);
+    EXPECT_EQ(names(), (std::set<std::string>{".glyphward"}));
+}
+
+TEST_F(OwnDirectory, IsNotMadeWhereTheWholeDirectoryHasGone) {
+    const auto remove = [&] { std::filesystem::remove_all(dir.path()); };
+    EXPECT_NE(status_of_who_waits(dir, remove), 0);
+    EXPECT_FALSE(std::filesystem::exists(dir.path()));
+}
+
+/// Installs a font in a directory that the action makes if it is missing.
+bool install_in_missing(const std::string& dir) {
+    gw::FontAction action;
+    action.make_missing_directories([](const std::string& missing) {
+        if (gw::file_calls().make_dir(AT_FDCWD, missing.c_str(), 0755) == 0) return gw::done();
+        return gw::Outcome(gw::Failure::of_system(missing, errno));
+    });
+    const auto put = [](DirectoryChange& change) {
+        if (gw::Outcome made = change.make_index(); !made || change.will_have("a.pcf")) return made;
+        return gw::test::put_font(change, "a.pcf", "A", "-a");
+    };
+    if (!gw::in_change(dir, put, gw::IfMissing::MAKE)) return false;
+    return action.commit().empty();
+}
+
+// Also where that process is killed, and where anything fails.
+TEST(MissingDirectory, IsMadeByTheActionThatKnowsHow) {
+    for (const FileFaults::Fault fault : {FileFaults::Fault::FAIL_ONCE, FileFaults::Fault::KILL}) {
+        int calls = 0;
+        for (int at = 0; at <= calls; ++at) {  // at 0 nothing goes wrong
+            const TempDir home;
+            const std::string dir = home.file("fonts/");
+            const pid_t child = ::fork();
+            if (child == 0) {
+                const FileFaults faults(at == 0 ? FileFaults::Fault::NONE : fault, at);
+                const bool is_done = install_in_missing(dir);
+                if (at == 0) (void)home.write("calls", std::to_string(FileFaults::calls()));
+                ::_exit(is_done ? 0 : 1);
+            }
+            int status = 0;
+            while (::waitpid(child, &status, 0) < 0 && errno == EINTR) continue;
+            if (at == 0) {
+                ASSERT_EQ(status, 0);
+                calls = std::stoi(home.read("calls"));
+            }
+            EXPECT_TRUE(install_in_missing(dir)) << at;
+            EXPECT_EQ(home.read("fonts/fonts.dir"), "1\na.pcf -a\n") << at;
+            EXPECT_EQ(home.read("fonts/a.pcf"), "A") << at;
+        }
+    }
 }
 
 TEST_F(OwnDirectory, IsNotWaitedForWhenTheWorkIsGivenUp) {
