@@ -84,7 +84,7 @@ class Operations {
   private:
     void group() {
         done_ = fonts_.get_count();
-        for (GWFont* font : fonts_) names_.add_font(font);
+        names_.add_fonts(fonts_);  // as the window does
         names_.tell_apart();
     }
     void as_one_action(const std::function<gw::Outcome(GWFont&, int)>& step) {
