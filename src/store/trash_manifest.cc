@@ -149,14 +149,17 @@ std::vector<std::string> KeptFont::font_names() const {
 }
 
 std::string new_entry_name(std::time_t time) {
-    constexpr long LAST = 999'999'999;
+    constexpr unsigned long A_SECOND = 1'000'000'000;
+    constexpr std::time_t MOST_SECONDS = 3;  // more nanoseconds than that have no eight digits
     constexpr int DIGITS_OF_NANOSECONDS = 8;
     timespec now = {};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    // The second may be over since the caller has asked for it.
+    // The second may be over: the clock that tells the time of day is some milliseconds behind.
+    const auto since =
+        static_cast<unsigned long>(std::clamp<std::time_t>(now.tv_sec - time, 0, MOST_SECONDS));
     char nanoseconds[DIGITS_OF_NANOSECONDS + 1];
     (void)std::snprintf(nanoseconds, sizeof nanoseconds, "%0*lx", DIGITS_OF_NANOSECONDS,
-                        static_cast<unsigned long>(now.tv_sec == time + 1 ? LAST : now.tv_nsec));
+                        since * A_SECOND + static_cast<unsigned long>(now.tv_nsec));
     return std::to_string(time) + '-' + nanoseconds + new_joint_token().substr(0, ENTRY_DIGITS);
 }
 
