@@ -78,23 +78,29 @@ std::optional<SeenFile> SeenDirectory::ask_about(const std::string& name) const 
 }
 
 const std::optional<SeenFile>& SeenDirectory::look(const std::string& name) {
-    if (const std::optional<SeenFile>* answer = known(name); answer != nullptr) return *answer;
-    return remember(name, ask_about(name));
-}
-
-const std::optional<SeenFile>& SeenDirectory::remember(const std::string& name,
-                                                       std::optional<SeenFile> answer) {
-    const auto entry = names_.find(name);
-    if (entry == names_.end()) return seen_[name] = answer;
-    entry->second.is_seen = true;
-    return entry->second.seen = answer;
+    if (const auto entry = names_.find(name); entry != names_.end()) {
+        if (!entry->second.is_seen) return entry->second.see(ask_about(name));
+        return entry->second.seen;
+    }
+    const auto [known, is_new] = seen_.try_emplace(name);
+    if (is_new) known->second = ask_about(name);
+    return known->second;
 }
 
 const std::optional<SeenFile>* SeenDirectory::known(const std::string& name) const {
-    if (const auto entry = names_.find(name); entry != names_.end() && entry->second.is_seen)
-        return &entry->second.seen;
+    if (const auto entry = names_.find(name); entry != names_.end())
+        return entry->second.is_seen ? &entry->second.seen : nullptr;
     const auto found = seen_.find(name);
     return found != seen_.end() ? &found->second : nullptr;
+}
+
+void SeenDirectory::remember(const std::string& name, const SeenFile& file) {
+    const auto entry = names_.find(name);
+    if (entry == names_.end()) {
+        seen_[name] = file;
+    } else {
+        entry->second.see(file);
+    }
 }
 
 bool SeenDirectory::ask_for(const std::string& name) const {
@@ -135,6 +141,14 @@ void SeenDirectory::read_names() {
         names_.emplace(name, Entry{is_file});
         extensions_.insert(extension_of(name));
     }
+    for (const auto& [name, answer] : std::exchange(seen_, {})) {
+        const auto entry = names_.find(name);
+        if (entry == names_.end()) {
+            seen_.emplace(name, answer);
+        } else {
+            entry->second.see(answer);
+        }
+    }
     // Where files cannot be looked at, nobody knows that one is missing.
     names_answer_ = is_complete && path_.ends_with('/') &&
                     ::faccessat(fd_.get(), ".", X_OK, AT_EACCESS) == 0 && knows_case();
@@ -161,7 +175,7 @@ Result<Descriptor> SeenDirectory::open_to_read(const std::string& name) {
         std::uint64_t size = 0;
         const std::optional<SeenFile> info = file.is_open() ? look_at(file.get(), "", &size) : std::nullopt;
         if (info && S_ISREG(info->mode) && size <= static_cast<std::uint64_t>(Directory::FILE_LIMIT)) {
-            remember(name, info);
+            remember(name, *info);
             return file;
         }
     }

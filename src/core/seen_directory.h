@@ -41,7 +41,7 @@ class SeenDirectory {
 
     [[nodiscard]] const std::string& path() const { return path_; }
 
-    /// What `stat` says of the file; none when `stat` fails.
+    /// What `stat` says of the file; none when `stat` fails. Valid until something else is asked.
     const std::optional<SeenFile>& look(const std::string& name);
     /// The answer of `look`, if that question was asked already or a file was opened; else null.
     [[nodiscard]] const std::optional<SeenFile>* known(const std::string& name) const;
@@ -65,9 +65,13 @@ class SeenDirectory {
         bool is_file = false;  ///< or a directory; of anything else, such as a link, only the disk knows
         bool is_seen = false;  ///< `seen` is the answer of `look`
         std::optional<SeenFile> seen = {};
+        const std::optional<SeenFile>& see(const std::optional<SeenFile>& answer) {
+            is_seen = true;
+            return seen = answer;
+        }
     };
     [[nodiscard]] std::optional<SeenFile> ask_about(const std::string& name) const;
-    const std::optional<SeenFile>& remember(const std::string& name, std::optional<SeenFile> answer);
+    void remember(const std::string& name, const SeenFile& file);
 
     std::string path_;
     Descriptor fd_;                  // only for looking

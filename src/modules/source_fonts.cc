@@ -80,7 +80,7 @@ void refuse_nameless(const std::vector<GWFont*>& fonts, const Failure& why) {
 const char* weight_of(std::string style) {
     style = lower_case(style);
     std::erase(style, ' ');
-    // A word comes before those that it has a part of.
+    // What is part of a longer word comes after that.
     static constexpr std::pair<std::string_view, const char*> WEIGHTS[] = {
         {"extrabold", "extrabold"}, {"semibold", "semibold"},     {"demi", "semibold"}, {"bold", "bold"},
         {"black", "black"},         {"extralight", "extralight"}, {"light", "light"},   {"thin", "thin"},

@@ -18,20 +18,16 @@
 #include "platform/scratch.h"
 #include "support/heard_failures.h"
 #include "support/temp_dir.h"
+#include "support/type1_header.h"
 #include "support/under_policy.h"
 
 namespace {
 
 using gw::test::TempDir;
+using gw::test::type1_header;
 using testing::ElementsAre;
 using testing::UnorderedElementsAre;
 using Texts = std::vector<std::string>;
-
-std::string outline(const std::string& family) {
-    return "%!PS-AdobeFont-1.0: " + family + "\n/FamilyName (" + family +
-           ") def\n/Weight (Bold) def\n/ItalicAngle 0 def\n/Notice (Adobe) def\n"
-           "/Encoding StandardEncoding def\ncurrentfile eexec\n";
-}
 
 std::string xlfd(const std::string& family) {
     return "-x-" + family + "-medium-r-normal--8-80-75-75-c-80-iso8859-1";
@@ -72,7 +68,8 @@ class FilesDriver : public testing::Test {
 };
 
 TEST_F(FilesDriver, OnlyTheChosenFilesAreListed) {
-    for (const char* name : {"one", "two", "three"}) fonts.write(std::string(name) + ".pfa", outline(name));
+    for (const char* name : {"one", "two", "three"})
+        fonts.write(std::string(name) + ".pfa", type1_header(name));
     GWFilesDriver driver({fonts.file("one.pfa"), fonts.file("three.pfa")});
     EXPECT_THAT(names(driver), UnorderedElementsAre("One Bold [Type-1]", "Three Bold [Type-1]"));
     EXPECT_NE(index().find("1/one.pfa "), std::string::npos) << index();
@@ -88,9 +85,9 @@ TEST_F(FilesDriver, TheIndexOfTheirDirectoryNamesThem) {
 }
 
 TEST_F(FilesDriver, FilesOfManyDirectoriesAreOneSource) {
-    fonts.write("one.pfa", outline("One"));
+    fonts.write("one.pfa", type1_header("One"));
     others.write("fonts.dir", "1\na.pcf " + xlfd("alpha") + "\n");
-    others.write("unseen/three.pfa", outline("Three"));
+    others.write("unseen/three.pfa", type1_header("Three"));
     GWFilesDriver driver({fonts.file("one.pfa"), others.path(), others.file("a.pcf")});
     EXPECT_EQ(names(driver).size(), 2U);
     EXPECT_NE(index().find("1/one.pfa "), std::string::npos) << index();
@@ -102,7 +99,7 @@ TEST_F(FilesDriver, FilesOfManyDirectoriesAreOneSource) {
 }
 
 TEST_F(FilesDriver, MetricsAreFoundBesideTheFont) {
-    fonts.write("one.pfb", outline("One"));
+    fonts.write("one.pfb", type1_header("One"));
     fonts.write("one.afm", "StartFontMetrics 2.0\n");
     fonts.write("two.afm", "StartFontMetrics 2.0\n");
     GWFilesDriver driver({fonts.file("one.pfb")});
@@ -119,7 +116,7 @@ TEST_F(FilesDriver, NamesAreTakenAsTheyAre) {
     const Texts strange = {"a b.pfa", "100%25.pfa", "$(touch oops).pfa", "caf\xe9.pfa", "a\nb.pfa", "-x.pfa"};
     Texts paths;
     for (const std::string& name : strange) {
-        fonts.write(name, outline("Odd"));
+        fonts.write(name, type1_header("Odd"));
         paths.push_back(fonts.file(name));
     }
     GWFilesDriver driver(paths);
@@ -140,7 +137,7 @@ TEST_F(FilesDriver, WhatHasGoneOrIsNoFontIsNotListed) {
 
 TEST_F(FilesDriver, ALinkOfSomebodyElseIsNotFollowed) {
     if (::geteuid() != 0) GTEST_SKIP() << "only the superuser makes links of others";
-    fonts.write("one.pfa", outline("One"));
+    fonts.write("one.pfa", type1_header("One"));
     std::filesystem::create_directory_symlink(fonts.path(), others.file("link"));
     constexpr uid_t NOBODY = 65534;
     ASSERT_EQ(::lchown(others.file("link").c_str(), NOBODY, NOBODY), 0);
