@@ -17,6 +17,7 @@
 #include "app/deleting/delwarningdlg.h"
 #include "app/font_path/fpinfodlg.h"
 #include "app/installing/font_source.h"
+#include "app/installing/install_destination.h"
 #include "app/installing/installdlg.h"
 #include "app/installing/rmediadlg.h"
 #include "app/kit/gw_gui_util.h"
@@ -291,6 +292,14 @@ void WorkTest::choose_source(const FontDirectory& source) {
 
 void WorkTest::choose_destination(const std::string& directory) {
     installdlg::install_dir_specified_cb(directory.c_str());
+}
+
+void WorkTest::destination_goes_when_work_begins() {
+    static bool is_awaited = false;
+    is_awaited = true;
+    gw::work_permissions().connect([](bool) {
+        if (std::exchange(is_awaited, false)) std::filesystem::remove_all(installdlg::current_install_dir());
+    });
 }
 
 void WorkTest::install(std::initializer_list<int> positions) {

@@ -140,6 +140,8 @@ class WorkTest : public testing::Test {
     static void open_install_dialog();
     static void choose_source(const FontDirectory& source);
     static void choose_destination(const std::string& directory);
+    /// When the next work begins, another program removes the destination, which was found good.
+    static void destination_goes_when_work_begins();
     /// Installs these positions of the source and waits for the end of the work.
     static void install(std::initializer_list<int> positions);
     /// Deletes these positions of the main window's list and waits for the end of the work.

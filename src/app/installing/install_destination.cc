@@ -5,6 +5,7 @@
 #include <sys/statvfs.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <filesystem>
 #include <system_error>
@@ -247,6 +248,14 @@ std::string prepare_destination() {
     }
     if (gw::is_writeable_by(info.st_uid, info.st_mode, static_cast<uid_t>(uid))) return "";
     return gw::text_of(Message::UNWRITEABLE_DESTINATION);
+}
+
+gw::Outcome make_destination_anew(const std::string& dir) {
+    if (!gw::window_policy().offers_destinations() ||
+        gw::with_trailing_slash(dir) != gw::with_trailing_slash(install_dir))
+        return gw::Failure::of_system(dir, ENOENT);
+    if (::mkdir(install_dir.c_str(), DIRECTORY_MODE) == 0 || errno == EEXIST) return gw::done();
+    return gw::Failure::of_system(dir, errno);
 }
 
 void show_required_space(unsigned kilobytes) {

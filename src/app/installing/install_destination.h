@@ -7,6 +7,8 @@
 
 #include <X11/Intrinsic.h>
 
+#include "core/failure.h"
+
 namespace installdlg {
 
 /// Creates these parts of the dialog from the bottom upwards, above `below`. Returns the separator above
@@ -28,6 +30,9 @@ void choose_default_destination();
 bool explain_everyone(const char* dir);
 /// Creates the destination when it is missing. Returns "", or why nothing can be installed there.
 [[nodiscard]] std::string prepare_destination();
+/// Creates the directory, if it is the destination: another program may have removed it since it was
+/// prepared. With `gw_modern_windows` off, and for any other directory, it fails as missing.
+gw::Outcome make_destination_anew(const std::string& dir);
 
 /// Shows how many kilobytes the selected fonts need.
 void show_required_space(unsigned kilobytes);

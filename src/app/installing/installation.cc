@@ -152,7 +152,7 @@ Boolean install_work_proc(XtPointer data) {
         current_hrn_list.get_report().clear();
         gw::note_listed_fonts();
         begin_summary();
-        gw::begin_font_action();
+        gw::begin_font_action(make_destination_anew);
     }
     install_next(*work);
     if (work->is_in_progress()) return False;

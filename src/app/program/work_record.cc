@@ -2,11 +2,11 @@
 #include "app/program/work_record.h"
 
 #include <optional>
+#include <utility>
 
 #include "app/program/program_objects.h"
 #include "app/program/undo_record.h"
 #include "fontpath/trash_places.h"
-#include "store/font_action.h"
 
 WorkRecord the_wp_cl_data;
 
@@ -36,9 +36,10 @@ std::optional<FontAction>& current() {
 
 }  // namespace
 
-void begin_font_action() {
+void begin_font_action(FontAction::Maker maker) {
     current().reset();
     current().emplace();
+    current()->make_missing_directories(std::move(maker));
 }
 
 void keep_what_is_done() {

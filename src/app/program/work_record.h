@@ -9,6 +9,7 @@
 
 #include "app/kit/signal.h"
 #include "model/font_report.h"
+#include "store/font_action.h"
 
 struct WorkRecord {
     std::vector<int> positions;  ///< the selected positions, 1-based, ascending
@@ -27,8 +28,9 @@ void permit_other_work();
 
 namespace gw {
 
-/// From now on, what is done to fonts is one change of each directory.
-void begin_font_action();
+/// From now on, what is done to fonts is one change of each directory. A directory that has gone before its
+/// change begins is made anew by the maker, if there is one.
+void begin_font_action(FontAction::Maker maker = {});
 /// Makes these changes final. Fonts in directories where that fails are failures in the report after all,
 /// with this consequence, and the lists of fonts are read again. Returns how many names these fonts have.
 int commit_font_action(FontReport& report, Sequel sequel);

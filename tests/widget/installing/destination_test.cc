@@ -29,6 +29,7 @@
 namespace {
 
 using namespace gw::test;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::SizeIs;
@@ -122,6 +123,16 @@ TEST_F(Destination, UntickedItIsNotPutOnTheFontPath) {
     EXPECT_FALSE(is_on_server_path(destination.path()));
     EXPECT_EQ(position_in(GWFontPath::ALL_FP, destination.path()), 0);
     EXPECT_EQ(is_managed(wi_fp_info_dlg), is_root());
+}
+
+TEST_F(Destination, OneThatGoesWhenWorkBeginsIsMadeAnew) {
+    choose_destination(destination.file("shared/"));
+    choose_source(source);
+    destination_goes_when_work_begins();
+    install({1, 2});
+    EXPECT_TRUE(destination.exists("shared/alpha.pcf"));
+    EXPECT_THAT(destination.read("shared/fonts.dir"),
+                AllOf(HasSubstr(face("alpha")), HasSubstr(face("beta"))));
 }
 
 TEST_F(Destination, SourcesAreRememberedAndOffered) {

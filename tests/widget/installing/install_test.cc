@@ -182,6 +182,15 @@ TEST_F(Install, NeedsADestinationThatCanBeMade) {
     EXPECT_EQ(main_status(), "1 fonts successfully installed.");
 }
 
+TEST_F(Install, FailsWhereTheDestinationGoesWhenWorkBegins) {
+    fonts_.add("a.pcf", face("alpha"));
+    choose_source(fonts_);
+    destination_goes_when_work_begins();
+    install({1});
+    EXPECT_EQ(main_status(), "0 fonts successfully installed.");
+    EXPECT_FALSE(std::filesystem::exists(destination()));
+}
+
 TEST_F(Install, NeedsADestinationWithoutAComma) {
     fonts_.add("a.pcf", face("alpha"));
     choose_source(fonts_);
