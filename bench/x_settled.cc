@@ -3,8 +3,8 @@
 // A library to preload into an X program. It ends the program as soon as its windows are there: when it has
 // waited for 100 ms and nothing came. It counts round trips, which are calls of `_XReply`, and writes one
 // line into the file $X_SETTLED_REPORT: seconds from the first call in here to the last before the wait,
-// seconds of processor time of the program and of the children that it has waited for, round trips, and the
-// largest size in kilobytes.
+// seconds of processor time of the program and of the children that it has waited for, round trips, the
+// largest size in kilobytes, and the round trips before the last window was mapped: the main one.
 #include <dlfcn.h>
 #include <poll.h>
 #include <sys/resource.h>
@@ -20,6 +20,7 @@ namespace {
 constexpr int SETTLED_MS = 100;
 
 int replies = 0;
+int replies_before_map = 0;
 int depth = 0;  // of calls that wait for a reply
 
 double now() {
@@ -47,8 +48,8 @@ double processor_seconds(int who) {
     struct rusage used = {};
     ::getrusage(RUSAGE_SELF, &used);
     if (std::FILE* file = std::fopen(std::getenv("X_SETTLED_REPORT"), "w"); file != nullptr) {
-        std::fprintf(file, "%.4f %.4f %.4f %d %ld\n", last - begin, processor_seconds(RUSAGE_SELF),
-                     processor_seconds(RUSAGE_CHILDREN), replies, used.ru_maxrss);
+        std::fprintf(file, "%.4f %.4f %.4f %d %ld %d\n", last - begin, processor_seconds(RUSAGE_SELF),
+                     processor_seconds(RUSAGE_CHILDREN), replies, used.ru_maxrss, replies_before_map);
         std::fclose(file);
     }
     ::_exit(0);
@@ -67,6 +68,13 @@ int _XReply(void* display, void* reply, int extra, int discard) {
     const int result = real(display, reply, extra, discard);
     --depth;
     return result;
+}
+
+int XMapWindow(void* display, unsigned long window) {
+    using Function = int (*)(void*, unsigned long);
+    static const auto real = next<Function>("XMapWindow");
+    replies_before_map = replies;
+    return real(display, window);
 }
 
 int poll(pollfd* fds, nfds_t count, int timeout) {

@@ -115,7 +115,8 @@ Widget message_dialog(Widget parent, const char* name, unsigned char type, const
     XtSetArg(args[3], XmNshadowThickness, 0);
     Widget dialog = XmCreateMessageDialog(parent, name_arg(name), args, looks().fits_screen ? 4 : 3);
     // The function that creates the box sets a type of its own.
-    XtVaSetValues(dialog, XmNdialogType, type, nullptr);
+    const bool has_symbol = std::find(without.begin(), without.end(), XmDIALOG_SYMBOL_LABEL) == without.end();
+    if (has_symbol || !looks().spares_requests) XtVaSetValues(dialog, XmNdialogType, type, nullptr);
     set_window_title(dialog, title.c_str());
     for (const unsigned char part : without) {
         if (Widget w = XmMessageBoxGetChild(dialog, part); w != nullptr) XtUnmanageChild(w);

@@ -13,6 +13,9 @@ namespace {
 // takes another.
 constexpr int IDLE_ROUNDS = 2;
 
+using Clock = std::chrono::steady_clock;
+constexpr std::chrono::milliseconds PATIENCE(30);
+
 bool is_on_screen(Widget w) {
     XWindowAttributes attributes;
     return XGetWindowAttributes(XtDisplay(w), XtWindow(w), &attributes) != 0 &&
@@ -22,10 +25,7 @@ bool is_on_screen(Widget w) {
 /// Notices when a window comes to the screen: the server says then how much of it is seen.
 class Arrival {
   public:
-    explicit Arrival(Widget w) : widget_(w) {
-        XtAddEventHandler(w, VisibilityChangeMask, False, note, this);
-        has_come_ = is_on_screen(w);
-    }
+    explicit Arrival(Widget w) : widget_(w) { XtAddEventHandler(w, VisibilityChangeMask, False, note, this); }
     ~Arrival() { XtRemoveEventHandler(widget_, VisibilityChangeMask, False, note, this); }
     Arrival(const Arrival&) = delete;
     Arrival& operator=(const Arrival&) = delete;
@@ -37,7 +37,7 @@ class Arrival {
         static_cast<Arrival*>(self)->has_come_ = true;
     }
     Widget widget_;
-    bool has_come_;
+    bool has_come_ = false;
 };
 
 }  // namespace
@@ -50,10 +50,17 @@ void Ticker::start() {
 }
 
 void draw_at_once(Widget dialog) {
-    const auto limit = std::chrono::steady_clock::now() + std::chrono::seconds(1);
+    const auto limit = Clock::now() + std::chrono::seconds(1);
     const Ticker ticker;
     const Arrival arrival(dialog);
-    while (!arrival.has_come() && std::chrono::steady_clock::now() < limit) XtAppProcessEvent(app, XtIMAll);
+    // Nothing tells of a dialog that was on the screen before: that is asked for.
+    auto next_question = Clock::now() + PATIENCE;
+    while (!arrival.has_come() && Clock::now() < limit) {
+        XtAppProcessEvent(app, XtIMAll);
+        if (Clock::now() < next_question) continue;
+        if (is_on_screen(dialog)) break;
+        next_question = Clock::now() + PATIENCE;
+    }
     process_xt_events();
 }
 

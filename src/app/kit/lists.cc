@@ -13,11 +13,12 @@
 namespace gw {
 
 Widget scrolled_list(Widget parent, const char* name) {
-    Arg args[3];
+    Arg args[4];
     XtSetArg(args[0], XmNselectionPolicy, XmEXTENDED_SELECT);
     XtSetArg(args[1], XmNlistSizePolicy, XmCONSTANT);
     XtSetArg(args[2], XmNscrollBarDisplayPolicy, XmSTATIC);
-    Widget list = XmCreateScrolledList(parent, name_arg(name), args, 3);
+    XtSetArg(args[3], XmNautoDragModel, XmAUTO_DRAG_DISABLED);
+    Widget list = XmCreateScrolledList(parent, name_arg(name), args, looks().spares_requests ? 4 : 3);
     use_fonts(list, looks().name_fonts);
     XtManageChild(list);
     return list;

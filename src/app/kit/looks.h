@@ -25,6 +25,9 @@ struct Looks {
     bool shows_states = false;
     /// Windows have no bevel of their own inside of the window manager's frame, and fit on the screen.
     bool fits_screen = false;
+    /// The server is not asked for what nobody sees: the symbol of a message without one, and what makes a
+    /// list scroll while something is dragged over its scroll bars, though nothing can be dropped on it.
+    bool spares_requests = false;
 };
 
 /// Called once at start-up, before any window is made.

@@ -92,6 +92,10 @@ void ask_server() {
     char** elements = XGetFontPath(display, &count);
     std::vector<std::string> path(elements, elements + count);
     if (elements != nullptr) XFreeFontPath(elements);
+    take_served_path(std::move(path));
+}
+
+void take_served_path(std::vector<std::string> path) {
     if (path == the_watch().path) return;
     find_newly_silent(path);
     the_watch().path = std::move(path);

@@ -35,6 +35,8 @@ class ServerUse {
 [[nodiscard]] const std::vector<std::string>& served_path();
 /// Asks it now.
 void ask_server();
+/// The server has given this answer to somebody else.
+void take_served_path(std::vector<std::string> path);
 /// Emitted when the path is another one than before.
 Signal<>& served_path_changes();
 

@@ -55,6 +55,8 @@ class WindowPolicy {
     [[nodiscard]] constexpr bool takes_given_files() const { return modern_; }
     /// Dialogs are made when they can first be needed, and not before the main window is shown.
     [[nodiscard]] constexpr bool makes_dialogs_later() const { return modern_; }
+    /// The server is not asked for what nobody sees (`Looks::spares_requests`).
+    [[nodiscard]] constexpr bool spares_requests() const { return modern_; }
     /// Lists and their names are in a scalable fixed-width font of the interface, text fields also in the C
     /// locale, and windows are no larger than the screen.
     [[nodiscard]] constexpr bool scales_with_the_screen() const { return modern_; }

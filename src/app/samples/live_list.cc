@@ -165,6 +165,15 @@ void work_permitted(bool permitted) {
     if (permitted) note_shown_fonts();
 }
 
+/// What the server said when the font paths were read.
+std::vector<std::string> session_path() {
+    unsigned count = 0;
+    std::vector<std::string> path;
+    for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::SESSION_FP, count))
+        path.emplace_back(element->get_str());
+    return path;
+}
+
 void served_path_changed() {
     list_soon(milliseconds(0));
 }
@@ -180,7 +189,7 @@ void note_shown_fonts() {
 void follow_other_programs() {
     static DirectoryInput input(directories_changed);
     the_input() = &input;
-    ask_server();
+    take_served_path(session_path());
     ask_server_while_shown(wi_toplevel);
     served_path_changes().connect(served_path_changed);
     work_permissions().connect(work_permitted);

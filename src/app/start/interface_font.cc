@@ -114,6 +114,7 @@ void choose_looks(Widget shell) {
     Looks looks;
     looks.installed_fonts = {INSTALLED_LIST_FONT, INSTALLED_NOTICE_FONT};
     looks.fits_screen = window_policy().scales_with_the_screen();
+    looks.spares_requests = window_policy().spares_requests();
     looks.shows_states = window_policy().shows_states_clearly();
     if (window_policy().scales_with_the_screen() && has_scalable_font(table_of(shell, XmNtextRenderTable))) {
         looks.name_fonts = scalable_table(shell, "gw_names");

@@ -9,6 +9,7 @@
 #include "app/kit/attach.h"
 #include "app/kit/callbacks.h"
 #include "app/kit/dialogs.h"
+#include "app/kit/looks.h"
 #include "app/kit/toolkit.h"
 #include "app/kit/widgets.h"
 #include "widget/widget_test_support.h"
@@ -113,6 +114,24 @@ TEST_F(KitDialogs, TheCloseBoxOfABusyWindowDoesNothing) {
     ASSERT_TRUE(show(dialog));
     close_box(dialog);
     EXPECT_TRUE(gw::test::is_viewable(dialog));
+}
+
+unsigned char type_of(Widget dialog) {
+    unsigned char type = 0;
+    XtVaGetValues(dialog, XmNdialogType, &type, nullptr);
+    return type;
+}
+
+// The symbol of a type takes the server two round trips.
+TEST_F(KitDialogs, AMessageWithoutASymbolNeedsNoType) {
+    const gw::Looks before = gw::looks();
+    EXPECT_EQ(type_of(message_dialog({XmDIALOG_SYMBOL_LABEL})), XmDIALOG_INFORMATION);
+    gw::Looks sparing = before;
+    sparing.spares_requests = true;
+    gw::set_looks(sparing);
+    EXPECT_EQ(type_of(message_dialog({XmDIALOG_SYMBOL_LABEL})), XmDIALOG_MESSAGE);
+    EXPECT_EQ(type_of(message_dialog({XmDIALOG_HELP_BUTTON})), XmDIALOG_INFORMATION);
+    gw::set_looks(before);
 }
 
 TEST_F(KitDialogs, TheCloseBoxAndEscapePressTheOnlyButtonOfABox) {

@@ -78,6 +78,23 @@ TEST_F(Lists, RowsInAScalableFontAreUtf8) {
     gw::set_looks(before);
 }
 
+unsigned char drag_model_of(Widget list) {
+    unsigned char model = 0;
+    XtVaGetValues(XtParent(list), XmNautoDragModel, &model, nullptr);
+    return model;
+}
+
+// Each scroll bar that is a drop site costs three round trips to the server.
+TEST_F(Lists, ScrollBarsAreDropSitesOnlyInTheToolkitsLook) {
+    const gw::Looks before = gw::looks();
+    EXPECT_EQ(drag_model_of(list), XmAUTO_DRAG_ENABLED);
+    gw::Looks sparing = before;
+    sparing.spares_requests = true;
+    gw::set_looks(sparing);
+    EXPECT_EQ(drag_model_of(gw::scrolled_list(shell, "sparing")), XmAUTO_DRAG_DISABLED);
+    gw::set_looks(before);
+}
+
 TEST_F(Lists, FillingReplacesWhatWasThere) {
     gw::fill_list(list, {"Courier", "Helvetica"});
     EXPECT_EQ(gw::test::items(list), (Lines{"Courier", "Helvetica"}));
