@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <string>
+#include <utility>
 
 #include "core/gw_file.h"
 #include "core/text.h"
@@ -21,23 +23,27 @@ bool contains(const GW_LIST<GW_INT>* codes, int code) {
 }  // namespace
 
 GW_FILE_SPEC::GW_FILE_SPEC(const char* file_name, const char* file_dir, int type, int ext)
-    : file_type(type),
-      ext_type(ext),
-      name(file_name),
-      dir(gw::with_trailing_slash(file_dir).c_str()),
-      path((std::string(dir.get_str()) + file_name).c_str()) {}
+    : file_type(type), ext_type(ext) {
+    set_texts(file_name, file_dir);
+}
 
 GW_FILE_SPEC::GW_FILE_SPEC(const GW_FILE_SPEC* other)
     : GW_FILE_SPEC(other->get_name(), other->get_dir(), other->file_type, gw::EXT_UNKNOWN) {}
 
 void GW_FILE_SPEC::init(const char* new_name, const char* new_dir, int new_file_type, int new_ext_type) {
-    const std::string own_name(new_name);
-    const std::string own_dir = gw::with_trailing_slash(new_dir);
-    name.reset_str(own_name.c_str());
-    dir.reset_str(own_dir.c_str());
-    path.reset_str((own_dir + own_name).c_str());
+    set_texts(new_name, new_dir);
     file_type = new_file_type;
     ext_type = new_ext_type;
+}
+
+void GW_FILE_SPEC::set_texts(std::string_view name, std::string_view dir) {
+    const std::string_view slash = dir.ends_with('/') ? "" : "/";
+    std::string joined;  // the arguments may be parts of the texts
+    joined.reserve(2 * (dir.size() + 1) + name.size() + 1);
+    ((joined += dir) += slash) += '\0';
+    (((joined += dir) += slash) += name);
+    dir_length = dir.size() + slash.size();
+    texts = std::move(joined);
 }
 
 void GW_FILE_SPEC::print(const char* prefix, GW_FILE* file) const {
@@ -47,7 +53,7 @@ void GW_FILE_SPEC::print(const char* prefix, GW_FILE* file) const {
 }
 
 int GW_FILE_SPEC::compare(const GW_FILE_SPEC* other) const {
-    return name.compare(&other->name);
+    return std::strcmp(get_name(), other->get_name());
 }
 
 int GW_FILE_SPEC::equal(const GW_FILE_SPEC* other) const {

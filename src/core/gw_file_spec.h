@@ -3,9 +3,11 @@
 // One file: its directory and name, and its file type and extension type.
 #pragma once
 
+#include <string>
+#include <string_view>
+
 #include "core/gw_int.h"
 #include "core/gw_list.h"
-#include "core/gw_string.h"
 
 namespace gw {
 
@@ -57,9 +59,9 @@ class GW_FILE_SPEC {
     void set_file_type(int type) { file_type = type; }
     void set_ext_type(int type) { ext_type = type; }
     /// The file's own name, its directory (ending in "/"), and both joined; owned by this object.
-    [[nodiscard]] const char* get_name() const { return name.get_str(); }
-    [[nodiscard]] const char* get_dir() const { return dir.get_str(); }
-    [[nodiscard]] const char* get_path() const { return path.get_str(); }
+    [[nodiscard]] const char* get_name() const { return get_path() + dir_length; }
+    [[nodiscard]] const char* get_dir() const { return texts.c_str(); }
+    [[nodiscard]] const char* get_path() const { return texts.c_str() + dir_length + 1; }
 
     /// Writes "[prefix  ]PATH" as a line to `file`; nothing when `file` is null.
     void print(const char* prefix, GW_FILE* file) const;
@@ -86,9 +88,11 @@ class GW_FILE_SPEC {
     int ext_type_equal(const GW_LIST<GW_INT>* exts, int wanted_file_type) const;
 
   private:
+    void set_texts(std::string_view name, std::string_view dir);
+
     int file_type;
     int ext_type;
-    GW_STRING name;
-    GW_STRING dir;
-    GW_STRING path;
+    // The directory and the path, in one piece, because lists have many thousands of them.
+    std::size_t dir_length = 0;
+    std::string texts;
 };

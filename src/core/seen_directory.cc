@@ -77,30 +77,32 @@ std::optional<SeenFile> SeenDirectory::ask_about(const std::string& name) const 
     return place.empty() ? std::nullopt : look_at(fd, place.c_str());
 }
 
+SeenDirectory::Entry* SeenDirectory::find(std::string_view name) {
+    for (const std::size_t place : recent_) {
+        if (place < names_.size() && names_[place] == name) return &entries_[place];
+    }
+    const std::optional<std::size_t> place = names_.find(name);
+    if (!place) return nullptr;
+    recent_.at(next_recent_++ % recent_.size()) = *place;
+    return &entries_[*place];
+}
+
+SeenDirectory::Entry& SeenDirectory::at(std::string_view name) {
+    if (Entry* entry = find(name); entry != nullptr) return *entry;
+    const std::size_t place = recent_.at(next_recent_++ % recent_.size()) = names_.add(name);
+    entries_.resize(names_.size());
+    return entries_[place];
+}
+
 const std::optional<SeenFile>& SeenDirectory::look(const std::string& name) {
-    if (const auto entry = names_.find(name); entry != names_.end()) {
-        if (!entry->second.is_seen) return entry->second.see(ask_about(name));
-        return entry->second.seen;
-    }
-    const auto [known, is_new] = seen_.try_emplace(name);
-    if (is_new) known->second = ask_about(name);
-    return known->second;
+    Entry& entry = at(name);
+    if (!std::exchange(entry.is_seen, true)) entry.seen = ask_about(name);
+    return entry.seen;
 }
 
-const std::optional<SeenFile>* SeenDirectory::known(const std::string& name) const {
-    if (const auto entry = names_.find(name); entry != names_.end())
-        return entry->second.is_seen ? &entry->second.seen : nullptr;
-    const auto found = seen_.find(name);
-    return found != seen_.end() ? &found->second : nullptr;
-}
-
-void SeenDirectory::remember(const std::string& name, const SeenFile& file) {
-    const auto entry = names_.find(name);
-    if (entry == names_.end()) {
-        seen_[name] = file;
-    } else {
-        entry->second.see(file);
-    }
+const std::optional<SeenFile>* SeenDirectory::known(const std::string& name) {
+    const Entry* entry = find(name);
+    return entry != nullptr && entry->is_seen ? &entry->seen : nullptr;
 }
 
 bool SeenDirectory::ask_for(const std::string& name) const {
@@ -113,10 +115,9 @@ bool SeenDirectory::ask_for(const std::string& name) const {
 bool SeenDirectory::has(const std::string& name) {
     if (!are_names_read_ && ++asked_ > FEW_QUESTIONS) read_names();
     if (!names_answer_ || !is_plain(name)) return ask_for(name);
-    if (!extensions_.contains(extension_of(name))) return false;
-    const auto found = names_.find(name);
-    if (found == names_.end()) return false;
-    return found->second.is_file || ask_for(name);
+    if (!extensions_.find(extension_of(name))) return false;
+    const Entry* found = find(name);
+    return found != nullptr && found->is_listed && (found->is_file || ask_for(name));
 }
 
 void SeenDirectory::read_names() {
@@ -128,27 +129,15 @@ void SeenDirectory::read_names() {
         return;
     }
     errno = 0;
-    std::vector<std::pair<std::size_t, bool>> found;  // where each name begins
     while (const dirent* entry = ::readdir(entries)) {
-        found.emplace_back(names_text_.size(), entry->d_type == DT_REG || entry->d_type == DT_DIR);
-        (names_text_ += entry->d_name) += '\0';
+        const std::string_view name = entry->d_name;
+        Entry& listed = at(name);
+        listed.is_listed = true;
+        listed.is_file = entry->d_type == DT_REG || entry->d_type == DT_DIR;
+        extensions_.add(extension_of(name));
     }
     const bool is_complete = errno == 0;
     ::closedir(entries);
-    names_.reserve(found.size());
-    for (const auto& [begin, is_file] : found) {
-        const std::string_view name(names_text_.data() + begin);
-        names_.emplace(name, Entry{is_file});
-        extensions_.insert(extension_of(name));
-    }
-    for (const auto& [name, answer] : std::exchange(seen_, {})) {
-        const auto entry = names_.find(name);
-        if (entry == names_.end()) {
-            seen_.emplace(name, answer);
-        } else {
-            entry->second.see(answer);
-        }
-    }
     // Where files cannot be looked at, nobody knows that one is missing.
     names_answer_ = is_complete && path_.ends_with('/') &&
                     ::faccessat(fd_.get(), ".", X_OK, AT_EACCESS) == 0 && knows_case();
@@ -156,13 +145,15 @@ void SeenDirectory::read_names() {
 
 /// Whether the directory can have two names that differ in case alone.
 bool SeenDirectory::knows_case() const {
-    const auto sample = std::find_if(names_.begin(), names_.end(), [](const auto& entry) {
-        return entry.second.is_file && is_plain(entry.first) &&
-               with_other_case(std::string(entry.first)) != entry.first;
-    });
-    if (sample == names_.end()) return false;
-    const std::string other = with_other_case(std::string(sample->first));
-    return names_.contains(other) || !ask_for(other);
+    for (std::size_t place = 0; place < names_.size(); ++place) {
+        const std::string name(names_[place]);
+        const std::string other = with_other_case(name);
+        if (!entries_[place].is_listed || !entries_[place].is_file || !is_plain(name) || other == name)
+            continue;
+        const std::optional<std::size_t> known = names_.find(other);
+        return (known && entries_[*known].is_listed) || !ask_for(other);
+    }
+    return false;
 }
 
 Result<Descriptor> SeenDirectory::open_to_read(const std::string& name) {
@@ -175,7 +166,9 @@ Result<Descriptor> SeenDirectory::open_to_read(const std::string& name) {
         std::uint64_t size = 0;
         const std::optional<SeenFile> info = file.is_open() ? look_at(file.get(), "", &size) : std::nullopt;
         if (info && S_ISREG(info->mode) && size <= static_cast<std::uint64_t>(Directory::FILE_LIMIT)) {
-            remember(name, *info);
+            Entry& entry = at(name);
+            entry.is_seen = true;
+            entry.seen = info;
             return file;
         }
     }

@@ -7,16 +7,17 @@
 
 #include <sys/stat.h>
 
+#include <array>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "core/directory.h"
 #include "core/failure.h"
+#include "core/name_table.h"
 
 namespace gw {
 
@@ -44,7 +45,7 @@ class SeenDirectory {
     /// What `stat` says of the file; none when `stat` fails. Valid until something else is asked.
     const std::optional<SeenFile>& look(const std::string& name);
     /// The answer of `look`, if that question was asked already or a file was opened; else null.
-    [[nodiscard]] const std::optional<SeenFile>* known(const std::string& name) const;
+    [[nodiscard]] const std::optional<SeenFile>* known(const std::string& name);
     /// Whether the file is there; also true when that cannot be found out. After a few questions the names
     /// in the directory are read, and answer the others.
     bool has(const std::string& name);
@@ -60,18 +61,18 @@ class SeenDirectory {
     void read_names();
     [[nodiscard]] bool knows_case() const;
 
-    /// A name in the directory.
+    /// A name that was asked for, or is in the directory.
     struct Entry {
-        bool is_file = false;  ///< or a directory; of anything else, such as a link, only the disk knows
-        bool is_seen = false;  ///< `seen` is the answer of `look`
+        bool is_listed = false;  ///< its directory has it
+        bool is_file = false;    ///< or a directory; of anything else, such as a link, only the disk knows
+        bool is_seen = false;    ///< `seen` is the answer of `look`
         std::optional<SeenFile> seen = {};
-        const std::optional<SeenFile>& see(const std::optional<SeenFile>& answer) {
-            is_seen = true;
-            return seen = answer;
-        }
     };
     [[nodiscard]] std::optional<SeenFile> ask_about(const std::string& name) const;
-    void remember(const std::string& name, const SeenFile& file);
+    /// Null when there is none.
+    Entry* find(std::string_view name);
+    /// The same, or a new one.
+    Entry& at(std::string_view name);
 
     std::string path_;
     Descriptor fd_;                  // only for looking
@@ -80,10 +81,12 @@ class SeenDirectory {
     int asked_ = 0;
     bool are_names_read_ = false;
     bool names_answer_ = false;
-    std::string names_text_;  // the names in the directory, which the keys of `names_` are parts of
-    std::unordered_map<std::string_view, Entry> names_;
-    std::unordered_set<std::string_view> extensions_;  // of the names: most questions are about others
-    std::unordered_map<std::string, std::optional<SeenFile>> seen_;  // what is not in `names_`
+    NameTable names_;
+    std::deque<Entry> entries_;  // at the places of their names
+    // What is asked about the files of a font is asked in turn.
+    std::array<std::size_t, 2> recent_ = {};
+    std::size_t next_recent_ = 0;
+    NameTable extensions_;  // of the names in the directory: most questions are about others
     std::map<std::string, std::unique_ptr<SeenDirectory>> below_;
 };
 

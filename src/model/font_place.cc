@@ -110,7 +110,7 @@ bool FontPlace::can_write(const GW_FILE_SPEC& spec) {
     return known->second;
 }
 
-unsigned FontPlace::known_kilobytes(const GW_FSPEC_LIST& files) const {
+unsigned FontPlace::known_kilobytes(const GW_FSPEC_LIST& files) {
     unsigned kilobytes = 0;
     for (const GW_FILE_SPEC* spec : files) {
         const bool is_here = spec->get_dir() == seen_.path();

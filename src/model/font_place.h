@@ -26,7 +26,7 @@ class FontPlace {
     /// is missing or cannot be written to.
     bool is_read_only(const GW_FSPEC_LIST& files);
     /// The kilobytes that the files occupy; 0 if one of them was not looked at.
-    [[nodiscard]] unsigned known_kilobytes(const GW_FSPEC_LIST& files) const;
+    [[nodiscard]] unsigned known_kilobytes(const GW_FSPEC_LIST& files);
 
   private:
     enum class Rights { NOT_ASKED, NONE, BY_FILE, ALL };
