@@ -113,8 +113,8 @@ GWFont::GWFont(GWFont& other, const char* dir)
       disk_space(other.get_conversion() ? 0 : other.get_disk_space()),
       xlfd_name(other.get_xlfd_name()),
       index_names(other.index_names),
-      ps_name(other.ps_name),
       fields(other.fields) {
+    set_ps_name(other.get_ps_name());
     if (other.file_list) {
         file_list = std::make_unique<GW_FSPEC_LIST>();
         for (const GW_FILE_SPEC* spec : *other.file_list) {
@@ -170,9 +170,9 @@ void GWFont::set_xlfd_name(const char* name) {
     if (is_xlfd_name(given.c_str()) != 0) fields.take(given);
 }
 
-const GWFont::SourceFacts& GWFont::known_facts() const {
-    static const SourceFacts NONE;
-    return source_facts ? *source_facts : NONE;
+const GWFont::RareFacts& GWFont::known_facts() const {
+    static const RareFacts NONE;
+    return rare_facts ? *rare_facts : NONE;
 }
 
 void GWFont::set_index_names(std::vector<gw::IndexName> names) {
@@ -247,11 +247,11 @@ void GWFont::construct_xlfd_name(const char* /*ignored*/, char* dst, unsigned le
 }
 
 void GWFont::set_ps_name(const char* name) {
-    ps_name = gw::truncated(name, NAME_LIMIT);
+    set_rare(&RareFacts::ps_name, gw::truncated(name, NAME_LIMIT));
 }
 
 const char* GWFont::get_ps_name() const {
-    return ps_name.c_str();
+    return known_facts().ps_name.c_str();
 }
 
 void GWFont::set_dir_name(const char* dir) {
@@ -282,7 +282,7 @@ GW_FSPEC_LIST* GWFont::get_font_file_list() const {
 }
 
 void GWFont::set_preset_hrn_name(const char* name) {
-    preset_hrn_name = gw::truncated(name, NAME_LIMIT);
+    set_rare(&RareFacts::preset_hrn_name, gw::truncated(name, NAME_LIMIT));
 }
 
 /// The words of a name, each with its leading blank. Kept: the set width is not part of a name.
@@ -295,18 +295,20 @@ struct GWFont::NamePieces {
 
 GWFont::NamePieces GWFont::name_pieces() const {
     const auto in_capitals = gw::font_policy().tells_names_apart() ? gw::capitalized_words : gw::capitalized;
-    return {family_in_font.empty() ? in_capitals(fields[TYPEFACE_NAME]) : family_in_font,
+    const std::string& family = known_facts().family_in_font;
+    return {family.empty() ? in_capitals(fields[TYPEFACE_NAME]) : family,
             ' ' + in_capitals(fields[WEIGHT_NAME]), gw::add_style_word(fields[ADD_STYLE_NAME]),
             gw::slant_word(fields[SLANT])};
 }
 
 std::string GWFont::get_hrn_name() {
-    if (!preset_hrn_name.empty()) return preset_hrn_name;
+    const std::string& distinction = get_distinction();
+    if (const std::string& preset = known_facts().preset_hrn_name; !preset.empty()) return preset;
     const std::string tag =
         (distinction.empty() ? "" : " (" + distinction + ')') + " [" + type_tag(font_type) + ']';
     std::string name;
     if (is_postscript_named()) {
-        name = gw::capitalized(ps_name) + tag;
+        name = gw::capitalized(get_ps_name()) + tag;
     } else if (is_nameless()) {
         name = (*file_list->begin())->get_name() + tag;
     } else if (is_xlfd_name(get_xlfd_name()) == 0) {
@@ -328,34 +330,35 @@ bool GWFont::is_nameless() const {
 }
 
 // Kept: names of bitmap fonts have no charset.
-std::string GWFont::listed_charset() {
+std::string GWFont::listed_charset() const {
     const bool is_latin1 =
         gw::lower_case(fields[CHARSET_REGISTRY]) == "iso8859" && fields[CHARSET_ENCODING] == "1";
     if (!is_bitmap() || is_latin1 || !gw::font_policy().names_charsets()) return "";
-    return get_charset_hrn_name();
+    return charset_words();
 }
 
 std::string GWFont::get_cli_hrn_name() {
-    if (!preset_hrn_name.empty()) return preset_hrn_name;
+    if (const std::string& preset = known_facts().preset_hrn_name; !preset.empty()) return preset;
     const std::string tag = std::string(" ") + type_tag(font_type);
-    if (is_postscript_named()) return '[' + gw::capitalized(ps_name) + tag + ']';
+    if (is_postscript_named()) return '[' + gw::capitalized(get_ps_name()) + tag + ']';
     if (is_xlfd_name(get_xlfd_name()) == 0) return '[' + xlfd_name + ' ' + tag + ']';
     const NamePieces pieces = name_pieces();
     return '[' + gw::capitalized(fields[FOUNDRY]) + ' ' + pieces.family + pieces.weight + pieces.add_style +
            pieces.slant + get_charset_hrn_name() + tag + ']';
 }
 
-const char* GWFont::get_charset_hrn_name() {
-    if (!charset_hrn_name.empty()) return charset_hrn_name.c_str();
+std::string GWFont::charset_words() const {
     const std::string charset =
         std::string(fields[CHARSET_REGISTRY]).append("-").append(fields[CHARSET_ENCODING]);
-    charset_hrn_name = ' ' + charset;
-    for (const CharsetName& known : CHARSET_NAMES) {
-        if (known.charset != gw::lower_case(charset)) continue;
-        charset_hrn_name = std::string(" ") + known.readable;
-        break;
-    }
-    return charset_hrn_name.c_str();
+    const auto known = std::find_if(
+        CHARSET_NAMES.begin(), CHARSET_NAMES.end(),
+        [lower = gw::lower_case(charset)](const CharsetName& name) { return name.charset == lower; });
+    return ' ' + (known != CHARSET_NAMES.end() ? known->readable : charset);
+}
+
+const char* GWFont::get_charset_hrn_name() {
+    if (!charset_hrn_name) charset_hrn_name = std::make_unique<std::string>(charset_words());
+    return charset_hrn_name->c_str();
 }
 
 int GWFont::compare_hrn(const GWFont* other) const {

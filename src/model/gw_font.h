@@ -147,19 +147,19 @@ class GWFont : public GW_BASE, public gw::RefCounted {
         own_facts().remarks.push_back(what);
     }
     std::vector<gw::Failure> take_remarks() {
-        return source_facts ? std::exchange(source_facts->remarks, {}) : std::vector<gw::Failure>();
+        return rare_facts ? std::exchange(rare_facts->remarks, {}) : std::vector<gw::Failure>();
     }
 
     /// The family as the font itself writes it ("DejaVu Sans Mono"), for the name in lists.
     void set_family_in_font(std::string_view family) {
-        family_in_font = family;
+        set_rare(&RareFacts::family_in_font, family);
     }
     /// What tells the font from others whose name in lists is the same ("Adobe", "cour.pfa").
     void set_distinction(std::string_view text) {
-        distinction = text;
+        set_rare(&RareFacts::distinction, text);
     }
     [[nodiscard]] const std::string& get_distinction() const {
-        return distinction;
+        return known_facts().distinction;
     }
 
     /// The preset name that, when it is not empty, stands for every human-readable name of the font.
@@ -196,8 +196,12 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     [[nodiscard]] bool is_read_only() const;
 
   private:
-    /// What only fonts of a source have, or few of them.
-    struct SourceFacts {
+    /// What only fonts of a source have, or few of them: lists have many thousands of fonts.
+    struct RareFacts {
+        std::string preset_hrn_name = {};
+        std::string family_in_font = {};
+        std::string distinction = {};
+        std::string ps_name = {};
         std::optional<Conversion> conversion = {};
         std::optional<gw::Failure> obstacle = {};
         std::vector<gw::Failure> remarks = {};
@@ -205,15 +209,20 @@ class GWFont : public GW_BASE, public gw::RefCounted {
         bool is_checked = false;
     };
     /// To be changed.
-    SourceFacts& own_facts() {
-        if (!source_facts) source_facts = std::make_unique<SourceFacts>();
-        return *source_facts;
+    RareFacts& own_facts() {
+        if (!rare_facts) rare_facts = std::make_unique<RareFacts>();
+        return *rare_facts;
     }
-    [[nodiscard]] const SourceFacts& known_facts() const;
+    [[nodiscard]] const RareFacts& known_facts() const;
+    /// Most fonts are given nothing where they had nothing.
+    void set_rare(std::string RareFacts::*fact, std::string_view text) {
+        if (rare_facts || !text.empty()) own_facts().*fact = text;
+    }
 
     struct NamePieces;
     [[nodiscard]] NamePieces name_pieces() const;
-    std::string listed_charset();
+    [[nodiscard]] std::string charset_words() const;
+    [[nodiscard]] std::string listed_charset() const;
     void update_read_only();
     [[nodiscard]] bool is_nameless() const;
     const std::vector<std::size_t>& hashes();
@@ -223,16 +232,12 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     GW_FONT_TYPE font_type;
     unsigned disk_space = 0;  // kilobytes; 0 means not measured yet
     bool read_only = false;
-    std::string preset_hrn_name;
-    std::string charset_hrn_name;
+    std::unique_ptr<std::string> charset_hrn_name;  // null until somebody has asked for it
     std::string xlfd_name;
     std::vector<gw::IndexName> index_names;
     std::vector<std::size_t>
         name_hashes;  // of all names in lower case, ascending; empty until they are needed
-    std::unique_ptr<SourceFacts> source_facts;  // null until there is one
-    std::string family_in_font;
-    std::string distinction;
-    std::string ps_name;
+    std::unique_ptr<RareFacts> rare_facts;  // null until there is one
     gw::XlfdFields fields;
 };
 
