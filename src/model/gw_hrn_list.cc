@@ -28,11 +28,6 @@ std::string size_text(const GWFont& font) {
     return gw::truncated(font.get_field(GWFont::POINT_SIZE), GWHRNElement::SIZE_TEXT_LIMIT);
 }
 
-std::string resolution_text(const GWFont& font) {
-    const std::string x = font.get_field(GWFont::RESOLUTION_X);
-    return gw::truncated(x + " X " + font.get_field(GWFont::RESOLUTION_Y), GWHRNElement::SIZE_TEXT_LIMIT);
-}
-
 bool is_bitmap(const GWFont* font) {
     return font != nullptr && font->is_bitmap();
 }
@@ -49,6 +44,13 @@ bool is_system_font(const GWFont& font) {
 }
 
 }  // namespace
+
+std::string GWHRNElement::PointSize::resolution(std::size_t place) const {
+    GWFont& font = *fonts.at(place);
+    if (is_xlfd_name(font.get_xlfd_name()) == 0) return "0";
+    const std::string x = font.get_field(GWFont::RESOLUTION_X);
+    return gw::truncated(x + " X " + font.get_field(GWFont::RESOLUTION_Y), SIZE_TEXT_LIMIT);
+}
 
 unsigned long GWHRNElement::renamings = 0;
 unsigned long GWHRNElement::regroupings = 0;
@@ -75,10 +77,8 @@ void GWHRNElement::_initialize_hrn_element(GWFont* font) {
     PointSize slot;
     if (is_xlfd_name(font->get_xlfd_name()) != 0) {
         slot.point_size = size_text(*font);
-        slot.resolutions.push_back(resolution_text(*font));
     } else {
         slot.point_size = "00";
-        slot.resolutions.emplace_back("0");
     }
     slot.fonts.push_back(shared);
     slots.clear();
@@ -108,11 +108,10 @@ int GWHRNElement::add_font(GWFont* font, int force) {
         const auto bigger = std::find_if(slots.begin(), slots.end(), [=](const PointSize& known) {
             return std::atoi(known.point_size.c_str()) > decipoints;
         });
-        slot = slots.insert(bigger, {point_size, {}, {}});
+        slot = slots.insert(bigger, {point_size, {}});
     } else if (slot->fonts.size() >= MAX_FONTS_PER_SIZE && force == 0) {
         return 0;
     }
-    slot->resolutions.push_back(resolution_text(*font));
     slot->fonts.emplace_back(font);
     if (disk_space) *disk_space += font->get_disk_space();
     if (read_only == 0) read_only = font->is_read_only() ? 1 : 0;
@@ -125,7 +124,6 @@ int GWHRNElement::del_font(GWFont* font) {
         for (std::size_t i = 0; i < slot.fonts.size(); ++i) {
             if (slot.fonts[i].get() != font) continue;
             if (disk_space) *disk_space -= std::min(*disk_space, font->get_disk_space());
-            slot.resolutions.erase(slot.resolutions.begin() + static_cast<std::ptrdiff_t>(i));
             slot.fonts.erase(slot.fonts.begin() + static_cast<std::ptrdiff_t>(i));
             return 1;
         }
@@ -145,8 +143,10 @@ std::vector<std::string> GWHRNElement::get_res(const char* point_size, unsigned&
     if (point_size == nullptr) return {};
     for (const PointSize& slot : slots) {
         if (slot.point_size != point_size) continue;
-        count = static_cast<unsigned>(slot.resolutions.size());
-        return slot.resolutions;
+        std::vector<std::string> resolutions;
+        for (std::size_t i = 0; i < slot.fonts.size(); ++i) resolutions.push_back(slot.resolution(i));
+        count = static_cast<unsigned>(resolutions.size());
+        return resolutions;
     }
     return {};
 }
@@ -164,7 +164,7 @@ GWFont* GWHRNElement::get_font(const char* point_size, const char* resolution) c
     for (const PointSize& slot : slots) {
         if (slot.point_size != point_size) continue;
         for (std::size_t i = 0; i < slot.fonts.size(); ++i) {
-            if (slot.resolutions[i] == resolution) return slot.fonts[i].get();
+            if (slot.resolution(i) == resolution) return slot.fonts[i].get();
         }
     }
     return representative;

@@ -40,9 +40,10 @@ class GWHRNElement : public GW_BASE, public gw::RefCounted {
 
     /// The fonts of one point size.
     struct PointSize {
-        std::string point_size;                ///< decipoints, as in the XLFD name
-        std::vector<std::string> resolutions;  ///< "75 X 75", parallel to `fonts`
+        std::string point_size;  ///< decipoints, as in the XLFD name
         std::vector<gw::Ref<GWFont>> fonts;
+        /// The resolution of the font at that place, "75 X 75"; "0" when its name is no XLFD name.
+        [[nodiscard]] std::string resolution(std::size_t place) const;
     };
 
     explicit GWHRNElement(GWFont* font);

@@ -95,8 +95,8 @@ void collect_fonts() {
         const GWFont* first = elem->get_representative();
         if (first == nullptr || !first->is_bitmap()) continue;
         for (const GWHRNElement::PointSize& size : elem->get_slots()) {
-            for (const std::string& resolution : size.resolutions) {
-                GWFont* font = elem->get_font(size.point_size.c_str(), resolution.c_str());
+            for (std::size_t i = 0; i < size.fonts.size(); ++i) {
+                GWFont* font = elem->get_font(size.point_size.c_str(), size.resolution(i).c_str());
                 if (font != nullptr && is_offered(*font)) xlfd_font_list.insert(font);
             }
         }
