@@ -84,14 +84,14 @@ const GW_FILE_SPEC* append_files_of_font(GW_FSPEC_LIST& out, gw::SeenDirectory& 
     return outline;
 }
 
-/// Moves the first specification of each file name to `out`, and deletes the others.
-void append_each_once(GW_FSPEC_LIST& out, GW_FSPEC_LIST& files) {
+/// The names of the Type 1 files that an index lists, as parts of it.
+std::vector<std::string_view> indexed_type1_names(const GW_FONTDIR_FILE::Contents& index) {
+    std::vector<std::string_view> names = gw::indexed_names(index, {".pfb$", ".pfa$", ".afm$"});
+    // Kept: an outline is listed once for each line of the index.
+    if (!gw::font_policy().lists_an_outline_once()) return names;
     std::unordered_set<std::string_view> listed;
-    for (GW_FILE_SPEC* spec : files) {
-        std::unique_ptr<GW_FILE_SPEC> owned(spec);
-        if (listed.insert(spec->get_name()).second) out.append(owned.release());
-    }
-    files.clear();
+    std::erase_if(names, [&listed](std::string_view name) { return !listed.insert(name).second; });
+    return names;
 }
 
 /// The working list of `build_font_list`: the files that belong to no font yet, in list order.
@@ -208,14 +208,10 @@ void GW_T1_FSM::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recurs
 }
 
 void GW_T1_FSM::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
-    // Kept: an outline is listed once for each line of the index.
-    if (!gw::font_policy().lists_an_outline_once()) {
-        gw::list_indexed_files(out, *fpe, {".pfb$", ".pfa$", ".afm$"});
-        return;
-    }
-    GW_FSPEC_LIST all;
-    gw::list_indexed_files(all, *fpe, {".pfb$", ".pfa$", ".afm$"});
-    append_each_once(out, all);
+    const auto index = fpe->get_fontdir_file().contents();
+    for (const std::string_view name : indexed_type1_names(*index))
+        out.append(new GW_FILE_SPEC(std::string(name).c_str(), fpe->get_element(), gw::FILE_TYPE_UNDETERMINED,
+                                    gw::EXT_UNKNOWN));
 }
 
 void GW_T1_FSM::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) {
@@ -242,28 +238,25 @@ void GW_T1_FSM::make_font_list(GW_LIST<GWFont>& out, GW_DIR* dir, int recursive)
 
 void GW_T1_FSM::make_installed_font_list(GW_LIST<GWFont>& out, GW_FPE* fpe) {
     const GW_FONTDIR_FILE::Reading once(fpe->get_fontdir_file());
-    GW_FSPEC_LIST files;
-    const gw::ElementsOwner owner(files);
-    list_installed_font_file_names(files, fpe);
-    if (files.is_empty()) return;
+    const auto index = fpe->get_fontdir_file().contents();
+    const std::vector<std::string_view> files = indexed_type1_names(*index);
+    if (files.empty()) return;
     std::optional<NamesByFile> all_names;
-    std::unordered_map<std::string, std::string> names;
+    std::optional<gw::FontNames> names;
     if (gw::font_policy().enters_all_names()) {
         all_names.emplace(*fpe);
     } else {
-        names = gw::font_names_by_file(*fpe);
+        names.emplace(*index);
     }
-    gw::FontPlaces places;
-    for (const GW_FILE_SPEC* spec : files) {
-        gw::FontPlace& place = places.at(spec->get_dir());
+    gw::FontPlace place(gw::with_trailing_slash(fpe->get_element()));
+    for (const std::string_view file : files) {
         auto font_files = std::make_unique<GW_FSPEC_LIST>();
-        append_files_of_font(*font_files, place.seen(), spec->get_name());
+        append_files_of_font(*font_files, place.seen(), file);
         auto font = std::make_unique<GWFont>(GWFont::TYPE1_FONT);
         font->set_files_in(place, std::move(font_files));
-        if (const auto name = names.find(spec->get_name()); name != names.end()) {
-            font->set_xlfd_name(name->second.c_str());
-        }
-        if (all_names) font->set_index_names(all_names->take(spec->get_name()));
+        if (const auto name = names ? names->of(file) : std::nullopt)
+            font->set_xlfd_name(std::string(*name).c_str());
+        if (all_names) font->set_index_names(all_names->take(file));
         out.append(font.release());
     }
 }

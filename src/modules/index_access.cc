@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstring>
 #include <limits>
 #include <set>
 #include <utility>
@@ -214,18 +215,27 @@ Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& 
     });
 }
 
-void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {
-    const auto index = fpe.get_fontdir_file().contents();
+std::vector<std::string_view> indexed_names(const GW_FONTDIR_FILE::Contents& index,
+                                            std::initializer_list<const char*> patterns) {
+    std::vector<std::string_view> names;
     std::string name;
     for (const char* pattern : patterns) {
         GW_REG_EXP end(pattern);
-        for (const IndexEntryView& entry : index->entries) {
+        for (const IndexEntryView& entry : index.entries) {
             name = entry.file_name;
+            // A file's name ends at a NUL.
             if (end.string_match(name.c_str()) != 0)
-                out.append(
-                    new GW_FILE_SPEC(name.c_str(), fpe.get_element(), FILE_TYPE_UNDETERMINED, EXT_UNKNOWN));
+                names.push_back(entry.file_name.substr(0, std::strlen(name.c_str())));
         }
     }
+    return names;
+}
+
+void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {
+    const auto index = fpe.get_fontdir_file().contents();
+    for (const std::string_view name : indexed_names(*index, patterns))
+        out.append(new GW_FILE_SPEC(std::string(name).c_str(), fpe.get_element(), FILE_TYPE_UNDETERMINED,
+                                    EXT_UNKNOWN));
 }
 
 std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::string_view)>& takes) {
@@ -244,24 +254,34 @@ std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::
     return files;
 }
 
-std::unordered_map<std::string, std::string> font_names_by_file(GW_FPE& fpe) {
-    const auto index = fpe.get_fontdir_file().contents();
-    std::unordered_map<std::string, std::string> names;
-    for (const IndexEntryView& entry : index->entries) {
-        const auto [known, is_first] = names.try_emplace(std::string(entry.file_name), entry.font_name);
+FontNames::FontNames(const GW_FONTDIR_FILE::Contents& index) {
+    names_.reserve(index.entries.size());
+    places_.reserve(index.entries.size());
+    for (const IndexEntryView& entry : index.entries) {
+        const auto [place, is_first] = places_.try_emplace(entry.file_name, names_.size());
+        if (is_first) names_.push_back(entry);
+        std::string_view& known = names_[place->second].font_name;
         const bool fits_better =
-            font_policy().lists_an_outline_once() && is_latin1(entry.font_name) && !is_latin1(known->second);
-        if (!is_first && fits_better) known->second = entry.font_name;
+            font_policy().lists_an_outline_once() && is_latin1(entry.font_name) && !is_latin1(known);
+        if (!is_first && fits_better) known = entry.font_name;
     }
-    return names;
+}
+
+std::optional<std::string_view> FontNames::of(std::string_view file) {
+    if (next_ >= names_.size() || names_[next_].file_name != file) {
+        const auto place = places_.find(file);
+        if (place == places_.end()) return std::nullopt;
+        next_ = place->second;
+    }
+    return names_[next_++].font_name;
 }
 
 void append_font_names(GW_STRING_LIST& out, const GW_FSPEC_LIST& files, GW_FPE& fpe) {
-    const auto names = font_names_by_file(fpe);
+    const auto index = fpe.get_fontdir_file().contents();
+    FontNames names(*index);
     for (const GW_FILE_SPEC* spec : files) {
-        if (const auto found = names.find(spec->get_name()); found != names.end()) {
-            out.append(new GW_STRING(found->second.c_str()));
-        }
+        if (const auto name = names.of(spec->get_name()))
+            out.append(new GW_STRING(std::string(*name).c_str()));
     }
 }
 

@@ -6,6 +6,8 @@
 
 #include <functional>
 #include <initializer_list>
+#include <memory_resource>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -51,8 +53,11 @@ const GW_FILE_SPEC* first_file(const GWFont& font);
 /// After a failure the font stays as it was. `afterwards` runs when the font is gone for good.
 Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& afterwards = {});
 
-/// Appends the specifications of the files that the element's index lists and that match one of `patterns`:
-/// grouped by pattern, and in index order within a group.
+/// The names of the files that an index lists and that match one of `patterns`: grouped by pattern, and in
+/// index order within a group.
+[[nodiscard]] std::vector<std::string_view> indexed_names(const GW_FONTDIR_FILE::Contents& index,
+                                                          std::initializer_list<const char*> patterns);
+/// Appends the specifications of these files.
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns);
 
 /// The files of the element's index for which `takes` is true, each once, in index order, with all its names.
@@ -62,9 +67,20 @@ struct ListedFile {
 };
 std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::string_view)>& takes);
 
-/// The font name of each file in the element's index: that of the file's first entry. Where an outline is
-/// listed once, its entry for ISO 8859-1 is preferred, because every locale can draw it.
-std::unordered_map<std::string, std::string> font_names_by_file(GW_FPE& fpe);
+/// The font name of each file in an index: that of the file's first entry. Where an outline is listed once,
+/// its entry for ISO 8859-1 is preferred, because every locale can draw it.
+class FontNames {
+  public:
+    explicit FontNames(const GW_FONTDIR_FILE::Contents& index);
+    /// A part of the index; none when it does not list the file.
+    [[nodiscard]] std::optional<std::string_view> of(std::string_view file);
+
+  private:
+    std::vector<IndexEntryView> names_;  // in the order of their files' first entries
+    std::size_t next_ = 0;               // most files are asked for in this order
+    std::pmr::monotonic_buffer_resource memory_;
+    std::pmr::unordered_map<std::string_view, std::size_t> places_{&memory_};
+};
 
 /// Appends the font names of the files `files` in their order; files without an entry are skipped.
 void append_font_names(GW_STRING_LIST& out, const GW_FSPEC_LIST& files, GW_FPE& fpe);
