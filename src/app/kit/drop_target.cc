@@ -8,7 +8,6 @@
 #include <utility>
 #include <vector>
 
-#include "app/kit/atoms.h"
 #include "app/kit/handles.h"
 
 #include <X11/Xatom.h>
@@ -27,11 +26,14 @@ constexpr unsigned VERSION_SHIFT = 24;
 
 struct Atoms {
     Atoms(Display* d, const char* type_name) {
-        // In one round trip, or in none when Xlib still has the answers.
-        std::array<char*, DROP_NAMES.size() + 1> names = {};
-        std::transform(DROP_NAMES.begin(), DROP_NAMES.end(), names.begin(), name_arg);
-        names.back() = name_arg(type_name);
-        std::array<Atom, names.size()> atoms = {};
+        // In one round trip.
+        std::array names = {
+            name_arg("XdndAware"),      name_arg("XdndEnter"),     name_arg("XdndPosition"),
+            name_arg("XdndStatus"),     name_arg("XdndLeave"),     name_arg("XdndDrop"),
+            name_arg("XdndFinished"),   name_arg("XdndSelection"), name_arg("XdndTypeList"),
+            name_arg("XdndActionCopy"), name_arg(type_name),
+        };
+        std::array<Atom, std::tuple_size_v<decltype(names)>> atoms = {};
         XInternAtoms(d, names.data(), static_cast<int>(names.size()), False, atoms.data());
         std::tie(aware, enter, position, status, leave, drop, finished, selection, type_list, copy, type) =
             std::tuple_cat(atoms);
