@@ -113,6 +113,7 @@ GWFont::GWFont(GWFont& other, const char* dir)
       disk_space(other.get_conversion() ? 0 : other.get_disk_space()),
       xlfd_name(other.get_xlfd_name()),
       index_names(other.index_names),
+      is_xlfd_its_index_name(other.is_xlfd_its_index_name),
       fields(other.fields) {
     set_ps_name(other.get_ps_name());
     if (other.file_list) {
@@ -166,6 +167,10 @@ const char* GWFont::get_field(FIELD f) const {
 
 void GWFont::set_xlfd_name(const char* name) {
     const std::string given = name;  // `name` may point to this record's own text
+    if (is_xlfd_its_index_name && given != xlfd_name) {
+        index_names = get_index_names();
+        is_xlfd_its_index_name = false;
+    }
     xlfd_name.assign(given, 0, NAME_LIMIT);
     if (is_xlfd_name(given.c_str()) != 0) fields.take(given);
 }
@@ -176,13 +181,21 @@ const GWFont::RareFacts& GWFont::known_facts() const {
 }
 
 void GWFont::set_index_names(std::vector<gw::IndexName> names) {
-    index_names = std::move(names);
     name_hashes.clear();
+    is_xlfd_its_index_name = false;
+    index_names = std::move(names);
     const auto best = std::min_element(
         index_names.begin(), index_names.end(), [](const gw::IndexName& a, const gw::IndexName& b) {
             return std::pair(a.face, rank(a.xlfd)) < std::pair(b.face, rank(b.xlfd));
         });
     if (best != index_names.end()) set_xlfd_name(best->xlfd.c_str());
+    is_xlfd_its_index_name =
+        index_names.size() == 1 && !xlfd_name.empty() && index_names.front() == gw::IndexName{0, xlfd_name};
+    if (is_xlfd_its_index_name) std::vector<gw::IndexName>().swap(index_names);
+}
+
+std::vector<gw::IndexName> GWFont::get_index_names() const {
+    return is_xlfd_its_index_name ? std::vector<gw::IndexName>{{0, xlfd_name}} : index_names;
 }
 
 std::vector<gw::IndexName> GWFont::get_all_names() {

@@ -89,9 +89,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     /// one.
     void set_index_names(std::vector<gw::IndexName> names);
     /// Those names; none for a font that has only its XLFD name.
-    [[nodiscard]] const std::vector<gw::IndexName>& get_index_names() const {
-        return index_names;
-    }
+    [[nodiscard]] std::vector<gw::IndexName> get_index_names() const;
     /// The same, or else the XLFD name alone.
     std::vector<gw::IndexName> get_all_names();
     /// Whether one of this font's names, ignoring case, is one of the other's, whatever their types.
@@ -235,6 +233,7 @@ class GWFont : public GW_BASE, public gw::RefCounted {
     std::unique_ptr<std::string> charset_hrn_name;  // null until somebody has asked for it
     std::string xlfd_name;
     std::vector<gw::IndexName> index_names;
+    bool is_xlfd_its_index_name = false;  // its only one, which is not kept twice
     std::vector<std::size_t>
         name_hashes;  // of all names in lower case, ascending; empty until they are needed
     std::unique_ptr<RareFacts> rare_facts;  // null until there is one

@@ -62,6 +62,26 @@ TEST(SeveralNames, AreThoseOfACopyToo) {
     EXPECT_STREQ(copy->get_xlfd_name(), font->get_xlfd_name());
 }
 
+TEST(SeveralNames, OneAloneIsKeptWhateverTheFontIsCalledLater) {
+    const std::string one = "-x-a-medium-r-normal--0-0-0-0-p-0-koi8-r";
+    const std::string other = "-x-b-medium-r-normal--0-0-0-0-p-0-koi8-r";
+    const Ref<GWFont> font = outline("a", {"koi8-r"});
+    EXPECT_THAT(font->get_index_names(), ElementsAre(gw::IndexName{0, one}));
+    const Ref<GWFont> copy(new GWFont(*font, "/there/"));
+    EXPECT_THAT(copy->get_index_names(), ElementsAre(gw::IndexName{0, one}));
+    font->set_xlfd_name(one.c_str());
+    EXPECT_THAT(font->get_index_names(), ElementsAre(gw::IndexName{0, one}));
+    font->set_xlfd_name(other.c_str());
+    EXPECT_STREQ(font->get_xlfd_name(), other.c_str());
+    EXPECT_THAT(font->get_index_names(), ElementsAre(gw::IndexName{0, one}));
+    EXPECT_THAT(font->get_all_names(), ElementsAre(gw::IndexName{0, one}));
+    font->set_index_names({});
+    EXPECT_TRUE(font->get_index_names().empty());
+    const gw::IndexName second{1, one, ":1:"};
+    font->set_index_names({second});
+    EXPECT_THAT(font->get_index_names(), ElementsAre(second));
+}
+
 TEST(NameInCopy, HasNoBlankAndAPlainExtension) {
     struct Case {
         const char* name;
