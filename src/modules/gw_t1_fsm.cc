@@ -209,9 +209,7 @@ void GW_T1_FSM::list_font_file_names(GW_FSPEC_LIST& out, GW_DIR* dir, int recurs
 
 void GW_T1_FSM::list_installed_font_file_names(GW_FSPEC_LIST& out, GW_FPE* fpe) {
     const auto index = fpe->get_fontdir_file().contents();
-    for (const std::string_view name : indexed_type1_names(*index))
-        out.append(new GW_FILE_SPEC(std::string(name).c_str(), fpe->get_element(), gw::FILE_TYPE_UNDETERMINED,
-                                    gw::EXT_UNKNOWN));
+    gw::append_specs(out, indexed_type1_names(*index), *fpe);
 }
 
 void GW_T1_FSM::list_installed_font_names(GW_STRING_LIST& out, GW_FPE* fpe) {

@@ -231,11 +231,15 @@ std::vector<std::string_view> indexed_names(const GW_FONTDIR_FILE::Contents& ind
     return names;
 }
 
-void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {
-    const auto index = fpe.get_fontdir_file().contents();
-    for (const std::string_view name : indexed_names(*index, patterns))
+void append_specs(GW_FSPEC_LIST& out, const std::vector<std::string_view>& names, GW_FPE& fpe) {
+    for (const std::string_view name : names)
         out.append(new GW_FILE_SPEC(std::string(name).c_str(), fpe.get_element(), FILE_TYPE_UNDETERMINED,
                                     EXT_UNKNOWN));
+}
+
+void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns) {
+    const auto index = fpe.get_fontdir_file().contents();
+    append_specs(out, indexed_names(*index, patterns), fpe);
 }
 
 std::vector<ListedFile> listed_files(GW_FPE& fpe, const std::function<bool(std::string_view)>& takes) {

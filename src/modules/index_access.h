@@ -57,7 +57,9 @@ Outcome remove_files_and_entry(const GWFont& font, const std::function<void()>& 
 /// index order within a group.
 [[nodiscard]] std::vector<std::string_view> indexed_names(const GW_FONTDIR_FILE::Contents& index,
                                                           std::initializer_list<const char*> patterns);
-/// Appends the specifications of these files.
+/// Appends the specifications of files of the element.
+void append_specs(GW_FSPEC_LIST& out, const std::vector<std::string_view>& names, GW_FPE& fpe);
+/// The same for those files of its index that match one of `patterns`.
 void list_indexed_files(GW_FSPEC_LIST& out, GW_FPE& fpe, std::initializer_list<const char*> patterns);
 
 /// The files of the element's index for which `takes` is true, each once, in index order, with all its names.

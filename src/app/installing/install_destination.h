@@ -5,9 +5,9 @@
 
 #include <string>
 
-#include <X11/Intrinsic.h>
-
 #include "core/failure.h"
+
+#include <X11/Intrinsic.h>
 
 namespace installdlg {
 

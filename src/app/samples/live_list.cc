@@ -100,10 +100,10 @@ void show_view_again(const ListView& view) {
     if (is_another && selected == 1) select_only(wi_hrn_list, selected_position(wi_hrn_list));
 }
 
-std::vector<std::string> listed_elements() {
+std::vector<std::string> elements_of(GWFontPath::TYPE path) {
     unsigned count = 0;
     std::vector<std::string> elements;
-    for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::ALL_FP, count))
+    for (const GW_STRING* element : *the_font_path->get_fpe_list(path, count))
         elements.emplace_back(element->get_str());
     return elements;
 }
@@ -136,7 +136,7 @@ void waited_cb(XtPointer, XtIntervalId*) {
     if (are_lists_in_use()) {
         return list_soon(LEAST_INTERVAL);
     }
-    find_newly_silent(listed_elements());
+    find_newly_silent(elements_of(GWFontPath::ALL_FP));
     if (!are_indexes_as_listed()) {
         list_again();
     } else if (are_marks_out_of_date()) {
@@ -165,15 +165,6 @@ void work_permitted(bool permitted) {
     if (permitted) note_shown_fonts();
 }
 
-/// What the server said when the font paths were read.
-std::vector<std::string> session_path() {
-    unsigned count = 0;
-    std::vector<std::string> path;
-    for (const GW_STRING* element : *the_font_path->get_fpe_list(GWFontPath::SESSION_FP, count))
-        path.emplace_back(element->get_str());
-    return path;
-}
-
 void served_path_changed() {
     list_soon(milliseconds(0));
 }
@@ -183,13 +174,14 @@ void served_path_changed() {
 void note_shown_fonts() {
     if (the_input() == nullptr) return;
     note_listed_indexes();
-    the_input()->watch(listed_elements());
+    the_input()->watch(elements_of(GWFontPath::ALL_FP));
 }
 
 void follow_other_programs() {
     static DirectoryInput input(directories_changed);
     the_input() = &input;
-    take_served_path(session_path());
+    // The server was asked when the font paths were read.
+    take_served_path(elements_of(GWFontPath::SESSION_FP));
     ask_server_while_shown(wi_toplevel);
     served_path_changes().connect(served_path_changed);
     work_permissions().connect(work_permitted);
